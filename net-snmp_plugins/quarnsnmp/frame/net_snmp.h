@@ -1,0 +1,14 @@
+/**
+ * @file
+ * The agent library's headers, which rely on each other's order.
+ */
+#ifndef QUARNSNMP_NET_SNMP_H
+#define QUARNSNMP_NET_SNMP_H
+
+// clang-format off
+#include <net-snmp/net-snmp-config.h>
+#include <net-snmp/net-snmp-includes.h>
+#include <net-snmp/agent/net-snmp-agent-includes.h>
+// clang-format on
+
+#endif

@@ -1,0 +1,137 @@
+#include "snmp_utils.h"
+
+#include <cmath>
+#include <exception>
+#include <limits>
+#include <vector>
+
+#include "core_utils.h"
+
+namespace {
+
+// Column identifiers of the vendor tables have 12 sub-identifiers; the first index sub-identifier follows them.
+constexpr std::size_t kRowIndex = 12;
+constexpr std::size_t kCellLength = kRowIndex + 1;
+
+std::vector<netsnmp_handler_registration *> gRegistrations;
+
+/**
+ * Every object's entry point: calls the object's own handler, which the registration carries, and keeps exceptions
+ * out of the agent, which is C and would end.
+ */
+int CallHandler(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    const char *problem = "exception of unknown type";
+    try {
+        const auto objectHandler = reinterpret_cast<Netsnmp_Node_Handler *>(handler->myvoid);
+        return objectHandler(handler, reginfo, reqinfo, requests);
+    } catch (const std::exception &error) {
+        zorva_core_logging_log(GetLogCookie(), kLogError, "%s: %s", reginfo->handlerName, error.what());
+    } catch (...) {
+        zorva_core_logging_log(GetLogCookie(), kLogError, "%s: %s", reginfo->handlerName, problem);
+    }
+    return SNMP_ERR_GENERR;
+}
+
+int SetValue(netsnmp_request_info *request, unsigned char asnType, const void *value, std::size_t length) {
+    return snmp_set_var_typed_value(request->requestvb, asnType, value, length) == 0 ? SNMP_ERR_NOERROR
+                                                                                     : SNMP_ERR_GENERR;
+}
+
+/** Nearest int of a single-precision number; what is beyond an int becomes the nearest int, and NaN becomes 0. */
+int NearestInt(float value) {
+    constexpr float kBeyondMax = 2147483648.0F;
+    const float rounded = std::round(value);
+    if (std::isnan(rounded)) {
+        return 0;
+    }
+    if (rounded >= kBeyondMax) {
+        return std::numeric_limits<int>::max();
+    }
+    if (rounded < -kBeyondMax) {
+        return std::numeric_limits<int>::min();
+    }
+    return static_cast<int>(rounded);
+}
+
+} // namespace
+
+bool registerScalar(snmp_variable var) {
+    // Room first: once the agent has the object, remembering it must not fail.
+    gRegistrations.reserve(gRegistrations.size() + 1);
+
+    netsnmp_handler_registration *registration = netsnmp_create_handler_registration(
+        var.name, CallHandler, var.oid, static_cast<std::size_t>(var.oidLength), var.modes);
+    if (registration != nullptr) {
+        registration->handler->myvoid = reinterpret_cast<void *>(var.handler);
+        // A refused registration is freed by the agent.
+        if (netsnmp_register_scalar(registration) == MIB_REGISTERED_OK) {
+            gRegistrations.push_back(registration);
+            zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Registration for %s OID OK", __func__, var.name);
+            return true;
+        }
+    }
+    zorva_core_logging_log(GetLogCookie(), kLogError, "%s: Registration for %s OID not OK", __func__, var.name);
+    return false;
+}
+
+void UnregisterAll() {
+    for (netsnmp_handler_registration *registration : gRegistrations) {
+        netsnmp_unregister_handler(registration);
+    }
+    gRegistrations.clear();
+}
+
+int HandleIntMib(unsigned char asnType, int value, netsnmp_mib_handler * /*handler*/,
+                 netsnmp_handler_registration * /*reginfo*/, netsnmp_agent_request_info *reqinfo,
+                 netsnmp_request_info *requests) {
+    if (reqinfo->mode != MODE_GET) {
+        return SNMP_ERR_GENERR;
+    }
+    return SetValue(requests, asnType, &value, sizeof value);
+}
+
+int HandleStringMib(std::string value, netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                    netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    if (reqinfo->mode != MODE_GET) {
+        return SNMP_ERR_GENERR;
+    }
+    return SetValue(requests, ASN_OCTET_STR, value.data(), value.size());
+}
+
+void GetRowAndColFromRequest(netsnmp_request_info *request, int &row, int &col) {
+    row = 0;
+    col = 0;
+    const netsnmp_table_request_info *info = netsnmp_extract_table_info(request);
+    const netsnmp_variable_list *cell = request->requestvb;
+    if (info == nullptr || cell->name_length < kCellLength) {
+        return;
+    }
+
+    // Numbers only: names depend on the MIB files that the agent happens to load, and on its output options.
+    const int format = netsnmp_ds_get_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OID_OUTPUT_FORMAT);
+    netsnmp_ds_set_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OID_OUTPUT_FORMAT, NETSNMP_OID_OUTPUT_NUMERIC);
+    char text[256];
+    const int textLength = snprint_objid(text, sizeof text, cell->name, kCellLength);
+    netsnmp_ds_set_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OID_OUTPUT_FORMAT, format);
+
+    ::oid parsed[kCellLength];
+    std::size_t parsedLength = kCellLength;
+    if (textLength < 0 || snmp_parse_oid(text, parsed, &parsedLength) == nullptr || parsedLength != kCellLength) {
+        return;
+    }
+    row = static_cast<int>(parsed[kRowIndex]);
+    col = static_cast<int>(info->colnum);
+}
+
+int ScaleValues(int value, int fromMin, int fromMax, int toMin, int toMax) {
+    const double scaled = (static_cast<double>(value) - static_cast<double>(fromMin)) *
+                              (static_cast<double>(toMax) - static_cast<double>(toMin)) /
+                              (static_cast<double>(fromMax) - static_cast<double>(fromMin)) +
+                          static_cast<double>(toMin);
+    return NearestInt(static_cast<float>(scaled));
+}
+
+unsigned short ushort_swap_endian(unsigned short value) {
+    return static_cast<unsigned short>((value << 8U) | (value >> 8U));
+}

@@ -1,0 +1,69 @@
+/**
+ * @file
+ * What every feature uses to serve objects: the record of a scalar, its registration, and the shared request routines.
+ */
+#ifndef QUARNSNMP_SNMP_UTILS_H
+#define QUARNSNMP_SNMP_UTILS_H
+
+#include <cstdint>
+#include <string>
+
+#include "net_snmp.h"
+
+/**
+ * One scalar object to register. The agent answers it at `oid` followed by the instance 0, also where `oid` itself
+ * ends in 0 already, as those of the vendor scalars do.
+ */
+struct snmp_variable {
+    char name[32];                 ///< object name, also the name of the registration
+    Netsnmp_Node_Handler *handler; ///< answers the object's requests
+    ::oid *oid;                    ///< the identifier, owned by oids/
+    int32_t oidLength;             ///< number of sub-identifiers in `oid`
+    int32_t modes;                 ///< HANDLER_CAN_GETANDGETNEXT or HANDLER_CAN_RWRITE
+};
+
+/**
+ * Registers a scalar with the agent and remembers it for UnregisterAll(). The agent refuses an identifier that is
+ * registered already; that is how the first of two features wins.
+ * @return whether the agent took it; either outcome is logged
+ */
+bool registerScalar(snmp_variable var);
+
+/**
+ * Takes every object that this module registered back from the agent. The agent does not do so itself when it unloads
+ * a module, and would call into code that is gone.
+ */
+void UnregisterAll();
+
+/**
+ * Answers a GET with a 32-bit integer of the given ASN.1 type.
+ * @return SNMP_ERR_NOERROR; SNMP_ERR_GENERR for another mode, which leaves the request as it is
+ */
+int HandleIntMib(unsigned char asnType, int value, netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                 netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
+
+/**
+ * Answers a GET with a text as an OCTET STRING.
+ * @return SNMP_ERR_NOERROR; SNMP_ERR_GENERR for another mode, which leaves the request as it is
+ */
+int HandleStringMib(std::string value, netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                    netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
+
+/**
+ * Finds out which cell of a vendor table a request is for. Column identifiers of these tables have 12 sub-identifiers,
+ * so the row is the 13th.
+ * @param row,col  outputs: both 0 when the request names no cell
+ */
+void GetRowAndColFromRequest(netsnmp_request_info *request, int &row, int &col);
+
+/**
+ * Maps a value linearly from one range to another, to the nearest integer, halves away from zero. The result passes
+ * through single precision, so it is exact up to 2^24 only. Values outside the first range map outside the second.
+ * @param fromMin,fromMax  must differ; equal bounds have no meaningful result, though a defined one
+ */
+int ScaleValues(int value, int fromMin, int fromMax, int toMin, int toMax);
+
+/** Swaps the two octets of a 16-bit value. */
+unsigned short ushort_swap_endian(unsigned short value);
+
+#endif

@@ -1,0 +1,16 @@
+#include "zorva_api_exception.h"
+
+namespace zorva {
+namespace core {
+
+ZorvaApiException::ZorvaApiException(const std::string &message, zorva_core_status failedStatus)
+    : std::runtime_error(formatMessage(message, failedStatus)), status(failedStatus) {}
+
+ZorvaApiException::~ZorvaApiException() = default;
+
+std::string ZorvaApiException::formatMessage(const std::string &message, zorva_core_status status) {
+    return message + " (" + statusToString(status) + ")";
+}
+
+} // namespace core
+} // namespace zorva

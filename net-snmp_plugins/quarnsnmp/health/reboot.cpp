@@ -1,0 +1,7 @@
+#include "feature_modules.h"
+
+bool InitRebootInfo(void * /*ipcCookie*/) {
+    return false;
+}
+
+void DeinitRebootInfo() {}

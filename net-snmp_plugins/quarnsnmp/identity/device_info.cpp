@@ -1,0 +1,85 @@
+/**
+ * @file
+ * The camera's identity as vendor scalars. It is read once at start: a new firmware shows when the module is reloaded,
+ * which a firmware update brings about anyway.
+ */
+#include <string>
+
+#include "core_utils.h"
+#include "feature_modules.h"
+#include "oids.h"
+#include "snmp_utils.h"
+#include "static_information.h"
+
+namespace {
+
+std::string gModelName = "Error: Model Name not defined";
+std::string gModelNumber = "Error: Model Number not defined";
+std::string gHardwareVersion = "Error: Hardware Version not defined";
+std::string gSerialNumber = "Error: Serial Number not defined";
+std::string gFirmwareVersion = "Error: Firmware Version not defined";
+
+} // namespace
+
+int handle_modelNumber(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                       netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleStringMib(gModelNumber, handler, reginfo, reqinfo, requests);
+}
+
+int handle_modelName(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                     netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleStringMib(gModelName, handler, reginfo, reqinfo, requests);
+}
+
+int handle_serialNumber(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                        netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleStringMib(gSerialNumber, handler, reginfo, reqinfo, requests);
+}
+
+int handle_fwVersion(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                     netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleStringMib(gFirmwareVersion, handler, reginfo, reqinfo, requests);
+}
+
+int handle_hwVersion(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                     netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleStringMib(gHardwareVersion, handler, reginfo, reqinfo, requests);
+}
+
+namespace {
+
+// The camera has no software version apart from its firmware's, so the firmware's handler serves both.
+// clang-format off
+const snmp_variable kDeviceInfoObjects[] = {
+    {"modelNumber",  handle_modelNumber,  oid_modelNo,   OID_LENGTH(oid_modelNo),   HANDLER_CAN_GETANDGETNEXT},
+    {"modelName",    handle_modelName,    oid_modelName, OID_LENGTH(oid_modelName), HANDLER_CAN_GETANDGETNEXT},
+    {"serialNumber", handle_serialNumber, oid_serialNo,  OID_LENGTH(oid_serialNo),  HANDLER_CAN_GETANDGETNEXT},
+    {"fwVersion",    handle_fwVersion,    oid_fwVersion, OID_LENGTH(oid_fwVersion), HANDLER_CAN_GETANDGETNEXT},
+    {"swVersion",    handle_fwVersion,    oid_swVersion, OID_LENGTH(oid_swVersion), HANDLER_CAN_GETANDGETNEXT},
+    {"hwVersion",    handle_hwVersion,    oid_hwVersion, OID_LENGTH(oid_hwVersion), HANDLER_CAN_GETANDGETNEXT},
+};
+// clang-format on
+
+} // namespace
+
+bool InitDeviceInfo(void *ipcCookie) {
+    StaticInformation information;
+    if (!ReadStaticInformation(__func__, ipcCookie, information)) {
+        return false;
+    }
+    // The service knows one text for both the name and the number of the model.
+    gModelName = information.modelName;
+    gModelNumber = information.modelName;
+    gHardwareVersion = information.hardwareVersion;
+    gSerialNumber = information.serialNumber;
+    gFirmwareVersion = information.firmwareVersion;
+
+    for (const snmp_variable &object : kDeviceInfoObjects) {
+        registerScalar(object);
+    }
+    return true;
+}
+
+void DeinitDeviceInfo() {
+    // InitDeviceInfo() closed the service already.
+}

@@ -1,0 +1,7 @@
+#include "feature_modules.h"
+
+bool InitModuleInfo(void * /*ipcCookie*/) {
+    return false;
+}
+
+void DeinitModuleInfo() {}

@@ -1,0 +1,7 @@
+#include "feature_modules.h"
+
+bool InitAlarm(void * /*ipcCookie*/) {
+    return false;
+}
+
+void DeinitAlarm() {}

@@ -1,0 +1,7 @@
+#include "feature_modules.h"
+
+bool InitRelay(void * /*ipcCookie*/) {
+    return false;
+}
+
+void DeinitRelay() {}

@@ -1,0 +1,7 @@
+#include "feature_modules.h"
+
+bool InitFocus(void * /*ipcCookie*/) {
+    return false;
+}
+
+void DeinitFocus() {}

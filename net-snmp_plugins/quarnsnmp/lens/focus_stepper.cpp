@@ -1,0 +1,7 @@
+#include "feature_modules.h"
+
+bool InitFocusStepper(void * /*ipcCookie*/) {
+    return false;
+}
+
+void DeinitFocusStepper() {}

@@ -1,0 +1,7 @@
+#include "feature_modules.h"
+
+bool InitIris(void * /*ipcCookie*/) {
+    return false;
+}
+
+void DeinitIris() {}

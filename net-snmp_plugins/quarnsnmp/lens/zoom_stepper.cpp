@@ -1,0 +1,7 @@
+#include "feature_modules.h"
+
+bool InitZoomStepper(void * /*ipcCookie*/) {
+    return false;
+}
+
+void DeinitZoomStepper() {}

@@ -1,0 +1,7 @@
+#include "feature_modules.h"
+
+bool InitPositioning(void * /*ipcCookie*/) {
+    return false;
+}
+
+void DeinitPositioning() {}

@@ -1,0 +1,109 @@
+/**
+ * @file
+ * A core library for unit tests: it answers as the test says, and records every call and every log line.
+ *
+ * A call is recorded as one text, written as in C with the handles by name and the outputs as `&`, for instance
+ * `zorva_api_iris_set_velocity_send(iris, "iris/1", 0, 1)`. A handle that is not open shows as `null` or `closed`.
+ *
+ * Nothing is answered by default: a service has no targets until targets() names some, and a call that has outputs
+ * needs an answer(). A call without one fails and is listed by problems(). After a failed call the outputs hold
+ * rubbish, as the interface allows.
+ */
+#ifndef QUARNSNMP_SCRIPTED_CORE_H
+#define QUARNSNMP_SCRIPTED_CORE_H
+
+#include <cstdarg>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "zorva-core.h"
+
+namespace scripted {
+
+/** Value of an output; the null pointer is a text that the service leaves out. */
+using Value = std::variant<std::int64_t, std::string, std::nullptr_t>;
+
+/** What a call does: its status, and with status 0 the values of its outputs in order. */
+struct Outcome {
+    zorva_core_status status = 0;
+    std::vector<Value> outputs;
+};
+
+/** What getTargetIds() does. */
+struct Targets {
+    bool found = false;
+    std::vector<std::string> ids;
+};
+
+struct LogLine {
+    int level;
+    std::string text;
+};
+
+bool operator==(const LogLine &left, const LogLine &right);
+std::ostream &operator<<(std::ostream &stream, const LogLine &line);
+
+/** The script and the record. All of it may be used from any thread. */
+class Core {
+public:
+    /** Forgets the script, the record and all open handles. */
+    void reset();
+
+    /** From now on the service has these targets; an empty list is "true, but nothing there". */
+    void targets(const std::string &service, std::vector<std::string> ids);
+    /** The next discovery of the service, before what targets() says; several are used up in order. */
+    void targetsOnce(const std::string &service, Targets targets);
+
+    /** From now on the call succeeds with these outputs. */
+    void answer(const std::string &function, std::vector<Value> outputs);
+    /** From now on the call fails. */
+    void fail(const std::string &function, zorva_core_status status);
+    /** The next call only, before what answer() or fail() says; several are used up in order. */
+    void once(const std::string &function, Outcome outcome);
+    /** Runs `action` inside each such call, on the caller's thread. */
+    void during(const std::string &function, std::function<void()> action);
+
+    std::vector<std::string> calls() const;
+    std::vector<LogLine> logs() const;
+    /** Log lines of one level. */
+    std::vector<std::string> logs(int level) const;
+    /** Calls that had no answer, and handles or arguments that make no sense. */
+    std::vector<std::string> problems() const;
+    /** Forgets the recorded calls and log lines; the script and the handles stay. */
+    void clearRecord();
+
+    // What the library's functions use.
+    Outcome perform(const std::string &function, const std::string &recorded, std::size_t outputs);
+    bool discover(const std::string &service, std::vector<std::string> &ids);
+    void *open(const std::string &name);
+    void close(void *handle);
+    std::string nameOf(void *handle) const;
+    void log(void *handle, int level, const char *format, va_list arguments);
+    void problem(const std::string &text);
+
+private:
+    mutable std::mutex mutex_;
+    std::map<std::string, Targets> targets_;
+    std::map<std::string, std::deque<Targets>> targetsOnce_;
+    std::map<std::string, Outcome> outcomes_;
+    std::map<std::string, std::deque<Outcome>> outcomesOnce_;
+    std::map<std::string, std::function<void()>> actions_;
+    std::map<std::uintptr_t, std::string> handles_;
+    std::uintptr_t nextHandle_ = 1;
+    std::vector<std::string> calls_;
+    std::vector<LogLine> logs_;
+    std::vector<std::string> problems_;
+};
+
+/** The one scripted library of the process. */
+Core &core();
+
+} // namespace scripted
+
+#endif

@@ -1,0 +1,85 @@
+#include "agent_requests.h"
+
+#include <sstream>
+
+namespace requests {
+
+std::vector<oid> identifier(std::string_view dotted) {
+    std::vector<oid> result;
+    std::istringstream text{std::string(dotted)};
+    for (std::string part; std::getline(text, part, '.');) {
+        result.push_back(std::stoul(part));
+    }
+    return result;
+}
+
+NewValue NewValue::integer(long value) {
+    return {ASN_INTEGER, std::string(reinterpret_cast<const char *>(&value), sizeof value)};
+}
+
+NewValue NewValue::text(std::string_view octets) {
+    return {ASN_OCTET_STR, std::string(octets)};
+}
+
+Request::Request(std::string_view dotted) : Request(dotted, {ASN_NULL, ""}) {}
+
+Request::Request(std::string_view dotted, const NewValue &value) : name_(identifier(dotted)) {
+    snmp_varlist_add_variable(&varbind_, name_.data(), name_.size(), value.type, value.content.data(),
+                              value.content.size());
+    request_.requestvb = varbind_;
+    request_.agent_req_info = &agentRequest_;
+}
+
+Request::~Request() {
+    netsnmp_free_request_data_sets(&request_);
+    snmp_free_varbind(varbind_);
+}
+
+Answer Request::run(int mode) {
+    netsnmp_subtree *subtree = netsnmp_subtree_find(name_.data(), name_.size(), nullptr, "");
+    if (subtree == nullptr || subtree->reginfo == nullptr) {
+        return answer(SNMP_ERR_NOSUCHNAME);
+    }
+    agentRequest_.mode = mode;
+    request_.subtree = subtree;
+    request_.processed = 0;
+    return answer(netsnmp_call_handlers(subtree->reginfo, &agentRequest_, &request_));
+}
+
+Answer Request::run(Netsnmp_Node_Handler *handler, int mode) {
+    agentRequest_.mode = mode;
+    return answer(handler(nullptr, nullptr, &agentRequest_, &request_));
+}
+
+netsnmp_request_info *Request::info() {
+    return &request_;
+}
+
+Answer Request::answer(int returned) const {
+    Answer result;
+    result.returned = returned;
+    result.requestError = request_.status;
+    result.type = varbind_->type;
+    if (varbind_->type == ASN_OCTET_STR) {
+        result.octets.assign(reinterpret_cast<const char *>(varbind_->val.string), varbind_->val_len);
+    } else if (varbind_->val.integer != nullptr && varbind_->val_len == sizeof *varbind_->val.integer) {
+        result.integer = *varbind_->val.integer;
+    }
+    return result;
+}
+
+std::string registeredName(std::string_view dotted) {
+    const std::vector<oid> name = identifier(dotted);
+    const netsnmp_subtree *subtree = netsnmp_subtree_find(name.data(), name.size(), nullptr, "");
+    if (subtree == nullptr || subtree->reginfo == nullptr ||
+        snmp_oid_compare(subtree->reginfo->rootoid, subtree->reginfo->rootoid_len, name.data(), name.size()) != 0) {
+        return "";
+    }
+    return subtree->reginfo->handlerName;
+}
+
+Answer get(std::string_view dotted) {
+    return Request(dotted).run(MODE_GET);
+}
+
+} // namespace requests

@@ -1,0 +1,73 @@
+/**
+ * @file
+ * Requests to registered objects through the agent library's own structures and handler chains, phase by phase, as the
+ * agent makes them.
+ */
+#ifndef QUARNSNMP_AGENT_REQUESTS_H
+#define QUARNSNMP_AGENT_REQUESTS_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "net_snmp.h"
+
+namespace requests {
+
+/** Sub-identifiers of a dotted text such as "1.3.6.1". */
+std::vector<oid> identifier(std::string_view dotted);
+
+/** What a handler left behind after one mode. */
+struct Answer {
+    int returned = SNMP_ERR_NOERROR;     ///< what the handler chain returned
+    int requestError = SNMP_ERR_NOERROR; ///< error set on the request itself
+    unsigned char type = ASN_NULL;       ///< type of the varbind's value
+    long integer = 0;                    ///< value of an integer type
+    std::string octets;                  ///< value of an OCTET STRING
+};
+
+/** A value to SET. */
+struct NewValue {
+    unsigned char type;
+    std::string content; ///< octets, or the value's bytes in memory
+
+    static NewValue integer(long value);
+    static NewValue text(std::string_view octets);
+};
+
+/** One variable of a PDU, on its way through the modes. */
+class Request {
+public:
+    /** A request without a value, as in a GET. */
+    explicit Request(std::string_view dotted);
+    Request(std::string_view dotted, const NewValue &value);
+    ~Request();
+    Request(const Request &) = delete;
+    Request &operator=(const Request &) = delete;
+
+    /** Calls the handlers of the object registered at or above the identifier, in this mode. */
+    Answer run(int mode);
+    /** Calls one handler, without the agent's helpers before it. */
+    Answer run(Netsnmp_Node_Handler *handler, int mode);
+
+    netsnmp_request_info *info();
+
+private:
+    Answer answer(int returned) const;
+
+    std::vector<oid> name_;
+    netsnmp_variable_list *varbind_ = nullptr;
+    netsnmp_agent_request_info agentRequest_{};
+    netsnmp_request_info request_{};
+};
+
+/** Name of what is registered at exactly this identifier, the instance 0 not included; empty when nothing is. */
+std::string registeredName(std::string_view dotted);
+
+/** GET of an instance. */
+Answer get(std::string_view dotted);
+
+} // namespace requests
+
+#endif

@@ -1,0 +1,261 @@
+#include "module_test.h"
+
+#include <climits>
+#include <stdexcept>
+
+#include "snmp_utils.h"
+#include "zorva_api_exception.h"
+
+using requests::Answer;
+using requests::NewValue;
+using requests::Request;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+const char *const kObject = "1.3.6.1.4.1.99999.1.1.8.0";
+const char *const kInstance = "1.3.6.1.4.1.99999.1.1.8.0.0";
+
+oid gObjectOid[] = {1, 3, 6, 1, 4, 1, 99999, 1, 1, 8, 0};
+
+const int kOtherModes[] = {MODE_GETNEXT,    MODE_GETBULK,    MODE_SET_RESERVE1, MODE_SET_RESERVE2,
+                           MODE_SET_ACTION, MODE_SET_COMMIT, MODE_SET_FREE,     MODE_SET_UNDO};
+
+int answerSeven(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleIntMib(ASN_INTEGER, 7, handler, reginfo, reqinfo, requests);
+}
+
+int answerUnsigned(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                   netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleIntMib(ASN_UNSIGNED, 40, handler, reginfo, reqinfo, requests);
+}
+
+int answerText(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo, netsnmp_agent_request_info *reqinfo,
+               netsnmp_request_info *requests) {
+    return HandleStringMib(std::string("a\0b", 3), handler, reginfo, reqinfo, requests);
+}
+
+int throwError(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+               netsnmp_agent_request_info * /*reqinfo*/, netsnmp_request_info * /*requests*/) {
+    throw std::runtime_error("no room");
+}
+
+snmp_variable object(Netsnmp_Node_Handler *handler, int modes = HANDLER_CAN_GETANDGETNEXT) {
+    return {"power", handler, gObjectOid, OID_LENGTH(gObjectOid), modes};
+}
+
+class FrameTest : public ModuleTest {
+protected:
+    void SetUp() override {
+        openCore();
+    }
+};
+
+} // namespace
+
+TEST(ScaleValues, MapsToTheNearestIntegerHalvesAwayFromZero) {
+    EXPECT_EQ(ScaleValues(32768, 0, 65535, 0, 100), 50);
+    EXPECT_EQ(ScaleValues(65535, 0, 65535, -170000, 170000), 170000);
+    EXPECT_EQ(ScaleValues(0, 0, 65535, -170000, 170000), -170000);
+    EXPECT_EQ(ScaleValues(1, 0, 2, 0, 1), 1);
+    EXPECT_EQ(ScaleValues(-1, 0, 2, 0, 1), -1);
+}
+
+TEST(ScaleValues, DoesNotClamp) {
+    EXPECT_EQ(ScaleValues(20, 0, 10, 0, 100), 200);
+    EXPECT_EQ(ScaleValues(-5, 0, 10, 0, 100), -50);
+    EXPECT_EQ(ScaleValues(128, 0, 127, 0, 127), 128);
+}
+
+TEST(ScaleValues, PassesThroughSinglePrecision) {
+    EXPECT_EQ(ScaleValues(16777216, 0, 16777216, 0, 16777216), 16777216);
+    EXPECT_EQ(ScaleValues(16777217, 0, 16777217, 0, 16777217), 16777216);
+    EXPECT_EQ(ScaleValues(100000001, 0, 1, 0, 1), 100000000);
+}
+
+TEST(ScaleValues, HasADefinedResultWhereItHasNoMeaning) {
+    EXPECT_EQ(ScaleValues(5, 5, 5, 0, 100), 0);
+    EXPECT_EQ(ScaleValues(6, 5, 5, 0, 100), INT_MAX);
+    EXPECT_EQ(ScaleValues(4, 5, 5, 0, 100), INT_MIN);
+    EXPECT_EQ(ScaleValues(INT_MAX, 0, 1, INT_MIN, INT_MAX), INT_MAX);
+    EXPECT_EQ(ScaleValues(INT_MIN, 0, 1, INT_MIN, INT_MAX), INT_MIN);
+}
+
+TEST(UshortSwapEndian, SwapsTheOctets) {
+    EXPECT_EQ(ushort_swap_endian(0x1234), 0x3412);
+    EXPECT_EQ(ushort_swap_endian(0xFF00), 0x00FF);
+}
+
+TEST_F(FrameTest, AVendorScalarAnswersBelowItsStoredIdentifier) {
+    ASSERT_TRUE(registerScalar(object(answerSeven)));
+    EXPECT_EQ(requests::registeredName(kObject), "power");
+    EXPECT_NE(requests::get(kObject).type, ASN_INTEGER) << "the stored identifier is no instance";
+    const Answer answer = requests::get(kInstance);
+    EXPECT_EQ(answer.returned, SNMP_ERR_NOERROR);
+    EXPECT_EQ(answer.type, ASN_INTEGER);
+    EXPECT_EQ(answer.integer, 7);
+    EXPECT_THAT(core().logs(), ElementsAre(scripted::LogLine{7, "registerScalar: Registration for power OID OK"}));
+}
+
+TEST_F(FrameTest, TheSecondRegistrationOfAnIdentifierIsRefused) {
+    ASSERT_TRUE(registerScalar(object(answerSeven)));
+    core().clearRecord();
+    snmp_variable second = object(answerText);
+    EXPECT_FALSE(registerScalar(second));
+    EXPECT_THAT(core().logs(), ElementsAre(scripted::LogLine{3, "registerScalar: Registration for power OID not OK"}));
+    EXPECT_EQ(requests::get(kInstance).integer, 7);
+}
+
+TEST_F(FrameTest, ObjectsCanBeTakenBackAndRegisteredAgain) {
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_TRUE(registerScalar(object(answerSeven)));
+        ASSERT_EQ(requests::get(kInstance).integer, 7);
+        UnregisterAll();
+        ASSERT_EQ(requests::registeredName(kObject), "");
+    }
+}
+
+TEST_F(FrameTest, AReadOnlyScalarRefusesASet) {
+    ASSERT_TRUE(registerScalar(object(answerSeven)));
+    const Answer answer = Request(kInstance, NewValue::integer(1)).run(MODE_SET_RESERVE1);
+    EXPECT_EQ(answer.requestError, SNMP_ERR_NOTWRITABLE);
+}
+
+TEST_F(FrameTest, AnExceptionOfAHandlerIsAnsweredWithGenErr) {
+    ASSERT_TRUE(registerScalar(object(throwError)));
+    core().clearRecord();
+    EXPECT_EQ(requests::get(kInstance).returned, SNMP_ERR_GENERR);
+    EXPECT_THAT(core().logs(), ElementsAre(scripted::LogLine{3, "power: no room"}));
+}
+
+TEST_F(FrameTest, HandleIntMibSetsTheTypeThatItIsGiven) {
+    const Answer answer = Request(kInstance).run(answerUnsigned, MODE_GET);
+    EXPECT_EQ(answer.returned, SNMP_ERR_NOERROR);
+    EXPECT_EQ(answer.type, ASN_UNSIGNED);
+    EXPECT_EQ(answer.integer, 40);
+}
+
+TEST_F(FrameTest, HandleStringMibSetsTheTextAsItIs) {
+    const Answer answer = Request(kInstance).run(answerText, MODE_GET);
+    EXPECT_EQ(answer.returned, SNMP_ERR_NOERROR);
+    EXPECT_EQ(answer.type, ASN_OCTET_STR);
+    EXPECT_EQ(answer.octets, std::string("a\0b", 3));
+}
+
+TEST_F(FrameTest, BothAnswerGenErrForAnyModeButGetAndLeaveTheRequest) {
+    for (const int mode : kOtherModes) {
+        for (Netsnmp_Node_Handler *handler : {answerSeven, answerText}) {
+            const Answer answer = Request(kInstance).run(handler, mode);
+            EXPECT_EQ(answer.returned, SNMP_ERR_GENERR) << mode;
+            EXPECT_EQ(answer.requestError, SNMP_ERR_NOERROR) << mode;
+            EXPECT_EQ(answer.type, ASN_NULL) << mode;
+        }
+    }
+}
+
+namespace {
+
+/** Row and column of a request for a cell, with the table information that the agent's table helper attaches. */
+std::pair<int, int> cellOf(std::string_view dotted, unsigned int column) {
+    Request request(dotted);
+    netsnmp_table_request_info info{};
+    info.colnum = column;
+    netsnmp_request_add_list_data(request.info(),
+                                  netsnmp_create_data_list(TABLE_HANDLER_NAME, &info, [](void * /*data*/) {}));
+    int row = -7;
+    int col = -7;
+    GetRowAndColFromRequest(request.info(), row, col);
+    return {row, col};
+}
+
+} // namespace
+
+TEST_F(FrameTest, TheRowIsTheThirteenthSubIdentifier) {
+    EXPECT_EQ(cellOf("1.3.6.1.4.1.99999.1.3.1.1.3.5", 3), std::make_pair(5, 3));
+    EXPECT_EQ(cellOf("1.3.6.1.4.1.99999.1.3.1.1.2.0", 2), std::make_pair(0, 2));
+    EXPECT_EQ(cellOf("1.3.6.1.4.1.99999.1.3.1.1.3.2147483647", 3), std::make_pair(INT_MAX, 3));
+    EXPECT_EQ(cellOf("1.3.6.1.4.1.99999.1.3.1.1.3.4294967295", 3), std::make_pair(-1, 3));
+    EXPECT_EQ(cellOf("1.3.6.1.4.1.99999.1.3.1.1.3.5.6.7", 3), std::make_pair(5, 3));
+}
+
+TEST_F(FrameTest, ARequestWithoutARowHasNoCell) {
+    EXPECT_EQ(cellOf("1.3.6.1.4.1.99999.1.3.1.1.3", 3), std::make_pair(0, 0));
+    Request withoutTable("1.3.6.1.4.1.99999.1.3.1.1.3.5");
+    int row = -7;
+    int col = -7;
+    GetRowAndColFromRequest(withoutTable.info(), row, col);
+    EXPECT_EQ(row, 0);
+    EXPECT_EQ(col, 0);
+}
+
+TEST_F(FrameTest, TheRowDoesNotDependOnHowIdentifiersArePrinted) {
+    const int format = netsnmp_ds_get_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OID_OUTPUT_FORMAT);
+    for (const int other : {NETSNMP_OID_OUTPUT_SUFFIX, NETSNMP_OID_OUTPUT_UCD, NETSNMP_OID_OUTPUT_FULL}) {
+        netsnmp_ds_set_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OID_OUTPUT_FORMAT, other);
+        EXPECT_EQ(cellOf("1.3.6.1.4.1.99999.1.3.1.1.3.5", 3), std::make_pair(5, 3)) << other;
+        EXPECT_EQ(netsnmp_ds_get_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OID_OUTPUT_FORMAT), other);
+    }
+    netsnmp_ds_set_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OID_OUTPUT_FORMAT, format);
+}
+
+TEST_F(FrameTest, AnApiExceptionNamesItsStatus) {
+    const zorva::core::ZorvaApiException error("Failed zorva api call: x()", 42);
+    EXPECT_STREQ(error.what(), "Failed zorva api call: x() (status 42)");
+    EXPECT_EQ(error.status, 42);
+    EXPECT_EQ(zorva::core::ZorvaApiException::formatMessage("text", 0), "text (status 0)");
+}
+
+TEST_F(FrameTest, AFailedCallIsNamedAsItIsWritten) {
+    core().targets("iris", {"iris/1"});
+    core().fail("zorva_api_iris_set_velocity_send", 9);
+    void *gApiCookie = nullptr;
+    try {
+        // clang-format off
+        ZORVA_API_CALL(zorva_api_iris_set_velocity_send( gApiCookie, "iris/1", 0 ,
+                                                         1));
+        // clang-format on
+        FAIL() << "no exception";
+    } catch (const std::exception &error) {
+        EXPECT_STREQ(error.what(), "Failed zorva api call: zorva_api_iris_set_velocity_send( gApiCookie, \"iris/1\", "
+                                   "0 , 1) (status 9)");
+    }
+    try {
+        // clang-format off
+        ZORVA_API_CALL(zorva_api_iris_set_velocity_send(
+            gApiCookie, "iris/1", 0, 1));
+        // clang-format on
+        FAIL() << "no exception";
+    } catch (const std::exception &error) {
+        EXPECT_STREQ(error.what(), "Failed zorva api call: zorva_api_iris_set_velocity_send( gApiCookie, \"iris/1\", "
+                                   "0, 1) (status 9)");
+    }
+}
+
+TEST_F(FrameTest, ASuccessfulCallThrowsNothing) {
+    EXPECT_NO_THROW(ZORVA_API_CALL(zorva_api_iris_set_velocity_send(nullptr, "iris/1", 0, 1)));
+}
+
+TEST(CoreUtils, OpensAndClosesTheLibraryInOrder) {
+    scripted::core().reset();
+    EXPECT_EQ(InitUtils(), 0);
+    EXPECT_EQ(scripted::core().nameOf(GetLogCookie()), "log");
+    EXPECT_EQ(scripted::core().nameOf(GetIpcCookie()), "ipc");
+    DeinitUtils();
+    EXPECT_THAT(scripted::core().calls(),
+                ElementsAre("zorva_core_init()", "zorva_core_logging_init(\"SNMP\", &)",
+                            "zorva_core_ipc_initiator_init(log, null, &)", "zorva_core_ipc_deinit(ipc)",
+                            "zorva_core_logging_deinit(log)", "zorva_core_deinit()"));
+    EXPECT_THAT(scripted::core().logs(), IsEmpty());
+}
+
+TEST(CoreUtils, GoesOnAfterAFailureAndReturnsTheStatusOfTheIpc) {
+    scripted::core().reset();
+    scripted::core().fail("zorva_core_init", 3);
+    scripted::core().fail("zorva_core_ipc_initiator_init", 4);
+    EXPECT_EQ(InitUtils(), 4);
+    EXPECT_EQ(scripted::core().calls().size(), 3U);
+    EXPECT_THAT(scripted::core().logs(), IsEmpty());
+    DeinitUtils();
+}

@@ -1,0 +1,70 @@
+#include "module_test.h"
+
+#include <cstdlib>
+
+#include "snmp_utils.h"
+
+namespace {
+
+struct Row {
+    bool (*init)(void *);
+    void (*deinit)();
+    void (*poll)();
+};
+
+std::array<Row, gFeatureModules.size()> gOriginalRows{};
+
+void startAgentLibrary() {
+    static const bool started = [] {
+        // Neither the machine's configuration nor its MIB files belong into a test.
+        setenv("SNMPCONFPATH", "/nonexistent", 1);
+        setenv("MIBS", "", 1);
+        netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, 1);
+        netsnmp_register_loghandler(NETSNMP_LOGHANDLER_NONE, LOG_DEBUG);
+        init_agent("unit-tests");
+        init_snmp("unit-tests");
+        return true;
+    }();
+    (void)started;
+}
+
+} // namespace
+
+ModuleTest::ModuleTest() {
+    core().reset();
+    for (std::size_t i = 0; i < gFeatureModules.size(); ++i) {
+        gOriginalRows.at(i) = {gFeatureModules.at(i).init, gFeatureModules.at(i).deinit, gFeatureModules.at(i).poll};
+        gFeatureModules.at(i).initialised = false;
+    }
+}
+
+ModuleTest::~ModuleTest() {
+    for (std::size_t i = 0; i < gFeatureModules.size(); ++i) {
+        gFeatureModules.at(i).init = gOriginalRows.at(i).init;
+        gFeatureModules.at(i).deinit = gOriginalRows.at(i).deinit;
+        gFeatureModules.at(i).poll = gOriginalRows.at(i).poll;
+    }
+    UnregisterAll();
+    EXPECT_THAT(core().problems(), testing::IsEmpty());
+}
+
+void ModuleTest::openCore() {
+    InitUtils();
+    core().clearRecord();
+}
+
+void ModuleTest::emptyFeatureTable() {
+    for (FeatureModule &feature : gFeatureModules) {
+        feature.init = [](void *) { return false; };
+        feature.deinit = [] { ADD_FAILURE() << "a feature that is not up was ended"; };
+        feature.poll = nullptr;
+    }
+}
+
+scripted::Core &ModuleTest::core() {
+    return scripted::core();
+}
+
+void ModuleTest::SetUpTestSuite() {
+    startAgentLibrary();
+}
