@@ -54,8 +54,8 @@ bool InitFeature(const FeatureModule &feature) {
 
 int init_quarnsnmp(void) {
     InitUtils();
-    new QuarnSnmpTrapSend; // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): it is the singleton from here on
-    if (!gTimerThread.joinable()) {
+    new QuarnSnmpTrapSend;          // keeps itself, as the singleton
+    if (!gTimerThread.joinable()) { // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): see above
         // Only when the code stayed mapped since a former deinit_quarnsnmp().
         gTimerThread = StartPollThread();
     }

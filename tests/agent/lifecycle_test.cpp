@@ -1,0 +1,259 @@
+// The module comes and goes with its agent: at start and stop, at a reload, and at run time.
+#include <algorithm>
+#include <iostream>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "camera.h"
+#include "eventually.h"
+#include "identity_objects.h"
+#include "process_information.h"
+#include "settings.h"
+
+namespace {
+
+using namespace harness;
+using namespace identity;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+/** What must not grow from one load of the module to the next. */
+struct Footprint {
+    std::size_t descriptors;
+    std::size_t threads;
+    std::size_t kilobytes;
+};
+
+Footprint footprint(const Agent &agent) {
+    return {descriptorCount(agent.pid()), threadCount(agent.pid()), residentKilobytes(agent.pid())};
+}
+
+/** The agent's own memory is not quite the same at any two times: its allocator keeps what it may need again. */
+constexpr std::size_t kSlackKilobytes = 512;
+
+void expectFlat(const Footprint &before, const Footprint &after, std::size_t slack = kSlackKilobytes) {
+    EXPECT_EQ(before.descriptors, after.descriptors);
+    EXPECT_EQ(before.threads, after.threads);
+    EXPECT_LE(after.kilobytes, before.kilobytes + slack);
+}
+
+/** Lines of the agent's log about objects of this module that were there twice. */
+std::size_t duplicates(const Agent &agent) {
+    std::size_t count = 0;
+    for (const std::string &line : agent.log().lines()) {
+        const bool ours =
+            line.find(kVendorSubtree) != std::string::npos || line.find(kNtcipSubtree) != std::string::npos;
+        count += ours && line.find("duplicate registration") != std::string::npos ? 1U : 0U;
+    }
+    return count;
+}
+
+/** How often a test repeats what must work every time: in full, or a tenth for those who wait in front of it. */
+int cycles(int full) {
+    return environmentOr("QUARNSNMP_QUICK", "").empty() ? full : full / 10;
+}
+
+// Columns of the agent's own table of loadable modules, and the values that load and unload one.
+constexpr const char *kModuleNames = ".1.3.6.1.4.1.2021.13.14.2.1.2";
+constexpr const char *kModuleStatuses = ".1.3.6.1.4.1.2021.13.14.2.1.5";
+constexpr std::int64_t kLoad = 4;
+constexpr std::int64_t kUnload = 5;
+
+/** The status object of this module in the agent's table of loadable modules. */
+std::string statusObject(Manager &manager) {
+    for (const Variable &name : manager.walk(kModuleNames)) {
+        if (name.octets == "quarnsnmp") {
+            return kModuleStatuses + name.oid.substr(name.oid.rfind('.'));
+        }
+    }
+    ADD_FAILURE() << "the agent does not list the module";
+    return kModuleStatuses;
+}
+
+AgentOptions daemon(const Camera &camera) {
+    AgentOptions options = withModule(camera.directory());
+    options.daemonised = true;
+    return options;
+}
+
+AgentOptions withModuleTable(const Camera &camera) {
+    AgentOptions options = withModule(camera.directory());
+    options.showModules = true;
+    return options;
+}
+
+void startAndStop(const AgentOptions &options, int times) {
+    Agent agent(options);
+    for (int i = 0; i < times; ++i) {
+        if (i > 0) {
+            agent.start();
+        }
+        ASSERT_NE(modelName(agent), "") << "start " << i;
+        ASSERT_EQ(threadCount(agent.pid()), kThreads) << "start " << i;
+        const pid_t pid = agent.pid();
+        const AgentEnd end = agent.stop();
+        ASSERT_TRUE(end.status.clean()) << end.status.describe();
+        ASSERT_LT(end.duration, patient(seconds(2))) << "stop " << i;
+        ASSERT_FALSE(runs(pid));
+    }
+    EXPECT_EQ(duplicates(agent), 0U);
+}
+
+/** Reloads an agent many times. @return by how much its memory has grown, in kilobytes */
+std::size_t growthOverReloads(Agent &agent, int times) {
+    // The first reloads fill the caches of agent, loader and allocator.
+    for (int i = 0; i < 20; ++i) {
+        agent.hup();
+    }
+    const std::string name = modelName(agent);
+    const Footprint before = footprint(agent);
+    for (int i = 0; i < times; ++i) {
+        agent.hup();
+        EXPECT_EQ(modelName(agent), name) << "reload " << i;
+    }
+    const Footprint after = footprint(agent);
+    EXPECT_EQ(before.descriptors, after.descriptors);
+    EXPECT_EQ(before.threads, after.threads);
+    EXPECT_EQ(duplicates(agent), 0U);
+    return after.kilobytes - std::min(before.kilobytes, after.kilobytes);
+}
+
+/** The agent itself loses some memory at each reload, so it is compared with one that has no module. */
+void compareReloads(const AgentOptions &options, int times) {
+    AgentOptions without = options;
+    without.module.clear();
+    Agent bare(without);
+    Agent agent(options);
+    ASSERT_NE(modelName(agent), "");
+    ASSERT_EQ(threadCount(agent.pid()), kThreads);
+    const std::size_t ownGrowth = growthOverReloads(bare, times);
+    const std::size_t growth = growthOverReloads(agent, times);
+    EXPECT_LE(growth, ownGrowth + kSlackKilobytes);
+    ASSERT_EQ(threadCount(agent.pid()), kThreads);
+    std::cout << "growth: " << ownGrowth << " kB without, " << growth << " kB with the module\n";
+}
+
+} // namespace
+
+TEST(Lifecycle, AReloadBringsEverythingBack) {
+    const Camera camera("dome");
+    Agent agent(withModule(camera.directory()));
+    const std::vector<Variable> before = Manager(agent.peer()).walk(kVendorSubtree);
+    ASSERT_FALSE(before.empty());
+    agent.hup();
+    EXPECT_EQ(Manager(agent.peer()).walk(kVendorSubtree), before);
+    EXPECT_EQ(threadCount(agent.pid()), kThreads);
+    EXPECT_EQ(duplicates(agent), 0U);
+    EXPECT_EQ(agent.moduleLog().count("timer_thread_func: LEAVING IN THREAD FUNC due to interruption"), 1U);
+}
+
+TEST(Lifecycle, ADaemonHasThePollThreadAndReloads) {
+    const Camera camera("dome");
+    Agent agent(daemon(camera));
+    EXPECT_NE(modelName(agent), "");
+    EXPECT_EQ(threadCount(agent.pid()), kThreads);
+    agent.hup();
+    EXPECT_NE(modelName(agent), "");
+    EXPECT_EQ(threadCount(agent.pid()), kThreads);
+    EXPECT_LT(agent.stop().duration, patient(seconds(2)));
+}
+
+TEST(Lifecycle, UnloadingReallyUnloads) {
+    const Camera camera("dome");
+    Agent agent(withModuleTable(camera));
+    Manager manager(agent.peer());
+    const std::string status = statusObject(manager);
+    ASSERT_TRUE(mapsFile(agent.pid(), modulePath()));
+
+    ASSERT_TRUE(manager.set(status, Type::Integer, kUnload).ok());
+    EXPECT_FALSE(mapsFile(agent.pid(), modulePath()));
+    EXPECT_EQ(threadCount(agent.pid()), 1U);
+    EXPECT_EQ(manager.get(kModelName).single().type, Type::NoSuchObject);
+    EXPECT_THAT(manager.walk(kVendorSubtree), testing::IsEmpty());
+
+    ASSERT_TRUE(manager.set(status, Type::Integer, kLoad).ok());
+    EXPECT_TRUE(mapsFile(agent.pid(), modulePath()));
+    EXPECT_EQ(threadCount(agent.pid()), kThreads);
+    EXPECT_NE(modelName(agent), "");
+    EXPECT_EQ(duplicates(agent), 0U);
+}
+
+TEST(Lifecycle, NothingOfTheModuleIsCalledAfterItIsUnloaded) {
+    const Camera camera("dome");
+    AgentOptions options = withModuleTable(camera);
+    options.fakeTime = "+0 x60";
+    Agent agent(options);
+    Manager manager(agent.peer());
+    ASSERT_TRUE(manager.set(statusObject(manager), Type::Integer, kUnload).ok());
+    // Two of the poll thread's periods, with all kinds of requests in between.
+    constexpr const char *kUpTime = ".1.3.6.1.2.1.1.3.0";
+    constexpr std::int64_t kTwoMinutes = 2 * 60 * 100;
+    const std::int64_t start = manager.get(kUpTime).single().number;
+    ASSERT_TRUE(eventually(seconds(30), [&] {
+        EXPECT_EQ(manager.get(kModelName).single().type, Type::NoSuchObject);
+        EXPECT_TRUE(manager.walk(kVendorSubtree).empty());
+        EXPECT_NE(manager.set({octets(kModelName, "x")}).error, ErrorStatus::None);
+        return manager.get(kUpTime).single().number > start + kTwoMinutes;
+    }));
+    EXPECT_TRUE(agent.running());
+}
+
+TEST(Lifecycle, AnAgentThatStartsProgramsGoesOn) {
+    const Camera camera("dome");
+    AgentOptions options = withModule(camera.directory());
+    options.configuration = {"view readable included .1.3.6.1.4.1.8072.1.3.2",
+                             "extend -cacheTime 0 echo /bin/echo hello"};
+    Agent agent(options);
+    Manager manager(agent.peer(), "public");
+    const Footprint before = footprint(agent);
+    // nsExtendOutput1Line."echo", whose index is the name's length and letters
+    constexpr const char *kOutput = ".1.3.6.1.4.1.8072.1.3.2.3.1.1.4.101.99.104.111";
+    for (int i = 0; i < 50; ++i) {
+        ASSERT_EQ(manager.get(kOutput).single().octets, "hello") << i;
+    }
+    expectFlat(before, footprint(agent), 4 * kSlackKilobytes);
+    EXPECT_EQ(before.threads, kThreads);
+    EXPECT_NE(modelName(agent), "");
+}
+
+TEST(LifecycleSlow, AThousandReloads) {
+    const Camera camera("dome");
+    compareReloads(withModule(camera.directory()), cycles(1000));
+}
+
+TEST(LifecycleSlow, AThousandReloadsOfADaemon) {
+    const Camera camera("dome");
+    compareReloads(daemon(camera), cycles(1000));
+}
+
+TEST(LifecycleSlow, AThousandUnloadsAndLoadsAtRunTime) {
+    const Camera camera("dome");
+    Agent agent(withModuleTable(camera));
+    Manager manager(agent.peer());
+    const std::string status = statusObject(manager);
+    const int times = cycles(1000);
+    const int warmUp = std::max(10, times / 10);
+    Footprint before{};
+    for (int i = 0; i < times + warmUp; ++i) {
+        if (i == warmUp) {
+            before = footprint(agent);
+        }
+        ASSERT_TRUE(manager.set(status, Type::Integer, kUnload).ok()) << i;
+        ASSERT_EQ(manager.get(kModelName).single().type, Type::NoSuchObject) << i;
+        ASSERT_TRUE(manager.set(status, Type::Integer, kLoad).ok()) << i;
+        ASSERT_EQ(manager.get(kModelName).single().type, Type::Octets) << i;
+    }
+    expectFlat(before, footprint(agent));
+    EXPECT_EQ(duplicates(agent), 0U);
+}
+
+TEST(LifecycleSlow, TwoHundredStartsAndStops) {
+    const Camera camera("dome");
+    startAndStop(withModule(camera.directory()), cycles(200));
+}
+
+TEST(LifecycleSlow, TwoHundredStartsAndStopsOfADaemon) {
+    const Camera camera("dome");
+    startAndStop(daemon(camera), cycles(200));
+}
