@@ -6,6 +6,7 @@
 #define QUARNSNMP_IDENTITY_OBJECTS_H
 
 #include "agent.h"
+#include "settings.h"
 
 namespace identity {
 
@@ -24,8 +25,15 @@ inline std::string modelName(const harness::Agent &agent) {
     return result.ok() && result.single().type == harness::Type::Octets ? result.single().octets : "";
 }
 
-/** Threads of an agent with the module: its own and the poll thread. */
-inline constexpr std::size_t kThreads = 2;
+/** Threads of an agent without the module: its own, and one of the emulator that it may run in. */
+inline std::size_t threadsWithoutModule() {
+    return harness::agentPrefix().empty() ? 1 : 2;
+}
+
+/** Threads of an agent with the module, which has the poll thread. */
+inline std::size_t threadsWithModule() {
+    return threadsWithoutModule() + 1;
+}
 
 } // namespace identity
 

@@ -1,0 +1,17 @@
+# Cross-compiles for the camera: Linux on AArch64, against the sysroot that scripts/aarch64-sysroot.sh makes.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
+set(CMAKE_LIBRARY_ARCHITECTURE aarch64-linux-gnu)
+
+set(QUARNSNMP_SYSROOT ${CMAKE_CURRENT_LIST_DIR}/../build/aarch64-sysroot CACHE PATH "Sysroot of the camera's system")
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES QUARNSNMP_SYSROOT)
+get_filename_component(CMAKE_SYSROOT ${QUARNSNMP_SYSROOT} ABSOLUTE)
+if(NOT EXISTS ${CMAKE_SYSROOT}/contents)
+  message(FATAL_ERROR "There is no sysroot in ${CMAKE_SYSROOT}; make it with scripts/aarch64-sysroot.sh")
+endif()
+
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
