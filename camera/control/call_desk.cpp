@@ -1,0 +1,100 @@
+#include "call_desk.h"
+
+#include "json_text.h"
+#include "wire.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace camera {
+
+namespace {
+
+std::string answerLine(const Answer &answer) {
+    nlohmann::json line = nlohmann::json::array({answer.status});
+    if (answer.status == wire::kSuccess) {
+        line.insert(line.end(), answer.results.begin(), answer.results.end());
+    }
+    return wire::encode(line);
+}
+
+std::string failureLine(std::int32_t status) {
+    return wire::encode(nlohmann::json::array({status}));
+}
+
+bool isInitiatorRequest(const std::string &operation) {
+    return std::find(std::begin(kInitiatorRequests), std::end(kInitiatorRequests), operation) !=
+           std::end(kInitiatorRequests);
+}
+
+/** Whether a request has the shape `[operation, target, argument...]`. */
+bool isServiceRequest(const nlohmann::json &request) {
+    return request.is_array() && request.size() >= kRequestHead && request[0].is_string() &&
+           (request[1].is_string() || request[1].is_null());
+}
+
+/** Whether a request is `["get_target_ids", service]`. */
+bool isDirectoryRequest(const nlohmann::json &request) {
+    return request.is_array() && request.size() == 2 && request[0] == kDirectoryRequest && request[1].is_string();
+}
+
+} // namespace
+
+Reply CallDesk::serviceRequest(const std::string &service, std::string_view line) {
+    const nlohmann::json request = parseLine(line);
+    if (!isServiceRequest(request)) {
+        return {failureLine(wire::kInvalidArgument)};
+    }
+    const Faults::Effect effect = faultsOf(service, request);
+    const auto &operation = request[0].get_ref<const std::string &>();
+    if (effect.status) {
+        if (!isInitiatorRequest(operation)) {
+            model_.publishCommand(service, request, *effect.status);
+        }
+        return {failureLine(*effect.status), effect.delay};
+    }
+    if (isInitiatorRequest(operation)) {
+        const bool wellFormed = request.size() == kRequestHead && request[1].is_null();
+        return {failureLine(wellFormed ? wire::kSuccess : wire::kInvalidArgument), effect.delay};
+    }
+    return {answerLine(model_.call(service, request)), effect.delay};
+}
+
+Reply CallDesk::directoryRequest(std::string_view line) {
+    const nlohmann::json request = parseLine(line);
+    if (!isDirectoryRequest(request)) {
+        return {failureLine(wire::kInvalidArgument)};
+    }
+    const Faults::Effect effect = faultsOf(wire::kDirectorySocket, request);
+    if (effect.status) {
+        return {failureLine(*effect.status), effect.delay};
+    }
+    return {answerLine(targetIds(request[1].get_ref<const std::string &>())), effect.delay};
+}
+
+Faults::Effect CallDesk::faultsOf(const std::string &service, const nlohmann::json &request) {
+    Faults::Effect effect = faults_.take(service, request[0].get_ref<const std::string &>());
+    if (effect.status || effect.delay.count() > 0) {
+        nlohmann::json members = {{"service", service}, {"operation", request[0]}};
+        if (effect.status) {
+            members["status"] = *effect.status;
+        }
+        if (effect.delay.count() > 0) {
+            members["milliseconds"] = effect.delay.count();
+        }
+        model_.events().publish("fault", std::move(members));
+    }
+    return effect;
+}
+
+Answer CallDesk::targetIds(const std::string &service) const {
+    if (model_.service(service) == nullptr) {
+        return {};
+    }
+    if (!services_.isUp(service)) {
+        return {wire::kServiceDown};
+    }
+    return {wire::kSuccess, model_.targetIds(service)};
+}
+
+} // namespace camera

@@ -1,0 +1,130 @@
+#include "control_client.h"
+
+#include "wire.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+#include <thread>
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace camera {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+std::string describe(int error) {
+    return std::generic_category().message(error);
+}
+
+} // namespace
+
+ControlClient::ControlClient(const std::string &directory) : directory_(directory) {
+    socket_ = socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    if (socket_ < 0) {
+        throw ControlError("cannot make a socket: " + describe(errno));
+    }
+    try {
+        connect(wire::socketPath(directory, wire::kControlSocket));
+    } catch (...) {
+        close(socket_);
+        throw;
+    }
+}
+
+ControlClient::~ControlClient() {
+    close(socket_);
+}
+
+void ControlClient::connect(const std::string &path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= sizeof address.sun_path) {
+        throw ControlError("no camera can run in " + directory_ + ": the path of its sockets is too long");
+    }
+    std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
+    const Clock::time_point deadline = Clock::now() + kPatience;
+    // A full queue of a Unix-domain socket cannot be waited for, only tried again.
+    while (::connect(socket_, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0) {
+        const int error = errno;
+        if (error == EAGAIN && Clock::now() < deadline) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        } else if (error != EINTR) {
+            throw ControlError("no camera answers in " + directory_ + ": " + describe(error));
+        }
+    }
+}
+
+nlohmann::json ControlClient::execute(const nlohmann::json &command) {
+    const Deadline deadline = Clock::now() + kPatience;
+    sendAll(wire::encode(command), deadline);
+    const std::optional<std::string> line = readLine(deadline);
+    if (!line) {
+        throw ControlError("the camera in " + directory_ + " ended the connection without an answer");
+    }
+    nlohmann::json answer = wire::decode(*line);
+    if (!answer.is_object()) {
+        throw ControlError("the camera in " + directory_ + " sent an answer that cannot be understood");
+    }
+    return answer;
+}
+
+std::optional<std::string> ControlClient::nextLine() {
+    return readLine(std::nullopt);
+}
+
+void ControlClient::sendAll(const std::string &text, const Deadline &deadline) {
+    std::size_t sent = 0;
+    while (sent < text.size()) {
+        const ssize_t count = send(socket_, text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
+        if (count >= 0) {
+            sent += static_cast<std::size_t>(count);
+        } else if (errno == EAGAIN) {
+            wait(POLLOUT, deadline);
+        } else if (errno != EINTR) {
+            throw ControlError("the camera in " + directory_ + " cannot be reached: " + describe(errno));
+        }
+    }
+}
+
+std::optional<std::string> ControlClient::readLine(const Deadline &deadline) {
+    char chunk[4096];
+    for (;;) {
+        const std::size_t end = input_.find('\n');
+        if (end != std::string::npos) {
+            std::string line = input_.substr(0, end);
+            input_.erase(0, end + 1);
+            return line;
+        }
+        const ssize_t count = recv(socket_, chunk, sizeof chunk, 0);
+        if (count > 0) {
+            input_.append(chunk, static_cast<std::size_t>(count));
+        } else if (count == 0 || errno == ECONNRESET) {
+            return std::nullopt;
+        } else if (errno == EAGAIN) {
+            wait(POLLIN, deadline);
+        } else if (errno != EINTR) {
+            throw ControlError("the camera in " + directory_ + " cannot be reached: " + describe(errno));
+        }
+    }
+}
+
+void ControlClient::wait(short events, const Deadline &deadline) const {
+    int milliseconds = -1;
+    if (deadline) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(*deadline - Clock::now());
+        milliseconds = std::max(0, static_cast<int>(left.count()));
+    }
+    pollfd entry{socket_, events, 0};
+    if (poll(&entry, 1, milliseconds) == 0) {
+        throw ControlError("the camera in " + directory_ + " does not answer");
+    }
+}
+
+} // namespace camera

@@ -1,0 +1,232 @@
+#include "control_desk.h"
+
+#include "call_desk.h"
+#include "json_text.h"
+#include "wire.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace camera {
+
+namespace {
+
+/** A command that is not carried out; what() tells the client why. */
+class Refusal : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+bool contains(const std::vector<std::string> &names, const std::string &name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+std::string textOf(const nlohmann::json &command, const std::string &key) {
+    const nlohmann::json &value = command.at(key);
+    if (!value.is_string()) {
+        throw Refusal(key + ": " + mismatch("a text", value));
+    }
+    return value.get<std::string>();
+}
+
+std::int64_t integerOf(const nlohmann::json &command, const std::string &key, std::int64_t lowest,
+                       std::int64_t highest) {
+    const std::optional<std::int64_t> number = integerIn(command.at(key), lowest, highest);
+    if (!number) {
+        throw Refusal(key + ": " + mismatch(integerExpected(lowest, highest), command.at(key)));
+    }
+    return *number;
+}
+
+/** How often: a number, "always", or once when the command does not say. */
+Times timesOf(const nlohmann::json &command) {
+    constexpr std::int64_t kMostTimes = 1000000;
+    const auto found = command.find("times");
+    if (found == command.end()) {
+        return 1;
+    }
+    if (*found == "always") {
+        return std::nullopt;
+    }
+    const std::optional<std::int64_t> times = integerIn(*found, 1, kMostTimes);
+    if (!times) {
+        throw Refusal("times: " + mismatch(integerExpected(1, kMostTimes) + " or \"always\"", *found));
+    }
+    return static_cast<std::uint32_t>(*times);
+}
+
+std::string oneOf(const nlohmann::json &command, const std::string &key, const std::vector<std::string> &names) {
+    std::string name = textOf(command, key);
+    if (!contains(names, name)) {
+        throw Refusal("unknown " + key + " " + shown(name) + "; expected one of: " + listed(names));
+    }
+    return name;
+}
+
+void checkKeys(const nlohmann::json &command, const std::string &name, const std::vector<std::string> &required,
+               const std::vector<std::string> &optional) {
+    std::vector<std::string> known = {"command"};
+    known.insert(known.end(), required.begin(), required.end());
+    known.insert(known.end(), optional.begin(), optional.end());
+    for (const std::string &key : required) {
+        if (!command.contains(key)) {
+            throw Refusal("command " + shown(name) + " needs the key " + shown(key));
+        }
+    }
+    for (const auto &item : command.items()) {
+        if (!contains(known, item.key())) {
+            throw Refusal("unknown key " + shown(item.key()) + "; command " + shown(name) + " has: " + listed(known));
+        }
+    }
+}
+
+} // namespace
+
+const std::vector<ControlDesk::Command> &ControlDesk::commands() {
+    static const std::vector<Command> all = {
+        {"state", {}, {}, &ControlDesk::showState},
+        {"set", {"target", "field", "value"}, {}, &ControlDesk::set},
+        {"down", {"service"}, {}, &ControlDesk::takeDown},
+        {"up", {"service"}, {}, &ControlDesk::bringUp},
+        {"fail", {"service", "operation", "status"}, {"times"}, &ControlDesk::fail},
+        {"delay", {"service", "operation", "milliseconds"}, {"times"}, &ControlDesk::delay},
+        {"clear", {}, {"service", "operation"}, &ControlDesk::clear},
+        {"follow", {}, {}, &ControlDesk::acknowledge, true},
+    };
+    return all;
+}
+
+ControlReply ControlDesk::execute(std::string_view line) {
+    nlohmann::json answer = {{"ok", true}};
+    bool follow = false;
+    try {
+        const nlohmann::json command = parseLine(line);
+        const Command &known = findCommand(command);
+        checkKeys(command, known.name, known.required, known.optional);
+        (this->*known.action)(command, answer);
+        follow = known.follow;
+    } catch (const Refusal &refusal) {
+        answer = {{"ok", false}, {"error", refusal.what()}};
+    }
+    return {wire::encode(answer), follow};
+}
+
+const ControlDesk::Command &ControlDesk::findCommand(const nlohmann::json &command) {
+    std::vector<std::string> names;
+    for (const Command &each : commands()) {
+        names.push_back(each.name);
+    }
+    if (!command.is_object() || !command.contains("command")) {
+        throw Refusal("expected an object {\"command\": NAME, ...} on one line, with one of the commands: " +
+                      listed(names));
+    }
+    const std::string name = oneOf(command, "command", names);
+    return *std::find_if(commands().begin(), commands().end(), [&](const Command &each) { return each.name == name; });
+}
+
+nlohmann::json ControlDesk::state() {
+    nlohmann::json services = nlohmann::json::object();
+    for (const auto &[name, service] : model_.services()) {
+        nlohmann::json targets = nlohmann::json::object();
+        for (const std::string &target : model_.targetIds(name)) {
+            targets[target] = model_.state(target);
+        }
+        services[name] = {{"up", services_.isUp(name)}, {"targets", std::move(targets)}};
+    }
+    return {{"camera", model_.name()},
+            {"description", model_.description()},
+            {"time", model_.events().seconds()},
+            {"services", std::move(services)},
+            {"failures", faults_.failures().list("status")},
+            {"delays", faults_.delays().list("milliseconds")}};
+}
+
+void ControlDesk::showState(const nlohmann::json & /*command*/, nlohmann::json &answer) {
+    answer["state"] = state();
+}
+
+void ControlDesk::acknowledge(const nlohmann::json & /*command*/, nlohmann::json & /*answer*/) {}
+
+void ControlDesk::set(const nlohmann::json &command, nlohmann::json & /*answer*/) {
+    const std::optional<Problem> problem =
+        model_.set(textOf(command, "target"), textOf(command, "field"), command.at("value"));
+    if (problem) {
+        throw Refusal(toString(*problem));
+    }
+}
+
+void ControlDesk::takeDown(const nlohmann::json &command, nlohmann::json & /*answer*/) {
+    const std::string name = service(command);
+    if (services_.isUp(name)) {
+        services_.takeDown(name);
+        model_.events().publish("service_down", {{"service", name}});
+    }
+}
+
+void ControlDesk::bringUp(const nlohmann::json &command, nlohmann::json & /*answer*/) {
+    const std::string name = service(command);
+    if (services_.isUp(name)) {
+        return;
+    }
+    if (const std::optional<std::string> error = services_.bringUp(name)) {
+        throw Refusal("cannot bring up " + name + ": " + *error);
+    }
+    model_.events().publish("service_up", {{"service", name}});
+}
+
+void ControlDesk::fail(const nlohmann::json &command, nlohmann::json & /*answer*/) {
+    const std::string name = faultyService(command);
+    const std::int64_t status = integerOf(command, "status", std::numeric_limits<std::int32_t>::min(),
+                                          std::numeric_limits<std::int32_t>::max());
+    if (status == wire::kSuccess) {
+        throw Refusal("status: 0 is success; expected the status of a failure");
+    }
+    faults_.failures().set(name, operation(command, name), status, timesOf(command));
+}
+
+void ControlDesk::delay(const nlohmann::json &command, nlohmann::json & /*answer*/) {
+    const std::string name = faultyService(command);
+    const std::int64_t milliseconds = integerOf(command, "milliseconds", 1, kLongestDelayMilliseconds);
+    faults_.delays().set(name, operation(command, name), milliseconds, timesOf(command));
+}
+
+void ControlDesk::clear(const nlohmann::json &command, nlohmann::json & /*answer*/) {
+    std::optional<std::string> ofService;
+    std::optional<std::string> ofOperation;
+    if (command.contains("service")) {
+        ofService = faultyService(command);
+    }
+    if (command.contains("operation")) {
+        if (!ofService) {
+            throw Refusal("command \"clear\" needs the key \"service\" with the key \"operation\"");
+        }
+        ofOperation = operation(command, *ofService);
+    }
+    faults_.failures().clear(ofService, ofOperation);
+    faults_.delays().clear(ofService, ofOperation);
+}
+
+std::string ControlDesk::service(const nlohmann::json &command) const {
+    return oneOf(command, "service", model_.serviceNames());
+}
+
+std::string ControlDesk::faultyService(const nlohmann::json &command) const {
+    std::vector<std::string> names = model_.serviceNames();
+    names.emplace_back(wire::kDirectorySocket);
+    return oneOf(command, "service", names);
+}
+
+std::string ControlDesk::operation(const nlohmann::json &command, const std::string &service) const {
+    std::vector<std::string> names = {kEveryOperation};
+    if (const Service *found = model_.service(service)) {
+        names.insert(names.end(), std::begin(kInitiatorRequests), std::end(kInitiatorRequests));
+        for (const OperationSummary &each : found->operations()) {
+            names.push_back(each.name);
+        }
+    } else {
+        names.emplace_back(kDirectoryRequest);
+    }
+    return oneOf(command, "operation", names);
+}
+
+} // namespace camera

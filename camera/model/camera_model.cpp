@@ -1,0 +1,136 @@
+#include "camera_model.h"
+
+#include <utility>
+
+namespace camera {
+
+std::string targetId(const std::string &service, std::size_t index) {
+    return service + "/" + std::to_string(index + 1);
+}
+
+bool isGet(std::string_view operation) {
+    return operation.substr(0, 4) == "get_";
+}
+
+CameraModel::CameraModel(std::string name, std::string description, Services services)
+    : name_(std::move(name)), description_(std::move(description)), services_(std::move(services)) {
+    for (const auto &[serviceName, service] : services_) {
+        for (std::size_t i = 0; i < service->targetCount(); ++i) {
+            targets_.emplace(targetId(serviceName, i), TargetPlace{service.get(), i});
+        }
+    }
+}
+
+std::vector<std::string> CameraModel::serviceNames() const {
+    std::vector<std::string> names;
+    for (const auto &entry : services_) {
+        names.push_back(entry.first);
+    }
+    return names;
+}
+
+const Service *CameraModel::service(std::string_view name) const {
+    const auto found = services_.find(name);
+    return found == services_.end() ? nullptr : found->second.get();
+}
+
+std::vector<std::string> CameraModel::targetIds(std::string_view service) const {
+    std::vector<std::string> ids;
+    const Service *found = this->service(service);
+    for (std::size_t i = 0; found != nullptr && i < found->targetCount(); ++i) {
+        ids.push_back(targetId(found->name(), i));
+    }
+    return ids;
+}
+
+Answer CameraModel::call(std::string_view service, const nlohmann::json &request) {
+    if (!request.is_array() || request.size() < kRequestHead || !request[0].is_string() ||
+        !(request[1].is_string() || request[1].is_null())) {
+        return {wire::kInvalidArgument};
+    }
+    const auto &operation = request[0].get_ref<const std::string &>();
+    Answer answer;
+    const Service *found = this->service(service);
+    const TargetPlace *target = request[1].is_string() ? place(request[1].get_ref<const std::string &>()) : nullptr;
+    if (found == nullptr || !found->hasOperation(operation)) {
+        answer.status = wire::kUnknownOperation;
+    } else if (target == nullptr || target->service != found) {
+        answer.status = wire::kUnknownTarget;
+    } else {
+        inCommand_ = !isGet(operation) && events_.heard();
+        remember(*target->service, target->index);
+        answer = target->service->call(*this, target->index, operation, request);
+        inCommand_ = false;
+    }
+    publishCommand(service, request, answer.status);
+    publishChanges();
+    return answer;
+}
+
+void CameraModel::publishCommand(std::string_view service, const nlohmann::json &request, std::int32_t status) {
+    if (!events_.heard() || isGet(request.at(0).get_ref<const std::string &>())) {
+        return;
+    }
+    nlohmann::json arguments = nlohmann::json::array();
+    arguments.insert(arguments.end(), request.begin() + kRequestHead, request.end());
+    events_.publish("command", {{"service", service},
+                                {"target", request.at(1)},
+                                {"operation", request.at(0)},
+                                {"arguments", std::move(arguments)},
+                                {"status", status}});
+}
+
+std::optional<Problem> CameraModel::set(const std::string &target, const std::string &key,
+                                        const nlohmann::json &value) {
+    const TargetPlace *found = place(target);
+    if (found == nullptr) {
+        std::vector<std::string> ids;
+        for (const auto &entry : targets_) {
+            ids.push_back(entry.first);
+        }
+        return Problem{target, "unknown target; expected one of: " + listed(ids)};
+    }
+    inCommand_ = events_.heard();
+    remember(*found->service, found->index);
+    inCommand_ = false;
+    std::optional<Problem> problem = found->service->set(found->index, key, value);
+    if (problem) {
+        problem->path = target + (problem->path.empty() ? "" : " " + problem->path);
+    }
+    publishChanges();
+    return problem;
+}
+
+nlohmann::json CameraModel::state(const std::string &target) const {
+    const TargetPlace *found = place(target);
+    return found != nullptr ? nested(found->service->values(found->index)) : nlohmann::json();
+}
+
+const CameraModel::TargetPlace *CameraModel::place(const std::string &target) const {
+    const auto found = targets_.find(target);
+    return found == targets_.end() ? nullptr : &found->second;
+}
+
+void CameraModel::remember(Service &service, std::size_t index) {
+    if (inCommand_) {
+        snapshots_.push_back({{&service, index}, service.values(index)});
+    }
+}
+
+void CameraModel::publishChanges() {
+    for (const Snapshot &before : std::exchange(snapshots_, {})) {
+        const auto &[service, index] = before.place;
+        const nlohmann::json now = service->values(index);
+        nlohmann::json changed = nlohmann::json::object();
+        for (const auto &item : now.items()) {
+            if (before.values.at(item.key()) != item.value()) {
+                changed[item.key()] = item.value();
+            }
+        }
+        if (!changed.empty()) {
+            events_.publish("changed", {{"target", targetId(service->name(), index)}, {"fields", changed}});
+        }
+    }
+}
+
+} // namespace camera

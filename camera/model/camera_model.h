@@ -1,0 +1,117 @@
+/**
+ * @file
+ * The simulated camera itself: the services it has, their targets, and what calls do to them. It knows nothing of
+ * sockets, so that everything that shows or moves the camera works on the same state.
+ */
+#ifndef QUARNSNMP_CAMERA_MODEL_H
+#define QUARNSNMP_CAMERA_MODEL_H
+
+#include "events.h"
+#include "service.h"
+
+#include <map>
+
+namespace camera {
+
+/** The services of a camera by their names. */
+using Services = std::map<std::string, std::unique_ptr<Service>, std::less<>>;
+
+/** A camera. Not for more than one thread. */
+class CameraModel {
+public:
+    CameraModel(std::string name, std::string description, Services services);
+    CameraModel(const CameraModel &) = delete;
+    CameraModel &operator=(const CameraModel &) = delete;
+
+    const std::string &name() const {
+        return name_;
+    }
+    const std::string &description() const {
+        return description_;
+    }
+    const Services &services() const {
+        return services_;
+    }
+    Events &events() {
+        return events_;
+    }
+
+    /** The names of the services that this camera has. */
+    std::vector<std::string> serviceNames() const;
+
+    /** A service; null when this camera does not have it. */
+    const Service *service(std::string_view name) const;
+
+    /** The targets of a service, such as "alarm/1"; none when this camera does not have it. */
+    std::vector<std::string> targetIds(std::string_view service) const;
+
+    /**
+     * Runs a call `[operation, target, argument...]` of a service.
+     * @return kInvalidArgument for a request of another shape, kUnknownOperation, kUnknownTarget, or what the operation
+     *         answers; nothing changes unless it answers kSuccess
+     */
+    Answer call(std::string_view service, const nlohmann::json &request);
+
+    /** Publishes a call with its outcome, unless it only reads. For calls that do not get as far as call(). */
+    void publishCommand(std::string_view service, const nlohmann::json &request, std::int32_t status);
+
+    /** Sets a field of a target, or a group of fields with an object; changes nothing after a problem. */
+    std::optional<Problem> set(const std::string &target, const std::string &key, const nlohmann::json &value);
+
+    /** A target's fields as nested objects; null for an unknown target. */
+    nlohmann::json state(const std::string &target) const;
+
+    /**
+     * The state of a target of another service, for operations that reach beyond their own: preset 1 of presets_tours/2
+     * is a position of positioning/2. Null when the camera does not have it.
+     */
+    template <typename State>
+    State *sibling(std::size_t index) {
+        const auto found = services_.find(State::definition().service);
+        if (found == services_.end()) {
+            return nullptr;
+        }
+        State *state = static_cast<ServiceOf<State> &>(*found->second).state(index);
+        if (state != nullptr) {
+            remember(*found->second, index);
+        }
+        return state;
+    }
+
+private:
+    struct TargetPlace {
+        Service *service;
+        std::size_t index;
+    };
+    struct Snapshot {
+        TargetPlace place;
+        nlohmann::json values;
+    };
+
+    /** Finds a target; null when there is none. */
+    const TargetPlace *place(const std::string &target) const;
+
+    /** Notes what a target holds before a command, so that its changes can be published. */
+    void remember(Service &service, std::size_t index);
+
+    /** Publishes what has changed in the remembered targets, and forgets them. */
+    void publishChanges();
+
+    std::string name_;
+    std::string description_;
+    Services services_;
+    std::map<std::string, TargetPlace> targets_;
+    Events events_;
+    bool inCommand_ = false;
+    std::vector<Snapshot> snapshots_;
+};
+
+/** The identifier of a target, `service/number`. */
+std::string targetId(const std::string &service, std::size_t index);
+
+/** Whether an operation only reads; all others are commands. */
+bool isGet(std::string_view operation);
+
+} // namespace camera
+
+#endif

@@ -1,0 +1,57 @@
+#include "events.h"
+
+#include <utility>
+#include <vector>
+
+namespace camera {
+
+Events::Subscription::Subscription(Subscription &&other) noexcept
+    : events_(std::exchange(other.events_, nullptr)), id_(std::exchange(other.id_, 0)) {}
+
+Events::Subscription &Events::Subscription::operator=(Subscription &&other) noexcept {
+    std::swap(events_, other.events_);
+    std::swap(id_, other.id_);
+    return *this;
+}
+
+Events::Subscription::~Subscription() {
+    if (events_ != nullptr) {
+        events_->listeners_.erase(id_);
+    }
+}
+
+Events::Subscription Events::subscribe(Listener listener) {
+    const std::uint64_t id = nextId_++;
+    listeners_.emplace(id, std::move(listener));
+    return {*this, id};
+}
+
+bool Events::heard() const {
+    return !listeners_.empty();
+}
+
+void Events::publish(const char *kind, nlohmann::json members) {
+    members["time"] = seconds();
+    members["event"] = kind;
+    // A listener may end any subscription, so each is looked up anew and copied for the length of its call.
+    std::vector<std::uint64_t> ids;
+    ids.reserve(listeners_.size());
+    for (const auto &entry : listeners_) {
+        ids.push_back(entry.first);
+    }
+    for (const std::uint64_t id : ids) {
+        const auto found = listeners_.find(id);
+        if (found != listeners_.end()) {
+            const Listener listener = found->second;
+            listener(members);
+        }
+    }
+}
+
+double Events::seconds() const {
+    const auto elapsed =
+        std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start_);
+    return static_cast<double>(elapsed.count()) / 1e6;
+}
+
+} // namespace camera

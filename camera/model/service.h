@@ -1,0 +1,172 @@
+/**
+ * @file
+ * A service of the camera: its targets, their fields and its operations.
+ */
+#ifndef QUARNSNMP_CAMERA_SERVICE_H
+#define QUARNSNMP_CAMERA_SERVICE_H
+
+#include "fields.h"
+#include "operation.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace camera {
+
+/** What is the same for all services of a kind; a state struct offers its own with `State::definition()`. */
+template <typename State>
+struct Definition {
+    std::string service;
+    Fields<State> fields;
+    Operations<State> operations;
+    /** Checks fields against each other, after reading and after each set. */
+    std::optional<Problem> (*check)(const State &) = [](const State & /*state*/) -> std::optional<Problem> {
+        return std::nullopt;
+    };
+};
+
+/** Name and meaning of a field, for the reference and for messages. */
+struct FieldSummary {
+    std::string key;
+    std::string expected;
+    nlohmann::json initial; ///< value when a camera file leaves the field out
+};
+
+/** Name and arguments of an operation. */
+struct OperationSummary {
+    std::string name;
+    std::vector<std::string> arguments; ///< as argumentKind() names them
+};
+
+/** A service, whatever its targets hold. Indices of targets start at 0 and must exist. */
+class Service {
+public:
+    Service() = default;
+    Service(const Service &) = delete;
+    Service &operator=(const Service &) = delete;
+    virtual ~Service() = default;
+
+    virtual const std::string &name() const = 0;
+    virtual std::vector<FieldSummary> fields() const = 0;
+    virtual std::vector<OperationSummary> operations() const = 0;
+    virtual bool hasOperation(std::string_view operation) const = 0;
+    virtual std::size_t targetCount() const = 0;
+
+    /** Adds a target with the values of a camera file; adds nothing after a problem. */
+    virtual std::optional<Problem> addTarget(const nlohmann::json &values) = 0;
+
+    /** A target's fields as one object with dotted keys. */
+    virtual nlohmann::json values(std::size_t index) const = 0;
+
+    /** Sets a field, or a group of them with an object; changes nothing after a problem. */
+    virtual std::optional<Problem> set(std::size_t index, const std::string &key, const nlohmann::json &value) = 0;
+
+    /** Checks a target's fields against each other. */
+    virtual std::optional<Problem> check(std::size_t index) const = 0;
+
+    /** Runs an operation; the request has at least the operation and the target. */
+    virtual Answer call(CameraModel &model, std::size_t index, std::string_view operation,
+                        const nlohmann::json &request) = 0;
+};
+
+/** The service whose targets are of one kind of state. */
+template <typename State>
+class ServiceOf final : public Service {
+public:
+    const std::string &name() const override {
+        return definition_.service;
+    }
+
+    std::vector<FieldSummary> fields() const override {
+        const State initial{};
+        std::vector<FieldSummary> summaries;
+        for (const Field<State> &field : definition_.fields) {
+            summaries.push_back({field.key, field.expected, field.get(initial)});
+        }
+        return summaries;
+    }
+
+    std::vector<OperationSummary> operations() const override {
+        std::vector<OperationSummary> summaries;
+        for (const Operation<State> &operation : definition_.operations) {
+            summaries.push_back({operation.name, operation.arguments});
+        }
+        return summaries;
+    }
+
+    bool hasOperation(std::string_view operation) const override {
+        return find(operation) != nullptr;
+    }
+
+    std::size_t targetCount() const override {
+        return targets_.size();
+    }
+
+    /** The state of a target; null when there is no such target. */
+    State *state(std::size_t index) {
+        return index < targets_.size() ? &targets_[index] : nullptr;
+    }
+
+    std::optional<Problem> addTarget(const nlohmann::json &values) override {
+        State state{};
+        std::optional<Problem> problem = assignChecked("", values, state);
+        if (!problem) {
+            targets_.push_back(std::move(state));
+        }
+        return problem;
+    }
+
+    nlohmann::json values(std::size_t index) const override {
+        return fieldValues(definition_.fields, targets_.at(index));
+    }
+
+    std::optional<Problem> set(std::size_t index, const std::string &key, const nlohmann::json &value) override {
+        if (key.empty()) {
+            return unknownKey(fieldKeys(definition_.fields), key);
+        }
+        State changed = targets_.at(index);
+        std::optional<Problem> problem = assignChecked(key, value, changed);
+        if (!problem) {
+            targets_[index] = std::move(changed);
+        }
+        return problem;
+    }
+
+    std::optional<Problem> check(std::size_t index) const override {
+        return definition_.check(targets_.at(index));
+    }
+
+    Answer call(CameraModel &model, std::size_t index, std::string_view name, const nlohmann::json &request) override {
+        const Operation<State> *operation = find(name);
+        if (operation == nullptr) {
+            return {wire::kUnknownOperation};
+        }
+        return operation->run(Scope<State>{model, index, targets_.at(index)}, request);
+    }
+
+private:
+    const Operation<State> *find(std::string_view name) const {
+        const auto &operations = definition_.operations;
+        const auto found = std::find_if(operations.begin(), operations.end(),
+                                        [name](const Operation<State> &each) { return each.name == name; });
+        return found == operations.end() ? nullptr : &*found;
+    }
+
+    std::optional<Problem> assignChecked(const std::string &key, const nlohmann::json &value, State &state) const {
+        std::optional<Problem> problem = assign(definition_.fields, key, value, state);
+        return problem ? problem : definition_.check(state);
+    }
+
+    const Definition<State> &definition_ = State::definition();
+    std::vector<State> targets_;
+};
+
+/** The names of all services that a camera can have, in alphabetical order. */
+std::vector<std::string> knownServices();
+
+/** Makes a service without targets; null for an unknown name. */
+std::unique_ptr<Service> makeService(const std::string &name);
+
+} // namespace camera
+
+#endif

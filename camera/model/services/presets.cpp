@@ -1,0 +1,127 @@
+#include "presets.h"
+
+#include "camera_model.h"
+#include "positioning.h"
+
+namespace camera {
+
+namespace {
+
+const Fields<Preset> &presetFields() {
+    static const Fields<Preset> fields = {
+        textField("id", &Preset::id, kLongestPresetText),
+        textField("name", &Preset::name, kLongestPresetText),
+        integerField("number", &Preset::number, 1, kMostPresets),
+        integerField("pan", &Preset::pan),
+        integerField("tilt", &Preset::tilt),
+        integerField("zoom", &Preset::zoom),
+    };
+    return fields;
+}
+
+std::optional<Problem> checkPresets(const Presets &state) {
+    for (std::size_t i = 0; i < state.presets.size(); ++i) {
+        const Preset &preset = state.presets[i];
+        const std::string path = "presets[" + std::to_string(i) + "]";
+        if (preset.id.empty()) {
+            return Problem{path + ".id", "expected a text that is not empty"};
+        }
+        if (auto problem =
+                checkWithin(path + ".number", preset.number, 1, state.maximumPresets, "1 to maximumPresets")) {
+            return problem;
+        }
+        for (std::size_t k = 0; k < i; ++k) {
+            if (state.presets[k].id == preset.id || state.presets[k].number == preset.number) {
+                const bool sameId = state.presets[k].id == preset.id;
+                return Problem{path + (sameId ? ".id" : ".number"),
+                               "expected one that presets[" + std::to_string(k) + "] does not have already"};
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+template <typename Value>
+const Preset *findPreset(const Presets &state, Value Preset::*member, const Value &value) {
+    const auto found = std::find_if(state.presets.begin(), state.presets.end(),
+                                    [&](const Preset &preset) { return preset.*member == value; });
+    return found == state.presets.end() ? nullptr : &*found;
+}
+
+Answer getMaxPresets(const Scope<Presets> &scope) {
+    return results(scope.state.maximumPresets);
+}
+
+Answer getPresetId(const Scope<Presets> &scope, std::int32_t number) {
+    const Preset *preset = findPreset(scope.state, &Preset::number, number);
+    return results(preset == nullptr ? std::string() : preset->id);
+}
+
+Answer moveToPreset(const Scope<Presets> &scope, const Text &presetId, double speed, std::int32_t /*priority*/,
+                    std::int32_t /*flag*/) {
+    const Preset *preset = presetId ? findPreset(scope.state, &Preset::id, *presetId) : nullptr;
+    if (preset == nullptr || !(speed >= 0.0 && speed <= 1.0)) {
+        return {wire::kInvalidArgument};
+    }
+    auto *positioning = scope.model.sibling<Positioning>(scope.index);
+    if (positioning == nullptr) {
+        return {wire::kNotSupported};
+    }
+    return moveAxes(*positioning, {true, preset->pan}, {true, preset->tilt}, {true, preset->zoom});
+}
+
+/** An identifier that no preset has yet, for callers that leave the choice to the camera. */
+std::string newPresetId(const Presets &state, std::int32_t number) {
+    std::string id = "preset-" + std::to_string(number);
+    while (findPreset(state, &Preset::id, id) != nullptr) {
+        id += "-new";
+    }
+    return id;
+}
+
+Answer setPreset(const Scope<Presets> &scope, const Text &presetId, const Text &name, std::int32_t number,
+                 std::int32_t /*flag*/) {
+    Presets &state = scope.state;
+    if (number < 1 || number > static_cast<std::int64_t>(state.maximumPresets) ||
+        (presetId && presetId->size() > kLongestPresetText) || (name && name->size() > kLongestPresetText)) {
+        return {wire::kInvalidArgument};
+    }
+    const auto *positioning = scope.model.sibling<Positioning>(scope.index);
+    if (positioning == nullptr) {
+        return {wire::kNotSupported};
+    }
+    const bool chosen = presetId && !presetId->empty();
+    const Preset preset = {chosen ? *presetId : newPresetId(state, number),
+                           name.value_or(""),
+                           number,
+                           positioning->pan.position,
+                           positioning->tilt.position,
+                           positioning->zoom.position};
+    auto &presets = state.presets;
+    presets.erase(std::remove_if(presets.begin(), presets.end(),
+                                 [&](const Preset &each) { return each.id == preset.id || each.number == number; }),
+                  presets.end());
+    const auto place =
+        std::find_if(presets.begin(), presets.end(), [&](const Preset &each) { return each.number > number; });
+    presets.insert(place, preset);
+    return {};
+}
+
+} // namespace
+
+const Definition<Presets> &Presets::definition() {
+    static const Definition<Presets> definition = {
+        "presets_tours",
+        {integerField("maximumPresets", &Presets::maximumPresets, 0, kMostPresets),
+         listField("presets", &Presets::presets, presetFields(), kMostPresets)},
+        {
+            operation("get_max_presets_send", getMaxPresets),
+            operation("get_preset_id_for_quarnapi_id_send", getPresetId),
+            operation("move_to_preset_send", moveToPreset),
+            operation("set_preset_with_current_position_send", setPreset),
+        },
+        checkPresets};
+    return definition;
+}
+
+} // namespace camera

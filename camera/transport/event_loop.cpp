@@ -1,0 +1,26 @@
+#include "event_loop.h"
+
+#include <chrono>
+
+#include <sched.h>
+
+namespace camera {
+
+void runPolling(boost::asio::io_context &io) {
+    using Clock = std::chrono::steady_clock;
+    // Longer than a client takes between two calls, short enough not to be seen as processor load.
+    constexpr std::chrono::microseconds kAwake{50};
+    Clock::time_point lastWork = Clock::now();
+    while (!io.stopped()) {
+        if (io.poll() > 0) {
+            lastWork = Clock::now();
+        } else if (Clock::now() - lastWork < kAwake) {
+            sched_yield();
+        } else {
+            io.run_one();
+            lastWork = Clock::now();
+        }
+    }
+}
+
+} // namespace camera

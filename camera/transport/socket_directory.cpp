@@ -1,0 +1,120 @@
+#include "socket_directory.h"
+
+#include "service.h"
+#include "wire.h"
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace camera {
+
+namespace {
+
+/** What the lock file holds when the directory is the camera's own to remove. */
+constexpr char kCreatedMark = 'c';
+
+[[noreturn]] void failWith(const std::string &what, int error) {
+    throw TransportError(what + ": " + std::generic_category().message(error));
+}
+
+/** Whether the file that was opened is still the one at the path; an ending camera removes it under its lock. */
+bool isStillThere(int file, const std::string &path) {
+    struct stat opened {};
+    struct stat named {};
+    return fstat(file, &opened) == 0 && stat(path.c_str(), &named) == 0 && opened.st_ino == named.st_ino &&
+           opened.st_dev == named.st_dev;
+}
+
+} // namespace
+
+std::vector<std::string> socketNames() {
+    std::vector<std::string> names = knownServices();
+    names.emplace_back(wire::kDirectorySocket);
+    names.emplace_back(wire::kControlSocket);
+    return names;
+}
+
+SocketDirectory::SocketDirectory(std::string path) : path_(std::move(path)), lockPath_(path_ + "/camera.lock") {
+    const bool created = mkdir(path_.c_str(), S_IRWXU) == 0;
+    if (!created && errno != EEXIST) {
+        failWith("cannot create the directory " + path_, errno);
+    }
+    lock();
+    noteOrigin(created);
+    try {
+        removeStaleSockets();
+    } catch (...) {
+        release();
+        throw;
+    }
+}
+
+SocketDirectory::~SocketDirectory() {
+    release();
+}
+
+void SocketDirectory::release() {
+    unlink(lockPath_.c_str());
+    if (created_) {
+        rmdir(path_.c_str());
+    }
+    close(lock_);
+}
+
+std::string SocketDirectory::socket(const std::string &name) const {
+    return wire::socketPath(path_, name);
+}
+
+void SocketDirectory::lock() {
+    for (;;) {
+        lock_ = open(lockPath_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
+        if (lock_ < 0) {
+            failWith("cannot open " + lockPath_, errno);
+        }
+        if (flock(lock_, LOCK_EX | LOCK_NB) != 0) {
+            const int error = errno;
+            close(lock_);
+            if (error == EWOULDBLOCK) {
+                throw TransportError("another camera runs in " + path_);
+            }
+            failWith("cannot lock " + lockPath_, error);
+        }
+        if (isStillThere(lock_, lockPath_)) {
+            return;
+        }
+        close(lock_);
+    }
+}
+
+void SocketDirectory::noteOrigin(bool created) {
+    char mark = 0;
+    created_ = created || (pread(lock_, &mark, 1, 0) == 1 && mark == kCreatedMark);
+    if (created && pwrite(lock_, &kCreatedMark, 1, 0) != 1) {
+        // Only the camera that follows a killed one reads it, and then leaves an empty directory behind.
+        created_ = true;
+    }
+}
+
+void SocketDirectory::removeStaleSockets() const {
+    for (const std::string &name : socketNames()) {
+        const std::string path = socket(name);
+        struct stat status {};
+        if (lstat(path.c_str(), &status) != 0) {
+            continue;
+        }
+        if (!S_ISSOCK(status.st_mode)) {
+            throw TransportError(path + " is in the way: it is not a socket");
+        }
+        if (unlink(path.c_str()) != 0) {
+            failWith("cannot remove " + path, errno);
+        }
+    }
+}
+
+} // namespace camera

@@ -1,0 +1,218 @@
+// What the operations do beyond storing and reading one value.
+#include "test_cameras.h"
+
+#include <gmock/gmock.h>
+
+using namespace camera;
+using nlohmann::json;
+
+namespace {
+
+class Dome : public testing::Test {
+protected:
+    wire::Status call(const std::string &service, const std::string &operation, const json &arguments) {
+        json request = json::array({operation, service + "/1"});
+        request.insert(request.end(), arguments.begin(), arguments.end());
+        answer_ = camera_->call(service, request);
+        return answer_.status;
+    }
+
+    /** Moves one axis after the other with the given enable flags. */
+    wire::Status move(int pan, int tilt, int zoom) {
+        return call("positioning", "move_to_position_with_speed_percentage_send",
+                    {1, pan, 1.0, 1, tilt, 1.0, 1, zoom, 1.0, 1});
+    }
+
+    json position() {
+        const json state = camera_->state("positioning/1");
+        return {state["pan"]["position"], state["tilt"]["position"], state["zoom"]["position"]};
+    }
+
+    void set(const std::string &target, const std::string &key, const json &value) {
+        const std::optional<Problem> problem = camera_->set(target, key, value);
+        ASSERT_FALSE(problem) << toString(*problem);
+    }
+
+    std::unique_ptr<CameraModel> camera_ = test::shippedCamera("dome");
+    Answer answer_;
+};
+
+TEST_F(Dome, ComesRoundOnAnEndlessAxis) {
+    const std::vector<std::pair<int, int>> ways = {
+        {360000, 0}, {-1, 359999}, {719999, 359999}, {-720001, 359999}, {-2147483647 - 1, 276352}};
+    for (const auto &[wanted, reached] : ways) {
+        ASSERT_EQ(wire::kSuccess, move(wanted, 0, 10));
+        EXPECT_EQ(reached, position()[0]) << wanted;
+    }
+}
+
+TEST_F(Dome, RefusesAPositionBeyondItsReachAndMovesNoAxis) {
+    const json before = position();
+    EXPECT_EQ(wire::kInvalidArgument, move(5, 20001, 10));
+    EXPECT_EQ(wire::kInvalidArgument, move(5, -90001, 10));
+    EXPECT_EQ(wire::kInvalidArgument, move(5, 0, 301));
+    EXPECT_EQ(wire::kInvalidArgument, move(5, 0, 9));
+    EXPECT_EQ(before, position());
+}
+
+TEST_F(Dome, RefusesASpeedThatIsNoFraction) {
+    const json before = position();
+    for (const double fraction : {-0.01, 1.01}) {
+        EXPECT_EQ(wire::kInvalidArgument, call("positioning", "move_to_position_with_speed_percentage_send",
+                                               {1, 5, fraction, 0, 0, 0.0, 0, 0, 0.0, 1}));
+    }
+    EXPECT_EQ(before, position());
+}
+
+TEST_F(Dome, ZoomsOnDigitallyOnlyWhenThatIsEnabled) {
+    EXPECT_EQ(wire::kInvalidArgument, move(0, 0, 3600));
+    set("positioning/1", "digitalZoom.enabled", true);
+    EXPECT_EQ(wire::kSuccess, move(0, 0, 3600));
+    EXPECT_EQ(wire::kInvalidArgument, move(0, 0, 3601));
+}
+
+TEST_F(Dome, StopsAtASoftPositionLimit) {
+    set("positioning/1", "tilt.softPosition", {{"enabled", true}, {"minimum", -1000}, {"maximum", 1000}});
+    ASSERT_EQ(wire::kSuccess, move(0, -50000, 10));
+    EXPECT_EQ(-1000, position()[1]);
+    ASSERT_EQ(wire::kSuccess, move(0, 20000, 10));
+    EXPECT_EQ(1000, position()[1]);
+}
+
+TEST_F(Dome, RunsNoFasterThanItCanAndMay) {
+    ASSERT_EQ(wire::kSuccess, call("positioning", "set_velocity_send", {1, -2147483647 - 1, 1, 999999, 0, 0, 1}));
+    EXPECT_EQ(-280000, camera_->state("positioning/1")["pan"]["velocity"]);
+    EXPECT_EQ(120000, camera_->state("positioning/1")["tilt"]["velocity"]);
+    ASSERT_EQ(wire::kSuccess, call("positioning", "set_soft_velocity_limits_send", {1, 0, 1000, 0, 0, 0, 0, 0, 0}));
+    ASSERT_EQ(wire::kSuccess, call("positioning", "set_velocity_send", {1, 280000, 0, 0, 0, 0, 1}));
+    EXPECT_EQ(1000, camera_->state("positioning/1")["pan"]["velocity"]);
+    EXPECT_EQ(120000, camera_->state("positioning/1")["tilt"]["velocity"]);
+}
+
+TEST_F(Dome, RefusesSoftVelocityLimitsThatAreNone) {
+    const json before = camera_->state("positioning/1");
+    for (const json &arguments : {json{1, -1, 1000, 0, 0, 0, 0, 0, 0}, json{1, 60, 50, 0, 0, 0, 0, 0, 0},
+                                  json{1, 60, 280001, 0, 0, 0, 0, 0, 0}, json{1, 60, 70, 0, 0, 0, 1, 9, 8}}) {
+        EXPECT_EQ(wire::kInvalidArgument, call("positioning", "set_soft_velocity_limits_send", arguments));
+    }
+    EXPECT_EQ(before, camera_->state("positioning/1"));
+}
+
+TEST_F(Dome, NotesHowLongAVelocityCommandLasts) {
+    EXPECT_EQ(wire::kSuccess, call("positioning", "set_velocity_send", {1, 5, 0, 0, 0, 0, 1}));
+    EXPECT_EQ(4294967295U, camera_->state("positioning/1")["velocityTimeout"]);
+    EXPECT_EQ(wire::kSuccess, call("positioning", "set_velocity_command_timeout_send", {800}));
+    EXPECT_EQ(wire::kSuccess, call("positioning", "set_velocity_send", {1, 5, 0, 0, 0, 0, 1}));
+    EXPECT_EQ(800, camera_->state("positioning/1")["velocityTimeout"]);
+}
+
+TEST_F(Dome, EndsAVelocityWhenItMovesToAPosition) {
+    ASSERT_EQ(wire::kSuccess, call("positioning", "set_velocity_send", {1, 5, 1, 6, 0, 0, 1}));
+    ASSERT_EQ(wire::kSuccess, call("positioning", "move_to_position_with_speed_percentage_send",
+                                   {1, 90000, 1.0, 0, 0, 0.0, 0, 0, 0.0, 1}));
+    EXPECT_EQ(0, camera_->state("positioning/1")["pan"]["velocity"]);
+    EXPECT_EQ(6, camera_->state("positioning/1")["tilt"]["velocity"]);
+}
+
+TEST_F(Dome, KeepsPresetsAndComesBackToThem) {
+    ASSERT_EQ(wire::kSuccess, move(90000, -45000, 100));
+    ASSERT_EQ(wire::kSuccess, call("presets_tours", "set_preset_with_current_position_send", {"gate", "Gate", 7, 1}));
+    ASSERT_EQ(wire::kSuccess, move(0, 0, 10));
+    ASSERT_EQ(wire::kSuccess, call("presets_tours", "get_preset_id_for_quarnapi_id_send", {7}));
+    EXPECT_EQ(json::array({"gate"}), answer_.results);
+    ASSERT_EQ(wire::kSuccess, call("presets_tours", "move_to_preset_send", {"gate", 0.5, 1, 1}));
+    EXPECT_EQ((json{90000, -45000, 100}), position());
+}
+
+TEST_F(Dome, HasNoIdentifierForANumberWithoutPreset) {
+    for (const int number : {-1, 0, 1, 300}) {
+        ASSERT_EQ(wire::kSuccess, call("presets_tours", "get_preset_id_for_quarnapi_id_send", {number}));
+        EXPECT_EQ(json::array({""}), answer_.results);
+    }
+}
+
+TEST_F(Dome, PutsAPresetInThePlaceOfThoseWithItsNumberOrIdentifier) {
+    const std::string store = "set_preset_with_current_position_send";
+    ASSERT_EQ(wire::kSuccess, call("presets_tours", store, {"a", "A", 9, 1}));
+    ASSERT_EQ(wire::kSuccess, call("presets_tours", store, {"b", "B", 2, 1}));
+    ASSERT_EQ(wire::kSuccess, call("presets_tours", store, {"c", nullptr, 5, 1}));
+    ASSERT_EQ(wire::kSuccess, call("presets_tours", store, {"a", "A again", 2, 1}));
+    const json presets = camera_->state("presets_tours/1")["presets"];
+    ASSERT_EQ(2U, presets.size());
+    EXPECT_EQ("a", presets[0]["id"]);
+    EXPECT_EQ("A again", presets[0]["name"]);
+    EXPECT_EQ(2, presets[0]["number"]);
+    EXPECT_EQ("c", presets[1]["id"]);
+    EXPECT_EQ("", presets[1]["name"]);
+}
+
+TEST_F(Dome, MakesAnIdentifierForAPresetWithoutOne) {
+    const std::string store = "set_preset_with_current_position_send";
+    ASSERT_EQ(wire::kSuccess, call("presets_tours", store, {"preset-3", "", 1, 1}));
+    ASSERT_EQ(wire::kSuccess, call("presets_tours", store, {"", "", 3, 1}));
+    ASSERT_EQ(wire::kSuccess, call("presets_tours", store, {nullptr, "", 4, 1}));
+    const json presets = camera_->state("presets_tours/1")["presets"];
+    EXPECT_EQ("preset-3", presets.at(0)["id"]);
+    EXPECT_EQ("preset-3-new", presets.at(1)["id"]);
+    EXPECT_EQ("preset-4", presets.at(2)["id"]);
+}
+
+TEST_F(Dome, HoldsAllItsPresetsAndNoMore) {
+    for (int number = 1; number <= 255; ++number) {
+        ASSERT_EQ(wire::kSuccess, call("presets_tours", "set_preset_with_current_position_send", {"", "", number, 1}));
+    }
+    for (const int number : {-1, 0, 256}) {
+        EXPECT_EQ(wire::kInvalidArgument,
+                  call("presets_tours", "set_preset_with_current_position_send", {"", "", number, 1}));
+    }
+    EXPECT_EQ(255U, camera_->state("presets_tours/1")["presets"].size());
+}
+
+TEST_F(Dome, RefusesAPresetThatItDoesNotHave) {
+    EXPECT_EQ(wire::kInvalidArgument, call("presets_tours", "move_to_preset_send", {"gate", 1.0, 1, 1}));
+    EXPECT_EQ(wire::kInvalidArgument, call("presets_tours", "move_to_preset_send", {nullptr, 1.0, 1, 1}));
+}
+
+TEST(Presets, NeedSomethingToPosition) {
+    const auto camera = test::makeCameraOf(
+        "presets_tours", {{"maximumPresets", 3}, {"presets", {{{"id", "a"}, {"name", "A"}, {"number", 1}}}}});
+    const json before = camera->state("presets_tours/1");
+    EXPECT_EQ(wire::kNotSupported,
+              camera->call("presets_tours", {"move_to_preset_send", "presets_tours/1", "a", 1.0, 1, 1}).status);
+    EXPECT_EQ(
+        wire::kNotSupported,
+        camera->call("presets_tours", {"set_preset_with_current_position_send", "presets_tours/1", "b", "B", 2, 1})
+            .status);
+    EXPECT_EQ(before, camera->state("presets_tours/1"));
+}
+
+TEST_F(Dome, RefusesLensPositionsAndRunsThatAreNone) {
+    const json iris = camera_->state("iris/1");
+    const json focus = camera_->state("lens_focus/1");
+    EXPECT_EQ(wire::kInvalidArgument, call("iris", "set_position_send", {256}));
+    EXPECT_EQ(wire::kInvalidArgument, call("iris", "set_velocity_send", {2, 1}));
+    EXPECT_EQ(wire::kInvalidArgument, call("iris", "set_velocity_send", {0, -1}));
+    EXPECT_EQ(wire::kInvalidArgument, call("lens_focus", "set_manual_focus_position_send", {-1}));
+    EXPECT_EQ(wire::kInvalidArgument, call("lens_focus", "set_velocity_send", {-1, 1}));
+    EXPECT_EQ(wire::kInvalidArgument, call("lens_focus", "set_velocity_send", {1, 2}));
+    EXPECT_EQ(iris, camera_->state("iris/1"));
+    EXPECT_EQ(focus, camera_->state("lens_focus/1"));
+}
+
+TEST_F(Dome, RefusesRelayStatesAndRestartsThatAreNone) {
+    EXPECT_EQ(wire::kInvalidArgument, call("relay", "set_state_send", {2}));
+    EXPECT_EQ(wire::kNotSupported, call("device_management", "reboot_send", {1}));
+    EXPECT_EQ(0, camera_->state("device_management/1")["reboots"]);
+}
+
+TEST(Stepper, RefusesPositionsAndSpeedsBeyondItsLimits) {
+    const auto camera = test::shippedCamera("stepper");
+    const json before = camera->state("focus_stepper/1");
+    for (const auto &[position, speed] : {std::pair{-1, 100}, {4001, 100}, {100, 9}, {100, 801}}) {
+        EXPECT_EQ(wire::kInvalidArgument,
+                  camera->call("focus_stepper", {"set_position_send", "focus_stepper/1", position, speed}).status);
+    }
+    EXPECT_EQ(before, camera->state("focus_stepper/1"));
+}
+
+} // namespace

@@ -1,0 +1,176 @@
+// Clients that misbehave, and how little the others notice of them.
+#include "camera_process.h"
+
+#include "wire.h"
+
+#include <fstream>
+
+#include <gmock/gmock.h>
+
+using namespace camera::test;
+using nlohmann::json;
+
+namespace {
+
+const std::string kRequest = R"(["get_temperature_send","temperature/1"])";
+const std::string kAnswer = "[0,31500]";
+
+class Connections : public testing::Test {
+protected:
+    void expectService() {
+        LineClient client(directory_, "temperature");
+        EXPECT_EQ(kAnswer, client.ask(kRequest));
+    }
+
+    TempDirectory root_;
+    std::string directory_ = root_ / "sockets";
+};
+
+TEST_F(Connections, TakeALineOfTheLargestSize) {
+    RunningCamera camera(directory_);
+    LineClient client(directory_, "temperature");
+    const std::string longest = kRequest + std::string(wire::kMaximumLine - 1 - kRequest.size(), ' ');
+    EXPECT_EQ(kAnswer, client.ask(longest));
+    EXPECT_EQ(kAnswer, client.ask(longest));
+}
+
+TEST_F(Connections, EndWithALongerLine) {
+    RunningCamera camera(directory_);
+    LineClient witness(directory_, "temperature");
+    LineClient client(directory_, "temperature");
+    client.send(kRequest + std::string(wire::kMaximumLine - kRequest.size(), ' ') + "\n");
+    EXPECT_TRUE(client.ends());
+    LineClient endless(directory_, "control");
+    endless.send(std::string(wire::kMaximumLine, 'x'));
+    EXPECT_TRUE(endless.ends());
+    EXPECT_EQ(kAnswer, witness.ask(kRequest));
+    expectService();
+}
+
+TEST_F(Connections, MayEndInTheMiddleOfALine) {
+    RunningCamera camera(directory_);
+    LineClient witness(directory_, "temperature");
+    for (int i = 0; i < 20; ++i) {
+        LineClient client(directory_, "temperature");
+        client.send(kRequest.substr(0, 1 + static_cast<std::size_t>(i)));
+    }
+    EXPECT_EQ(kAnswer, witness.ask(kRequest));
+    expectService();
+}
+
+TEST_F(Connections, PutHalfLinesTogether) {
+    RunningCamera camera(directory_);
+    LineClient witness(directory_, "temperature");
+    LineClient client(directory_, "temperature");
+    for (const char octet : kRequest) {
+        client.send(std::string(1, octet));
+        ASSERT_EQ(kAnswer, witness.ask(kRequest));
+        ASSERT_FALSE(client.readable());
+    }
+    client.send("\n");
+    EXPECT_EQ(kAnswer, client.readLine().value_or("no answer"));
+}
+
+TEST_F(Connections, MayEndBeforeTheAnswerIsRead) {
+    RunningCamera camera(directory_);
+    for (int i = 0; i < 20; ++i) {
+        LineClient client(directory_, "temperature");
+        std::string requests;
+        for (int k = 0; k < 100; ++k) {
+            requests += kRequest + "\n";
+        }
+        client.send(requests);
+    }
+    expectService();
+}
+
+TEST_F(Connections, OfAClientThatDoesNotReadEndAndDisturbNobody) {
+    RunningCamera camera(directory_);
+    LineClient witness(directory_, "device_information");
+    LineClient client(directory_, "device_information");
+    const std::string request = R"(["get_static_information_send","device_information/1"])";
+    const std::string answer = witness.ask(request);
+    std::string requests;
+    for (int i = 0; i < 1000; ++i) {
+        requests += request + "\n";
+    }
+    // The answers that the client does not read fill first the socket, then what the camera keeps for it.
+    EXPECT_TRUE(eventually([&] {
+        EXPECT_EQ(answer, witness.ask(request));
+        return !client.sendWhatFits(requests);
+    }));
+    EXPECT_EQ(answer, witness.ask(request));
+}
+
+TEST_F(Connections, OfAFollowerThatDoesNotReadEnd) {
+    RunningCamera camera(directory_);
+    LineClient follower(directory_, "control");
+    EXPECT_EQ(R"({"ok":true})", follower.ask(R"({"command":"follow"})"));
+    LineClient client(directory_, "relay");
+    // 8 MiB of events are more than the socket and the camera keep for the follower.
+    const std::string unknown(10000, 'x');
+    for (int i = 0; i < 800; ++i) {
+        ASSERT_EQ("[4]", client.ask("[\"" + unknown + "\",null]"));
+    }
+    EXPECT_TRUE(follower.ends());
+    EXPECT_EQ("[0,0]", client.ask(R"(["get_state_send","relay/1"])"));
+}
+
+TEST_F(Connections, AreLimitedInNumber) {
+    RunningCamera camera(directory_);
+    LineClient witness(directory_, "temperature");
+    EXPECT_EQ(kAnswer, witness.ask(kRequest));
+    {
+        std::vector<std::unique_ptr<LineClient>> clients;
+        int refused = 0;
+        for (int i = 0; i < 60; ++i) {
+            clients.push_back(std::make_unique<LineClient>(directory_, "temperature"));
+            refused += clients.back()->ask(kRequest) == kAnswer ? 0 : 1;
+        }
+        EXPECT_EQ(13, refused); // 48 are served, and the witness is one of them
+        EXPECT_EQ(kAnswer, witness.ask(kRequest));
+        LineClient other(directory_, "relay");
+        EXPECT_EQ("[0,0]", other.ask(R"(["get_state_send","relay/1"])"));
+    }
+    EXPECT_TRUE(eventually([this] { return LineClient(directory_, "temperature").ask(kRequest) == kAnswer; }));
+}
+
+/** Processor time that a process has used so far, in clock ticks. */
+long ticksOf(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+    std::string field;
+    std::getline(file, field, ')');
+    constexpr int kUserTime = 12; // counted from the field behind the name
+    long user = 0;
+    long system = 0;
+    for (int i = 1; i < kUserTime; ++i) {
+        file >> field;
+    }
+    file >> user >> system;
+    return user + system;
+}
+
+TEST_F(Connections, WaitWhenTheCameraHasNoFileLeft) {
+    constexpr unsigned kFiles = 40;
+    RunningCamera camera(directory_, "dome", kFiles);
+    LineClient witness(directory_, "temperature");
+    EXPECT_EQ(kAnswer, witness.ask(kRequest));
+    std::vector<std::unique_ptr<LineClient>> clients;
+    for (unsigned i = 0; i < kFiles; ++i) {
+        clients.push_back(std::make_unique<LineClient>(directory_, i % 2 == 0 ? "temperature" : "relay"));
+        ASSERT_TRUE(clients.back()->connected());
+    }
+    LineClient waiting(directory_, "temperature");
+    waiting.send(kRequest + "\n");
+    const auto start = std::chrono::steady_clock::now();
+    const long before = ticksOf(camera.process().pid());
+    // The camera tries again ten times a second; spinning would use all of this second.
+    EXPECT_TRUE(eventually([&] { return std::chrono::steady_clock::now() - start > std::chrono::seconds(1); }));
+    EXPECT_LT(ticksOf(camera.process().pid()) - before, sysconf(_SC_CLK_TCK) / 2);
+    EXPECT_FALSE(waiting.readable());
+    EXPECT_EQ(kAnswer, witness.ask(kRequest));
+    clients.clear();
+    EXPECT_EQ(kAnswer, waiting.readLine().value_or("no answer"));
+}
+
+} // namespace

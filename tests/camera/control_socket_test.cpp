@@ -1,0 +1,178 @@
+// The control socket of a running camera, and what its commands do to the clients of the services.
+#include "camera_process.h"
+
+#include <filesystem>
+
+#include <gmock/gmock.h>
+
+using namespace camera::test;
+using nlohmann::json;
+
+namespace {
+
+const std::string kRequest = R"(["get_temperature_send","temperature/1"])";
+const std::string kAnswer = "[0,31500]";
+const json kDone = {{"ok", true}};
+
+class Control : public testing::Test {
+protected:
+    json order(const std::string &command) {
+        return control_.call(json::parse(command));
+    }
+
+    TempDirectory root_;
+    std::string directory_ = root_ / "sockets";
+    RunningCamera camera_{directory_};
+    LineClient control_{directory_, "control"};
+};
+
+TEST_F(Control, ShowsAndSetsTheState) {
+    EXPECT_EQ(kDone, order(R"({"command":"set","target":"alarm/2","field":"state","value":1})"));
+    LineClient alarm(directory_, "alarm");
+    EXPECT_EQ("[0,1]", alarm.ask(R"(["get_state_send","alarm/2"])"));
+    const json state = order(R"({"command":"state"})")["state"];
+    EXPECT_EQ("dome", state["camera"]);
+    EXPECT_EQ(1, state["services"]["alarm"]["targets"]["alarm/2"]["state"]);
+    EXPECT_EQ(true, state["services"]["alarm"]["up"]);
+    EXPECT_EQ(11U, state["services"].size());
+}
+
+TEST_F(Control, AnswersWhatItRefuses) {
+    EXPECT_EQ((json{{"ok", false}, {"error", "alarm/2 stat: unknown key; expected one of: state"}}),
+              order(R"({"command":"set","target":"alarm/2","field":"stat","value":1})"));
+    control_.send("rubbish\n");
+    EXPECT_THAT(control_.readLine().value_or(""), testing::HasSubstr("expected an object"));
+    EXPECT_EQ(true, order(R"({"command":"state"})")["ok"]);
+}
+
+TEST_F(Control, TakesAServiceDownAndUp) {
+    LineClient connected(directory_, "alarm");
+    EXPECT_EQ("[0,0]", connected.ask(R"(["get_state_send","alarm/1"])"));
+    LineClient directory(directory_, "directory");
+
+    EXPECT_EQ(kDone, order(R"({"command":"down","service":"alarm"})"));
+    EXPECT_TRUE(connected.ends());
+    EXPECT_FALSE(LineClient(directory_, "alarm").connected());
+    EXPECT_FALSE(std::filesystem::exists(directory_ + "/alarm.sock"));
+    EXPECT_EQ("[6]", directory.ask(R"(["get_target_ids","alarm"])"));
+    EXPECT_EQ(R"([0,"temperature/1"])", directory.ask(R"(["get_target_ids","temperature"])"));
+    EXPECT_EQ(false, order(R"({"command":"state"})")["state"]["services"]["alarm"]["up"]);
+    // What the service shows can be set while it is down.
+    EXPECT_EQ(kDone, order(R"({"command":"set","target":"alarm/1","field":"state","value":1})"));
+
+    EXPECT_EQ(kDone, order(R"({"command":"up","service":"alarm"})"));
+    LineClient again(directory_, "alarm");
+    EXPECT_EQ("[0,1]", again.ask(R"(["get_state_send","alarm/1"])"));
+    EXPECT_EQ(R"([0,"alarm/1","alarm/2","alarm/3","alarm/4"])", directory.ask(R"(["get_target_ids","alarm"])"));
+}
+
+TEST_F(Control, RefusesToBringUpAServiceWhosePathIsTaken) {
+    EXPECT_EQ(kDone, order(R"({"command":"down","service":"alarm"})"));
+    writeFile(directory_ + "/alarm.sock", "");
+    EXPECT_EQ("cannot bring up alarm: cannot listen on " + directory_ + "/alarm.sock: Address already in use",
+              order(R"({"command":"up","service":"alarm"})")["error"]);
+    EXPECT_EQ(false, order(R"({"command":"state"})")["state"]["services"]["alarm"]["up"]);
+    std::filesystem::remove(directory_ + "/alarm.sock");
+    EXPECT_EQ(kDone, order(R"({"command":"up","service":"alarm"})"));
+    EXPECT_TRUE(LineClient(directory_, "alarm").connected());
+}
+
+TEST_F(Control, LetsCallsFailOnceSeveralTimesOrAlways) {
+    LineClient client(directory_, "temperature");
+    EXPECT_EQ(kDone,
+              order(R"({"command":"fail","service":"temperature","operation":"get_temperature_send","status":1})"));
+    EXPECT_EQ("[1]", client.ask(kRequest));
+    EXPECT_EQ(kAnswer, client.ask(kRequest));
+    EXPECT_EQ(kDone, order(R"({"command":"fail","service":"temperature","operation":"*","status":7,"times":3})"));
+    EXPECT_EQ("[7]", client.ask(kRequest));
+    EXPECT_EQ("[7]", client.ask(R"(["initiator_init",null])"));
+    EXPECT_EQ("[7]", client.ask(kRequest));
+    EXPECT_EQ(kAnswer, client.ask(kRequest));
+    EXPECT_EQ(kDone,
+              order(R"({"command":"fail","service":"temperature","operation":"*","status":-9,"times":"always"})"));
+    for (int i = 0; i < 50; ++i) {
+        ASSERT_EQ("[-9]", client.ask(kRequest));
+    }
+    EXPECT_EQ(kDone, order(R"({"command":"clear","service":"temperature"})"));
+    EXPECT_EQ(kAnswer, client.ask(kRequest));
+}
+
+TEST_F(Control, LetsTheDirectoryFail) {
+    LineClient client(directory_, "directory");
+    EXPECT_EQ(kDone, order(R"({"command":"fail","service":"directory","operation":"get_target_ids","status":1})"));
+    EXPECT_EQ("[1]", client.ask(R"(["get_target_ids","alarm"])"));
+    EXPECT_EQ(R"([0,"iris/1"])", client.ask(R"(["get_target_ids","iris"])"));
+}
+
+TEST_F(Control, HoldsBackOneAnswerWhileOthersGoOn) {
+    LineClient delayed(directory_, "temperature");
+    LineClient other(directory_, "temperature");
+    EXPECT_EQ(kDone, order(R"({"command":"delay","service":"temperature","operation":"*","milliseconds":300})"));
+    const auto start = std::chrono::steady_clock::now();
+    delayed.send(kRequest + "\n");
+    // The delay is used up as soon as the request is there.
+    EXPECT_TRUE(eventually([&] { return order(R"({"command":"state"})")["state"]["delays"].empty(); }));
+    EXPECT_EQ(kAnswer, other.ask(kRequest));
+    EXPECT_FALSE(delayed.readable());
+    EXPECT_EQ(kAnswer, delayed.readLine().value_or("no answer"));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(300));
+}
+
+TEST_F(Control, KeepsTheOrderOfAnswersBehindOneThatIsHeldBack) {
+    LineClient client(directory_, "temperature");
+    EXPECT_EQ(kDone, order(R"({"command":"delay","service":"temperature","operation":"*","milliseconds":100})"));
+    EXPECT_EQ(kDone, order(R"({"command":"fail","service":"temperature","operation":"*","status":5})"));
+    client.send(kRequest + "\n" + kRequest + "\n[]\n");
+    EXPECT_EQ("[5]", client.readLine().value_or("no answer"));
+    EXPECT_EQ(kAnswer, client.readLine().value_or("no answer"));
+    EXPECT_EQ("[2]", client.readLine().value_or("no answer"));
+}
+
+TEST_F(Control, DropsAClientWhoseAnswerIsHeldBackWhenItsServiceGoesDown) {
+    LineClient client(directory_, "temperature");
+    EXPECT_EQ(kDone, order(R"({"command":"delay","service":"temperature","operation":"*","milliseconds":600000})"));
+    client.send(kRequest + "\n");
+    EXPECT_TRUE(eventually([&] { return order(R"({"command":"state"})")["state"]["delays"].empty(); }));
+    EXPECT_EQ(kDone, order(R"({"command":"down","service":"temperature"})"));
+    EXPECT_TRUE(client.ends());
+}
+
+TEST_F(Control, TellsFollowersWhatHappens) {
+    LineClient follower(directory_, "control");
+    EXPECT_EQ(kDone, follower.call({{"command", "follow"}}));
+    LineClient relay(directory_, "relay");
+    EXPECT_EQ("[0,0]", relay.ask(R"(["get_state_send","relay/1"])"));
+    EXPECT_EQ("[0]", relay.ask(R"(["set_state_send","relay/1",1])"));
+    order(R"({"command":"fail","service":"relay","operation":"*","status":8})");
+    EXPECT_EQ("[8]", relay.ask(R"(["get_state_send","relay/1"])"));
+    order(R"({"command":"down","service":"relay"})");
+    order(R"({"command":"up","service":"relay"})");
+    LineClient management(directory_, "device_management");
+    EXPECT_EQ("[0]", management.ask(R"(["reboot_send","device_management/1",2])"));
+
+    std::vector<std::string> kinds;
+    double lastTime = 0.0;
+    for (int i = 0; i < 8; ++i) {
+        const json event = json::parse(follower.readLine().value_or("{}"));
+        ASSERT_TRUE(event.contains("time"));
+        EXPECT_GE(event["time"], lastTime);
+        lastTime = event["time"];
+        kinds.push_back(event["event"]);
+    }
+    EXPECT_THAT(kinds, testing::ElementsAre("command", "changed", "fault", "service_down", "service_up", "reboot",
+                                            "command", "changed"));
+    EXPECT_FALSE(follower.readable());
+}
+
+TEST_F(Control, GoesOnWhenAFollowerLeaves) {
+    {
+        LineClient follower(directory_, "control");
+        EXPECT_EQ(kDone, follower.call({{"command", "follow"}}));
+    }
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(kDone,
+                  order(R"({"command":"set","target":"alarm/1","field":"state","value":)" + std::to_string(i) + "}"));
+    }
+}
+
+} // namespace

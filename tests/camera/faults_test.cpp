@@ -1,0 +1,162 @@
+#include "call_desk.h"
+#include "faults.h"
+#include "wire.h"
+
+#include "test_cameras.h"
+
+#include <gmock/gmock.h>
+
+using namespace camera;
+using nlohmann::json;
+
+namespace {
+
+TEST(FaultOrders, StrikeAsOftenAsOrdered) {
+    FaultOrders orders;
+    orders.set("temperature", "get_temperature_send", 7, 2);
+    EXPECT_EQ(std::nullopt, orders.take("temperature", "other"));
+    EXPECT_EQ(std::nullopt, orders.take("alarm", "get_temperature_send"));
+    EXPECT_EQ(7, orders.take("temperature", "get_temperature_send"));
+    EXPECT_EQ(7, orders.take("temperature", "get_temperature_send"));
+    EXPECT_EQ(std::nullopt, orders.take("temperature", "get_temperature_send"));
+}
+
+TEST(FaultOrders, StrikeAlways) {
+    FaultOrders orders;
+    orders.set("temperature", "*", 7, std::nullopt);
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_EQ(7, orders.take("temperature", "get_temperature_send"));
+    }
+}
+
+TEST(FaultOrders, ForAnOperationGoBeforeThoseForAll) {
+    FaultOrders orders;
+    orders.set("relay", "*", 1, std::nullopt);
+    orders.set("relay", "get_state_send", 2, 1);
+    EXPECT_EQ(2, orders.take("relay", "get_state_send"));
+    EXPECT_EQ(1, orders.take("relay", "get_state_send"));
+}
+
+TEST(FaultOrders, TakeThePlaceOfOlderOnes) {
+    FaultOrders orders;
+    orders.set("relay", "*", 1, std::nullopt);
+    orders.set("relay", "*", 2, 1);
+    EXPECT_EQ(2, orders.take("relay", "get_state_send"));
+    EXPECT_EQ(std::nullopt, orders.take("relay", "get_state_send"));
+}
+
+TEST(FaultOrders, AreClearedAsMeant) {
+    const auto ordered = [] {
+        FaultOrders orders;
+        orders.set("relay", "*", 1, 1);
+        orders.set("relay", "get_state_send", 2, 3);
+        orders.set("alarm", "get_state_send", 3, std::nullopt);
+        return orders;
+    };
+    FaultOrders orders = ordered();
+    orders.clear("relay", "get_state_send");
+    EXPECT_EQ((json{{{"service", "alarm"}, {"operation", "get_state_send"}, {"status", 3}, {"times", "always"}},
+                    {{"service", "relay"}, {"operation", "*"}, {"status", 1}, {"times", 1}}}),
+              orders.list("status"));
+    orders = ordered();
+    orders.clear("relay", std::nullopt);
+    EXPECT_EQ(1U, orders.list("status").size());
+    orders = ordered();
+    orders.clear(std::nullopt, std::nullopt);
+    EXPECT_EQ(json::array(), orders.list("status"));
+}
+
+class AllUp : public ServiceSwitch {
+public:
+    bool isUp(const std::string & /*service*/) const override {
+        return true;
+    }
+    void takeDown(const std::string & /*service*/) override {}
+    std::optional<std::string> bringUp(const std::string & /*service*/) override {
+        return std::nullopt;
+    }
+};
+
+class Desk : public testing::Test {
+protected:
+    std::string line(const json &request, const std::string &service = "relay") {
+        std::string text = wire::encode(request);
+        text.pop_back();
+        return desk_.serviceRequest(service, text).line;
+    }
+
+    std::unique_ptr<CameraModel> camera_ = test::shippedCamera("dome");
+    Faults faults_;
+    AllUp services_;
+    CallDesk desk_{*camera_, faults_, services_};
+};
+
+TEST_F(Desk, DoesNotExecuteACallThatFails) {
+    faults_.failures().set("relay", "set_state_send", -5, 1);
+    EXPECT_EQ("[-5]\n", line({"set_state_send", "relay/1", 1}));
+    EXPECT_EQ(0, camera_->state("relay/1")["state"]);
+    EXPECT_EQ("[0]\n", line({"set_state_send", "relay/1", 1}));
+    EXPECT_EQ(1, camera_->state("relay/1")["state"]);
+}
+
+TEST_F(Desk, CombinesFailureAndDelay) {
+    faults_.failures().set("relay", "get_state_send", 5, 1);
+    faults_.delays().set("relay", "*", 250, std::nullopt);
+    const Reply reply = desk_.serviceRequest("relay", R"(["get_state_send","relay/1"])");
+    EXPECT_EQ("[5]\n", reply.line);
+    EXPECT_EQ(std::chrono::milliseconds(250), reply.delay);
+    const Reply next = desk_.serviceRequest("relay", R"(["get_state_send","relay/1"])");
+    EXPECT_EQ("[0,0]\n", next.line);
+    EXPECT_EQ(std::chrono::milliseconds(250), next.delay);
+}
+
+TEST_F(Desk, TellsOfFaultsThatStrike) {
+    std::vector<json> seen;
+    const auto subscription = camera_->events().subscribe([&](json event) {
+        event.erase("time");
+        seen.push_back(event);
+    });
+    faults_.failures().set("relay", "*", 5, 1);
+    faults_.delays().set("relay", "set_state_send", 10, 1);
+    line({"set_state_send", "relay/1", 1});
+    line({"set_state_send", "relay/1", 0});
+    faults_.failures().set("relay", "initiator_init", 9, 1);
+    line({"initiator_init", nullptr});
+    EXPECT_THAT(seen,
+                testing::ElementsAre(
+                    json{{"event", "fault"},
+                         {"service", "relay"},
+                         {"operation", "set_state_send"},
+                         {"status", 5},
+                         {"milliseconds", 10}},
+                    json{{"event", "command"},
+                         {"service", "relay"},
+                         {"target", "relay/1"},
+                         {"operation", "set_state_send"},
+                         {"arguments", {1}},
+                         {"status", 5}},
+                    json{{"event", "command"},
+                         {"service", "relay"},
+                         {"target", "relay/1"},
+                         {"operation", "set_state_send"},
+                         {"arguments", {0}},
+                         {"status", 0}},
+                    json{{"event", "fault"}, {"service", "relay"}, {"operation", "initiator_init"}, {"status", 9}}));
+}
+
+TEST_F(Desk, WelcomesClientsThatComeAndGo) {
+    EXPECT_EQ("[0]\n", line({"initiator_init", nullptr}));
+    EXPECT_EQ("[0]\n", line({"initiator_deinit", nullptr}));
+    EXPECT_EQ("[2]\n", line({"initiator_init", "relay/1"}));
+    EXPECT_EQ("[2]\n", line({"initiator_init", nullptr, 1}));
+    faults_.failures().set("relay", "*", 42, 1);
+    EXPECT_EQ("[42]\n", line({"initiator_init", nullptr}));
+}
+
+TEST_F(Desk, DoesNotCountRubbishAsACall) {
+    faults_.failures().set("relay", "*", 42, 1);
+    EXPECT_EQ("[2]\n", desk_.serviceRequest("relay", "rubbish").line);
+    EXPECT_EQ("[42]\n", line({"get_state_send", "relay/1"}));
+}
+
+} // namespace

@@ -1,0 +1,151 @@
+#include "test_cameras.h"
+
+#include <cstdio>
+
+#include <gmock/gmock.h>
+
+using namespace camera;
+using nlohmann::json;
+
+namespace {
+
+/** Fields of all kinds of service, as `service field`. */
+struct AnyField {
+    std::string service;
+    FieldSummary field;
+};
+
+std::vector<AnyField> allFields() {
+    std::vector<AnyField> fields;
+    for (const std::string &service : knownServices()) {
+        for (const FieldSummary &field : makeService(service)->fields()) {
+            fields.push_back({service, field});
+        }
+    }
+    return fields;
+}
+
+TEST(EveryField, IsSetToWhatItIs) {
+    for (const AnyField &any : allFields()) {
+        const auto camera = test::makeCameraOf(any.service, json::object());
+        const std::string target = any.service + "/1";
+        const json before = camera->state(target);
+        const auto problem = camera->set(target, any.field.key, any.field.initial);
+        EXPECT_FALSE(problem) << target << " " << any.field.key << ": " << problem->text;
+        EXPECT_EQ(before, camera->state(target));
+    }
+}
+
+TEST(EveryField, RefusesAValueOfAnotherKind) {
+    const json wrong = {{"no", "field"}, {"has", "this"}};
+    for (const AnyField &any : allFields()) {
+        const auto camera = test::makeCameraOf(any.service, json::object());
+        const std::string target = any.service + "/1";
+        const auto problem = camera->set(target, any.field.key, wrong);
+        ASSERT_TRUE(problem) << target << " " << any.field.key;
+        EXPECT_EQ(target + " " + any.field.key + ": expected " + any.field.expected +
+                      R"(, found {"has":"this","no":"field"})",
+                  toString(*problem));
+    }
+}
+
+TEST(EveryIntegerField, RefusesWhatIsJustBeyondItsRange) {
+    std::size_t checked = 0;
+    for (const AnyField &any : allFields()) {
+        long long lowest = 0;
+        long long highest = 0;
+        if (std::sscanf(any.field.expected.c_str(), "an integer from %lld to %lld", &lowest, &highest) != 2) {
+            continue;
+        }
+        ++checked;
+        const auto camera = test::makeCameraOf(any.service, json::object());
+        const std::string target = any.service + "/1";
+        for (const long long beyond : {lowest - 1, highest + 1}) {
+            const auto problem = camera->set(target, any.field.key, beyond);
+            ASSERT_TRUE(problem) << target << " " << any.field.key << " " << beyond;
+            EXPECT_EQ(mismatch(any.field.expected, beyond), problem->text);
+            EXPECT_EQ(any.field.initial,
+                      camera->state(target).at(json::json_pointer("/" + [key = any.field.key]() mutable {
+                          std::replace(key.begin(), key.end(), '.', '/');
+                          return key;
+                      }())));
+        }
+    }
+    EXPECT_GT(checked, 40U);
+}
+
+TEST(SettingAField, ChangesThatFieldOnly) {
+    const auto dome = test::shippedCamera("dome");
+    json expected = dome->state("positioning/1");
+    ASSERT_FALSE(dome->set("positioning/1", "tilt.softPosition.maximum", 10000));
+    expected["tilt"]["softPosition"]["maximum"] = 10000;
+    EXPECT_EQ(expected, dome->state("positioning/1"));
+}
+
+TEST(SettingAField, LeavesOtherTargetsAlone) {
+    const auto dome = test::shippedCamera("dome");
+    ASSERT_FALSE(dome->set("alarm/2", "state", 1));
+    EXPECT_EQ(0, dome->state("alarm/1")["state"]);
+    EXPECT_EQ(1, dome->state("alarm/2")["state"]);
+}
+
+TEST(SettingAField, ChangesNothingWhenOtherFieldsForbidIt) {
+    const auto dome = test::shippedCamera("dome");
+    const json before = dome->state("positioning/1");
+    const auto problem = dome->set("positioning/1", "pan.position", 360000);
+    ASSERT_TRUE(problem);
+    EXPECT_EQ("positioning/1 pan.position: expected an integer from 0 to 359999 (pan.minimum to pan.maximum), found "
+              "360000",
+              toString(*problem));
+    EXPECT_EQ(before, dome->state("positioning/1"));
+}
+
+TEST(SettingAGroup, SetsItsFieldsTogether) {
+    const auto dome = test::shippedCamera("dome");
+    // Neither the maximum nor the position could be set alone.
+    ASSERT_FALSE(dome->set("iris/1", "maximum", 128));
+    ASSERT_TRUE(dome->set("iris/1", "maximum", 127));
+    ASSERT_FALSE(dome->set("positioning/1", "zoom", {{"maximum", 400}, {"position", 400}}));
+    EXPECT_EQ(400, dome->state("positioning/1")["zoom"]["position"]);
+    EXPECT_EQ(400, dome->state("positioning/1")["zoom"]["maximum"]);
+}
+
+TEST(SettingAGroup, ChangesNothingWhenOneOfItsValuesIsWrong) {
+    const auto dome = test::shippedCamera("dome");
+    const json before = dome->state("positioning/1");
+    const auto problem = dome->set("positioning/1", "pan", {{"position", 7}, {"velocity", "fast"}});
+    ASSERT_TRUE(problem);
+    EXPECT_EQ("positioning/1 pan.velocity: expected an integer from -2147483647 to 2147483647, found \"fast\"",
+              toString(*problem));
+    EXPECT_EQ(before, dome->state("positioning/1"));
+}
+
+TEST(SettingAField, ThatIsNotThereListsThoseThatAre) {
+    const auto dome = test::shippedCamera("dome");
+    EXPECT_EQ("alarm/1 stat: unknown key; expected one of: state", toString(*dome->set("alarm/1", "stat", 1)));
+    EXPECT_EQ("alarm/1: unknown key; expected one of: state", toString(*dome->set("alarm/1", "", 1)));
+    EXPECT_EQ("relay/1 configuration.c8: unknown key; expected one of: c1, c2, c3, c4, c5, c6, c7",
+              toString(*dome->set("relay/1", "configuration.c8", 1)));
+    EXPECT_EQ("relay/1 state.bit.zero: unknown key; expected one of: state, configuration",
+              toString(*dome->set("relay/1", "state.bit.zero", 1)));
+}
+
+TEST(SettingAField, OfATargetThatIsNotThereListsThoseThatAre) {
+    const auto minimal = test::shippedCamera("minimal");
+    EXPECT_EQ("alarm/1: unknown target; expected one of: device_information/1, device_management/1",
+              toString(*minimal->set("alarm/1", "state", 1)));
+}
+
+TEST(TextFields, TakeNull) {
+    const auto minimal = test::shippedCamera("minimal");
+    ASSERT_FALSE(minimal->set("device_information/1", "serial", nullptr));
+    EXPECT_TRUE(minimal->state("device_information/1")["serial"].is_null());
+}
+
+TEST(TextFields, TakeAtMostTheirLength) {
+    const auto minimal = test::shippedCamera("minimal");
+    EXPECT_FALSE(minimal->set("device_information/1", "serial", std::string(255, 'x')));
+    EXPECT_TRUE(minimal->set("device_information/1", "serial", std::string(256, 'x')));
+}
+
+} // namespace

@@ -1,0 +1,198 @@
+// Start and end of the camera's process.
+#include "camera_process.h"
+
+#include <csignal>
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+using namespace camera::test;
+
+namespace {
+
+Ended start(const std::vector<std::string> &arguments) {
+    std::vector<std::string> command = {QUARNSNMP_CAMERA};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return run(command);
+}
+
+mode_t permissionsOf(const std::string &path) {
+    struct stat status {};
+    EXPECT_EQ(0, stat(path.c_str(), &status)) << path;
+    return status.st_mode & 07777U;
+}
+
+class Program : public testing::Test {
+protected:
+    TempDirectory root_;
+    std::string directory_ = root_ / "sockets";
+};
+
+TEST_F(Program, IsForItsOwnerOnly) {
+    RunningCamera camera(directory_);
+    EXPECT_EQ(0700U, permissionsOf(directory_));
+    for (const std::string &entry : entriesOf(directory_)) {
+        EXPECT_EQ(0600U, permissionsOf(directory_ + "/" + entry)) << entry;
+    }
+}
+
+TEST_F(Program, LeavesNothingBehind) {
+    for (const int signal : {SIGTERM, SIGINT}) {
+        RunningCamera camera(directory_);
+        LineClient client(directory_, "alarm");
+        camera.process().signal(signal);
+        const Ended ended = camera.process().wait();
+        EXPECT_EQ(0, ended.status);
+        EXPECT_EQ("", ended.errors);
+        EXPECT_FALSE(std::filesystem::exists(directory_));
+        EXPECT_TRUE(client.ends());
+    }
+}
+
+TEST_F(Program, LeavesADirectoryThatWasThere) {
+    std::filesystem::create_directory(directory_);
+    RunningCamera camera(directory_);
+    camera.process().signal(SIGTERM);
+    EXPECT_EQ(0, camera.process().wait().status);
+    EXPECT_TRUE(std::filesystem::is_empty(directory_));
+}
+
+TEST_F(Program, LeavesTheFilesOfOthers) {
+    RunningCamera camera(directory_);
+    writeFile(directory_ + "/notes", "x");
+    camera.process().signal(SIGTERM);
+    EXPECT_EQ(0, camera.process().wait().status);
+    EXPECT_THAT(entriesOf(directory_), testing::ElementsAre("notes"));
+}
+
+TEST_F(Program, StartsAgainAfterAKilledOne) {
+    {
+        RunningCamera camera(directory_);
+        camera.process().signal(SIGKILL);
+        EXPECT_EQ(128 + SIGKILL, camera.process().wait().status);
+        EXPECT_TRUE(std::filesystem::exists(directory_ + "/positioning.sock"));
+    }
+    RunningCamera camera(directory_, "minimal");
+    EXPECT_EQ("camera minimal ready in " + directory_, camera.readyLine());
+    // Sockets of services that the new camera does not have would pretend that it had.
+    EXPECT_FALSE(std::filesystem::exists(directory_ + "/positioning.sock"));
+    EXPECT_TRUE(LineClient(directory_, "device_information").connected());
+    camera.process().signal(SIGTERM);
+    EXPECT_EQ(0, camera.process().wait().status);
+    // The directory is still the camera's own.
+    EXPECT_FALSE(std::filesystem::exists(directory_));
+}
+
+TEST_F(Program, IsRefusedWhereAnotherOneRuns) {
+    RunningCamera camera(directory_);
+    const Ended second = start({"--directory", directory_});
+    EXPECT_EQ(1, second.status);
+    EXPECT_EQ("", second.output);
+    EXPECT_EQ("quarnsnmp-camera: another camera runs in " + directory_ + "\n", second.errors);
+    LineClient client(directory_, "temperature");
+    EXPECT_EQ("[0,31500]", client.ask(R"(["get_temperature_send","temperature/1"])"));
+}
+
+TEST_F(Program, RunsBesideAnotherOneElsewhere) {
+    RunningCamera first(directory_);
+    RunningCamera second(root_ / "more", "stepper");
+    EXPECT_TRUE(LineClient(directory_, "positioning").connected());
+    EXPECT_TRUE(LineClient(root_ / "more", "zoom_stepper").connected());
+}
+
+TEST_F(Program, RefusesADirectoryThatItCannotUse) {
+    writeFile(directory_, "");
+    const Ended file = start({"--directory", directory_});
+    EXPECT_EQ(1, file.status);
+    EXPECT_EQ("quarnsnmp-camera: cannot open " + directory_ + "/camera.lock: Not a directory\n", file.errors);
+
+    const Ended missing = start({"--directory", root_ / "a/b"});
+    EXPECT_EQ(1, missing.status);
+    EXPECT_EQ("quarnsnmp-camera: cannot create the directory " + (root_ / "a/b") + ": No such file or directory\n",
+              missing.errors);
+
+    const std::string longName = root_ / std::string(100, 'd');
+    const Ended tooLong = start({"--directory", longName});
+    EXPECT_EQ(1, tooLong.status);
+    EXPECT_EQ("quarnsnmp-camera: cannot listen on " + longName +
+                  "/alarm.sock: a socket's path has at most 107 octets\n",
+              tooLong.errors);
+    EXPECT_FALSE(std::filesystem::exists(longName));
+}
+
+TEST_F(Program, DoesNotRemoveAFileInTheWay) {
+    std::filesystem::create_directory(directory_);
+    writeFile(directory_ + "/alarm.sock", "precious");
+    const Ended ended = start({"--directory", directory_});
+    EXPECT_EQ(1, ended.status);
+    EXPECT_EQ("quarnsnmp-camera: " + directory_ + "/alarm.sock is in the way: it is not a socket\n", ended.errors);
+    EXPECT_THAT(entriesOf(directory_), testing::ElementsAre("alarm.sock"));
+}
+
+TEST_F(Program, PlaysTheCameraOfAFile) {
+    writeFile(root_ / "own.json",
+              R"({"name": "own", "services": {"temperature": {"targets": [{"temperature": -1}]}}})");
+    RunningCamera camera(directory_, root_ / "own.json");
+    EXPECT_EQ("camera own ready in " + directory_, camera.readyLine());
+    LineClient client(directory_, "temperature");
+    EXPECT_EQ("[0,-1]", client.ask(R"(["get_temperature_send","temperature/1"])"));
+}
+
+TEST_F(Program, NamesAMistakeInACameraFile) {
+    writeFile(root_ / "own.json",
+              "{\n\"name\": \"own\",\n\"services\": {\"alarm\": {\"targets\": [{\"state\": true}]}}}");
+    const Ended wrong = start({"--camera", root_ / "own.json", "--directory", directory_});
+    EXPECT_EQ(1, wrong.status);
+    EXPECT_EQ("quarnsnmp-camera: " + (root_ / "own.json") +
+                  ": services.alarm.targets[0].state: expected an integer from -2147483648 to 2147483647, found true\n",
+              wrong.errors);
+    EXPECT_FALSE(std::filesystem::exists(directory_));
+}
+
+TEST_F(Program, NamesTheCamerasThatThereAre) {
+    const Ended ended = start({"--camera", "cube", "--directory", directory_});
+    EXPECT_EQ(1, ended.status);
+    EXPECT_THAT(ended.errors, testing::MatchesRegex("quarnsnmp-camera: no camera 'cube' in .*/share/quarnsnmp/cameras; "
+                                                    "there are: dome, minimal, stepper\n"));
+}
+
+TEST_F(Program, ListsItsCameras) {
+    const Ended ended = start({"--list"});
+    EXPECT_EQ(0, ended.status);
+    EXPECT_EQ("dome      A dome with pan, tilt and zoom, presets, 4 alarm inputs and 2 relays\n"
+              "minimal   A camera that only says who it is\n"
+              "stepper   A fixed camera whose focus and zoom are driven by stepper motors\n",
+              ended.output);
+}
+
+TEST_F(Program, TellsItsVersionAndItsOptions) {
+    for (const char *program : {QUARNSNMP_CAMERA, QUARNSNMP_CAMCTL}) {
+        const Ended version = run({program, "--version"});
+        EXPECT_EQ(0, version.status);
+        EXPECT_THAT(version.output, testing::MatchesRegex("quarnsnmp-cam[a-z]+ [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+        const Ended help = run({program, "--help"});
+        EXPECT_EQ(0, help.status);
+        EXPECT_THAT(help.output, testing::HasSubstr("--directory"));
+    }
+}
+
+TEST_F(Program, RefusesWrongUsage) {
+    for (const std::vector<std::string> &wrong :
+         {std::vector<std::string>{"--colour"}, {"dome"}, {"--camera"}, {"--directory"}}) {
+        const Ended ended = start(wrong);
+        EXPECT_EQ(2, ended.status) << wrong.front();
+        EXPECT_EQ("", ended.output);
+        EXPECT_THAT(ended.errors, testing::StartsWith("quarnsnmp-camera: "));
+    }
+}
+
+TEST_F(Program, TakesItsDirectoryFromTheEnvironment) {
+    Process camera({"/usr/bin/env", "QUARNSNMP_CAMERA_DIR=" + directory_, QUARNSNMP_CAMERA, "--camera", "minimal"});
+    EXPECT_EQ("camera minimal ready in " + directory_, camera.nextLine().value_or(""));
+    const Ended control = run({"/usr/bin/env", "QUARNSNMP_CAMERA_DIR=" + directory_, QUARNSNMP_CAMCTL, "state"});
+    EXPECT_EQ(0, control.status);
+    EXPECT_THAT(control.output, testing::HasSubstr("\"camera\": \"minimal\""));
+}
+
+} // namespace

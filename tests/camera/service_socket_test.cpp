@@ -1,0 +1,125 @@
+// Calls over the sockets of a running camera.
+#include "camera_process.h"
+
+#include <gmock/gmock.h>
+
+using namespace camera::test;
+using nlohmann::json;
+
+namespace {
+
+class Camera : public testing::Test {
+protected:
+    TempDirectory root_;
+    std::string directory_ = root_ / "sockets";
+    RunningCamera camera_{directory_};
+};
+
+TEST_F(Camera, SaysThatItIsReady) {
+    EXPECT_EQ("camera dome ready in " + directory_, camera_.readyLine());
+}
+
+TEST_F(Camera, AnswersCalls) {
+    LineClient client(directory_, "positioning");
+    EXPECT_EQ("[0]", client.ask(R"(["initiator_init",null])"));
+    EXPECT_EQ("[0,0,0,10]", client.ask(R"(["get_position_send","positioning/1"])"));
+    EXPECT_EQ("[0]", client.ask(R"(["move_to_position_with_speed_percentage_send","positioning/1",)"
+                                R"(1,90000,1.0,1,-45000,0.5,0,0,0.0,1])"));
+    EXPECT_EQ("[0,90000,-45000,10]", client.ask(R"(["get_position_send","positioning/1"])"));
+    EXPECT_EQ("[0]", client.ask(R"(["initiator_deinit",null])"));
+}
+
+TEST_F(Camera, AnswersWhatItDoesNotKnow) {
+    LineClient client(directory_, "alarm");
+    EXPECT_EQ("[3]", client.ask(R"(["get_state_send","alarm/9"])"));
+    EXPECT_EQ("[3]", client.ask(R"(["get_state_send",null])"));
+    EXPECT_EQ("[4]", client.ask(R"(["get_states_send","alarm/1"])"));
+    EXPECT_EQ("[0,0]", client.ask(R"(["get_state_send","alarm/1"])"));
+}
+
+TEST_F(Camera, AnswersRubbish) {
+    LineClient client(directory_, "alarm");
+    for (const char *rubbish : {"", " ", "rubbish", "{}", "[]", "3", "\"x\"", "null", R"(["get_state_send"])",
+                                R"([7,"alarm/1"])", R"(["get_state_send",1])", R"(["get_state_send","alarm/1")",
+                                R"(["get_state_send","alarm/1"]])", "[\"\xff\xfe\",\"alarm/1\"]", "\r"}) {
+        EXPECT_EQ("[2]", client.ask(rubbish)) << rubbish;
+    }
+    EXPECT_EQ("[2]", client.ask(std::string("\0\0", 2)));
+    EXPECT_EQ("[2]", client.ask(R"(["get_state_send","alarm/1",)" + std::string(60000, '[')));
+    EXPECT_EQ("[0,0]", client.ask("[\"get_state_send\",\"alarm/1\"]\r"));
+}
+
+TEST_F(Camera, TellsItsTargets) {
+    LineClient client(directory_, "directory");
+    EXPECT_EQ(R"([0,"alarm/1","alarm/2","alarm/3","alarm/4"])", client.ask(R"(["get_target_ids","alarm"])"));
+    EXPECT_EQ(R"([0,"positioning/1"])", client.ask(R"(["get_target_ids","positioning"])"));
+    EXPECT_EQ("[0]", client.ask(R"(["get_target_ids","focus_stepper"])"));
+    EXPECT_EQ("[0]", client.ask(R"(["get_target_ids","control"])"));
+    EXPECT_EQ("[0]", client.ask(R"(["get_target_ids",""])"));
+    for (const char *wrong : {R"(["get_targets","alarm"])", R"(["get_target_ids"])", R"(["get_target_ids",null])",
+                              R"(["get_target_ids","alarm",1])", "alarm"}) {
+        EXPECT_EQ("[2]", client.ask(wrong)) << wrong;
+    }
+}
+
+TEST_F(Camera, HasSocketsForItsServicesOnly) {
+    EXPECT_TRUE(LineClient(directory_, "alarm").connected());
+    EXPECT_FALSE(LineClient(directory_, "focus_stepper").connected());
+    EXPECT_FALSE(LineClient(directory_, "zoom_stepper").connected());
+}
+
+TEST_F(Camera, AnswersManyRequestsAtOnceInTheirOrder) {
+    LineClient client(directory_, "temperature");
+    constexpr int kRequests = 500;
+    std::string requests;
+    for (int i = 0; i < kRequests; ++i) {
+        requests += i % 2 == 0 ? "[\"get_temperature_send\",\"temperature/1\"]\n" : "[]\n";
+    }
+    client.send(requests);
+    for (int i = 0; i < kRequests; ++i) {
+        ASSERT_EQ(i % 2 == 0 ? "[0,31500]" : "[2]", client.readLine().value_or("no answer")) << i;
+    }
+}
+
+TEST_F(Camera, AnswersAClientThatHasNothingMoreToSay) {
+    LineClient client(directory_, "temperature");
+    client.send("[\"get_temperature_send\",\"temperature/1\"]\n");
+    client.finish();
+    EXPECT_EQ("[0,31500]", client.readLine().value_or("no answer"));
+    EXPECT_TRUE(client.ends());
+}
+
+TEST_F(Camera, KeepsTextsAsTheyAre) {
+    LineClient client(directory_, "presets_tours");
+    const std::string name = "T\u00fcr \"Nord\" \\ \u2603";
+    EXPECT_EQ(json::array({0}),
+              client.call({"set_preset_with_current_position_send", "presets_tours/1", "\u00e9", name, 3, 1}));
+    EXPECT_EQ(json::array({0, "\u00e9"}), client.call({"get_preset_id_for_quarnapi_id_send", "presets_tours/1", 3}));
+    LineClient control(directory_, "control");
+    const json state = control.call({{"command", "state"}});
+    EXPECT_EQ(name, state["state"]["services"]["presets_tours"]["targets"]["presets_tours/1"]["presets"][0]["name"]);
+}
+
+TEST_F(Camera, ServesTwoClientsAtOnce) {
+    LineClient first(directory_, "relay");
+    LineClient second(directory_, "relay");
+    EXPECT_EQ("[0]", first.ask(R"(["set_state_send","relay/2",1])"));
+    EXPECT_EQ("[0,1]", second.ask(R"(["get_state_send","relay/2"])"));
+    EXPECT_EQ("[0]", second.ask(R"(["set_state_send","relay/2",0])"));
+    EXPECT_EQ("[0,0]", first.ask(R"(["get_state_send","relay/2"])"));
+}
+
+TEST(EachShippedCamera, HasASocketForEachOfItsServices) {
+    const std::map<std::string, std::size_t> services = {{"dome", 11}, {"stepper", 6}, {"minimal", 2}};
+    for (const auto &[name, count] : services) {
+        const TempDirectory root;
+        RunningCamera camera(root / "sockets", name);
+        EXPECT_EQ("camera " + name + " ready in " + (root / "sockets"), camera.readyLine());
+        // Two sockets more, and the lock.
+        EXPECT_EQ(count + 3, entriesOf(root / "sockets").size());
+        LineClient client(root / "sockets", "device_information");
+        EXPECT_EQ(10U, client.call({"get_static_information_send", "device_information/1"}).size());
+    }
+}
+
+} // namespace

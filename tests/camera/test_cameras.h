@@ -1,0 +1,32 @@
+/**
+ * @file
+ * Cameras for tests of the model.
+ */
+#ifndef QUARNSNMP_TEST_CAMERAS_H
+#define QUARNSNMP_TEST_CAMERAS_H
+
+#include "camera_file.h"
+
+namespace camera::test {
+
+/** Makes a camera of the text of a camera file. */
+inline std::unique_ptr<CameraModel> makeCamera(const std::string &text) {
+    CameraDescription description = parseCamera(text, "test.json");
+    return std::make_unique<CameraModel>(description.name, description.description, std::move(description.services));
+}
+
+/** Makes a camera with one service that has one target with these fields. */
+inline std::unique_ptr<CameraModel> makeCameraOf(const std::string &service, const nlohmann::json &fields) {
+    const nlohmann::json target = {{"targets", nlohmann::json::array({fields})}};
+    return makeCamera(nlohmann::json({{"name", "test"}, {"services", {{service, target}}}}).dump());
+}
+
+/** A camera that the project ships. */
+inline std::unique_ptr<CameraModel> shippedCamera(const std::string &name) {
+    CameraDescription description = readCameraFile(std::string(QUARNSNMP_CAMERAS) + "/" + name + ".json");
+    return std::make_unique<CameraModel>(description.name, description.description, std::move(description.services));
+}
+
+} // namespace camera::test
+
+#endif
