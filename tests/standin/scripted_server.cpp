@@ -1,0 +1,212 @@
+#include "scripted_server.h"
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <system_error>
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "kernel_clock.h"
+
+namespace {
+
+[[noreturn]] void fail(const std::string &what) {
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
+int listenAt(const std::string &path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= sizeof address.sun_path) {
+        errno = ENAMETOOLONG;
+        fail(path);
+    }
+    std::memcpy(address.sun_path, path.data(), path.size());
+    const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (listener < 0 || ::bind(listener, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0 ||
+        ::listen(listener, 64) != 0) {
+        fail(path);
+    }
+    return listener;
+}
+
+} // namespace
+
+void Peer::send(std::string_view octets) const {
+    while (!octets.empty()) {
+        const ssize_t count = ::send(descriptor, octets.data(), octets.size(), MSG_NOSIGNAL);
+        if (count < 0) {
+            return;
+        }
+        octets.remove_prefix(static_cast<std::size_t>(count));
+    }
+}
+
+void Peer::hangUp() const {
+    ::shutdown(descriptor, SHUT_RDWR);
+}
+
+void Peer::refuseInput() const {
+    ::shutdown(descriptor, SHUT_RD);
+}
+
+ScriptedServer::ScriptedServer(const std::string &directory, const std::string &name, Handler lineHandler,
+                               Scope handlerScope)
+    : path(directory + "/" + name + ".sock"), scope(handlerScope), listener(listenAt(path)),
+      wakeUp(::eventfd(0, EFD_CLOEXEC)), handler(std::move(lineHandler)) {
+    if (wakeUp < 0) {
+        fail("eventfd");
+    }
+    thread = std::thread([this] { run(); });
+}
+
+ScriptedServer::ScriptedServer(const std::string &directory, const std::string &name, const std::string &answer)
+    : ScriptedServer(directory, name, [answer](Peer &peer, const std::string &) { peer.send(answer + "\n"); }) {}
+
+ScriptedServer::~ScriptedServer() {
+    const std::uint64_t one = 1;
+    if (::write(wakeUp, &one, sizeof one) != sizeof one) {
+        ::abort();
+    }
+    thread.join();
+    ::unlink(path.c_str());
+    ::close(listener);
+    ::close(wakeUp);
+    for (const auto &[descriptor, pending] : connections) {
+        ::close(descriptor);
+    }
+}
+
+std::vector<std::string> ScriptedServer::requests() const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return received;
+}
+
+unsigned ScriptedServer::greetings() const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return greeted;
+}
+
+unsigned ScriptedServer::farewells() const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return left;
+}
+
+unsigned ScriptedServer::connectionCount() const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return accepted;
+}
+
+std::size_t ScriptedServer::openConnections() const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return connections.size();
+}
+
+void ScriptedServer::forEachPeer(const std::function<void(Peer &peer)> &action) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    for (const auto &[descriptor, pending] : connections) {
+        Peer peer(descriptor);
+        action(peer);
+    }
+}
+
+void ScriptedServer::setHandler(Handler lineHandler) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    handler = std::move(lineHandler);
+}
+
+void ScriptedServer::run() {
+    for (;;) {
+        std::vector<pollfd> waits = {{wakeUp, POLLIN, 0}, {listener, POLLIN, 0}};
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            for (const auto &[descriptor, pending] : connections) {
+                waits.push_back({descriptor, POLLIN, 0});
+            }
+        }
+        if (::poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) {
+            return;
+        }
+        if (waits[0].revents != 0) {
+            return;
+        }
+        for (std::size_t i = 2; i < waits.size(); ++i) {
+            if (waits[i].revents != 0 && !receive(waits[i].fd)) {
+                const std::lock_guard<std::mutex> lock(mutex);
+                connections.erase(waits[i].fd);
+                ::close(waits[i].fd);
+            }
+        }
+        if (waits[1].revents != 0) {
+            accept();
+        }
+    }
+}
+
+void ScriptedServer::accept() {
+    const int descriptor = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+    if (descriptor >= 0) {
+        const std::lock_guard<std::mutex> lock(mutex);
+        connections.emplace(descriptor, std::string());
+        ++accepted;
+    }
+}
+
+bool ScriptedServer::receive(int descriptor) {
+    std::array<char, 4096> octets{};
+    const ssize_t count = ::recv(descriptor, octets.data(), octets.size(), 0);
+    if (count <= 0) {
+        return false;
+    }
+    std::vector<std::string> lines;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        std::string &pending = connections[descriptor];
+        pending.append(octets.data(), static_cast<std::size_t>(count));
+        for (std::size_t end = pending.find('\n'); end != std::string::npos; end = pending.find('\n')) {
+            lines.push_back(pending.substr(0, end));
+            pending.erase(0, end + 1);
+        }
+    }
+    for (const std::string &line : lines) {
+        handle(descriptor, line);
+    }
+    return true;
+}
+
+void ScriptedServer::handle(int descriptor, const std::string &line) {
+    Peer peer(descriptor);
+    Handler react;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        const bool isGreeting = line == R"(["initiator_init",null])";
+        const bool isFarewell = line == R"(["initiator_deinit",null])";
+        greeted += isGreeting ? 1 : 0;
+        left += isFarewell ? 1 : 0;
+        if (scope == Scope::kCalls && (isGreeting || isFarewell)) {
+            react = [](Peer &initiator, const std::string &) { initiator.send("[0]\n"); };
+        } else {
+            received.push_back(line);
+            react = handler;
+        }
+    }
+    // Not under the mutex: a handler may wait for what the test does.
+    react(peer, line);
+}
+
+bool eventually(const std::function<bool()> &condition) {
+    const auto end = kernelTime() + std::chrono::seconds(10);
+    while (!condition()) {
+        if (kernelTime() > end) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}

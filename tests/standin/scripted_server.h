@@ -1,0 +1,93 @@
+/**
+ * @file
+ * A service that answers as a test tells it to: also too late, in pieces, wrongly or not at all.
+ */
+#ifndef QUARNSNMP_STANDIN_SCRIPTED_SERVER_H
+#define QUARNSNMP_STANDIN_SCRIPTED_SERVER_H
+
+#include <atomic>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+/** The server's end of one connection. */
+class Peer {
+public:
+    explicit Peer(int connectedDescriptor) : descriptor(connectedDescriptor) {}
+
+    /** Sends octets as they are. */
+    void send(std::string_view octets) const;
+    /** Ends both directions; what was sent still arrives. */
+    void hangUp() const;
+    /** Lets the client's next send fail, while the other direction stays open. */
+    void refuseInput() const;
+
+private:
+    int descriptor;
+};
+
+/**
+ * Listens on `NAME.sock` of a directory and calls a handler, in a thread of its own, with every line that arrives.
+ * `initiator_init` and `initiator_deinit` are answered with success unless a handler for everything is asked for.
+ */
+class ScriptedServer {
+public:
+    using Handler = std::function<void(Peer &peer, const std::string &line)>;
+    enum class Scope { kCalls, kEverything };
+
+    ScriptedServer(const std::string &directory, const std::string &name, Handler lineHandler,
+                   Scope handlerScope = Scope::kCalls);
+    /** As above; every request is answered with the same line. */
+    ScriptedServer(const std::string &directory, const std::string &name, const std::string &answer);
+    /** Closes all connections and the socket. */
+    ~ScriptedServer();
+    ScriptedServer(const ScriptedServer &) = delete;
+    ScriptedServer &operator=(const ScriptedServer &) = delete;
+
+    /** The lines that the handler was called with, without their newlines. */
+    std::vector<std::string> requests() const;
+    /** How often each of the two initiator operations arrived. */
+    unsigned greetings() const;
+    unsigned farewells() const;
+    /** Connections accepted so far. */
+    unsigned connectionCount() const;
+    /** Connections that are open now. */
+    std::size_t openConnections() const;
+
+    /** Does something with every open connection. */
+    void forEachPeer(const std::function<void(Peer &peer)> &action);
+
+    /** Replaces the handler. */
+    void setHandler(Handler lineHandler);
+
+private:
+    void run();
+    void accept();
+    /** Reads from a connection. @return false when it has ended */
+    bool receive(int descriptor);
+    void handle(int descriptor, const std::string &line);
+
+    const std::string path;
+    const Scope scope;
+    int listener = -1;
+    int wakeUp = -1;
+
+    mutable std::mutex mutex;
+    Handler handler;
+    std::map<int, std::string> connections; ///< with what has arrived of the next line
+    std::vector<std::string> received;
+    unsigned greeted = 0;
+    unsigned left = 0;
+    unsigned accepted = 0;
+
+    std::thread thread;
+};
+
+/** Waits until a condition holds. @return false when it did not within ten seconds */
+bool eventually(const std::function<bool()> &condition);
+
+#endif
