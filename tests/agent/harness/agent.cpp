@@ -1,0 +1,250 @@
+#include "agent.h"
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+#include "agent_files.h"
+#include "eventually.h"
+#include "settings.h"
+
+namespace harness {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr const char *kSystemUpTime = ".1.3.6.1.2.1.1.3.0";
+
+std::chrono::milliseconds since(Clock::time_point start) {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
+}
+
+} // namespace
+
+AgentOptions withModule(const std::string &cameraDirectory) {
+    AgentOptions options;
+    options.module = modulePath();
+    options.cameraDirectory = cameraDirectory;
+    // A module from elsewhere need not know where the stand-in is.
+    if (!coreLibraryPath().empty()) {
+        options.environment["LD_LIBRARY_PATH"] = std::filesystem::path(coreLibraryPath()).parent_path().string();
+    }
+    if (options.module.empty()) {
+        throw std::runtime_error("this build has no module");
+    }
+    return options;
+}
+
+Agent::Agent(AgentOptions options) : options_(std::move(options)) {
+    start();
+}
+
+Agent::~Agent() {
+    if (process_ && !process_->running()) {
+        ADD_FAILURE() << "the agent ended by itself: " << process_->end().describe();
+    } else if (process_) {
+        try {
+            const AgentEnd end = stop();
+            if (!end.status.clean()) {
+                ADD_FAILURE() << "the agent did not end cleanly: " << end.status.describe();
+            }
+        } catch (const std::exception &error) {
+            ADD_FAILURE() << error.what();
+        }
+    }
+    failOnSanitizerReports();
+    if (testHasFailed()) {
+        std::cerr << report();
+    }
+}
+
+pid_t Agent::pid() const {
+    return pid_;
+}
+
+bool Agent::running() {
+    return process_ && process_->running();
+}
+
+std::uint16_t Agent::port() const {
+    return port_->number();
+}
+
+std::string Agent::peer() const {
+    return "127.0.0.1:" + std::to_string(port());
+}
+
+const std::string &Agent::directory() const {
+    return directory_.path();
+}
+
+LogFile Agent::log() const {
+    return LogFile(directory_.file("agent.log"));
+}
+
+LogFile Agent::moduleLog() const {
+    return LogFile(directory_.file("module.log"));
+}
+
+std::string Agent::configurationPath() const {
+    return directory_.file("snmpd.conf");
+}
+
+std::string Agent::report() const {
+    return "---- agent log ----\n" + log().tail(30) + LogFile(directory_.file("agent.err")).tail(30) +
+           "---- module log ----\n" + moduleLog().tail(40);
+}
+
+Launch Agent::launch() const {
+    std::vector<std::string> arguments;
+    if (options_.daemonised) {
+        arguments.push_back(guardianPath());
+    }
+    const std::vector<std::string> prefix = agentPrefix();
+    arguments.insert(arguments.end(), prefix.begin(), prefix.end());
+    const std::vector<std::string> own = {agentPath(),  "-C", "-c", configurationPath(),         "-Lf",
+                                          log().path(), "-r", "-p", directory_.file("agent.pid")};
+    arguments.insert(arguments.end(), own.begin(), own.end());
+    if (!options_.daemonised) {
+        arguments.push_back("-f");
+    }
+    arguments.insert(arguments.end(), options_.arguments.begin(), options_.arguments.end());
+    return {arguments, agentEnvironment(options_, directory_, moduleLog().path()), directory_.file("agent.out"),
+            directory_.file("agent.err")};
+}
+
+void Agent::start() {
+    if (process_) {
+        throw std::runtime_error("the agent is running already");
+    }
+    const bool choosePort = !port_;
+    for (int attempt = 0; !process_; ++attempt) {
+        if (choosePort) {
+            port_ = std::make_unique<ReservedPort>();
+            directory_.write("snmpd.conf", agentConfiguration(options_, port()));
+        }
+        startOnce();
+        constexpr int kLastAttempt = 4;
+        if (!process_ && (!choosePort || attempt == kLastAttempt)) {
+            throw std::runtime_error("the agent's port is taken\n" + report());
+        }
+    }
+}
+
+/** Starts the agent; without success, and without a process, when somebody else has taken its port. */
+void Agent::startOnce() {
+    std::filesystem::remove(directory_.file("agent.pid"));
+    process_ = std::make_unique<Process>(launch());
+    bool answered = false;
+    eventually(std::chrono::seconds(20), [this, &answered] {
+        answered = answers(patient(std::chrono::milliseconds(50)));
+        return answered || !process_->running();
+    });
+    if (answered && process_->running()) {
+        pid_ = options_.daemonised ? daemonPid() : process_->pid();
+        return;
+    }
+    const ExitStatus status = process_->end();
+    process_.reset();
+    if (!portWasTaken()) {
+        throw std::runtime_error("the agent does not answer (" + status.describe() + ")\n" + report());
+    }
+}
+
+bool Agent::portWasTaken() const {
+    return log().count("Error opening specified endpoint") > 0;
+}
+
+bool Agent::answers(std::chrono::milliseconds timeout) const {
+    Manager manager(peer(), "public");
+    manager.setTimeout(timeout);
+    return manager.get(kSystemUpTime).ok();
+}
+
+pid_t Agent::daemonPid() const {
+    std::ifstream stream(directory_.file("agent.pid"));
+    pid_t pid = -1;
+    if (!(stream >> pid) || pid <= 1) {
+        throw std::runtime_error("the agent has left no process number");
+    }
+    return pid;
+}
+
+void Agent::requireRunning() {
+    if (!running()) {
+        throw std::runtime_error("the agent is not running\n" + report());
+    }
+}
+
+/**
+ * Waits for what a signal brings about. An agent that gets the signal just before it begins to wait for a packet acts
+ * on it after the next one, so it gets a packet now and then.
+ */
+bool Agent::awaitSignalled(std::chrono::milliseconds deadline, const std::function<bool()> &predicate) const {
+    constexpr std::chrono::milliseconds kBetweenPackets{200};
+    Clock::time_point next = Clock::now() + kBetweenPackets;
+    return eventually(deadline, [&] {
+        if (Clock::now() >= next) {
+            answers(std::chrono::milliseconds(1));
+            next = Clock::now() + kBetweenPackets;
+        }
+        return predicate();
+    });
+}
+
+std::chrono::milliseconds Agent::hup() {
+    requireRunning();
+    const std::string mark = " restarted";
+    const std::size_t before = log().count(mark);
+    const Clock::time_point start = Clock::now();
+    ::kill(pid_, SIGHUP);
+    const bool begun =
+        awaitSignalled(std::chrono::seconds(20), [&] { return log().count(mark) > before || !running(); });
+    requireRunning();
+    // The line comes before the modules are unloaded, all in one go: an answer to a request sent now comes after it.
+    if (!begun || !answers(patient(std::chrono::seconds(20)))) {
+        throw std::runtime_error("the agent does not get through its reload\n" + report());
+    }
+    return since(start);
+}
+
+AgentEnd Agent::stop(std::chrono::milliseconds deadline) {
+    requireRunning();
+    const Clock::time_point start = Clock::now();
+    ::kill(pid_, SIGTERM);
+    const bool ended = awaitSignalled(deadline, [this] { return !process_->running(); });
+    const std::chrono::milliseconds duration = since(start);
+    if (!ended) {
+        kill();
+        throw std::runtime_error("the agent does not end\n" + report());
+    }
+    const ExitStatus status = process_->end();
+    process_.reset();
+    pid_ = -1;
+    return {status, duration};
+}
+
+void Agent::kill() {
+    requireRunning();
+    ::kill(pid_, SIGKILL);
+    process_->end();
+    process_.reset();
+    pid_ = -1;
+}
+
+void Agent::failOnSanitizerReports() const {
+    for (const auto &entry : std::filesystem::directory_iterator(directory_.path())) {
+        if (entry.path().filename().string().rfind(kSanitizerLog, 0) == 0) {
+            ADD_FAILURE() << LogFile(entry.path().string()).text();
+        }
+    }
+}
+
+} // namespace harness

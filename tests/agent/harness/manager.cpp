@@ -1,0 +1,270 @@
+#include "manager.h"
+
+// clang-format off
+#include <net-snmp/net-snmp-config.h>
+#include <net-snmp/net-snmp-includes.h>
+// clang-format on
+
+#include <limits>
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+
+#include "eventually.h"
+
+namespace harness {
+
+namespace {
+
+using PduPointer = std::unique_ptr<netsnmp_pdu, decltype(&snmp_free_pdu)>;
+
+std::vector<oid> nativeOid(const std::string &text) {
+    const std::vector<std::uint32_t> numbers = parseOid(text);
+    if (numbers.size() < 2 || numbers.size() > MAX_OID_LEN) {
+        throw std::invalid_argument("an object identifier has 2 to 128 numbers: '" + text + "'");
+    }
+    return {numbers.begin(), numbers.end()};
+}
+
+std::string textOf(const oid *numbers, std::size_t count) {
+    std::string result;
+    for (std::size_t i = 0; i < count; ++i) {
+        result += "." + std::to_string(numbers[i]);
+    }
+    return result;
+}
+
+/** Adds a varbind to a request in the encoding that the library wants for its type. */
+void append(netsnmp_pdu *pdu, const Variable &variable) {
+    const std::vector<oid> name = nativeOid(variable.oid);
+    const auto type = static_cast<u_char>(variable.type);
+    const netsnmp_variable_list *added = nullptr;
+    switch (variable.type) {
+    case Type::Integer:
+    case Type::Counter32:
+    case Type::Gauge32:
+    case Type::TimeTicks: {
+        const auto value = static_cast<long>(variable.number);
+        added = snmp_pdu_add_variable(pdu, name.data(), name.size(), type, &value, sizeof value);
+        break;
+    }
+    case Type::Counter64: {
+        const auto value = static_cast<std::uint64_t>(variable.number);
+        const counter64 halves{static_cast<u_long>(value >> 32U), static_cast<u_long>(value & 0xffffffffU)};
+        added = snmp_pdu_add_variable(pdu, name.data(), name.size(), type, &halves, sizeof halves);
+        break;
+    }
+    case Type::Oid: {
+        const std::vector<oid> value = nativeOid(variable.octets);
+        added = snmp_pdu_add_variable(pdu, name.data(), name.size(), type, value.data(), value.size() * sizeof(oid));
+        break;
+    }
+    default:
+        added =
+            snmp_pdu_add_variable(pdu, name.data(), name.size(), type, variable.octets.data(), variable.octets.size());
+    }
+    if (added == nullptr) {
+        throw std::runtime_error("the SNMP library does not take " + text(variable));
+    }
+}
+
+Variable read(const netsnmp_variable_list &native) {
+    Variable result;
+    result.oid = textOf(native.name, native.name_length);
+    result.type = static_cast<Type>(native.type);
+    switch (result.type) {
+    case Type::Integer:
+        result.number = *native.val.integer;
+        break;
+    case Type::Counter32:
+    case Type::Gauge32:
+    case Type::TimeTicks:
+        // The library keeps 32 bits in a long; which of the two signs it extended is no matter of the protocol.
+        result.number = static_cast<std::uint32_t>(*native.val.integer);
+        break;
+    case Type::Counter64:
+        result.number = static_cast<std::int64_t>((static_cast<std::uint64_t>(native.val.counter64->high) << 32U) |
+                                                  native.val.counter64->low);
+        break;
+    case Type::Oid:
+        result.octets = textOf(native.val.objid, native.val_len / sizeof(oid));
+        break;
+    case Type::Octets:
+    case Type::IpAddress:
+    case Type::Opaque:
+        result.octets.assign(reinterpret_cast<const char *>(native.val.string), native.val_len);
+        break;
+    default:
+        break;
+    }
+    return result;
+}
+
+/** Names the library's last error of a session, or of opening one when there is none. */
+std::string libraryError(void *session) {
+    int systemError = 0;
+    int libraryError = 0;
+    char *message = nullptr;
+    if (session != nullptr) {
+        snmp_sess_error(session, &systemError, &libraryError, &message);
+    } else {
+        netsnmp_session none{};
+        none.s_snmp_errno = snmp_errno;
+        snmp_error(&none, &systemError, &libraryError, &message);
+    }
+    std::string result = message != nullptr ? message : "unknown error";
+    std::free(message);
+    return result;
+}
+
+void *open(const std::string &peer, const std::string &community) {
+    // Without init_snmp(), which would read the user's and the machine's configuration.
+    static std::mutex mutex;
+    const std::lock_guard<std::mutex> lock(mutex);
+    netsnmp_session wanted;
+    snmp_sess_init(&wanted);
+    std::string peername = "udp:" + peer;
+    std::string name = community;
+    wanted.version = SNMP_VERSION_2c;
+    wanted.peername = peername.data();
+    wanted.community = reinterpret_cast<u_char *>(name.data());
+    wanted.community_len = name.size();
+    wanted.retries = 0;
+    void *session = snmp_sess_open(&wanted);
+    if (session == nullptr) {
+        throw std::runtime_error("cannot open a session with " + peer + ": " + libraryError(nullptr));
+    }
+    return session;
+}
+
+std::vector<Variable> namesOnly(const std::vector<std::string> &oids) {
+    std::vector<Variable> result;
+    result.reserve(oids.size());
+    for (const std::string &name : oids) {
+        result.push_back({name, Type::Null, 0, ""});
+    }
+    return result;
+}
+
+} // namespace
+
+bool Result::ok() const {
+    return answered && error == ErrorStatus::None;
+}
+
+const Variable &Result::single() const {
+    if (variables.size() != 1) {
+        throw std::runtime_error("an answer with one varbind was expected, not " +
+                                 (answered ? std::to_string(variables.size()) : "none at all"));
+    }
+    return variables.front();
+}
+
+std::ostream &operator<<(std::ostream &stream, ErrorStatus status) {
+    return stream << snmp_errstring(static_cast<int>(status)) << " (" << static_cast<long>(status) << ")";
+}
+
+std::ostream &operator<<(std::ostream &stream, const Result &result) {
+    if (!result.answered) {
+        return stream << "no answer";
+    }
+    stream << result.error << " at " << result.errorIndex;
+    for (const Variable &variable : result.variables) {
+        stream << "\n  " << variable;
+    }
+    return stream;
+}
+
+Manager::Manager(const std::string &peer, const std::string &community) : session_(open(peer, community)) {
+    setTimeout(patient(std::chrono::seconds(5)));
+}
+
+Manager::~Manager() {
+    snmp_sess_close(session_);
+}
+
+void Manager::setTimeout(std::chrono::microseconds timeout) {
+    snmp_sess_session(session_)->timeout = static_cast<long>(timeout.count());
+}
+
+Result Manager::request(int command, const std::vector<Variable> &variables, long nonRepeaters, long maxRepetitions) {
+    PduPointer pdu(snmp_pdu_create(command), snmp_free_pdu);
+    if (!pdu) {
+        throw std::runtime_error("no memory for a request");
+    }
+    if (command == SNMP_MSG_GETBULK) {
+        pdu->non_repeaters = nonRepeaters;
+        pdu->max_repetitions = maxRepetitions;
+    }
+    for (const Variable &variable : variables) {
+        append(pdu.get(), variable);
+    }
+    netsnmp_pdu *raw = nullptr;
+    const int status = snmp_sess_synch_response(session_, pdu.release(), &raw);
+    const PduPointer answer(raw, snmp_free_pdu);
+    Result result;
+    if (status == STAT_TIMEOUT) {
+        return result;
+    }
+    if (status != STAT_SUCCESS || !answer) {
+        throw std::runtime_error("request failed: " + libraryError(session_));
+    }
+    result.answered = true;
+    result.error = static_cast<ErrorStatus>(answer->errstat);
+    result.errorIndex = answer->errindex;
+    for (const netsnmp_variable_list *native = answer->variables; native != nullptr; native = native->next_variable) {
+        result.variables.push_back(read(*native));
+    }
+    return result;
+}
+
+Result Manager::getAll(const std::vector<std::string> &oids) {
+    return request(SNMP_MSG_GET, namesOnly(oids), 0, 0);
+}
+
+Result Manager::getNextAll(const std::vector<std::string> &oids) {
+    return request(SNMP_MSG_GETNEXT, namesOnly(oids), 0, 0);
+}
+
+Result Manager::getBulk(long nonRepeaters, long maxRepetitions, const std::vector<std::string> &oids) {
+    return request(SNMP_MSG_GETBULK, namesOnly(oids), nonRepeaters, maxRepetitions);
+}
+
+Result Manager::set(const std::vector<Variable> &values) {
+    return request(SNMP_MSG_SET, values, 0, 0);
+}
+
+Result Manager::set(const std::string &oid, Type type, std::int64_t value) {
+    return set({Variable{oid, type, value, ""}});
+}
+
+std::vector<Variable> Manager::walk(const std::string &root) {
+    return collect(root, 0);
+}
+
+std::vector<Variable> Manager::bulkWalk(const std::string &root, long repetitions) {
+    return collect(root, repetitions);
+}
+
+std::vector<Variable> Manager::collect(const std::string &root, long repetitions) {
+    std::vector<Variable> found;
+    std::string last = oidText(parseOid(root));
+    while (true) {
+        const Result result = repetitions > 0 ? getBulk(0, repetitions, {last}) : getNextAll({last});
+        if (!result.ok() || result.variables.empty()) {
+            throw std::runtime_error("the walk stops behind " + last + (result.answered ? ": error" : ": no answer"));
+        }
+        for (const Variable &variable : result.variables) {
+            if (variable.type == Type::EndOfMibView || !isBelow(variable.oid, root)) {
+                return found;
+            }
+            if (!comesBefore(last, variable.oid)) {
+                throw std::runtime_error("the walk goes backwards from " + last + " to " + variable.oid);
+            }
+            last = variable.oid;
+            found.push_back(variable);
+        }
+    }
+}
+
+} // namespace harness

@@ -1,0 +1,121 @@
+/**
+ * @file
+ * An SNMPv2c manager that knows identifiers by their numbers only.
+ */
+#ifndef QUARNSNMP_HARNESS_MANAGER_H
+#define QUARNSNMP_HARNESS_MANAGER_H
+
+#include <chrono>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "variable.h"
+
+namespace harness {
+
+/** Error statuses of an answer that tests look for; an answer may have others of the protocol too. */
+enum class ErrorStatus : long {
+    None = 0,
+    TooBig = 1,
+    GenErr = 5,
+    NoAccess = 6,
+    WrongType = 7,
+    WrongLength = 8,
+    WrongEncoding = 9,
+    WrongValue = 10,
+    NoCreation = 11,
+    InconsistentValue = 12,
+    ResourceUnavailable = 13,
+    CommitFailed = 14,
+    UndoFailed = 15,
+    AuthorizationError = 16,
+    NotWritable = 17,
+    InconsistentName = 18
+};
+
+/** The outcome of a request. */
+struct Result {
+    bool answered = false; ///< false when no answer came in time; the rest holds nothing then
+    ErrorStatus error = ErrorStatus::None;
+    long errorIndex = 0; ///< number of the varbind that the error is about, from 1; 0 when it is about none
+    std::vector<Variable> variables;
+
+    /** Whether an answer without an error came. */
+    bool ok() const;
+
+    /** The varbind of an answer that has exactly one. @throws std::runtime_error when it has none or several */
+    const Variable &single() const;
+};
+
+/** Lets the test framework print outcomes. */
+std::ostream &operator<<(std::ostream &stream, const Result &result);
+std::ostream &operator<<(std::ostream &stream, ErrorStatus status);
+
+/**
+ * A manager's session with one agent. A request is sent once and never repeated, so the agent sees what the test sends.
+ * Several managers may be used at the same time, each by one thread. Local failures, such as an identifier that is
+ * none, throw std::runtime_error or std::invalid_argument.
+ */
+class Manager {
+public:
+    /**
+     * Opens a session.
+     * @param peer       address of the agent, as HOST:PORT
+     * @param community  the tests' agent knows "public" (may read) and "private" (may read and write)
+     */
+    explicit Manager(const std::string &peer, const std::string &community = "private");
+    ~Manager();
+    Manager(const Manager &) = delete;
+    Manager &operator=(const Manager &) = delete;
+
+    /** How long to wait for an answer; 5 s, stretched with patient(), unless it is set here (not stretched). */
+    void setTimeout(std::chrono::microseconds timeout);
+
+    /** Reads objects: get(".1.3…", ".1.3…"). */
+    template <typename... Oids>
+    Result get(const Oids &...oids) {
+        return getAll({std::string(oids)...});
+    }
+
+    /** Reads the objects of a list. */
+    Result getAll(const std::vector<std::string> &oids);
+
+    /** Reads the objects that follow: getNext(".1.3…", ".1.3…"). */
+    template <typename... Oids>
+    Result getNext(const Oids &...oids) {
+        return getNextAll({std::string(oids)...});
+    }
+
+    /** Reads the objects that follow those of a list. */
+    Result getNextAll(const std::vector<std::string> &oids);
+
+    /** Reads many objects: one after each of the first `nonRepeaters` identifiers, `maxRepetitions` after the others.
+     */
+    Result getBulk(long nonRepeaters, long maxRepetitions, const std::vector<std::string> &oids);
+
+    /** Writes objects, all in one request. */
+    Result set(const std::vector<Variable> &values);
+
+    /** Writes one object of any type that has a number. */
+    Result set(const std::string &oid, Type type, std::int64_t value);
+
+    /**
+     * Reads all that lies below an identifier, object by object.
+     * @throws std::runtime_error when the agent does not answer, answers an error, or goes backwards
+     */
+    std::vector<Variable> walk(const std::string &root);
+
+    /** As walk(), with GETBULK requests. @param repetitions objects per request */
+    std::vector<Variable> bulkWalk(const std::string &root, long repetitions = 20);
+
+private:
+    Result request(int command, const std::vector<Variable> &variables, long nonRepeaters, long maxRepetitions);
+    std::vector<Variable> collect(const std::string &root, long repetitions);
+
+    void *session_;
+};
+
+} // namespace harness
+
+#endif

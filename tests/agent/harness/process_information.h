@@ -1,0 +1,33 @@
+/**
+ * @file
+ * What the kernel tells about a running process. A function throws std::runtime_error when the process is gone or
+ * belongs to somebody else, unless it says otherwise.
+ */
+#ifndef QUARNSNMP_HARNESS_PROCESS_INFORMATION_H
+#define QUARNSNMP_HARNESS_PROCESS_INFORMATION_H
+
+#include <cstddef>
+#include <string>
+
+#include <sys/types.h>
+
+namespace harness {
+
+/** Whether a process runs; false for one that has ended and only waits for its parent to take notice. Never throws. */
+bool runs(pid_t pid);
+
+/** Memory that is held in RAM, in kilobytes. */
+std::size_t residentKilobytes(pid_t pid);
+
+/** How many descriptors are open. */
+std::size_t descriptorCount(pid_t pid);
+
+/** How many threads run, the main one included. */
+std::size_t threadCount(pid_t pid);
+
+/** Whether a file is mapped, such as a loaded library. @param path the file; links are followed */
+bool mapsFile(pid_t pid, const std::string &path);
+
+} // namespace harness
+
+#endif

@@ -1,0 +1,52 @@
+/**
+ * @file
+ * Where the programs and libraries of the tests lie: fixed by the build, some of them changeable by the environment.
+ */
+#ifndef QUARNSNMP_HARNESS_SETTINGS_H
+#define QUARNSNMP_HARNESS_SETTINGS_H
+
+#include <string>
+#include <vector>
+
+namespace harness {
+
+/** The agent program: the environment's QUARNSNMP_SNMPD, or Debian's. */
+std::string agentPath();
+
+/** What stands before the agent's path, split at blanks: the environment's QUARNSNMP_SNMPD_PREFIX, such as an emulator.
+ */
+std::vector<std::string> agentPrefix();
+
+/** The trap receiver: the environment's QUARNSNMP_SNMPTRAPD, or Debian's. */
+std::string trapReceiverPath();
+
+/** The module: the environment's QUARNSNMP_MODULE, or the one of this build; empty when this build has none. */
+std::string modulePath();
+
+/** The simulated camera of this build; empty when it has none. */
+std::string cameraPath();
+
+/** The simulated camera's control program of this build; empty when it has none. */
+std::string controlPath();
+
+/** The stand-in core library of this build; empty when it has none. */
+std::string coreLibraryPath();
+
+/** The program that keeps hold of an agent that runs as a daemon. */
+std::string guardianPath();
+
+/** The library that makes a program's clock run faster; empty when the machine does not have it. */
+std::string fakeTimeLibraryPath();
+
+/** Libraries that the agent must load first because the module is sanitized and the agent is not; else empty. */
+std::vector<std::string> sanitizerRuntimes();
+
+/** Directory of the recorded walks. */
+std::string goldenDirectory();
+
+/** The environment's value of a name, or a default when it is unset or empty. */
+std::string environmentOr(const char *name, const std::string &otherwise);
+
+} // namespace harness
+
+#endif

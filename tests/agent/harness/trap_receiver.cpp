@@ -1,0 +1,183 @@
+#include "trap_receiver.h"
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+#include <utility>
+
+#include "eventually.h"
+#include "settings.h"
+
+namespace harness {
+
+namespace {
+
+constexpr const char *kLineStart = "TRAP ";
+constexpr const char *kTrapOid = ".1.3.6.1.6.3.1.1.4.1.0";
+
+std::vector<std::string> splitAtTabs(const std::string &line) {
+    std::vector<std::string> parts;
+    std::size_t start = 0;
+    for (std::size_t end = line.find('\t'); end != std::string::npos; end = line.find('\t', start)) {
+        parts.push_back(line.substr(start, end - start));
+        start = end + 1;
+    }
+    parts.push_back(line.substr(start));
+    return parts;
+}
+
+std::string octetsFromHexadecimal(const std::string &text) {
+    std::string result;
+    for (std::size_t i = 0; i + 1 < text.size(); i += 3) {
+        result += static_cast<char>(std::stoul(text.substr(i, 2), nullptr, 16));
+    }
+    return result;
+}
+
+std::string octetsFromAddress(const std::string &text) {
+    std::string result;
+    for (const std::uint32_t number : parseOid(text)) {
+        result += static_cast<char>(number);
+    }
+    return result;
+}
+
+/** Reads `TYPE: value` as the receiver prints it with the options of TrapReceiver. */
+void readValue(const std::string &printed, Variable &variable) {
+    static constexpr std::array<std::pair<const char *, Type>, 4> kNumbers{{
+        {"INTEGER: ", Type::Integer},
+        {"Gauge32: ", Type::Gauge32},
+        {"Counter32: ", Type::Counter32},
+        {"Counter64: ", Type::Counter64},
+    }};
+    const auto startsWith = [&printed](const std::string &start) { return printed.rfind(start, 0) == 0; };
+    const std::string value = printed.substr(std::min(printed.size(), printed.find(": ") + 2));
+    const auto *number =
+        std::find_if(kNumbers.begin(), kNumbers.end(), [&](const auto &entry) { return startsWith(entry.first); });
+    if (number != kNumbers.end()) {
+        variable.type = number->second;
+        variable.number = std::stoll(value);
+    } else if (startsWith("OID: ")) {
+        variable.type = Type::Oid;
+        variable.octets = value;
+    } else if (startsWith("Hex-STRING: ")) {
+        variable.type = Type::Octets;
+        variable.octets = octetsFromHexadecimal(value);
+    } else if (printed == "\"\"") {
+        variable.type = Type::Octets;
+    } else if (startsWith("IpAddress: ")) {
+        variable.type = Type::IpAddress;
+        variable.octets = octetsFromAddress(value);
+    } else if (printed == "NULL") {
+        variable.type = Type::Null;
+    } else if (!printed.empty() && printed.find_first_not_of("0123456789") == std::string::npos) {
+        variable.type = Type::TimeTicks;
+        variable.number = std::stoll(printed);
+    } else {
+        throw std::runtime_error("the trap receiver printed a value of an unknown kind: " + printed);
+    }
+}
+
+Trap readTrap(const std::string &line) {
+    const std::vector<std::string> parts = splitAtTabs(line);
+    Trap trap;
+    trap.kind = parts.front().substr(std::string(kLineStart).size());
+    for (std::size_t i = 1; i < parts.size(); ++i) {
+        const std::size_t equals = parts[i].find(" = ");
+        if (equals == std::string::npos) {
+            throw std::runtime_error("the trap receiver printed no varbind: " + parts[i]);
+        }
+        Variable variable;
+        variable.oid = parts[i].substr(0, equals);
+        readValue(parts[i].substr(equals + 3), variable);
+        trap.variables.push_back(variable);
+    }
+    return trap;
+}
+
+} // namespace
+
+const Variable *Trap::find(const std::string &oid) const {
+    const auto found = std::find_if(variables.begin(), variables.end(),
+                                    [&oid](const Variable &variable) { return variable.oid == oid; });
+    return found != variables.end() ? &*found : nullptr;
+}
+
+std::string Trap::notification() const {
+    const Variable *found = find(kTrapOid);
+    return found != nullptr ? found->octets : "";
+}
+
+std::ostream &operator<<(std::ostream &stream, const Trap &trap) {
+    stream << trap.kind;
+    for (const Variable &variable : trap.variables) {
+        stream << "\n  " << variable;
+    }
+    return stream;
+}
+
+TrapReceiver::TrapReceiver() : port_(std::make_unique<ReservedPort>()) {
+    // Octets in hexadecimal and without line breaks, times as numbers, identifiers in full, tabs between varbinds:
+    // only so can a line be taken apart whatever the values are.
+    const std::string configuration = directory_.write("snmptrapd.conf", "snmpTrapdAddr udp:" + peer() +
+                                                                             "\n"
+                                                                             "disableAuthorization yes\n"
+                                                                             "[snmp] hexOutputLength 0\n");
+    process_ = std::make_unique<Process>(
+        Launch{{trapReceiverPath(), "-C", "-c", configuration, "-f", "-n", "-X", "-Lf", log().path(), "-On", "-Oe",
+                "-OU", "-Ot", "-Ox", "-F", std::string(kLineStart) + "%P\\t%V\\t%v\\n"},
+               {{"SNMP_PERSISTENT_DIR", directory_.file("persistent")},
+                {"SNMPCONFPATH", directory_.path()},
+                {"MIBS", ""},
+                {"MIBDIRS", directory_.path()}},
+               directory_.file("receiver.out"),
+               directory_.file("receiver.err")});
+    eventually(std::chrono::seconds(20),
+               [this] { return ReservedPort::isBound(port_->number()) || !process_->running(); });
+    if (!process_->running() || !ReservedPort::isBound(port_->number())) {
+        throw std::runtime_error("the trap receiver does not start\n" + log().tail(20) +
+                                 LogFile(directory_.file("receiver.err")).tail(20));
+    }
+}
+
+std::string TrapReceiver::peer() const {
+    return "127.0.0.1:" + std::to_string(port_->number());
+}
+
+std::string TrapReceiver::configurationLine() const {
+    return "trap2sink " + peer() + " public";
+}
+
+LogFile TrapReceiver::log() const {
+    return LogFile(directory_.file("traps.log"));
+}
+
+std::vector<Trap> TrapReceiver::traps() const {
+    std::vector<Trap> result;
+    for (const std::string &line : log().lines()) {
+        if (line.rfind(kLineStart, 0) == 0) {
+            result.push_back(readTrap(line));
+        }
+    }
+    return result;
+}
+
+std::optional<Trap> TrapReceiver::waitFor(const std::function<bool(const Trap &)> &wanted,
+                                          std::chrono::milliseconds deadline) const {
+    std::optional<Trap> result;
+    eventually(deadline, [&] {
+        const std::vector<Trap> all = traps();
+        const auto found = std::find_if(all.begin(), all.end(), wanted);
+        if (found != all.end()) {
+            result = *found;
+        }
+        return result.has_value();
+    });
+    return result;
+}
+
+bool TrapReceiver::waitForCount(std::size_t count, std::chrono::milliseconds deadline) const {
+    return eventually(deadline, [&] { return traps().size() >= count; });
+}
+
+} // namespace harness

@@ -1,0 +1,71 @@
+/**
+ * @file
+ * A receiver of traps for one test.
+ */
+#ifndef QUARNSNMP_HARNESS_TRAP_RECEIVER_H
+#define QUARNSNMP_HARNESS_TRAP_RECEIVER_H
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "log_file.h"
+#include "process.h"
+#include "reserved_port.h"
+#include "temporary_directory.h"
+#include "variable.h"
+
+namespace harness {
+
+/** One notification. */
+struct Trap {
+    std::string kind;                ///< what the receiver says of it, such as "TRAP2, SNMP v2c, community public"
+    std::vector<Variable> variables; ///< all varbinds, sysUpTime.0 and snmpTrapOID.0 included
+
+    /** The first varbind of an identifier; null when there is none. */
+    const Variable *find(const std::string &oid) const;
+
+    /** Value of snmpTrapOID.0; empty when there is none. */
+    std::string notification() const;
+};
+
+/** Lets the test framework print notifications. */
+std::ostream &operator<<(std::ostream &stream, const Trap &trap);
+
+/** Net-SNMP's trap receiver on a free port of the loopback interface. */
+class TrapReceiver {
+public:
+    /** Starts it and waits until its port is open. @throws std::runtime_error when it does not get there */
+    TrapReceiver();
+
+    /** The agent's address for notifications, as HOST:PORT. */
+    std::string peer() const;
+
+    /** Line of the agent's configuration that makes it send SNMPv2c traps here. */
+    std::string configurationLine() const;
+
+    /** All notifications so far, oldest first. @throws std::runtime_error for a line that cannot be understood */
+    std::vector<Trap> traps() const;
+
+    /** Waits until a notification satisfies a predicate. @return the first one that does; nothing after the deadline */
+    std::optional<Trap> waitFor(const std::function<bool(const Trap &)> &wanted,
+                                std::chrono::milliseconds deadline = std::chrono::seconds(10)) const;
+
+    /** Waits until so many notifications have come. @return whether they have */
+    bool waitForCount(std::size_t count, std::chrono::milliseconds deadline = std::chrono::seconds(10)) const;
+
+private:
+    LogFile log() const;
+
+    TemporaryDirectory directory_;
+    std::unique_ptr<ReservedPort> port_;
+    std::unique_ptr<Process> process_;
+};
+
+} // namespace harness
+
+#endif
