@@ -22,10 +22,8 @@ CameraServer::CameraServer(boost::asio::io_context &io, CameraModel &model, cons
                  [this](LineConnection &connection, std::string_view line) {
                      answer(connection, callDesk_.directoryRequest(line));
                  }),
-      control_(
-          io, directory.socket(wire::kControlSocket),
-          [this](LineConnection &connection, std::string_view line) { controlLine(connection, line); },
-          [this](const std::shared_ptr<LineConnection> &closed) { followers_.erase(closed.get()); }) {
+      control_(io, directory.socket(wire::kControlSocket),
+               [this](LineConnection &connection, std::string_view line) { controlLine(connection, line); }) {
     for (const std::string &name : model.serviceNames()) {
         services_.emplace(name,
                           std::make_unique<LineServer>(io, directory.socket(name),
@@ -80,11 +78,12 @@ void CameraServer::controlLine(LineConnection &connection, std::string_view line
 
 void CameraServer::follow(LineConnection &connection) {
     const std::weak_ptr<LineConnection> follower = connection.weak_from_this();
-    followers_[&connection] = model_.events().subscribe([follower](const nlohmann::json &event) {
-        if (const auto alive = follower.lock()) {
-            alive->send(wire::encode(event));
-        }
-    });
+    connection.keep(
+        std::make_shared<Events::Subscription>(model_.events().subscribe([follower](const nlohmann::json &event) {
+            if (const auto alive = follower.lock()) {
+                alive->send(wire::encode(event));
+            }
+        })));
 }
 
 } // namespace camera

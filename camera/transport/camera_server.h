@@ -39,7 +39,6 @@ private:
     Faults faults_;
     CallDesk callDesk_;
     ControlDesk controlDesk_;
-    std::map<const LineConnection *, Events::Subscription> followers_;
     std::map<std::string, std::unique_ptr<LineServer>> services_;
     LineServer directory_;
     LineServer control_;

@@ -126,6 +126,10 @@ void LineConnection::sendLater(std::string line, std::chrono::milliseconds delay
     });
 }
 
+void LineConnection::keep(std::shared_ptr<void> companion) {
+    companion_ = std::move(companion);
+}
+
 void LineConnection::close() {
     if (!socket_.is_open()) {
         return;
@@ -133,6 +137,7 @@ void LineConnection::close() {
     error_code ignored;
     socket_.close(ignored);
     timer_.cancel();
+    companion_.reset();
     if (const CloseHandler onClose = std::exchange(onClose_, nullptr)) {
         onClose(shared_from_this());
     }

@@ -45,6 +45,9 @@ public:
     /** Sends a line after a time; further lines of this client wait until then, as answers come in order. */
     void sendLater(std::string line, std::chrono::milliseconds delay);
 
+    /** Keeps something alive until the connection ends. */
+    void keep(std::shared_ptr<void> companion);
+
     /** Ends the connection. */
     void close();
 
@@ -59,6 +62,7 @@ private:
     boost::asio::steady_timer timer_;
     LineHandler onLine_;
     CloseHandler onClose_;
+    std::shared_ptr<void> companion_;
     std::array<char, 4096> chunk_{};
     std::string input_;
     std::size_t handled_ = 0; ///< octets at the front of the input that are done with

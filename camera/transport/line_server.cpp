@@ -29,10 +29,8 @@ private:
 
 } // namespace
 
-LineServer::LineServer(asio::io_context &io, std::string path, LineConnection::LineHandler onLine,
-                       LineConnection::CloseHandler onClosed)
-    : acceptor_(io), retryTimer_(io), path_(std::move(path)), onLine_(std::move(onLine)),
-      onClosed_(std::move(onClosed)) {}
+LineServer::LineServer(asio::io_context &io, std::string path, LineConnection::LineHandler onLine)
+    : acceptor_(io), retryTimer_(io), path_(std::move(path)), onLine_(std::move(onLine)) {}
 
 LineServer::~LineServer() {
     try {
@@ -102,13 +100,9 @@ void LineServer::accepted(Protocol::socket socket) {
     if (connections_.size() >= kMostConnections) {
         return;
     }
-    const auto connection = std::make_shared<LineConnection>(std::move(socket), onLine_,
-                                                             [this](const std::shared_ptr<LineConnection> &closed) {
-                                                                 connections_.erase(closed);
-                                                                 if (onClosed_) {
-                                                                     onClosed_(closed);
-                                                                 }
-                                                             });
+    const auto connection = std::make_shared<LineConnection>(
+        std::move(socket), onLine_,
+        [this](const std::shared_ptr<LineConnection> &closed) { connections_.erase(closed); });
     connections_.insert(connection);
     connection->start();
 }

@@ -28,10 +28,8 @@ public:
     /** Most clients at a time; more are turned away, so that one socket cannot use up the process's files. */
     static constexpr std::size_t kMostConnections = 48;
 
-    /** @param onLine   answers a line of a client
-     *  @param onClosed learns that a client is gone; may be empty */
-    LineServer(boost::asio::io_context &io, std::string path, LineConnection::LineHandler onLine,
-               LineConnection::CloseHandler onClosed = {});
+    /** @param onLine answers a line of a client */
+    LineServer(boost::asio::io_context &io, std::string path, LineConnection::LineHandler onLine);
     LineServer(const LineServer &) = delete;
     LineServer &operator=(const LineServer &) = delete;
 
@@ -57,7 +55,6 @@ private:
     boost::asio::steady_timer retryTimer_;
     std::string path_;
     LineConnection::LineHandler onLine_;
-    LineConnection::CloseHandler onClosed_;
     std::set<std::shared_ptr<LineConnection>> connections_;
 };
 

@@ -93,6 +93,7 @@ std::string readAll(int file) {
         setrlimit(RLIMIT_NOFILE, &limit);
     }
     std::vector<char *> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string &argument : command) {
         arguments.push_back(const_cast<char *>(argument.c_str()));
     }

@@ -102,6 +102,23 @@ TEST_F(Connections, OfAClientThatDoesNotReadEndAndDisturbNobody) {
     EXPECT_EQ(answer, witness.ask(request));
 }
 
+TEST_F(Connections, LoseNothingOfWhatWaitsForAClientToRead) {
+    RunningCamera camera(directory_);
+    LineClient client(directory_, "device_information");
+    const std::string request = R"(["get_static_information_send","device_information/1"])";
+    const std::string answer = client.ask(request);
+    std::string requests;
+    // Far more answers than a socket holds, but less than the camera keeps.
+    constexpr int kRequests = 20000;
+    for (int i = 0; i < kRequests; ++i) {
+        requests += request + "\n";
+    }
+    client.send(requests);
+    for (int i = 0; i < kRequests; ++i) {
+        ASSERT_EQ(answer, client.readLine().value_or("no answer")) << i;
+    }
+}
+
 TEST_F(Connections, OfAFollowerThatDoesNotReadEnd) {
     RunningCamera camera(directory_);
     LineClient follower(directory_, "control");

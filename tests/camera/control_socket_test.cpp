@@ -14,7 +14,7 @@ const std::string kRequest = R"(["get_temperature_send","temperature/1"])";
 const std::string kAnswer = "[0,31500]";
 const json kDone = {{"ok", true}};
 
-class Control : public testing::Test {
+class ControlSocket : public testing::Test {
 protected:
     json order(const std::string &command) {
         return control_.call(json::parse(command));
@@ -26,7 +26,7 @@ protected:
     LineClient control_{directory_, "control"};
 };
 
-TEST_F(Control, ShowsAndSetsTheState) {
+TEST_F(ControlSocket, ShowsAndSetsTheState) {
     EXPECT_EQ(kDone, order(R"({"command":"set","target":"alarm/2","field":"state","value":1})"));
     LineClient alarm(directory_, "alarm");
     EXPECT_EQ("[0,1]", alarm.ask(R"(["get_state_send","alarm/2"])"));
@@ -37,7 +37,7 @@ TEST_F(Control, ShowsAndSetsTheState) {
     EXPECT_EQ(11U, state["services"].size());
 }
 
-TEST_F(Control, AnswersWhatItRefuses) {
+TEST_F(ControlSocket, AnswersWhatItRefuses) {
     EXPECT_EQ((json{{"ok", false}, {"error", "alarm/2 stat: unknown key; expected one of: state"}}),
               order(R"({"command":"set","target":"alarm/2","field":"stat","value":1})"));
     control_.send("rubbish\n");
@@ -45,7 +45,7 @@ TEST_F(Control, AnswersWhatItRefuses) {
     EXPECT_EQ(true, order(R"({"command":"state"})")["ok"]);
 }
 
-TEST_F(Control, TakesAServiceDownAndUp) {
+TEST_F(ControlSocket, TakesAServiceDownAndUp) {
     LineClient connected(directory_, "alarm");
     EXPECT_EQ("[0,0]", connected.ask(R"(["get_state_send","alarm/1"])"));
     LineClient directory(directory_, "directory");
@@ -66,7 +66,7 @@ TEST_F(Control, TakesAServiceDownAndUp) {
     EXPECT_EQ(R"([0,"alarm/1","alarm/2","alarm/3","alarm/4"])", directory.ask(R"(["get_target_ids","alarm"])"));
 }
 
-TEST_F(Control, RefusesToBringUpAServiceWhosePathIsTaken) {
+TEST_F(ControlSocket, RefusesToBringUpAServiceWhosePathIsTaken) {
     EXPECT_EQ(kDone, order(R"({"command":"down","service":"alarm"})"));
     writeFile(directory_ + "/alarm.sock", "");
     EXPECT_EQ("cannot bring up alarm: cannot listen on " + directory_ + "/alarm.sock: Address already in use",
@@ -77,7 +77,7 @@ TEST_F(Control, RefusesToBringUpAServiceWhosePathIsTaken) {
     EXPECT_TRUE(LineClient(directory_, "alarm").connected());
 }
 
-TEST_F(Control, LetsCallsFailOnceSeveralTimesOrAlways) {
+TEST_F(ControlSocket, LetsCallsFailOnceSeveralTimesOrAlways) {
     LineClient client(directory_, "temperature");
     EXPECT_EQ(kDone,
               order(R"({"command":"fail","service":"temperature","operation":"get_temperature_send","status":1})"));
@@ -97,14 +97,14 @@ TEST_F(Control, LetsCallsFailOnceSeveralTimesOrAlways) {
     EXPECT_EQ(kAnswer, client.ask(kRequest));
 }
 
-TEST_F(Control, LetsTheDirectoryFail) {
+TEST_F(ControlSocket, LetsTheDirectoryFail) {
     LineClient client(directory_, "directory");
     EXPECT_EQ(kDone, order(R"({"command":"fail","service":"directory","operation":"get_target_ids","status":1})"));
     EXPECT_EQ("[1]", client.ask(R"(["get_target_ids","alarm"])"));
     EXPECT_EQ(R"([0,"iris/1"])", client.ask(R"(["get_target_ids","iris"])"));
 }
 
-TEST_F(Control, HoldsBackOneAnswerWhileOthersGoOn) {
+TEST_F(ControlSocket, HoldsBackOneAnswerWhileOthersGoOn) {
     LineClient delayed(directory_, "temperature");
     LineClient other(directory_, "temperature");
     EXPECT_EQ(kDone, order(R"({"command":"delay","service":"temperature","operation":"*","milliseconds":300})"));
@@ -118,7 +118,7 @@ TEST_F(Control, HoldsBackOneAnswerWhileOthersGoOn) {
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(300));
 }
 
-TEST_F(Control, KeepsTheOrderOfAnswersBehindOneThatIsHeldBack) {
+TEST_F(ControlSocket, KeepsTheOrderOfAnswersBehindOneThatIsHeldBack) {
     LineClient client(directory_, "temperature");
     EXPECT_EQ(kDone, order(R"({"command":"delay","service":"temperature","operation":"*","milliseconds":100})"));
     EXPECT_EQ(kDone, order(R"({"command":"fail","service":"temperature","operation":"*","status":5})"));
@@ -128,7 +128,7 @@ TEST_F(Control, KeepsTheOrderOfAnswersBehindOneThatIsHeldBack) {
     EXPECT_EQ("[2]", client.readLine().value_or("no answer"));
 }
 
-TEST_F(Control, DropsAClientWhoseAnswerIsHeldBackWhenItsServiceGoesDown) {
+TEST_F(ControlSocket, DropsAClientWhoseAnswerIsHeldBackWhenItsServiceGoesDown) {
     LineClient client(directory_, "temperature");
     EXPECT_EQ(kDone, order(R"({"command":"delay","service":"temperature","operation":"*","milliseconds":600000})"));
     client.send(kRequest + "\n");
@@ -137,7 +137,7 @@ TEST_F(Control, DropsAClientWhoseAnswerIsHeldBackWhenItsServiceGoesDown) {
     EXPECT_TRUE(client.ends());
 }
 
-TEST_F(Control, TellsFollowersWhatHappens) {
+TEST_F(ControlSocket, TellsFollowersWhatHappens) {
     LineClient follower(directory_, "control");
     EXPECT_EQ(kDone, follower.call({{"command", "follow"}}));
     LineClient relay(directory_, "relay");
@@ -164,7 +164,7 @@ TEST_F(Control, TellsFollowersWhatHappens) {
     EXPECT_FALSE(follower.readable());
 }
 
-TEST_F(Control, GoesOnWhenAFollowerLeaves) {
+TEST_F(ControlSocket, GoesOnWhenAFollowerLeaves) {
     {
         LineClient follower(directory_, "control");
         EXPECT_EQ(kDone, follower.call({{"command", "follow"}}));

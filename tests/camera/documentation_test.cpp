@@ -38,6 +38,11 @@ std::vector<std::string> keysOf(const std::string &key) {
     return keys;
 }
 
+std::string rowOf(const std::string &service, const std::string &key, const std::string &expected,
+                  const std::string &initial) {
+    return service + " | " + key + " | " + expected + " | " + initial;
+}
+
 /** The rows `service | field | expected | default` of the document, from the table under each service's heading. */
 std::vector<std::string> documentedFields() {
     std::ifstream document(QUARNSNMP_CAMERA_DOCUMENT);
@@ -45,16 +50,19 @@ std::vector<std::string> documentedFields() {
     std::vector<std::string> rows;
     std::string service;
     for (std::string line; std::getline(document, line);) {
+        if (line.empty()) {
+            continue;
+        }
         if (line.rfind("### `", 0) == 0) {
             service = line.substr(5, line.rfind('`') - 5);
-        } else if (line.rfind("#", 0) == 0) {
+        } else if (line.front() == '#') {
             service.clear();
         } else if (!service.empty() && line.rfind("| `", 0) == 0) {
             const std::vector<std::string> row = cells(line);
             EXPECT_EQ(4U, row.size()) << line;
             EXPECT_NE("", row.at(3)) << line;
             for (const std::string &key : keysOf(row.at(0))) {
-                rows.push_back(service + " | " + key + " | " + row.at(1) + " | " + row.at(2));
+                rows.push_back(rowOf(service, key, row.at(1), row.at(2)));
             }
         }
     }
@@ -65,8 +73,7 @@ TEST(Documentation, DescribesEachFieldAsItIs) {
     std::vector<std::string> rows;
     for (const std::string &service : knownServices()) {
         for (const FieldSummary &field : makeService(service)->fields()) {
-            rows.push_back(service + " | `" + field.key + "` | " + field.expected + " | `" + field.initial.dump() +
-                           "`");
+            rows.push_back(rowOf(service, "`" + field.key + "`", field.expected, "`" + field.initial.dump() + "`"));
         }
     }
     EXPECT_THAT(documentedFields(), testing::UnorderedElementsAreArray(rows));

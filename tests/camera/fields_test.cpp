@@ -1,6 +1,6 @@
 #include "test_cameras.h"
 
-#include <cstdio>
+#include <regex>
 
 #include <gmock/gmock.h>
 
@@ -49,26 +49,28 @@ TEST(EveryField, RefusesAValueOfAnotherKind) {
     }
 }
 
+/** Path of a dotted key in nested JSON. */
+json::json_pointer pointerTo(std::string key) {
+    std::replace(key.begin(), key.end(), '.', '/');
+    return json::json_pointer("/" + key);
+}
+
 TEST(EveryIntegerField, RefusesWhatIsJustBeyondItsRange) {
+    const std::regex range("an integer from (-?[0-9]+) to ([0-9]+)");
     std::size_t checked = 0;
     for (const AnyField &any : allFields()) {
-        long long lowest = 0;
-        long long highest = 0;
-        if (std::sscanf(any.field.expected.c_str(), "an integer from %lld to %lld", &lowest, &highest) != 2) {
+        std::smatch ends;
+        if (!std::regex_match(any.field.expected, ends, range)) {
             continue;
         }
         ++checked;
         const auto camera = test::makeCameraOf(any.service, json::object());
         const std::string target = any.service + "/1";
-        for (const long long beyond : {lowest - 1, highest + 1}) {
+        for (const long long beyond : {std::stoll(ends[1]) - 1, std::stoll(ends[2]) + 1}) {
             const auto problem = camera->set(target, any.field.key, beyond);
             ASSERT_TRUE(problem) << target << " " << any.field.key << " " << beyond;
             EXPECT_EQ(mismatch(any.field.expected, beyond), problem->text);
-            EXPECT_EQ(any.field.initial,
-                      camera->state(target).at(json::json_pointer("/" + [key = any.field.key]() mutable {
-                          std::replace(key.begin(), key.end(), '.', '/');
-                          return key;
-                      }())));
+            EXPECT_EQ(any.field.initial, camera->state(target).at(pointerTo(any.field.key)));
         }
     }
     EXPECT_GT(checked, 40U);

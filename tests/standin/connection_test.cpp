@@ -89,7 +89,7 @@ TEST_F(ConnectionTest, LossBehindTheAnswerGoesUnnoticed) {
 }
 
 TEST_F(ConnectionTest, RequestThatCouldNotBeSentIsSentAgain) {
-    server->forEachPeer([](Peer &peer) { peer.refuseInput(); });
+    server->refuseInput();
     EXPECT_EQ(wire::kSuccess, readPosition());
     EXPECT_EQ(42, position);
     EXPECT_EQ(1U, server->requests().size());

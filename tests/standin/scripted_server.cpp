@@ -52,10 +52,6 @@ void Peer::hangUp() const {
     ::shutdown(descriptor, SHUT_RDWR);
 }
 
-void Peer::refuseInput() const {
-    ::shutdown(descriptor, SHUT_RD);
-}
-
 ScriptedServer::ScriptedServer(const std::string &directory, const std::string &name, Handler lineHandler,
                                Scope handlerScope)
     : path(directory + "/" + name + ".sock"), scope(handlerScope), listener(listenAt(path)),
@@ -116,6 +112,14 @@ void ScriptedServer::forEachPeer(const std::function<void(Peer &peer)> &action) 
     }
 }
 
+void ScriptedServer::refuseInput() {
+    const std::lock_guard<std::mutex> lock(mutex);
+    for (const auto &[descriptor, pending] : connections) {
+        refusing.insert(descriptor);
+        ::shutdown(descriptor, SHUT_RD);
+    }
+}
+
 void ScriptedServer::setHandler(Handler lineHandler) {
     const std::lock_guard<std::mutex> lock(mutex);
     handler = std::move(lineHandler);
@@ -127,7 +131,9 @@ void ScriptedServer::run() {
         {
             const std::lock_guard<std::mutex> lock(mutex);
             for (const auto &[descriptor, pending] : connections) {
-                waits.push_back({descriptor, POLLIN, 0});
+                if (refusing.count(descriptor) == 0) {
+                    waits.push_back({descriptor, POLLIN, 0});
+                }
             }
         }
         if (::poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) {
@@ -162,7 +168,8 @@ bool ScriptedServer::receive(int descriptor) {
     std::array<char, 4096> octets{};
     const ssize_t count = ::recv(descriptor, octets.data(), octets.size(), 0);
     if (count <= 0) {
-        return false;
+        const std::lock_guard<std::mutex> lock(mutex);
+        return refusing.count(descriptor) != 0;
     }
     std::vector<std::string> lines;
     {

@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -23,8 +24,6 @@ public:
     void send(std::string_view octets) const;
     /** Ends both directions; what was sent still arrives. */
     void hangUp() const;
-    /** Lets the client's next send fail, while the other direction stays open. */
-    void refuseInput() const;
 
 private:
     int descriptor;
@@ -61,6 +60,9 @@ public:
     /** Does something with every open connection. */
     void forEachPeer(const std::function<void(Peer &peer)> &action);
 
+    /** Lets the next send of every client that is connected fail, while the other direction stays open. */
+    void refuseInput();
+
     /** Replaces the handler. */
     void setHandler(Handler lineHandler);
 
@@ -79,6 +81,7 @@ private:
     mutable std::mutex mutex;
     Handler handler;
     std::map<int, std::string> connections; ///< with what has arrived of the next line
+    std::set<int> refusing;                 ///< connections that nothing is read from any more
     std::vector<std::string> received;
     unsigned greeted = 0;
     unsigned left = 0;

@@ -1,0 +1,206 @@
+/**
+ * @file
+ * What the calls of the stand-in library cost, with a simulated camera at the other end. Each benchmark measures every
+ * iteration by itself and reports the median and the 99th percentile, because the mean of what waits for another
+ * process says more about the machine than about the program.
+ */
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include "camera_process.h"
+#include "zorva-core.h"
+
+namespace {
+
+constexpr benchmark::IterationCount kCalls = 50000;
+constexpr benchmark::IterationCount kOpenings = 2000;
+// A line costs less than two looks at the clock.
+constexpr int kLinesAtOnce = 1000;
+
+void expectSuccess(zorva_core_status status) {
+    if (status != 0) {
+        throw std::runtime_error(zorva::core::statusToString(status));
+    }
+}
+
+void setEnvironment(const char *name, const std::string &value) {
+    if (::setenv(name, value.c_str(), 1) != 0) {
+        throw std::runtime_error("the environment is full");
+    }
+}
+
+/** Gives the value below which this share of the values lies. */
+double quantile(std::vector<double> &values, double share) {
+    const auto rank = static_cast<std::ptrdiff_t>(share * static_cast<double>(values.size() - 1));
+    std::nth_element(values.begin(), values.begin() + rank, values.end());
+    return values[static_cast<std::size_t>(rank)];
+}
+
+/** Measures `action` once per iteration; `times` is how often it does what is to be measured. */
+template <typename Action>
+void measure(benchmark::State &state, const Action &action, int times = 1) {
+    using Clock = std::chrono::steady_clock;
+    std::vector<double> nanoseconds;
+    nanoseconds.reserve(static_cast<std::size_t>(state.max_iterations));
+    for ([[maybe_unused]] const auto iteration : state) {
+        const Clock::time_point start = Clock::now();
+        action();
+        const std::chrono::duration<double> duration = Clock::now() - start;
+        state.SetIterationTime(duration.count());
+        nanoseconds.push_back(duration.count() * 1e9 / times);
+    }
+    state.counters["median_ns"] = quantile(nanoseconds, 0.5);
+    state.counters["p99_ns"] = quantile(nanoseconds, 0.99);
+}
+
+/** The library as the module uses it, with the handles of the services that are measured. */
+class Session {
+public:
+    /** @param directory of the camera @param logLevel as the environment has it @param logFile path of the log */
+    Session(const std::string &directory, const std::string &logLevel, const std::string &logFile) {
+        setEnvironment("QUARNSNMP_CAMERA_DIR", directory);
+        setEnvironment("QUARNSNMP_LOG_LEVEL", logLevel);
+        setEnvironment("QUARNSNMP_LOG_FILE", logFile);
+        expectSuccess(zorva_core_init());
+        expectSuccess(zorva_core_logging_init("SNMP", &log));
+        expectSuccess(zorva_core_ipc_initiator_init(log, nullptr, &ipc));
+    }
+    ~Session() {
+        zorva_core_deinit();
+    }
+    Session(const Session &) = delete;
+    Session &operator=(const Session &) = delete;
+
+    void *open(zorva_core_status (*initiatorInit)(void *, void *, void **, int32_t, void *)) const {
+        void *cookie = nullptr;
+        expectSuccess(initiatorInit(ipc, log, &cookie, 0, nullptr));
+        return cookie;
+    }
+
+    /** The first target of a service. */
+    static std::string target(const char *service) {
+        std::vector<std::string> ids;
+        if (!zorva::core::getTargetIds(service, ids) || ids.empty()) {
+            throw std::runtime_error(std::string("the camera has no ") + service);
+        }
+        return ids.front();
+    }
+
+    void *log = nullptr;
+    void *ipc = nullptr;
+};
+
+void getOneValue(benchmark::State &state, const Session &session) {
+    void *const cookie = session.open(&zorva_api_temperature_initiator_init);
+    const std::string target = Session::target("temperature");
+    measure(state, [&] {
+        int32_t temperature = 0;
+        expectSuccess(zorva_api_temperature_get_temperature_send(cookie, target.c_str(), &temperature));
+    });
+    expectSuccess(zorva_api_temperature_initiator_deinit(cookie));
+}
+
+void getNineValues(benchmark::State &state, const Session &session) {
+    void *const cookie = session.open(&zorva_api_positioning_initiator_init);
+    const std::string target = Session::target("positioning");
+    measure(state, [&] {
+        uint8_t panEnable = 0;
+        uint8_t tiltEnable = 0;
+        uint8_t zoomEnable = 0;
+        int32_t panMin = 0;
+        int32_t panMax = 0;
+        int32_t tiltMin = 0;
+        int32_t tiltMax = 0;
+        int32_t zoomMin = 0;
+        int32_t zoomMax = 0;
+        expectSuccess(zorva_api_positioning_get_soft_position_limits_send(cookie, target.c_str(), &panEnable, &panMin,
+                                                                          &panMax, &tiltEnable, &tiltMin, &tiltMax,
+                                                                          &zoomEnable, &zoomMin, &zoomMax));
+    });
+    expectSuccess(zorva_api_positioning_initiator_deinit(cookie));
+}
+
+void setOneValue(benchmark::State &state, const Session &session) {
+    void *const cookie = session.open(&zorva_api_relay_initiator_init);
+    const std::string target = Session::target("relay");
+    uint8_t wanted = 0;
+    measure(state, [&] {
+        wanted ^= 1U;
+        expectSuccess(zorva_api_relay_set_state_send(cookie, target.c_str(), wanted));
+    });
+    expectSuccess(zorva_api_relay_initiator_deinit(cookie));
+}
+
+void getTargetIds(benchmark::State &state, const Session & /*session*/) {
+    measure(state, [] { benchmark::DoNotOptimize(Session::target("alarm")); });
+}
+
+void openAndCloseService(benchmark::State &state, const Session &session) {
+    measure(state, [&session] {
+        expectSuccess(zorva_api_temperature_initiator_deinit(session.open(&zorva_api_temperature_initiator_init)));
+    });
+}
+
+void logLine(benchmark::State &state, const Session &session) {
+    const auto write = [&session] {
+        for (int i = 0; i < kLinesAtOnce; ++i) {
+            zorva_core_logging_log(session.log, 7, "registerScalar: %s is %d", "zoomPosition", i);
+        }
+    };
+    measure(state, write, kLinesAtOnce);
+}
+
+struct Measurement {
+    const char *name;
+    void (*function)(benchmark::State &, const Session &);
+    benchmark::IterationCount iterations;
+    const char *logLevel;
+};
+
+constexpr std::array<Measurement, 7> kMeasurements = {{
+    {"call that gets one value", getOneValue, kCalls, "info"},
+    {"call that gets nine values", getNineValues, kCalls, "info"},
+    {"call that sets one value", setOneValue, kCalls, "info"},
+    {"getTargetIds", getTargetIds, kCalls, "info"},
+    {"initiator_init and initiator_deinit", openAndCloseService, kOpenings, "info"},
+    {"debug line that is not wanted", logLine, kOpenings, "info"},
+    {"debug line that is written", logLine, kOpenings / 10, "debug"},
+}};
+
+} // namespace
+
+int main(int argc, char **argv) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+        return 2;
+    }
+    bool hasFailed = false;
+    try {
+        const CameraProcess camera(CAMERA_PROGRAM);
+        for (const Measurement &measurement : kMeasurements) {
+            const auto run = [&camera, &hasFailed, measurement](benchmark::State &state) {
+                try {
+                    const Session session(camera.directory(), measurement.logLevel, camera.directory() + "/log");
+                    measurement.function(state, session);
+                } catch (const std::exception &error) {
+                    state.SkipWithError(error.what());
+                    hasFailed = true;
+                }
+            };
+            benchmark::RegisterBenchmark(measurement.name, run)->Iterations(measurement.iterations)->UseManualTime();
+        }
+        benchmark::RunSpecifiedBenchmarks();
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "bench-standin: %s\n", error.what());
+        hasFailed = true;
+    }
+    return hasFailed ? 1 : 0;
+}
