@@ -51,7 +51,7 @@ void runCamera(const std::string &nameOrPath, const std::string &directory) {
     camera::CameraDescription description = camera::readCameraFile(camera::findCamera(nameOrPath, cameraDirectory()));
     camera::CameraModel model(std::move(description.name), std::move(description.description),
                               std::move(description.services));
-    // A client that leaves in the middle of an answer is an error of one send, not the camera's end.
+    // Whoever reads the output may leave once the camera is ready.
     std::signal(SIGPIPE, SIG_IGN);
     boost::asio::io_context io(1);
     boost::asio::signal_set signals(io, SIGINT, SIGTERM);

@@ -40,7 +40,7 @@ typedef int32_t zorva_core_status;
 extern "C" {
 #endif
 
-/* ---- Connection and logging --------------------------------------------------------------------------------------- */
+/* ---- Connection and logging ---- */
 
 /** Starts the library. Every other call needs it. */
 zorva_core_status zorva_core_init(void);
@@ -77,7 +77,7 @@ zorva_core_status zorva_core_ipc_initiator_init(void *logCookie, void *reserved,
 /** Closes the inter-process communication. */
 zorva_core_status zorva_core_ipc_deinit(void *ipcCookie);
 
-/* ---- Service initiators ------------------------------------------------------------------------------------------- */
+/* ---- Service initiators ---- */
 
 /**
  * Declares the pair that opens and closes the client side of one service.
@@ -86,9 +86,9 @@ zorva_core_status zorva_core_ipc_deinit(void *ipcCookie);
  * service's handle to `apiCookie`, and takes 0 and null for the two reserved arguments. `initiator_deinit` ends that
  * handle.
  */
-#define ZORVA_DECLARE_INITIATOR(service)                                                                           \
-    zorva_core_status zorva_api_##service##_initiator_init(void *ipcCookie, void *logCookie, void **apiCookie,     \
-                                                           int32_t reserved0, void *reserved1);                    \
+#define ZORVA_DECLARE_INITIATOR(service)                                                                               \
+    zorva_core_status zorva_api_##service##_initiator_init(void *ipcCookie, void *logCookie, void **apiCookie,         \
+                                                           int32_t reserved0, void *reserved1);                        \
     zorva_core_status zorva_api_##service##_initiator_deinit(void *apiCookie)
 
 ZORVA_DECLARE_INITIATOR(alarm);
@@ -105,12 +105,12 @@ ZORVA_DECLARE_INITIATOR(relay);
 ZORVA_DECLARE_INITIATOR(temperature);
 ZORVA_DECLARE_INITIATOR(zoom_stepper);
 
-/* ---- alarm: discrete inputs, one target per input ----------------------------------------------------------------- */
+/* ---- alarm: discrete inputs, one target per input ---- */
 
 /** Reads the input's state: 0 inactive, 1 active; other values are the service's own. */
 zorva_core_status zorva_api_alarm_get_state_send(void *cookie, const char *target, int32_t *state);
 
-/* ---- device_information ------------------------------------------------------------------------------------------- */
+/* ---- device_information ---- */
 
 /**
  * Reads what does not change while the camera runs.
@@ -125,12 +125,12 @@ zorva_core_status zorva_api_device_information_get_static_information_send(void 
                                                                            char **t6, char **t7, char **t8,
                                                                            uint8_t *flag);
 
-/* ---- device_management -------------------------------------------------------------------------------------------- */
+/* ---- device_management ---- */
 
 /** Restarts the camera. @param kind 2 is the ordinary restart */
 zorva_core_status zorva_api_device_management_reboot_send(void *cookie, const char *target, int32_t kind);
 
-/* ---- exposure: who drives the iris -------------------------------------------------------------------------------- */
+/* ---- exposure: who drives the iris ---- */
 
 /** Reads whether the exposure is manual (on) or automatic (off). */
 zorva_core_status zorva_api_exposure_get_manual_mode_enable_send(void *cookie, const char *target, uint8_t *manualMode);
@@ -138,7 +138,7 @@ zorva_core_status zorva_api_exposure_get_manual_mode_enable_send(void *cookie, c
 /** Makes the exposure manual (1) or automatic (0). */
 zorva_core_status zorva_api_exposure_set_manual_mode_enable_send(void *cookie, const char *target, uint8_t enable);
 
-/* ---- focus_stepper: focus driven by a stepper motor, positions in steps, speeds in steps per second ---------------- */
+/* ---- focus_stepper: focus driven by a stepper motor, positions in steps, speeds in steps per second ---- */
 
 /** Reads the range of positions and of speeds. */
 zorva_core_status zorva_api_focus_stepper_get_limits_send(void *cookie, const char *target, int32_t *minPosition,
@@ -162,7 +162,7 @@ zorva_core_status zorva_api_focus_stepper_set_position_send(void *cookie, const 
 /** Starts one short automatic focus run; returns before it ends. */
 zorva_core_status zorva_api_focus_stepper_start_quick_auto_focus_send(void *cookie, const char *target);
 
-/* ---- iris: positions in device units ------------------------------------------------------------------------------ */
+/* ---- iris: positions in device units ---- */
 
 /** Reads the position and its range. */
 zorva_core_status zorva_api_iris_get_position_send(void *cookie, const char *target, uint32_t *current, uint32_t *min,
@@ -174,7 +174,7 @@ zorva_core_status zorva_api_iris_set_position_send(void *cookie, const char *tar
 /** Moves or halts the iris. @param direction 0 or 1, the two ways @param run 1 moves, 0 halts */
 zorva_core_status zorva_api_iris_set_velocity_send(void *cookie, const char *target, int32_t direction, int32_t run);
 
-/* ---- lens_focus: focus driven by a direct-current motor, positions in device units --------------------------------- */
+/* ---- lens_focus: focus driven by a direct-current motor, positions in device units ---- */
 
 /** Starts one automatic focus run; returns before it ends. */
 zorva_core_status zorva_api_lens_focus_do_auto_focus_send(void *cookie, const char *target);
@@ -198,7 +198,7 @@ zorva_core_status zorva_api_lens_focus_set_manual_mode_enable_send(void *cookie,
 zorva_core_status zorva_api_lens_focus_set_velocity_send(void *cookie, const char *target, int32_t direction,
                                                          int32_t run);
 
-/* ---- positioning: pan and tilt in millidegrees (tilt positive upwards), zoom in deciX ------------------------------ */
+/* ---- positioning: pan and tilt in millidegrees (tilt positive upwards), zoom in deciX ---- */
 
 /** Ends the soft velocity limits of the axes whose flag is on. */
 zorva_core_status zorva_api_positioning_clear_velocity_limits_send(void *cookie, const char *target, uint8_t pan,
@@ -230,20 +230,14 @@ zorva_core_status zorva_api_positioning_get_position_send(void *cookie, const ch
                                                           int32_t *zoom);
 
 /** Reads the position limits set by the user, with a flag per axis that says whether they are in force. */
-zorva_core_status zorva_api_positioning_get_soft_position_limits_send(void *cookie, const char *target,
-                                                                      uint8_t *panEnable, int32_t *panMin,
-                                                                      int32_t *panMax, uint8_t *tiltEnable,
-                                                                      int32_t *tiltMin, int32_t *tiltMax,
-                                                                      uint8_t *zoomEnable, int32_t *zoomMin,
-                                                                      int32_t *zoomMax);
+zorva_core_status zorva_api_positioning_get_soft_position_limits_send(
+    void *cookie, const char *target, uint8_t *panEnable, int32_t *panMin, int32_t *panMax, uint8_t *tiltEnable,
+    int32_t *tiltMin, int32_t *tiltMax, uint8_t *zoomEnable, int32_t *zoomMin, int32_t *zoomMax);
 
 /** Reads the velocity limits set by the user, with a flag per axis that says whether they are in force. */
-zorva_core_status zorva_api_positioning_get_soft_velocity_limits_send(void *cookie, const char *target,
-                                                                      uint8_t *panEnable, int32_t *panMin,
-                                                                      int32_t *panMax, uint8_t *tiltEnable,
-                                                                      int32_t *tiltMin, int32_t *tiltMax,
-                                                                      uint8_t *zoomEnable, int32_t *zoomMin,
-                                                                      int32_t *zoomMax);
+zorva_core_status zorva_api_positioning_get_soft_velocity_limits_send(
+    void *cookie, const char *target, uint8_t *panEnable, int32_t *panMin, int32_t *panMax, uint8_t *tiltEnable,
+    int32_t *tiltMin, int32_t *tiltMax, uint8_t *zoomEnable, int32_t *zoomMin, int32_t *zoomMax);
 
 /** Reads how long a velocity command lasts without a new one; 0 is for ever. */
 zorva_core_status zorva_api_positioning_get_velocity_command_timeout_send(void *cookie, const char *target,
@@ -281,7 +275,7 @@ zorva_core_status zorva_api_positioning_set_velocity_with_timeout_send(void *coo
                                                                        uint8_t zoomEnable, int32_t zoom,
                                                                        int32_t priority, uint32_t timeoutMilliseconds);
 
-/* ---- power -------------------------------------------------------------------------------------------------------- */
+/* ---- power ---- */
 
 /** Reads the state of the power supply; the service defines the numbers. */
 zorva_core_status zorva_api_power_get_power_state_send(void *cookie, const char *target, uint8_t *state);
@@ -289,7 +283,7 @@ zorva_core_status zorva_api_power_get_power_state_send(void *cookie, const char 
 /** Reads the state of the supply voltage; the service defines the numbers. */
 zorva_core_status zorva_api_power_get_voltage_state_send(void *cookie, const char *target, uint8_t *state);
 
-/* ---- presets_tours ------------------------------------------------------------------------------------------------ */
+/* ---- presets_tours ---- */
 
 /** Reads how many presets the camera can hold. */
 zorva_core_status zorva_api_presets_tours_get_max_presets_send(void *cookie, const char *target, uint32_t *maxPresets);
@@ -307,7 +301,7 @@ zorva_core_status zorva_api_presets_tours_set_preset_with_current_position_send(
                                                                                 const char *presetId, const char *name,
                                                                                 int32_t number, int32_t flag);
 
-/* ---- relay: outputs, one target per relay ------------------------------------------------------------------------- */
+/* ---- relay: outputs, one target per relay ---- */
 
 /** Reads the configuration. @param c1 output: 0 while the relay has not been set up; the others are the maker's own */
 zorva_core_status zorva_api_relay_get_configuration_send(void *cookie, const char *target, uint8_t *c1, uint8_t *c2,
@@ -324,13 +318,13 @@ zorva_core_status zorva_api_relay_set_configuration_send(void *cookie, const cha
 /** Switches the relay. */
 zorva_core_status zorva_api_relay_set_state_send(void *cookie, const char *target, uint8_t state);
 
-/* ---- temperature -------------------------------------------------------------------------------------------------- */
+/* ---- temperature ---- */
 
 /** Reads the temperature in thousandths of a degree Celsius. */
 zorva_core_status zorva_api_temperature_get_temperature_send(void *cookie, const char *target,
                                                              int32_t *thousandthsOfDegree);
 
-/* ---- zoom_stepper: zoom driven by a stepper motor, positions in steps, speeds in steps per second ------------------ */
+/* ---- zoom_stepper: zoom driven by a stepper motor, positions in steps, speeds in steps per second ---- */
 
 /** Reads the range of positions and of speeds. */
 zorva_core_status zorva_api_zoom_stepper_get_limits_send(void *cookie, const char *target, int32_t *minPosition,

@@ -60,6 +60,10 @@ void resumeInChild() {
     library().resumeAfterFork();
 }
 
+// Registered when the library is loaded, before whoever uses it can register handlers: a child then comes to ours
+// first, and theirs may use the library.
+const int forkWatchError = ::pthread_atfork(&holdForFork, &resumeInParent, &resumeInChild);
+
 std::string environment(const char *name) {
     // NOLINTNEXTLINE(concurrency-mt-unsafe): read once, when the agent loads its modules and has no threads yet
     const char *const value = std::getenv(name);
@@ -112,11 +116,8 @@ Library &library() noexcept {
 
 zorva_core_status Library::start() {
     const std::lock_guard<std::mutex> lock(mutex);
-    if (!watchesForks) {
-        if (::pthread_atfork(&standin::holdForFork, &resumeInParent, &resumeInChild) != 0) {
-            return wire::kNoMemory;
-        }
-        watchesForks = true;
+    if (forkWatchError != 0) {
+        return wire::kNoMemory;
     }
     if (users == 0) {
         state.directory = wire::socketDirectory();

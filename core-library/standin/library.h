@@ -90,7 +90,6 @@ private:
 
     std::mutex mutex;
     unsigned users = 0;
-    bool watchesForks = false;
     Handle lastHandle = 0;
     State state;
 };

@@ -50,6 +50,13 @@ TEST_F(Program, LeavesNothingBehind) {
     }
 }
 
+TEST_F(Program, SurvivesAReaderOfItsOutputThatIsGone) {
+    RunningCamera camera(directory_);
+    camera.process().signal(SIGPIPE);
+    LineClient client(directory_, "temperature");
+    EXPECT_EQ("[0,31500]", client.ask(R"(["get_temperature_send","temperature/1"])"));
+}
+
 TEST_F(Program, LeavesADirectoryThatWasThere) {
     std::filesystem::create_directory(directory_);
     RunningCamera camera(directory_);

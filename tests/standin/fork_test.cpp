@@ -154,6 +154,14 @@ TEST_F(ForkTest, ForksAtAnyMomentOfACall) {
             zorva_core_logging_log(logCookie, 7, "calling");
         }
     };
+    const auto openAndCloseUntilDone = [&] {
+        while (!done) {
+            void *another = nullptr;
+            failures += zorva_api_temperature_initiator_init(ipcCookie, logCookie, &another, 0, nullptr) == 0 ? 0 : 1;
+            failures += zorva_api_temperature_initiator_deinit(another) == 0 ? 0 : 1;
+        }
+    };
+    std::thread opener(openAndCloseUntilDone);
     std::thread caller(callUntilDone, false);
     std::thread asker(callUntilDone, true);
     for (int i = 0; i < 40; ++i) {
@@ -166,6 +174,7 @@ TEST_F(ForkTest, ForksAtAnyMomentOfACall) {
             << i;
     }
     done = true;
+    opener.join();
     caller.join();
     asker.join();
     EXPECT_EQ(0U, failures);

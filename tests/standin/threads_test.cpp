@@ -126,17 +126,31 @@ TEST_F(ThreadsTest, CallThatWaitsForItsTurnFailsWhenTheHandleIsClosed) {
     EXPECT_NE(statuses.end(), std::find(statuses.begin(), statuses.end(), wire::kSuccess));
 }
 
-TEST_F(ThreadsTest, EndOfTheLibraryEndsACallUnderWay) {
+TEST_F(ThreadsTest, EndOfTheLibraryEndsTheCallUnderWayAndThoseThatWait) {
     ScriptedServer server(directory(), "iris", [](Peer &, const std::string &) {});
     void *const cookie = open(&zorva_api_iris_initiator_init);
-    zorva_core_status status = wire::kSuccess;
-    std::chrono::milliseconds duration{0};
-    std::thread caller([&] { duration = durationOf([&] { status = readIris(cookie); }); });
-    ASSERT_TRUE(eventually([&] { return !server.requests().empty(); }));
-    EXPECT_EQ(wire::kSuccess, zorva_core_deinit());
-    caller.join();
-    EXPECT_EQ(wire::kConnectionLost, status);
+    std::array<zorva_core_status, 8> statuses{};
+    std::atomic<std::size_t> begun{0};
+    const std::chrono::milliseconds duration = durationOf([&] {
+        std::thread callers([&] {
+            inThreads(static_cast<int>(statuses.size()), [&](int number) {
+                ++begun;
+                statuses[static_cast<std::size_t>(number)] = readIris(cookie);
+            });
+        });
+        EXPECT_TRUE(eventually([&] { return begun == statuses.size() && !server.requests().empty(); }));
+        EXPECT_EQ(wire::kSuccess, zorva_core_deinit());
+        callers.join();
+    });
     EXPECT_LT(duration, std::chrono::milliseconds(1900));
+    EXPECT_EQ(1, std::count(statuses.begin(), statuses.end(), wire::kConnectionLost));
+    for (const zorva_core_status status : statuses) {
+        // A thread that had not come as far as looking up the handle finds no library any more.
+        EXPECT_TRUE(status == wire::kConnectionLost || status == wire::kInvalidHandle ||
+                    status == wire::kNotInitialised)
+            << status;
+    }
+    EXPECT_EQ(1U, server.connectionCount());
     EXPECT_TRUE(clientSockets(directory()).empty());
 }
 
