@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -22,6 +23,8 @@ namespace {
 
 constexpr benchmark::IterationCount kCalls = 50000;
 constexpr benchmark::IterationCount kOpenings = 2000;
+// Long enough for the camera to go to sleep.
+constexpr std::chrono::microseconds kPause{1000};
 // A line costs less than two looks at the clock.
 constexpr int kLinesAtOnce = 1000;
 
@@ -44,9 +47,13 @@ double quantile(std::vector<double> &values, double share) {
     return values[static_cast<std::size_t>(rank)];
 }
 
-/** Measures `action` once per iteration; `times` is how often it does what is to be measured. */
+/**
+ * Measures `action` once per iteration.
+ * @param times  how often `action` does what is to be measured
+ * @param pause  time between the iterations, which is not measured
+ */
 template <typename Action>
-void measure(benchmark::State &state, const Action &action, int times = 1) {
+void measure(benchmark::State &state, const Action &action, int times = 1, std::chrono::microseconds pause = {}) {
     using Clock = std::chrono::steady_clock;
     std::vector<double> nanoseconds;
     nanoseconds.reserve(static_cast<std::size_t>(state.max_iterations));
@@ -56,6 +63,9 @@ void measure(benchmark::State &state, const Action &action, int times = 1) {
         const std::chrono::duration<double> duration = Clock::now() - start;
         state.SetIterationTime(duration.count());
         nanoseconds.push_back(duration.count() * 1e9 / times);
+        if (pause.count() > 0) {
+            std::this_thread::sleep_for(pause);
+        }
     }
     state.counters["median_ns"] = quantile(nanoseconds, 0.5);
     state.counters["p99_ns"] = quantile(nanoseconds, 0.99);
@@ -98,14 +108,23 @@ public:
     void *ipc = nullptr;
 };
 
-void getOneValue(benchmark::State &state, const Session &session) {
+void getTemperature(benchmark::State &state, const Session &session, std::chrono::microseconds pause) {
     void *const cookie = session.open(&zorva_api_temperature_initiator_init);
     const std::string target = Session::target("temperature");
-    measure(state, [&] {
+    const auto call = [&] {
         int32_t temperature = 0;
         expectSuccess(zorva_api_temperature_get_temperature_send(cookie, target.c_str(), &temperature));
-    });
+    };
+    measure(state, call, 1, pause);
     expectSuccess(zorva_api_temperature_initiator_deinit(cookie));
+}
+
+void getOneValue(benchmark::State &state, const Session &session) {
+    getTemperature(state, session, std::chrono::microseconds(0));
+}
+
+void getOneValueAfterAPause(benchmark::State &state, const Session &session) {
+    getTemperature(state, session, kPause);
 }
 
 void getNineValues(benchmark::State &state, const Session &session) {
@@ -165,8 +184,9 @@ struct Measurement {
     const char *logLevel;
 };
 
-constexpr std::array<Measurement, 7> kMeasurements = {{
+constexpr std::array<Measurement, 8> kMeasurements = {{
     {"call that gets one value", getOneValue, kCalls, "info"},
+    {"call that gets one value after a pause", getOneValueAfterAPause, kOpenings, "info"},
     {"call that gets nine values", getNineValues, kCalls, "info"},
     {"call that sets one value", setOneValue, kCalls, "info"},
     {"getTargetIds", getTargetIds, kCalls, "info"},
