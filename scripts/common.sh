@@ -27,7 +27,7 @@ build_preset() {
     run_logged "configuring the build '$preset'" "$root/build/log/$preset-configure.log" \
         env --chdir="$root" "$@" cmake --preset "$preset"
     run_logged "the build '$preset'" "$root/build/log/$preset-build.log" \
-        "$@" cmake --build "$root/build/$preset"
+        env --chdir="$root" "$@" cmake --build --preset "$preset"
 }
 
 # Whether a process has bound a UDP port. Any local address counts: most of the time it is all of them.
