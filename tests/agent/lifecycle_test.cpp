@@ -32,10 +32,17 @@ Footprint footprint(const Agent &agent) {
 /** The agent's own memory is not quite the same at any two times: its allocator keeps what it may need again. */
 constexpr std::size_t kSlackKilobytes = 512;
 
+/** A sanitizer keeps freed memory back, so with one the process grows whatever the module does. */
+bool memoryTells() {
+    return sanitizerRuntimes().empty();
+}
+
 void expectFlat(const Footprint &before, const Footprint &after, std::size_t slack = kSlackKilobytes) {
     EXPECT_EQ(before.descriptors, after.descriptors);
     EXPECT_EQ(before.threads, after.threads);
-    EXPECT_LE(after.kilobytes, before.kilobytes + slack);
+    if (memoryTells()) {
+        EXPECT_LE(after.kilobytes, before.kilobytes + slack);
+    }
 }
 
 /** Lines of the agent's log about objects of this module that were there twice. */
@@ -124,7 +131,9 @@ void compareReloads(const AgentOptions &options, int times) {
     ASSERT_EQ(threadCount(agent.pid()), threadsWithModule());
     const std::size_t ownGrowth = growthOverReloads(bare, times);
     const std::size_t growth = growthOverReloads(agent, times);
-    EXPECT_LE(growth, ownGrowth + kSlackKilobytes);
+    if (memoryTells()) {
+        EXPECT_LE(growth, ownGrowth + kSlackKilobytes);
+    }
     ASSERT_EQ(threadCount(agent.pid()), threadsWithModule());
     std::cout << "growth: " << ownGrowth << " kB without, " << growth << " kB with the module\n";
 }
