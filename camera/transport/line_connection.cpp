@@ -124,6 +124,22 @@ void LineConnection::sendLater(std::string line, std::chrono::milliseconds delay
         self->send(std::move(line));
         self->handleLines();
     });
+    watchForEnd();
+}
+
+void LineConnection::watchForEnd() {
+    // A paused connection does not read and would not see that its client is gone. Clients that give up and come again
+    // would pile up until no more are served.
+    if (watched_) {
+        return;
+    }
+    watched_ = true;
+    socket_.async_wait(asio::socket_base::wait_error, [self = shared_from_this()](const error_code &error) {
+        self->watched_ = false;
+        if (!error && self->paused_) {
+            self->close();
+        }
+    });
 }
 
 void LineConnection::keep(std::shared_ptr<void> companion) {

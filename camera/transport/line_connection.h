@@ -57,6 +57,7 @@ private:
     void handleLines();
     void handleMoreLinesLater();
     void writePending();
+    void watchForEnd();
 
     boost::asio::local::stream_protocol::socket socket_;
     boost::asio::steady_timer timer_;
@@ -69,6 +70,7 @@ private:
     std::string output_;      ///< what the socket did not take at once
     bool waitingToWrite_ = false;
     bool paused_ = false;
+    bool watched_ = false;
 };
 
 } // namespace camera

@@ -1,5 +1,9 @@
 // The module as a file: what it needs, and what it must not have.
+#include <array>
 #include <regex>
+
+#include <dlfcn.h>
+#include <pthread.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,7 +23,40 @@ std::string readelf(const std::string &option, const std::string &file) {
     return result.output;
 }
 
+/** How many thread-specific keys the process has left. */
+std::size_t freeThreadKeys() {
+    std::array<pthread_key_t, 2048> keys{};
+    std::size_t count = 0;
+    while (count < keys.size() && pthread_key_create(&keys.at(count), nullptr) == 0) {
+        ++count;
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        pthread_key_delete(keys.at(i));
+    }
+    return count;
+}
+
+/** Loads and unloads the module as an agent does that finds no camera. */
+void loadAndUnload() {
+    void *module = dlopen(harness::modulePath().c_str(), RTLD_NOW | RTLD_GLOBAL);
+    ASSERT_NE(module, nullptr) << dlerror();
+    const auto deinit = reinterpret_cast<int (*)()>(dlsym(module, "deinit_quarnsnmp"));
+    ASSERT_NE(deinit, nullptr);
+    EXPECT_EQ(deinit(), 0);
+    EXPECT_EQ(dlclose(module), 0);
+    EXPECT_EQ(dlopen(harness::modulePath().c_str(), RTLD_NOW | RTLD_NOLOAD), nullptr) << "it stays mapped";
+}
+
 } // namespace
+
+TEST(ModuleFile, UsesUpNoThreadKeysWithItsLoads) {
+    loadAndUnload();
+    const std::size_t before = freeThreadKeys();
+    for (int i = 0; i < 10; ++i) {
+        loadAndUnload();
+    }
+    EXPECT_EQ(freeThreadKeys(), before);
+}
 
 TEST(ModuleFile, HasNoUniqueSymbolsThatWouldKeepItMapped) {
     EXPECT_THAT(readelf("-s", harness::modulePath()), Not(HasSubstr(" UNIQUE ")));

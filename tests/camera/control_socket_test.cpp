@@ -137,6 +137,18 @@ TEST_F(ControlSocket, DropsAClientWhoseAnswerIsHeldBackWhenItsServiceGoesDown) {
     EXPECT_TRUE(client.ends());
 }
 
+TEST_F(ControlSocket, ForgetsClientsThatGiveUpWhileTheirAnswersAreHeldBack) {
+    EXPECT_EQ(kDone, order(R"({"command":"delay","service":"temperature","operation":"*","milliseconds":600000,)"
+                           R"("times":"always"})"));
+    // More than are served at a time.
+    for (int i = 0; i < 100; ++i) {
+        LineClient client(directory_, "temperature");
+        client.send(kRequest + "\n");
+    }
+    EXPECT_EQ(kDone, order(R"({"command":"clear"})"));
+    EXPECT_TRUE(eventually([this] { return LineClient(directory_, "temperature").ask(kRequest) == kAnswer; }));
+}
+
 TEST_F(ControlSocket, TellsFollowersWhatHappens) {
     LineClient follower(directory_, "control");
     EXPECT_EQ(kDone, follower.call({{"command", "follow"}}));

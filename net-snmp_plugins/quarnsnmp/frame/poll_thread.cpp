@@ -1,8 +1,10 @@
 #include "poll_thread.h"
 
 #include <csignal>
+#include <cstring>
 #include <new>
 
+#include <dlfcn.h>
 #include <pthread.h>
 
 #include <boost/date_time/posix_time/posix_time_duration.hpp>
@@ -15,6 +17,25 @@ namespace {
 constexpr int kPollPeriodSeconds = 60;
 
 boost::thread *gForkedThread = nullptr;
+
+/**
+ * Keeps Boost's thread library mapped when the module goes. It takes a thread-specific key when it is first used and
+ * does not give it back when it is unmapped; a process has 1024 of them, so a thousand reloads would use them up.
+ */
+void KeepThreadLibrary() noexcept {
+    Dl_info library{};
+    Dl_info own{};
+    if (dladdr(reinterpret_cast<void *>(&boost::thread::hardware_concurrency), &library) == 0 ||
+        dladdr(reinterpret_cast<void *>(&timer_thread_func), &own) == 0 ||
+        std::strcmp(library.dli_fname, own.dli_fname) == 0) {
+        // Linked into the module itself, which must be unmapped.
+        return;
+    }
+    void *handle = dlopen(library.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
+    if (handle != nullptr) {
+        dlclose(handle);
+    }
+}
 
 /**
  * In the child of a fork. The old thread object stands for a thread that is not here: joining it would wait for ever,
@@ -46,6 +67,7 @@ void timer_thread_func() {
 }
 
 boost::thread StartPollThread() noexcept {
+    KeepThreadLibrary();
     sigset_t all;
     sigset_t before;
     sigfillset(&all);

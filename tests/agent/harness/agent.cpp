@@ -202,11 +202,11 @@ bool Agent::awaitSignalled(std::chrono::milliseconds deadline, const std::functi
 std::chrono::milliseconds Agent::hup() {
     requireRunning();
     const std::string mark = " restarted";
-    const std::size_t before = log().count(mark);
+    const std::size_t before = log().size();
     const Clock::time_point start = Clock::now();
     ::kill(pid_, SIGHUP);
     const bool begun =
-        awaitSignalled(std::chrono::seconds(20), [&] { return log().count(mark) > before || !running(); });
+        awaitSignalled(std::chrono::seconds(20), [&] { return log().count(mark, before) > 0 || !running(); });
     requireRunning();
     // The line comes before the modules are unloaded, all in one go: an answer to a request sent now comes after it.
     if (!begun || !answers(patient(std::chrono::seconds(20)))) {

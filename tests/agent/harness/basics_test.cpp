@@ -42,6 +42,22 @@ TEST(TemporaryDirectory, IsRemovedWithItsContent) {
     EXPECT_NE(access(path.c_str(), F_OK), 0);
 }
 
+TEST(LogFile, SeesCompleteLinesOnly) {
+    const TemporaryDirectory directory;
+    const LogFile log(directory.file("log"));
+    EXPECT_EQ(log.size(), 0U);
+    EXPECT_EQ(log.count(""), 0U);
+    directory.write("log", "one two\nthree\n\none");
+    EXPECT_EQ(log.lines(), (std::vector<std::string>{"one two", "three", ""}));
+    EXPECT_EQ(log.count("one"), 1U);
+    EXPECT_EQ(log.count("three", std::string("one two\n").size()), 1U);
+    EXPECT_EQ(log.count("two", std::string("one two\n").size()), 0U);
+    EXPECT_EQ(log.count("one", log.size()), 0U);
+    EXPECT_EQ(log.tail(2), "three\n\n");
+    EXPECT_EQ(log.text().size(), log.size());
+    EXPECT_FALSE(log.waitFor("four", milliseconds(0)));
+}
+
 TEST(Process, RunsACommandWithArgumentsAndEnvironment) {
     const CommandResult result =
         runCommand({"sh", "-c", "printf '%s|%s' \"$1\" \"$HARNESS_TEXT\"; echo problem >&2; exit 3", "sh", "a b"},

@@ -1,8 +1,11 @@
 #include "log_file.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <system_error>
 #include <utility>
 
 #include "eventually.h"
@@ -31,10 +34,20 @@ std::vector<std::string> LogFile::lines() const {
     return result;
 }
 
-std::size_t LogFile::count(const std::string &part) const {
-    const std::vector<std::string> all = lines();
-    return static_cast<std::size_t>(std::count_if(
-        all.begin(), all.end(), [&part](const std::string &line) { return line.find(part) != std::string::npos; }));
+std::size_t LogFile::size() const {
+    std::error_code error;
+    const std::uintmax_t octets = std::filesystem::file_size(path_, error);
+    return error ? 0 : static_cast<std::size_t>(octets);
+}
+
+std::size_t LogFile::count(const std::string &part, std::size_t start) const {
+    std::ifstream stream(path_, std::ios::binary);
+    stream.seekg(static_cast<std::streamoff>(start));
+    std::size_t result = 0;
+    for (std::string line; std::getline(stream, line) && !stream.eof();) {
+        result += line.find(part) != std::string::npos ? 1U : 0U;
+    }
+    return result;
 }
 
 bool LogFile::waitFor(const std::string &part, std::chrono::milliseconds deadline) const {

@@ -25,8 +25,14 @@ public:
     /** The complete lines, without their newlines; a line that is still being written is left out. */
     std::vector<std::string> lines() const;
 
-    /** How many complete lines contain a text. */
-    std::size_t count(const std::string &part) const;
+    /** How many octets have been written. */
+    std::size_t size() const;
+
+    /**
+     * How many complete lines contain a text.
+     * @param start  octet to begin at: with an earlier size(), a large file costs no more than what is new in it
+     */
+    std::size_t count(const std::string &part, std::size_t start = 0) const;
 
     /** Waits until a complete line contains a text. @return whether one does */
     bool waitFor(const std::string &part, std::chrono::milliseconds deadline) const;
