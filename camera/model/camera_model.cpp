@@ -1,5 +1,6 @@
 #include "camera_model.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace camera {
@@ -12,11 +13,15 @@ bool isGet(std::string_view operation) {
     return operation.substr(0, 4) == "get_";
 }
 
-CameraModel::CameraModel(std::string name, std::string description, Services services)
-    : name_(std::move(name)), description_(std::move(description)), services_(std::move(services)) {
+CameraModel::CameraModel(std::string name, std::string description, Services services, Clock clock)
+    : name_(std::move(name)), description_(std::move(description)), services_(std::move(services)),
+      clock_(std::move(clock)), events_(clock_) {
     for (const auto &[serviceName, service] : services_) {
         for (std::size_t i = 0; i < service->targetCount(); ++i) {
             targets_.emplace(targetId(serviceName, i), TargetPlace{service.get(), i});
+            if (service->hasTimeCourse()) {
+                withTimeCourse_.push_back({service.get(), i});
+            }
         }
     }
 }
@@ -48,6 +53,7 @@ Answer CameraModel::call(std::string_view service, const nlohmann::json &request
         !(request[1].is_string() || request[1].is_null())) {
         return {wire::kInvalidArgument};
     }
+    advance();
     const auto &operation = request[0].get_ref<const std::string &>();
     Answer answer;
     const Service *found = this->service(service);
@@ -57,27 +63,36 @@ Answer CameraModel::call(std::string_view service, const nlohmann::json &request
     } else if (target == nullptr || target->service != found) {
         answer.status = wire::kUnknownTarget;
     } else {
+        target->service->advance(*this, target->index);
         inCommand_ = !isGet(operation) && events_.heard();
         remember(*target->service, target->index);
         answer = target->service->call(*this, target->index, operation, request);
         inCommand_ = false;
     }
-    publishCommand(service, request, answer.status);
+    tellCommand(service, request, answer.status);
     publishChanges();
+    publishReports();
+    schedule();
     return answer;
 }
 
 void CameraModel::publishCommand(std::string_view service, const nlohmann::json &request, std::int32_t status) {
+    advance();
+    tellCommand(service, request, status);
+}
+
+void CameraModel::tellCommand(std::string_view service, const nlohmann::json &request, std::int32_t status) {
     if (!events_.heard() || isGet(request.at(0).get_ref<const std::string &>())) {
         return;
     }
     nlohmann::json arguments = nlohmann::json::array();
     arguments.insert(arguments.end(), request.begin() + kRequestHead, request.end());
-    events_.publish("command", {{"service", service},
-                                {"target", request.at(1)},
-                                {"operation", request.at(0)},
-                                {"arguments", std::move(arguments)},
-                                {"status", status}});
+    events_.publishAt(now_, "command",
+                      {{"service", service},
+                       {"target", request.at(1)},
+                       {"operation", request.at(0)},
+                       {"arguments", std::move(arguments)},
+                       {"status", status}});
 }
 
 std::optional<Problem> CameraModel::set(const std::string &target, const std::string &key,
@@ -90,25 +105,77 @@ std::optional<Problem> CameraModel::set(const std::string &target, const std::st
         }
         return Problem{target, "unknown target; expected one of: " + listed(ids)};
     }
+    advance();
+    found->service->advance(*this, found->index);
     inCommand_ = events_.heard();
     remember(*found->service, found->index);
     inCommand_ = false;
-    std::optional<Problem> problem = found->service->set(found->index, key, value);
+    std::optional<Problem> problem = found->service->set(*this, found->index, key, value);
     if (problem) {
         problem->path = target + (problem->path.empty() ? "" : " " + problem->path);
     }
     publishChanges();
+    publishReports();
+    schedule();
     return problem;
 }
 
-nlohmann::json CameraModel::state(const std::string &target) const {
+nlohmann::json CameraModel::state(const std::string &target) {
     const TargetPlace *found = place(target);
-    return found != nullptr ? nested(found->service->values(found->index)) : nlohmann::json();
+    if (found == nullptr) {
+        return {};
+    }
+    advance();
+    found->service->advance(*this, found->index);
+    return nested(found->service->values(found->index));
+}
+
+void CameraModel::advance() {
+    now_ = clock_();
+    if (now_ < nextTime_) {
+        return;
+    }
+    for (const TargetPlace &each : withTimeCourse_) {
+        if (each.service->nextTime(each.index) <= now_) {
+            each.service->advance(*this, each.index);
+        }
+    }
+    publishReports();
+    schedule();
+}
+
+void CameraModel::schedule() {
+    double next = kNever;
+    for (const TargetPlace &each : withTimeCourse_) {
+        next = std::min(next, each.service->nextTime(each.index));
+    }
+    if (next < nextTime_ || next > nextTime_) {
+        nextTime_ = next;
+        if (onNextTimeChange_) {
+            onNextTimeChange_();
+        }
+    }
 }
 
 const CameraModel::TargetPlace *CameraModel::place(const std::string &target) const {
     const auto found = targets_.find(target);
     return found == targets_.end() ? nullptr : &found->second;
+}
+
+void CameraModel::report(const std::string &target, double time, const char *kind, nlohmann::json members) {
+    if (events_.heard()) {
+        members["target"] = target;
+        reports_.push_back({time, kind, std::move(members)});
+    }
+}
+
+void CameraModel::publishReports() {
+    std::vector<Report> reports = std::exchange(reports_, {});
+    std::stable_sort(reports.begin(), reports.end(),
+                     [](const Report &left, const Report &right) { return left.time < right.time; });
+    for (Report &report : reports) {
+        events_.publishAt(report.time, report.kind, std::move(report.members));
+    }
 }
 
 void CameraModel::remember(Service &service, std::size_t index) {
@@ -128,7 +195,7 @@ void CameraModel::publishChanges() {
             }
         }
         if (!changed.empty()) {
-            events_.publish("changed", {{"target", targetId(service->name(), index)}, {"fields", changed}});
+            events_.publishAt(now_, "changed", {{"target", targetId(service->name(), index)}, {"fields", changed}});
         }
     }
 }

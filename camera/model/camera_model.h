@@ -9,6 +9,7 @@
 #include "events.h"
 #include "service.h"
 
+#include <functional>
 #include <map>
 
 namespace camera {
@@ -19,7 +20,8 @@ using Services = std::map<std::string, std::unique_ptr<Service>, std::less<>>;
 /** A camera. Not for more than one thread. */
 class CameraModel {
 public:
-    CameraModel(std::string name, std::string description, Services services);
+    /** @param clock  gives the time of everything that happens; by itself nothing happens before advance() is called */
+    CameraModel(std::string name, std::string description, Services services, Clock clock = startClock());
     CameraModel(const CameraModel &) = delete;
     CameraModel &operator=(const CameraModel &) = delete;
 
@@ -58,30 +60,61 @@ public:
     /** Sets a field of a target, or a group of fields with an object; changes nothing after a problem. */
     std::optional<Problem> set(const std::string &target, const std::string &key, const nlohmann::json &value);
 
-    /** A target's fields as nested objects; null for an unknown target. */
-    nlohmann::json state(const std::string &target) const;
+    /** A target's present fields as nested objects; null for an unknown target. */
+    nlohmann::json state(const std::string &target);
+
+    /** Lets happen what happens by itself until now. All that asks or commands the camera does so first. */
+    void advance();
+
+    /** When the next thing happens by itself, in seconds since the camera started; kNever when nothing does. */
+    double nextTime() const {
+        return nextTime_;
+    }
+
+    /** Calls a function whenever nextTime() has changed; an empty one ends that. */
+    void onNextTimeChange(std::function<void()> listener) {
+        onNextTimeChange_ = std::move(listener);
+    }
+
+    /** The time that the present call, or other piece of work, takes as now, in seconds since the camera started. */
+    double now() const {
+        return now_;
+    }
+
+    /** Publishes an event about a target, which happened at a time, behind those of the present command. */
+    void report(const std::string &target, double time, const char *kind, nlohmann::json members);
 
     /**
-     * The state of a target of another service, for operations that reach beyond their own: preset 1 of presets_tours/2
-     * is a position of positioning/2. Null when the camera does not have it.
+     * A target of another service, for operations that reach beyond their own: preset 1 of presets_tours/2 is a
+     * position of positioning/2. Nothing when the camera does not have it.
      */
     template <typename State>
-    State *sibling(std::size_t index) {
+    std::optional<Scope<State>> sibling(std::size_t index) {
         const auto found = services_.find(State::definition().service);
         if (found == services_.end()) {
-            return nullptr;
+            return std::nullopt;
         }
         State *state = static_cast<ServiceOf<State> &>(*found->second).state(index);
-        if (state != nullptr) {
-            remember(*found->second, index);
+        if (state == nullptr) {
+            return std::nullopt;
         }
-        return state;
+        found->second->advance(*this, index);
+        remember(*found->second, index);
+        return Scope<State>{*this, index, *state};
     }
 
 private:
+    /** Publishes a call that is made at the present, unless it only reads. */
+    void tellCommand(std::string_view service, const nlohmann::json &request, std::int32_t status);
+
     struct TargetPlace {
         Service *service;
         std::size_t index;
+    };
+    struct Report {
+        double time;
+        const char *kind;
+        nlohmann::json members;
     };
     struct Snapshot {
         TargetPlace place;
@@ -97,11 +130,23 @@ private:
     /** Publishes what has changed in the remembered targets, and forgets them. */
     void publishChanges();
 
+    /** Publishes what was reported. */
+    void publishReports();
+
+    /** Finds out when the next thing happens by itself. */
+    void schedule();
+
     std::string name_;
     std::string description_;
     Services services_;
     std::map<std::string, TargetPlace> targets_;
+    std::vector<TargetPlace> withTimeCourse_;
+    Clock clock_;
     Events events_;
+    double now_ = 0.0;
+    double nextTime_ = kNever;
+    std::function<void()> onNextTimeChange_;
+    std::vector<Report> reports_;
     bool inCommand_ = false;
     std::vector<Snapshot> snapshots_;
 };

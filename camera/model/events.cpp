@@ -1,5 +1,7 @@
 #include "events.h"
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -31,7 +33,13 @@ bool Events::heard() const {
 }
 
 void Events::publish(const char *kind, nlohmann::json members) {
-    members["time"] = seconds();
+    publishAt(seconds(), kind, std::move(members));
+}
+
+void Events::publishAt(double time, const char *kind, nlohmann::json members) {
+    constexpr double kPerSecond = 1e6;
+    lastTime_ = std::max(lastTime_, std::round(time * kPerSecond) / kPerSecond);
+    members["time"] = lastTime_;
     members["event"] = kind;
     // A listener may end any subscription, so each is looked up anew and copied for the length of its call.
     std::vector<std::uint64_t> ids;
@@ -49,9 +57,7 @@ void Events::publish(const char *kind, nlohmann::json members) {
 }
 
 double Events::seconds() const {
-    const auto elapsed =
-        std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start_);
-    return static_cast<double>(elapsed.count()) / 1e6;
+    return clock_();
 }
 
 } // namespace camera

@@ -5,11 +5,13 @@
 #ifndef QUARNSNMP_CAMERA_EVENTS_H
 #define QUARNSNMP_CAMERA_EVENTS_H
 
-#include <chrono>
+#include "clock.h"
+
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -17,7 +19,8 @@ namespace camera {
 
 /**
  * Hands events to listeners, in the order in which they happen. An event is an object with the seconds since the
- * camera started in "time", its kind in "event", and members of its kind.
+ * camera started in "time", to the microsecond and never less than in the event before, its kind in "event", and
+ * members of its kind.
  */
 class Events {
 public:
@@ -39,7 +42,7 @@ public:
         std::uint64_t id_ = 0;
     };
 
-    Events() = default;
+    explicit Events(Clock clock = startClock()) : clock_(std::move(clock)) {}
     Events(const Events &) = delete;
     Events &operator=(const Events &) = delete;
 
@@ -49,14 +52,18 @@ public:
     /** Whether anybody listens; without listeners an event need not be put together. */
     bool heard() const;
 
-    /** Publishes an event of a kind with its members. */
+    /** Publishes an event of a kind with its members that happens now. */
     void publish(const char *kind, nlohmann::json members);
+
+    /** Publishes an event that happened at a time, in seconds since the camera started. */
+    void publishAt(double time, const char *kind, nlohmann::json members);
 
     /** Seconds since the camera started. */
     double seconds() const;
 
 private:
-    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+    Clock clock_;
+    double lastTime_ = 0.0;
     std::map<std::uint64_t, Listener> listeners_;
     std::uint64_t nextId_ = 1;
 };

@@ -33,6 +33,10 @@ std::vector<std::string> membersOf(const std::vector<std::string> &keys, const s
     return members;
 }
 
+Problem readOnly(const std::string &key) {
+    return {key, "read-only: it follows from commands"};
+}
+
 Problem unknownKey(const std::vector<std::string> &keys, const std::string &key) {
     std::string group = key;
     std::vector<std::string> members;

@@ -27,7 +27,10 @@ struct Field {
     std::string key;
     std::string expected; ///< what a value must be, as in "an integer from 0 to 255"
     std::function<nlohmann::json(const State &)> get;
-    /** Checks and stores a value; the problem's path is relative to the field. Stores nothing after a problem. */
+    /**
+     * Checks and stores a value; the problem's path is relative to the field. Stores nothing after a problem. Empty for
+     * a field that cannot be set.
+     */
     std::function<std::optional<Problem>(State &, const nlohmann::json &)> set;
 };
 
@@ -59,6 +62,12 @@ Field<State> integerField(std::string key, Value State::*member,
                            const std::optional<std::int64_t> number = integerIn(value, lowest, highest);
                            return number ? std::optional<Value>(static_cast<Value>(*number)) : std::nullopt;
                        });
+}
+
+/** A field that cannot be set, because it follows from commands; `kind` is what it shows, as in "an integer". */
+template <typename State, typename Get>
+Field<State> readOnlyField(std::string key, const std::string &kind, Get get) {
+    return {std::move(key), kind + "; read-only", std::move(get), nullptr};
 }
 
 /** A flag: true or false. */
@@ -104,12 +113,14 @@ nlohmann::json fieldValues(const Fields<State> &fields, const State &state) {
     return values;
 }
 
-/** The keys of all fields. */
+/** The keys of all fields that can be set. */
 template <typename State>
-std::vector<std::string> fieldKeys(const Fields<State> &fields) {
+std::vector<std::string> settableKeys(const Fields<State> &fields) {
     std::vector<std::string> keys;
     for (const Field<State> &field : fields) {
-        keys.push_back(field.key);
+        if (field.set) {
+            keys.push_back(field.key);
+        }
     }
     return keys;
 }
@@ -119,6 +130,9 @@ nlohmann::json nested(const nlohmann::json &dotted);
 
 /** The names on the next level below a group of keys; the whole struct is the group "". */
 std::vector<std::string> membersOf(const std::vector<std::string> &keys, const std::string &group);
+
+/** Says that a field cannot be set. */
+Problem readOnly(const std::string &key);
 
 /** Says that there is no such key, and which ones there are on the nearest level that exists. */
 Problem unknownKey(const std::vector<std::string> &keys, const std::string &key);
@@ -131,6 +145,9 @@ template <typename State>
 std::optional<Problem> assign(const Fields<State> &fields, const std::string &key, const nlohmann::json &value,
                               State &state) {
     for (const Field<State> &field : fields) {
+        if (field.key == key && !field.set) {
+            return readOnly(key);
+        }
         if (field.key == key) {
             std::optional<Problem> problem = field.set(state, value);
             if (problem) {
@@ -139,9 +156,9 @@ std::optional<Problem> assign(const Fields<State> &fields, const std::string &ke
             return problem;
         }
     }
-    const std::vector<std::string> members = membersOf(fieldKeys(fields), key);
+    const std::vector<std::string> members = membersOf(settableKeys(fields), key);
     if (members.empty()) {
-        return unknownKey(fieldKeys(fields), key);
+        return unknownKey(settableKeys(fields), key);
     }
     if (!value.is_object()) {
         return Problem{key, mismatch("an object with " + listed(members), value)};
@@ -149,7 +166,7 @@ std::optional<Problem> assign(const Fields<State> &fields, const std::string &ke
     for (const auto &item : value.items()) {
         // A dotted key in a file would be a second way to write the same field.
         if (item.key().empty() || item.key().find('.') != std::string::npos) {
-            return unknownKey(fieldKeys(fields), joinPath(key, item.key()));
+            return unknownKey(settableKeys(fields), joinPath(key, item.key()));
         }
         if (std::optional<Problem> problem = assign(fields, joinPath(key, item.key()), item.value(), state)) {
             return problem;
@@ -163,7 +180,7 @@ template <typename State, typename Element>
 Field<State> listField(std::string key, std::vector<Element> State::*member, const Fields<Element> &elementFields,
                        std::size_t longest) {
     std::string expected = "a list of at most " + std::to_string(longest) + " objects with " +
-                           listed(membersOf(fieldKeys(elementFields), ""));
+                           listed(membersOf(settableKeys(elementFields), ""));
     auto get = [member, elementFields](const State &state) {
         nlohmann::json values = nlohmann::json::array();
         for (const Element &element : state.*member) {
@@ -194,10 +211,12 @@ template <typename State, typename Part>
 void addPart(Fields<State> &fields, const std::string &key, Part State::*member, const Fields<Part> &partFields) {
     for (const Field<Part> &field : partFields) {
         fields.push_back({joinPath(key, field.key), field.expected,
-                          [member, get = field.get](const State &state) { return get(state.*member); },
-                          [member, set = field.set](State &state, const nlohmann::json &value) {
-                              return set(state.*member, value);
-                          }});
+                          [member, get = field.get](const State &state) { return get(state.*member); }, nullptr});
+        if (field.set) {
+            fields.back().set = [member, set = field.set](State &state, const nlohmann::json &value) {
+                return set(state.*member, value);
+            };
+        }
     }
 }
 

@@ -5,6 +5,7 @@
 #ifndef QUARNSNMP_CAMERA_SERVICE_H
 #define QUARNSNMP_CAMERA_SERVICE_H
 
+#include "clock.h"
 #include "fields.h"
 #include "operation.h"
 
@@ -12,6 +13,17 @@
 #include <memory>
 
 namespace camera {
+
+/** How states change with time, for services whose targets do more than commands tell them at once. */
+template <typename State>
+struct TimeCourse {
+    /** Brings a state to CameraModel::now(), and reports what happened to it by itself until then, in order. */
+    void (*advance)(const Scope<State> &) = nullptr;
+    /** When the next thing happens to a state by itself, in seconds since the camera started; else kNever. */
+    double (*nextTime)(const State &) = nullptr;
+    /** Draws the consequences of fields that were set; `before` is the state without them. */
+    void (*afterSet)(const Scope<State> &, const State &before) = nullptr;
+};
 
 /** What is the same for all services of a kind; a state struct offers its own with `State::definition()`. */
 template <typename State>
@@ -23,6 +35,8 @@ struct Definition {
     std::optional<Problem> (*check)(const State &) = [](const State & /*state*/) -> std::optional<Problem> {
         return std::nullopt;
     };
+    /** Nothing when states change through commands only. */
+    std::optional<TimeCourse<State>> timeCourse = std::nullopt;
 };
 
 /** Name and meaning of a field, for the reference and for messages. */
@@ -30,6 +44,7 @@ struct FieldSummary {
     std::string key;
     std::string expected;
     nlohmann::json initial; ///< value when a camera file leaves the field out
+    bool settable = true;
 };
 
 /** Name and arguments of an operation. */
@@ -59,7 +74,8 @@ public:
     virtual nlohmann::json values(std::size_t index) const = 0;
 
     /** Sets a field, or a group of them with an object; changes nothing after a problem. */
-    virtual std::optional<Problem> set(std::size_t index, const std::string &key, const nlohmann::json &value) = 0;
+    virtual std::optional<Problem> set(CameraModel &model, std::size_t index, const std::string &key,
+                                       const nlohmann::json &value) = 0;
 
     /** Checks a target's fields against each other. */
     virtual std::optional<Problem> check(std::size_t index) const = 0;
@@ -67,6 +83,15 @@ public:
     /** Runs an operation; the request has at least the operation and the target. */
     virtual Answer call(CameraModel &model, std::size_t index, std::string_view operation,
                         const nlohmann::json &request) = 0;
+
+    /** Whether things happen to targets by themselves. */
+    virtual bool hasTimeCourse() const = 0;
+
+    /** Brings a target to the model's present, and reports what happened to it by itself until then. */
+    virtual void advance(CameraModel &model, std::size_t index) = 0;
+
+    /** When the next thing happens to a target by itself, in seconds since the camera started; else kNever. */
+    virtual double nextTime(std::size_t index) const = 0;
 };
 
 /** The service whose targets are of one kind of state. */
@@ -81,7 +106,7 @@ public:
         const State initial{};
         std::vector<FieldSummary> summaries;
         for (const Field<State> &field : definition_.fields) {
-            summaries.push_back({field.key, field.expected, field.get(initial)});
+            summaries.push_back({field.key, field.expected, field.get(initial), static_cast<bool>(field.set)});
         }
         return summaries;
     }
@@ -120,14 +145,19 @@ public:
         return fieldValues(definition_.fields, targets_.at(index));
     }
 
-    std::optional<Problem> set(std::size_t index, const std::string &key, const nlohmann::json &value) override {
+    std::optional<Problem> set(CameraModel &model, std::size_t index, const std::string &key,
+                               const nlohmann::json &value) override {
         if (key.empty()) {
-            return unknownKey(fieldKeys(definition_.fields), key);
+            return unknownKey(settableKeys(definition_.fields), key);
         }
-        State changed = targets_.at(index);
+        State &state = targets_.at(index);
+        State changed = state;
         std::optional<Problem> problem = assignChecked(key, value, changed);
         if (!problem) {
-            targets_[index] = std::move(changed);
+            std::swap(state, changed);
+            if (definition_.timeCourse) {
+                definition_.timeCourse->afterSet(Scope<State>{model, index, state}, changed);
+            }
         }
         return problem;
     }
@@ -142,6 +172,20 @@ public:
             return {wire::kUnknownOperation};
         }
         return operation->run(Scope<State>{model, index, targets_.at(index)}, request);
+    }
+
+    bool hasTimeCourse() const override {
+        return definition_.timeCourse.has_value();
+    }
+
+    void advance(CameraModel &model, std::size_t index) override {
+        if (definition_.timeCourse) {
+            definition_.timeCourse->advance(Scope<State>{model, index, targets_.at(index)});
+        }
+    }
+
+    double nextTime(std::size_t index) const override {
+        return definition_.timeCourse ? definition_.timeCourse->nextTime(targets_.at(index)) : kNever;
     }
 
 private:

@@ -23,7 +23,8 @@ CameraServer::CameraServer(boost::asio::io_context &io, CameraModel &model, cons
                      answer(connection, callDesk_.directoryRequest(line));
                  }),
       control_(io, directory.socket(wire::kControlSocket),
-               [this](LineConnection &connection, std::string_view line) { controlLine(connection, line); }) {
+               [this](LineConnection &connection, std::string_view line) { controlLine(connection, line); }),
+      timer_(io, model) {
     for (const std::string &name : model.serviceNames()) {
         services_.emplace(name,
                           std::make_unique<LineServer>(io, directory.socket(name),

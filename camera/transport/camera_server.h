@@ -8,6 +8,7 @@
 #include "call_desk.h"
 #include "control_desk.h"
 #include "line_server.h"
+#include "model_timer.h"
 #include "service_switch.h"
 #include "socket_directory.h"
 
@@ -42,6 +43,7 @@ private:
     std::map<std::string, std::unique_ptr<LineServer>> services_;
     LineServer directory_;
     LineServer control_;
+    ModelTimer timer_;
 };
 
 } // namespace camera

@@ -245,8 +245,9 @@ zorva_core_status zorva_api_positioning_get_velocity_command_timeout_send(void *
 
 /**
  * Starts a move of the enabled axes to a position; returns before it ends.
- * @param panFraction,tiltFraction,zoomFraction  speed as a fraction of the axis's range of velocities, 0.0 to 1.0
- * @param priority  the higher wins over commands of other clients
+ * @param panFraction,tiltFraction,zoomFraction  speed as a fraction of the axis's range of velocities, 0.0 to 1.0; more
+ *                                               is as fast as the axis can go
+ * @param priority  the lower the number, the more urgent; what that means against other clients is the service's matter
  */
 zorva_core_status zorva_api_positioning_move_to_position_with_speed_percentage_send(
     void *cookie, const char *target, uint8_t panEnable, int32_t pan, double panFraction, uint8_t tiltEnable,

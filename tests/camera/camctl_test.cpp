@@ -64,8 +64,8 @@ TEST_F(Camctl, SetsNumbersFlagsTextsAndGroups) {
     expectDone({"set", "alarm/1", "state", "1"}, "alarm/1 state is 1");
     expectDone({"set", "temperature/1", "temperature", "-5000"}, "temperature/1 temperature is -5000");
     expectDone({"set", "exposure/1", "manualMode", "true"}, "exposure/1 manualMode is true");
-    expectDone({"set", "positioning/1", "tilt", R"({"position":-7,"velocity":3})"},
-               R"(positioning/1 tilt is {"position":-7,"velocity":3})");
+    expectDone({"set", "positioning/1", "tilt", R"({"position":-7,"acceleration":3})"},
+               R"(positioning/1 tilt is {"acceleration":3,"position":-7})");
     expectDone({"set", "presets_tours/1", "presets", R"([{"id":"a","number":2}])"},
                R"(presets_tours/1 presets is [{"id":"a","number":2}])");
     EXPECT_EQ(1, target("alarm", "alarm/1")["state"]);
@@ -127,6 +127,15 @@ TEST_F(Camctl, PrintsRefusals) {
                   "times: expected an integer from 1 to 1000000 or \"always\", found 0");
     expectRefused({"set", "device_management/1", "reboots", "many"},
                   "device_management/1 reboots: expected an integer from 0 to 4294967295, found \"many\"");
+}
+
+TEST_F(Camctl, DoesNotSetWhatFollowsFromCommands) {
+    RunningCamera camera(directory_);
+    expectRefused({"set", "positioning/1", "pan.velocity", "5"},
+                  "positioning/1 pan.velocity: read-only: it follows from commands");
+    expectRefused({"set", "positioning/1", "pan", R"({"position":5,"target":7})"},
+                  "positioning/1 pan.target: read-only: it follows from commands");
+    EXPECT_EQ(0, target("positioning", "positioning/1")["pan"]["position"]);
 }
 
 TEST_F(Camctl, FollowsUntilTheCameraEnds) {

@@ -122,7 +122,7 @@ INSTANTIATE_TEST_SUITE_P(
                 "maximum"},
         BadFile{"DottedKey", file(R"({"positioning": {"targets": [{"pan.position": 0}]}})"),
                 "services.positioning.targets[0].pan.position: unknown key; expected one of: position, minimum, "
-                "maximum, endless, velocity, minimumSpeed, maximumSpeed, softPosition, softSpeed"},
+                "maximum, endless, minimumSpeed, maximumSpeed, acceleration, softPosition, softSpeed"},
         BadFile{"FieldOfListElement",
                 file(R"({"presets_tours": {"targets": [{"presets": [{"id": "a"}, {"number": 256}]}]}})"),
                 "services.presets_tours.targets[0].presets[1].number: expected an integer from 1 to 255, found 256"}),
@@ -145,9 +145,8 @@ INSTANTIATE_TEST_SUITE_P(
                          "digitalZoom": {"enabled": true, "combinedMaximum": 30}}]}})"),
                 "services.positioning.targets[0].zoom.position: expected an integer from 0 to 30 (zoom.minimum to "
                 "digitalZoom.combinedMaximum), found 40"},
-        BadFile{"AxisVelocity", file(R"({"positioning": {"targets": [{"pan": {"velocity": -6, "maximumSpeed": 5}}]}})"),
-                "services.positioning.targets[0].pan.velocity: expected an integer from -5 to 5 (as fast as "
-                "pan.maximumSpeed either way), found -6"},
+        BadFile{"AxisVelocity", file(R"({"positioning": {"targets": [{"pan": {"velocity": 0}}]}})"),
+                "services.positioning.targets[0].pan.velocity: read-only: it follows from commands"},
         BadFile{"SoftLimits", file(R"({"positioning": {"targets": [{"pan": {"maximumSpeed": 9,
                          "softSpeed": {"enabled": true, "minimum": 5, "maximum": 4}}}]}})"),
                 "services.positioning.targets[0].pan.softSpeed.maximum: expected an integer from 5 to 9 "

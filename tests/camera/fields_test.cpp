@@ -25,8 +25,17 @@ std::vector<AnyField> allFields() {
     return fields;
 }
 
+/** Those of them that can be set, or those that cannot. */
+std::vector<AnyField> allFieldsThatAre(bool settable) {
+    std::vector<AnyField> fields = allFields();
+    fields.erase(std::remove_if(fields.begin(), fields.end(),
+                                [&](const AnyField &any) { return any.field.settable != settable; }),
+                 fields.end());
+    return fields;
+}
+
 TEST(EveryField, IsSetToWhatItIs) {
-    for (const AnyField &any : allFields()) {
+    for (const AnyField &any : allFieldsThatAre(true)) {
         const auto camera = test::makeCameraOf(any.service, json::object());
         const std::string target = any.service + "/1";
         const json before = camera->state(target);
@@ -38,7 +47,7 @@ TEST(EveryField, IsSetToWhatItIs) {
 
 TEST(EveryField, RefusesAValueOfAnotherKind) {
     const json wrong = {{"no", "field"}, {"has", "this"}};
-    for (const AnyField &any : allFields()) {
+    for (const AnyField &any : allFieldsThatAre(true)) {
         const auto camera = test::makeCameraOf(any.service, json::object());
         const std::string target = any.service + "/1";
         const auto problem = camera->set(target, any.field.key, wrong);
@@ -46,6 +55,32 @@ TEST(EveryField, RefusesAValueOfAnotherKind) {
         EXPECT_EQ(target + " " + any.field.key + ": expected " + any.field.expected +
                       R"(, found {"has":"this","no":"field"})",
                   toString(*problem));
+    }
+}
+
+TEST(EveryReadOnlyField, RefusesEvenWhatItIs) {
+    const std::vector<AnyField> fields = allFieldsThatAre(false);
+    ASSERT_FALSE(fields.empty());
+    for (const AnyField &any : fields) {
+        const auto camera = test::makeCameraOf(any.service, json::object());
+        const std::string target = any.service + "/1";
+        const auto problem = camera->set(target, any.field.key, any.field.initial);
+        ASSERT_TRUE(problem) << target << " " << any.field.key;
+        EXPECT_EQ(target + " " + any.field.key + ": read-only: it follows from commands", toString(*problem));
+    }
+}
+
+TEST(EveryReadOnlyField, IsRefusedInCameraFiles) {
+    for (const AnyField &any : allFieldsThatAre(false)) {
+        const json values = nested({{any.field.key, any.field.initial}});
+        try {
+            test::makeCameraOf(any.service, values);
+            ADD_FAILURE() << any.service << " " << any.field.key;
+        } catch (const CameraFileError &error) {
+            EXPECT_EQ("test.json: services." + any.service + ".targets[0]." + any.field.key +
+                          ": read-only: it follows from commands",
+                      std::string(error.what()));
+        }
     }
 }
 
@@ -115,9 +150,9 @@ TEST(SettingAGroup, SetsItsFieldsTogether) {
 TEST(SettingAGroup, ChangesNothingWhenOneOfItsValuesIsWrong) {
     const auto dome = test::shippedCamera("dome");
     const json before = dome->state("positioning/1");
-    const auto problem = dome->set("positioning/1", "pan", {{"position", 7}, {"velocity", "fast"}});
+    const auto problem = dome->set("positioning/1", "pan", {{"position", 7}, {"maximumSpeed", "fast"}});
     ASSERT_TRUE(problem);
-    EXPECT_EQ("positioning/1 pan.velocity: expected an integer from -2147483647 to 2147483647, found \"fast\"",
+    EXPECT_EQ("positioning/1 pan.maximumSpeed: expected an integer from 0 to 2147483647, found \"fast\"",
               toString(*problem));
     EXPECT_EQ(before, dome->state("positioning/1"));
 }

@@ -123,7 +123,14 @@ const std::vector<Example> &examples() {
          "move_to_position_with_speed_percentage_send",
          {1, 180000, 0.5, 0, 77, 7.7, 255, 3600, 1, -1},
          none,
-         {{"pan.position", 180000}, {"zoom.position", 3600}, {"pan.velocity", 0}}},
+         {{"pan.velocity", 90000},
+          {"pan.target", 180000},
+          {"pan.moving", true},
+          {"pan.priority", -1},
+          {"zoom.velocity", 149},
+          {"zoom.target", 3600},
+          {"zoom.moving", true},
+          {"zoom.priority", -1}}},
         {"positioning",
          "set_soft_velocity_limits_send",
          {0, -1, -2, 1, 100, 200, 0, 0, 0},
@@ -134,12 +141,18 @@ const std::vector<Example> &examples() {
          "set_velocity_send",
          {1, -50, 1, 60, 0, 70, 1},
          none,
-         {{"pan.velocity", -50}, {"tilt.velocity", 60}, {"velocityTimeout", 1500}}},
+         {{"pan.velocity", -60},
+          {"pan.moving", true},
+          {"pan.priority", 1},
+          {"tilt.velocity", 60},
+          {"tilt.moving", true},
+          {"tilt.priority", 1},
+          {"velocityTimeout", 1500}}},
         {"positioning",
          "set_velocity_with_timeout_send",
-         {0, 0, 0, 0, 1, -150, 1, 250},
+         {0, 0, 0, 0, 1, -150, 2, 250},
          none,
-         {{"zoom.velocity", -150}, {"velocityTimeout", 250}}},
+         {{"zoom.velocity", -150}, {"zoom.moving", true}, {"zoom.priority", 2}, {"velocityTimeout", 250}}},
         {"power", "get_power_state_send", none, {3}, same},
         {"power", "get_voltage_state_send", none, {4}, same},
         {"presets_tours", "get_max_presets_send", none, {20}, same},
@@ -177,7 +190,7 @@ const std::vector<Example> &examples() {
     return all;
 }
 
-/** A camera with all services, and a different value in each field where that is possible. */
+/** A camera with all services, a different value in each field where that is possible, and a clock that stands. */
 std::unique_ptr<CameraModel> fullCamera() {
     return test::makeCamera(R"({"name": "full", "services": {
         "alarm": {"targets": [{"state": 5}]},
@@ -190,7 +203,7 @@ std::unique_ptr<CameraModel> fullCamera() {
         "iris": {"targets": [{"position": 4000000000, "minimum": 5, "maximum": 4294967295, "moving": true}]},
         "lens_focus": {"targets": [{"position": 30, "minimum": -50, "maximum": 70, "manualMode": true}]},
         "positioning": {"targets": [{
-            "pan": {"position": 1000, "minimum": 0, "maximum": 359999, "endless": true, "velocity": 10,
+            "pan": {"position": 1000, "minimum": 0, "maximum": 359999, "endless": true,
                 "minimumSpeed": 50, "maximumSpeed": 280000, "softPosition": {"minimum": 1, "maximum": 2},
                 "softSpeed": {"enabled": true, "minimum": 60, "maximum": 90000}},
             "tilt": {"position": -2000, "minimum": -90000, "maximum": 20000, "minimumSpeed": 40,
@@ -208,7 +221,8 @@ std::unique_ptr<CameraModel> fullCamera() {
         "temperature": {"targets": [{"temperature": -12500}]},
         "zoom_stepper": {"targets": [{"position": 2, "minimum": 1, "maximum": 2, "minimumSpeed": 3,
             "maximumSpeed": 4}]}
-    }})");
+    }})",
+                            [] { return 0.0; });
 }
 
 json requestOf(const Example &example) {

@@ -9,10 +9,15 @@
 
 namespace camera::test {
 
+/** Makes a camera of what a file holds. */
+inline std::unique_ptr<CameraModel> makeCamera(CameraDescription description, Clock clock = startClock()) {
+    return std::make_unique<CameraModel>(description.name, description.description, std::move(description.services),
+                                         std::move(clock));
+}
+
 /** Makes a camera of the text of a camera file. */
-inline std::unique_ptr<CameraModel> makeCamera(const std::string &text) {
-    CameraDescription description = parseCamera(text, "test.json");
-    return std::make_unique<CameraModel>(description.name, description.description, std::move(description.services));
+inline std::unique_ptr<CameraModel> makeCamera(const std::string &text, Clock clock = startClock()) {
+    return makeCamera(parseCamera(text, "test.json"), std::move(clock));
 }
 
 /** Makes a camera with one service that has one target with these fields. */
@@ -22,9 +27,8 @@ inline std::unique_ptr<CameraModel> makeCameraOf(const std::string &service, con
 }
 
 /** A camera that the project ships. */
-inline std::unique_ptr<CameraModel> shippedCamera(const std::string &name) {
-    CameraDescription description = readCameraFile(std::string(QUARNSNMP_CAMERAS) + "/" + name + ".json");
-    return std::make_unique<CameraModel>(description.name, description.description, std::move(description.services));
+inline std::unique_ptr<CameraModel> shippedCamera(const std::string &name, Clock clock = startClock()) {
+    return makeCamera(readCameraFile(std::string(QUARNSNMP_CAMERAS) + "/" + name + ".json"), std::move(clock));
 }
 
 } // namespace camera::test

@@ -1,40 +1,17 @@
 #include "positioning.h"
 
-#include <array>
+#include "camera_model.h"
+
+#include <cmath>
+#include <utility>
 
 namespace camera {
 
 namespace {
 
-constexpr std::size_t kAxisCount = 3;
 constexpr std::array<Axis Positioning::*, kAxisCount> kAxes = {&Positioning::pan, &Positioning::tilt,
                                                                &Positioning::zoom};
 constexpr std::array<const char *, kAxisCount> kAxisKeys = {"pan", "tilt", "zoom"};
-
-const Fields<SoftLimits> &softLimitFields() {
-    static const Fields<SoftLimits> fields = {
-        flagField("enabled", &SoftLimits::enabled),
-        integerField("minimum", &SoftLimits::minimum),
-        integerField("maximum", &SoftLimits::maximum),
-    };
-    return fields;
-}
-
-Fields<Axis> axisFields() {
-    constexpr std::int32_t kFastest = std::numeric_limits<std::int32_t>::max();
-    Fields<Axis> fields = {
-        integerField("position", &Axis::position),
-        integerField("minimum", &Axis::minimum),
-        integerField("maximum", &Axis::maximum),
-        flagField("endless", &Axis::endless),
-        integerField("velocity", &Axis::velocity, -kFastest, kFastest),
-        integerField("minimumSpeed", &Axis::minimumSpeed, 0, kFastest),
-        integerField("maximumSpeed", &Axis::maximumSpeed, 0, kFastest),
-    };
-    addPart(fields, "softPosition", &Axis::softPosition, softLimitFields());
-    addPart(fields, "softSpeed", &Axis::softSpeed, softLimitFields());
-    return fields;
-}
 
 Fields<Positioning> positioningFields() {
     constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
@@ -44,13 +21,14 @@ Fields<Positioning> positioningFields() {
         integerField("combinedMaximum", &DigitalZoom::combinedMaximum, 0, kLargest),
     };
     Fields<Positioning> fields;
-    const Fields<Axis> ofAxis = axisFields();
     for (std::size_t i = 0; i < kAxisCount; ++i) {
-        addPart(fields, kAxisKeys.at(i), kAxes.at(i), ofAxis);
+        addPart(fields, kAxisKeys.at(i), kAxes.at(i), axisFields());
     }
     addPart(fields, "digitalZoom", &Positioning::digitalZoom, digitalZoomFields);
     fields.push_back(integerField("velocityCommandTimeout", &Positioning::velocityCommandTimeout));
-    fields.push_back(integerField("velocityTimeout", &Positioning::velocityTimeout));
+    fields.push_back(readOnlyField<Positioning>("velocityTimeout", "an integer",
+                                                [](const Positioning &state) { return state.velocityTimeout; }));
+    fields.push_back(flagField("respectPriorities", &Positioning::respectPriorities));
     return fields;
 }
 
@@ -78,8 +56,6 @@ std::optional<Problem> checkAxis(const Positioning &positioning, const std::stri
     return firstOf({checkAtLeast(key + ".maximum", axis.maximum, axis.minimum, key + ".minimum"),
                     checkWithin(key + ".position", axis.position, axis.minimum, highest, positions),
                     checkWithin(key + ".minimumSpeed", axis.minimumSpeed, 0, axis.maximumSpeed, speeds),
-                    checkWithin(key + ".velocity", axis.velocity, -axis.maximumSpeed, axis.maximumSpeed,
-                                "as fast as " + key + ".maximumSpeed either way"),
                     checkSoftLimits(key + ".softPosition", axis.softPosition, axis.minimum, highest, positions),
                     checkSoftLimits(key + ".softSpeed", axis.softSpeed, 0, axis.maximumSpeed, speeds)});
 }
@@ -93,60 +69,113 @@ std::optional<Problem> checkPositioning(const Positioning &positioning) {
     return std::nullopt;
 }
 
-/** Where a move of an axis ends; nothing when the axis cannot get there. */
-std::optional<std::int32_t> destination(const Positioning &positioning, const Axis &axis, std::int32_t position) {
-    std::int64_t wanted = position;
-    if (axis.endless) {
-        const std::int64_t turn = std::int64_t{axis.maximum} - axis.minimum + 1;
-        wanted = axis.minimum + ((wanted - axis.minimum) % turn + turn) % turn;
+/** Calls a function with each axis, its bounds, and something to report what happens to it. */
+template <typename Function>
+void forEachAxis(const Scope<Positioning> &scope, Function function) {
+    for (std::size_t i = 0; i < kAxisCount; ++i) {
+        Axis &axis = scope.state.*kAxes.at(i);
+        const AxisReport report = [&scope, i](double time, const char *kind, nlohmann::json members) {
+            members["axis"] = kAxisKeys.at(i);
+            scope.model.report(targetId(Positioning::definition().service, scope.index), time, kind,
+                               std::move(members));
+        };
+        function(i, axis, report);
     }
-    if (wanted < axis.minimum || wanted > highestPosition(positioning, axis)) {
-        return std::nullopt;
-    }
-    auto reached = static_cast<std::int32_t>(wanted);
-    if (axis.softPosition.enabled) {
-        reached = std::clamp(reached, axis.softPosition.minimum, axis.softPosition.maximum);
-    }
-    return reached;
 }
 
-bool isFraction(double value) {
-    return value >= 0.0 && value <= 1.0;
+AxisLimits limitsOf(const Positioning &positioning, const Axis &axis) {
+    return limitsOf(axis, highestPosition(positioning, axis));
+}
+
+void advancePositioning(const Scope<Positioning> &scope) {
+    forEachAxis(scope, [&](std::size_t /*i*/, Axis &axis, const AxisReport &report) {
+        advance(axis, scope.model.now(), report);
+    });
+}
+
+double nextPositioningTime(const Positioning &state) {
+    return std::min({nextTime(state.pan), nextTime(state.tilt), nextTime(state.zoom)});
+}
+
+void applyAllLimits(const Scope<Positioning> &scope) {
+    forEachAxis(scope, [&](std::size_t /*i*/, Axis &axis, const AxisReport &report) {
+        applyLimits(axis, limitsOf(scope.state, axis), scope.model.now(), report);
+    });
+}
+
+void afterSet(const Scope<Positioning> &scope, const Positioning &before) {
+    forEachAxis(scope, [&](std::size_t i, const Axis &axis, const AxisReport &report) {
+        if ((before.*kAxes.at(i)).move && !axis.move) {
+            report(scope.model.now(), "move_stopped", {{"position", axis.position}});
+        }
+    });
+    applyAllLimits(scope);
+}
+
+/** What a command wants of each axis; nothing for an axis that goes on as it is. */
+using AxisMoves = std::array<std::optional<AxisMove>, kAxisCount>;
+
+/** Whether a move that is more urgent than a command has to be respected. */
+bool isOutranked(const Positioning &state, const AxisMoves &moves, std::int32_t priority) {
+    for (std::size_t i = 0; i < kAxisCount; ++i) {
+        const Axis &axis = state.*kAxes.at(i);
+        if (state.respectPriorities && moves.at(i) && axis.move && axis.priority && priority > *axis.priority) {
+            return true;
+        }
+    }
+    return false;
+}
+
+Answer commandAxes(const Scope<Positioning> &scope, const AxisMoves &moves, std::int32_t priority) {
+    if (isOutranked(scope.state, moves, priority)) {
+        return {wire::kNotSupported};
+    }
+    forEachAxis(scope, [&](std::size_t i, Axis &axis, const AxisReport &report) {
+        if (moves.at(i)) {
+            axis.priority = priority;
+            command(axis, *moves.at(i), limitsOf(scope.state, axis), scope.model.now(), report);
+        }
+    });
+    return {};
 }
 
 Answer moveToPosition(const Scope<Positioning> &scope, std::uint8_t panEnable, std::int32_t pan, double panFraction,
                       std::uint8_t tiltEnable, std::int32_t tilt, double tiltFraction, std::uint8_t zoomEnable,
-                      std::int32_t zoom, double zoomFraction, std::int32_t /*priority*/) {
-    if ((panEnable != 0 && !isFraction(panFraction)) || (tiltEnable != 0 && !isFraction(tiltFraction)) ||
-        (zoomEnable != 0 && !isFraction(zoomFraction))) {
-        return {wire::kInvalidArgument};
-    }
-    return moveAxes(scope.state, {panEnable != 0, pan}, {tiltEnable != 0, tilt}, {zoomEnable != 0, zoom});
-}
-
-/** A velocity command is never refused for being too fast: the axis runs as fast as it can and may. */
-void runAxis(Axis &axis, bool enabled, std::int32_t velocity) {
-    if (enabled) {
-        const std::int32_t fastest = axis.softSpeed.enabled ? axis.softSpeed.maximum : axis.maximumSpeed;
-        axis.velocity = std::clamp(velocity, -fastest, fastest);
-    }
+                      std::int32_t zoom, double zoomFraction, std::int32_t priority) {
+    return moveAxes(scope,
+                    {{{panEnable != 0, pan, panFraction},
+                      {tiltEnable != 0, tilt, tiltFraction},
+                      {zoomEnable != 0, zoom, zoomFraction}}},
+                    priority);
 }
 
 Answer setVelocityWithTimeout(const Scope<Positioning> &scope, std::uint8_t panEnable, std::int32_t pan,
                               std::uint8_t tiltEnable, std::int32_t tilt, std::uint8_t zoomEnable, std::int32_t zoom,
-                              std::int32_t /*priority*/, std::uint32_t timeoutMilliseconds) {
-    runAxis(scope.state.pan, panEnable != 0, pan);
-    runAxis(scope.state.tilt, tiltEnable != 0, tilt);
-    runAxis(scope.state.zoom, zoomEnable != 0, zoom);
-    scope.state.velocityTimeout = timeoutMilliseconds;
-    return {};
+                              std::int32_t priority, std::uint32_t timeoutMilliseconds) {
+    constexpr double kMillisecondsPerSecond = 1000.0;
+    const bool endless = timeoutMilliseconds == 0 || timeoutMilliseconds == kEndless;
+    const std::array<bool, kAxisCount> enabled = {panEnable != 0, tiltEnable != 0, zoomEnable != 0};
+    const std::array<std::int32_t, kAxisCount> velocities = {pan, tilt, zoom};
+    AxisMoves moves;
+    for (std::size_t i = 0; i < kAxisCount; ++i) {
+        if (enabled.at(i)) {
+            AxisMove &move = moves.at(i).emplace();
+            move.kind = AxisMove::Kind::atVelocity;
+            move.wanted = velocities.at(i);
+            move.timeOut = endless ? kNever : scope.model.now() + timeoutMilliseconds / kMillisecondsPerSecond;
+        }
+    }
+    Answer answer = commandAxes(scope, moves, priority);
+    if (answer.status == wire::kSuccess) {
+        scope.state.velocityTimeout = endless ? kEndless : timeoutMilliseconds;
+    }
+    return answer;
 }
 
 Answer setVelocity(const Scope<Positioning> &scope, std::uint8_t panEnable, std::int32_t pan, std::uint8_t tiltEnable,
                    std::int32_t tilt, std::uint8_t zoomEnable, std::int32_t zoom, std::int32_t priority) {
-    const std::uint32_t timeout = scope.state.velocityCommandTimeout;
     return setVelocityWithTimeout(scope, panEnable, pan, tiltEnable, tilt, zoomEnable, zoom, priority,
-                                  timeout == 0 ? kEndless : timeout);
+                                  scope.state.velocityCommandTimeout);
 }
 
 /** The answer of the operations that read limits with a flag per axis. */
@@ -185,7 +214,8 @@ Answer setSoftVelocityLimits(const Scope<Positioning> &scope, std::uint8_t panEn
     if (checkPositioning(changed)) {
         return {wire::kInvalidArgument};
     }
-    scope.state = changed;
+    scope.state = std::move(changed);
+    applyAllLimits(scope);
     return {};
 }
 
@@ -196,6 +226,7 @@ Answer clearVelocityLimits(const Scope<Positioning> &scope, std::uint8_t pan, st
             (scope.state.*kAxes.at(i)).softSpeed.enabled = false;
         }
     }
+    applyAllLimits(scope);
     return {};
 }
 
@@ -239,28 +270,30 @@ Operations<Positioning> positioningOperations() {
 
 } // namespace
 
-Answer moveAxes(Positioning &positioning, const AxisMove &pan, const AxisMove &tilt, const AxisMove &zoom) {
-    const std::array<AxisMove, kAxisCount> moves = {pan, tilt, zoom};
-    Positioning changed = positioning;
+Answer moveAxes(const Scope<Positioning> &scope, const std::array<Destination, kAxisCount> &destinations,
+                std::int32_t priority) {
+    AxisMoves moves;
     for (std::size_t i = 0; i < kAxisCount; ++i) {
-        Axis &axis = changed.*kAxes.at(i);
-        if (!moves.at(i).enabled) {
+        const Destination &wanted = destinations.at(i);
+        if (!wanted.enabled) {
             continue;
         }
-        const std::optional<std::int32_t> reached = destination(changed, axis, moves.at(i).position);
-        if (!reached) {
+        const AxisLimits limits = limitsOf(scope.state, scope.state.*kAxes.at(i));
+        if (!canReach(limits, wanted.position) || !std::isfinite(wanted.fraction) || wanted.fraction < 0.0) {
             return {wire::kInvalidArgument};
         }
-        axis.position = *reached;
-        axis.velocity = 0;
+        AxisMove &move = moves.at(i).emplace();
+        move.kind = AxisMove::Kind::toPosition;
+        move.wanted = wanted.position;
+        move.fraction = wanted.fraction;
     }
-    positioning = changed;
-    return {};
+    return commandAxes(scope, moves, priority);
 }
 
 const Definition<Positioning> &Positioning::definition() {
-    static const Definition<Positioning> definition = {"positioning", positioningFields(), positioningOperations(),
-                                                       checkPositioning};
+    static const Definition<Positioning> definition = {
+        "positioning", positioningFields(), positioningOperations(), checkPositioning,
+        TimeCourse<Positioning>{advancePositioning, nextPositioningTime, afterSet}};
     return definition;
 }
 

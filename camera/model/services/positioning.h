@@ -5,29 +5,12 @@
 #ifndef QUARNSNMP_CAMERA_POSITIONING_H
 #define QUARNSNMP_CAMERA_POSITIONING_H
 
+#include "axis.h"
 #include "service.h"
 
+#include <array>
+
 namespace camera {
-
-/** Limits set by the user, which count while they are enabled. */
-struct SoftLimits {
-    bool enabled = false;
-    std::int32_t minimum = 0;
-    std::int32_t maximum = 0;
-};
-
-/** One axis. Pan and tilt are in millidegrees, zoom is in deciX; velocities and speeds are per second. */
-struct Axis {
-    std::int32_t position = 0;
-    std::int32_t minimum = 0;
-    std::int32_t maximum = 0;
-    bool endless = false;      ///< beyond one end of the range the axis comes in again at the other
-    std::int32_t velocity = 0; ///< of the last velocity command; negative is left, down or out
-    std::int32_t minimumSpeed = 0;
-    std::int32_t maximumSpeed = 0;
-    SoftLimits softPosition;
-    SoftLimits softSpeed;
-};
 
 /** Zooming beyond the optical range. */
 struct DigitalZoom {
@@ -39,7 +22,7 @@ struct DigitalZoom {
 /** Time-out of a velocity command that goes on for ever. */
 inline constexpr std::uint32_t kEndless = 0xFFFFFFFFU;
 
-/** A target of the service. */
+/** A target of the service. Pan and tilt are in millidegrees, zoom is in deciX. */
 struct Positioning {
     Axis pan;
     Axis tilt;
@@ -47,18 +30,28 @@ struct Positioning {
     DigitalZoom digitalZoom;
     std::uint32_t velocityCommandTimeout = 0; ///< in milliseconds; 0 is for ever
     std::uint32_t velocityTimeout = kEndless; ///< of the last velocity command, in milliseconds
+    bool respectPriorities = false;           ///< whether a less urgent command is refused during a more urgent move
 
     static const Definition<Positioning> &definition();
 };
 
-/** What a command wants of one axis; a disabled axis goes on as it is. */
-struct AxisMove {
+inline constexpr std::size_t kAxisCount = 3;
+
+/** Where a command sends one axis; a disabled axis goes on as it is. */
+struct Destination {
     bool enabled = false;
     std::int32_t position = 0;
+    double fraction = 0.0; ///< speed, of the range of speeds; more than the axis can is as fast as it can
 };
 
-/** Moves the enabled axes; kInvalidArgument, and no move at all, when one of them cannot get there. */
-Answer moveAxes(Positioning &positioning, const AxisMove &pan, const AxisMove &tilt, const AxisMove &zoom);
+/**
+ * Starts moves of the enabled axes, in the order pan, tilt, zoom.
+ * @param priority  the lower the number, the more urgent
+ * @return kInvalidArgument when an axis cannot get there or a fraction is negative or no number, kNotSupported when a
+ *         more urgent move has to be respected; no axis moves then
+ */
+Answer moveAxes(const Scope<Positioning> &scope, const std::array<Destination, kAxisCount> &destinations,
+                std::int32_t priority);
 
 } // namespace camera
 

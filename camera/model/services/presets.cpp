@@ -57,17 +57,18 @@ Answer getPresetId(const Scope<Presets> &scope, std::int32_t number) {
     return results(preset == nullptr ? std::string() : preset->id);
 }
 
-Answer moveToPreset(const Scope<Presets> &scope, const Text &presetId, double speed, std::int32_t /*priority*/,
+Answer moveToPreset(const Scope<Presets> &scope, const Text &presetId, double speed, std::int32_t priority,
                     std::int32_t /*flag*/) {
     const Preset *preset = presetId ? findPreset(scope.state, &Preset::id, *presetId) : nullptr;
-    if (preset == nullptr || !(speed >= 0.0 && speed <= 1.0)) {
+    if (preset == nullptr) {
         return {wire::kInvalidArgument};
     }
-    auto *positioning = scope.model.sibling<Positioning>(scope.index);
-    if (positioning == nullptr) {
+    const auto positioning = scope.model.sibling<Positioning>(scope.index);
+    if (!positioning) {
         return {wire::kNotSupported};
     }
-    return moveAxes(*positioning, {true, preset->pan}, {true, preset->tilt}, {true, preset->zoom});
+    return moveAxes(*positioning,
+                    {{{true, preset->pan, speed}, {true, preset->tilt, speed}, {true, preset->zoom, speed}}}, priority);
 }
 
 /** An identifier that no preset has yet, for callers that leave the choice to the camera. */
@@ -86,17 +87,17 @@ Answer setPreset(const Scope<Presets> &scope, const Text &presetId, const Text &
         (presetId && presetId->size() > kLongestPresetText) || (name && name->size() > kLongestPresetText)) {
         return {wire::kInvalidArgument};
     }
-    const auto *positioning = scope.model.sibling<Positioning>(scope.index);
-    if (positioning == nullptr) {
+    const auto positioning = scope.model.sibling<Positioning>(scope.index);
+    if (!positioning) {
         return {wire::kNotSupported};
     }
     const bool chosen = presetId && !presetId->empty();
     const Preset preset = {chosen ? *presetId : newPresetId(state, number),
                            name.value_or(""),
                            number,
-                           positioning->pan.position,
-                           positioning->tilt.position,
-                           positioning->zoom.position};
+                           positioning->state.pan.position,
+                           positioning->state.tilt.position,
+                           positioning->state.zoom.position};
     auto &presets = state.presets;
     presets.erase(std::remove_if(presets.begin(), presets.end(),
                                  [&](const Preset &each) { return each.id == preset.id || each.number == number; }),

@@ -1,0 +1,92 @@
+// A running camera that moves.
+#include "camera_process.h"
+
+#include <cmath>
+
+#include <gmock/gmock.h>
+
+using namespace camera::test;
+using nlohmann::json;
+
+namespace {
+
+const json kDone = {{"ok", true}};
+
+class MovingProcess : public testing::Test {
+protected:
+    json axis(const std::string &name) {
+        const json state = control_.call({{"command", "state"}});
+        return state["state"]["services"]["positioning"]["targets"]["positioning/1"][name];
+    }
+
+    /** Sends pan to a position. */
+    std::string movePan(int position, double fraction) {
+        LineClient client(directory_, "positioning");
+        return client.ask(json({"move_to_position_with_speed_percentage_send", "positioning/1", 1, position, fraction,
+                                0, 0, 0.0, 0, 0, 0.0, 1})
+                              .dump());
+    }
+
+    TempDirectory root_;
+    std::string directory_ = root_ / "sockets";
+    RunningCamera camera_{directory_};
+    LineClient control_{directory_, "control"};
+};
+
+TEST_F(MovingProcess, TellsOfItsMoveWhileNobodyAsks) {
+    LineClient follower(directory_, "control");
+    EXPECT_EQ(kDone, follower.call({{"command", "follow"}}));
+    EXPECT_EQ("[0]", movePan(20000, 1.0));
+    std::vector<std::string> kinds;
+    std::vector<json> events;
+    for (int i = 0; i < 4; ++i) {
+        events.push_back(json::parse(follower.readLine().value_or("{}")));
+        kinds.push_back(events.back().value("event", "nothing"));
+    }
+    EXPECT_THAT(kinds, testing::ElementsAre("command", "changed", "move_started", "move_stopped"));
+    EXPECT_EQ(20000, events[2]["to"]);
+    EXPECT_EQ("pan", events[3]["axis"]);
+    EXPECT_EQ(20000, events[3]["position"]);
+    // Up to speed and down again: twice the root of the way by the acceleration.
+    const double seconds = events[3]["time"].get<double>() - events[2]["time"].get<double>();
+    EXPECT_NEAR(2.0 * std::sqrt(20000.0 / 600000.0), seconds, 1e-3);
+}
+
+TEST_F(MovingProcess, ShowsWhereItIsOnItsWay) {
+    EXPECT_EQ("[0]", movePan(90000, 0.02));
+    json now;
+    EXPECT_TRUE(eventually([&] {
+        now = axis("pan");
+        return now["position"] > 100;
+    }));
+    EXPECT_LT(now["position"], 90000);
+    EXPECT_EQ(90000, now["target"]);
+    EXPECT_EQ(true, now["moving"]);
+    EXPECT_EQ(5599, now["velocity"]);
+    EXPECT_EQ(1, now["priority"]);
+    LineClient client(directory_, "positioning");
+    const json first = client.call({"get_position_send", "positioning/1"});
+    EXPECT_TRUE(eventually([&] { return client.call({"get_position_send", "positioning/1"})[1] > first[1]; }));
+}
+
+TEST_F(MovingProcess, GoesOnWhileItsServiceIsDown) {
+    LineClient follower(directory_, "control");
+    EXPECT_EQ(kDone, follower.call({{"command", "follow"}}));
+    EXPECT_EQ("[0]", movePan(40000, 0.1));
+    EXPECT_EQ(kDone, control_.call({{"command", "down"}, {"service", "positioning"}}));
+    const json before = axis("pan");
+    EXPECT_EQ(true, before["moving"]);
+    EXPECT_TRUE(eventually([&] { return axis("pan")["position"] > before["position"]; }));
+    json event = json::object();
+    while (event.value("event", "") != "move_stopped") {
+        const std::optional<std::string> line = follower.readLine();
+        ASSERT_TRUE(line);
+        event = json::parse(*line);
+        EXPECT_NE("service_up", event["event"]);
+    }
+    EXPECT_EQ(kDone, control_.call({{"command", "up"}, {"service", "positioning"}}));
+    LineClient client(directory_, "positioning");
+    EXPECT_EQ("[0,40000,0,10]", client.ask(R"(["get_position_send","positioning/1"])"));
+}
+
+} // namespace
