@@ -41,6 +41,7 @@ void Core::reset() {
     handles_.clear();
     calls_.clear();
     logs_.clear();
+    sleeps_.clear();
     problems_.clear();
 }
 
@@ -94,6 +95,11 @@ std::vector<std::string> Core::logs(int level) const {
     return texts;
 }
 
+std::vector<unsigned int> Core::sleeps() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return sleeps_;
+}
+
 std::vector<std::string> Core::problems() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     return problems_;
@@ -103,6 +109,7 @@ void Core::clearRecord() {
     const std::lock_guard<std::mutex> lock(mutex_);
     calls_.clear();
     logs_.clear();
+    sleeps_.clear();
 }
 
 Outcome Core::perform(const std::string &function, const std::string &recorded, std::size_t outputs) {
@@ -184,6 +191,11 @@ void Core::log(void *handle, int level, const char *format, va_list arguments) {
 void Core::problem(const std::string &text) {
     const std::lock_guard<std::mutex> lock(mutex_);
     problems_.push_back(text);
+}
+
+void Core::sleep(unsigned int seconds) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    sleeps_.push_back(seconds);
 }
 
 Core &core() {

@@ -73,9 +73,11 @@ public:
     std::vector<LogLine> logs() const;
     /** Log lines of one level. */
     std::vector<std::string> logs(int level) const;
+    /** Sleeps of the module in seconds; they take no time. */
+    std::vector<unsigned int> sleeps() const;
     /** Calls that had no answer, and handles or arguments that make no sense. */
     std::vector<std::string> problems() const;
-    /** Forgets the recorded calls and log lines; the script and the handles stay. */
+    /** Forgets the recorded calls, log lines and sleeps; the script and the handles stay. */
     void clearRecord();
 
     // What the library's functions use.
@@ -86,6 +88,7 @@ public:
     std::string nameOf(void *handle) const;
     void log(void *handle, int level, const char *format, va_list arguments);
     void problem(const std::string &text);
+    void sleep(unsigned int seconds);
 
 private:
     mutable std::mutex mutex_;
@@ -98,6 +101,7 @@ private:
     std::uintptr_t nextHandle_ = 1;
     std::vector<std::string> calls_;
     std::vector<LogLine> logs_;
+    std::vector<unsigned int> sleeps_;
     std::vector<std::string> problems_;
 };
 

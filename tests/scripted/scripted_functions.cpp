@@ -8,6 +8,8 @@
 #include <sstream>
 #include <type_traits>
 
+#include <unistd.h>
+
 #include "scripted_core.h"
 
 namespace {
@@ -152,6 +154,12 @@ extern "C" zorva_core_status zorva_core_ipc_initiator_init(void *logCookie, void
 
 extern "C" zorva_core_status zorva_core_ipc_deinit(void *ipcCookie) {
     return plain(__func__, ipcCookie);
+}
+
+/** In place of the C library's: the module waits for late services, and a test need not. */
+extern "C" unsigned int sleep(unsigned int seconds) {
+    core().sleep(seconds);
+    return 0;
 }
 
 namespace zorva {

@@ -51,6 +51,20 @@ Answer Request::run(Netsnmp_Node_Handler *handler, int mode) {
     return answer(handler(nullptr, nullptr, &agentRequest_, &request_));
 }
 
+Answer Request::runOwnHandler(int mode) {
+    netsnmp_subtree *subtree = netsnmp_subtree_find(name_.data(), name_.size(), nullptr, "");
+    if (subtree == nullptr || subtree->reginfo == nullptr) {
+        return answer(SNMP_ERR_NOSUCHNAME);
+    }
+    netsnmp_mib_handler *own = subtree->reginfo->handler;
+    while (own->next != nullptr) {
+        own = own->next;
+    }
+    agentRequest_.mode = mode;
+    request_.subtree = subtree;
+    return answer(own->access_method(own, subtree->reginfo, &agentRequest_, &request_));
+}
+
 netsnmp_request_info *Request::info() {
     return &request_;
 }

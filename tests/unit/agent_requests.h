@@ -50,6 +50,8 @@ public:
     Answer run(int mode);
     /** Calls one handler, without the agent's helpers before it. */
     Answer run(Netsnmp_Node_Handler *handler, int mode);
+    /** Calls the object's own handler, the last of its chain: the agent's helpers before it hide some modes. */
+    Answer runOwnHandler(int mode);
 
     netsnmp_request_info *info();
 

@@ -13,7 +13,13 @@ namespace {
 constexpr std::size_t kRowIndex = 12;
 constexpr std::size_t kCellLength = kRowIndex + 1;
 
-std::vector<netsnmp_handler_registration *> gRegistrations;
+/** What the agent has of this module. */
+struct Registered {
+    netsnmp_handler_registration *registration;
+    netsnmp_table_data_set *dataSet; ///< of a table; null for a scalar
+};
+
+std::vector<Registered> gRegistrations;
 
 /**
  * Every object's entry point: calls the object's own handler, which the registration carries, and keeps exceptions
@@ -31,11 +37,6 @@ int CallHandler(netsnmp_mib_handler *handler, netsnmp_handler_registration *regi
         zorva_core_logging_log(GetLogCookie(), kLogError, "%s: %s", reginfo->handlerName, problem);
     }
     return SNMP_ERR_GENERR;
-}
-
-int SetValue(netsnmp_request_info *request, unsigned char asnType, const void *value, std::size_t length) {
-    return snmp_set_var_typed_value(request->requestvb, asnType, value, length) == 0 ? SNMP_ERR_NOERROR
-                                                                                     : SNMP_ERR_GENERR;
 }
 
 /** Nearest int of a single-precision number; what is beyond an int becomes the nearest int, and NaN becomes 0. */
@@ -56,28 +57,66 @@ int NearestInt(float value) {
 
 } // namespace
 
-bool registerScalar(snmp_variable var) {
-    // Room first: once the agent has the object, remembering it must not fail.
-    gRegistrations.reserve(gRegistrations.size() + 1);
+namespace {
 
-    netsnmp_handler_registration *registration = netsnmp_create_handler_registration(
-        var.name, CallHandler, var.oid, static_cast<std::size_t>(var.oidLength), var.modes);
+/** A registration whose requests go through CallHandler(); null without memory. */
+netsnmp_handler_registration *CreateRegistration(const char *name, Netsnmp_Node_Handler *handler, const oid *identifier,
+                                                 std::size_t length, int modes) {
+    netsnmp_handler_registration *registration =
+        netsnmp_create_handler_registration(name, CallHandler, identifier, length, modes);
     if (registration != nullptr) {
-        registration->handler->myvoid = reinterpret_cast<void *>(var.handler);
-        // A refused registration is freed by the agent.
-        if (netsnmp_register_scalar(registration) == MIB_REGISTERED_OK) {
-            gRegistrations.push_back(registration);
-            zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Registration for %s OID OK", __func__, var.name);
-            return true;
-        }
+        registration->handler->myvoid = reinterpret_cast<void *>(handler);
+    }
+    return registration;
+}
+
+/** Makes room, so that remembering what the agent has taken cannot fail. */
+void PrepareToRemember() {
+    gRegistrations.reserve(gRegistrations.size() + 1);
+}
+
+} // namespace
+
+bool registerScalar(snmp_variable var) {
+    PrepareToRemember();
+    netsnmp_handler_registration *registration =
+        CreateRegistration(var.name, var.handler, var.oid, static_cast<std::size_t>(var.oidLength), var.modes);
+    // A refused registration is freed by the agent.
+    if (registration != nullptr && netsnmp_register_scalar(registration) == MIB_REGISTERED_OK) {
+        gRegistrations.push_back({registration, nullptr});
+        zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Registration for %s OID OK", __func__, var.name);
+        return true;
     }
     zorva_core_logging_log(GetLogCookie(), kLogError, "%s: Registration for %s OID not OK", __func__, var.name);
     return false;
 }
 
+bool registerTableDataSet(const char *name, Netsnmp_Node_Handler *handler, const ::oid *identifier, std::size_t length,
+                          int modes, netsnmp_table_data_set *dataSet) {
+    PrepareToRemember();
+    netsnmp_handler_registration *registration = CreateRegistration(name, handler, identifier, length, modes);
+    if (registration != nullptr &&
+        netsnmp_register_table_data_set(registration, dataSet, nullptr) == MIB_REGISTERED_OK) {
+        gRegistrations.push_back({registration, dataSet});
+        return true;
+    }
+    netsnmp_delete_table_data_set(dataSet);
+    return false;
+}
+
+void RegisterScalars(const char *function, const snmp_variable *objects, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        registerScalar(objects[i]);
+        zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: registerScalar=%s", function, objects[i].name);
+    }
+}
+
 void UnregisterAll() {
-    for (netsnmp_handler_registration *registration : gRegistrations) {
-        netsnmp_unregister_handler(registration);
+    for (const Registered &each : gRegistrations) {
+        netsnmp_unregister_handler(each.registration);
+        if (each.dataSet != nullptr) {
+            netsnmp_delete_table_data_set(each.dataSet);
+        }
     }
     gRegistrations.clear();
 }
@@ -88,7 +127,7 @@ int HandleIntMib(unsigned char asnType, int value, netsnmp_mib_handler * /*handl
     if (reqinfo->mode != MODE_GET) {
         return SNMP_ERR_GENERR;
     }
-    return SetValue(requests, asnType, &value, sizeof value);
+    return SetRequestValue(requests, asnType, &value, sizeof value);
 }
 
 int HandleStringMib(std::string value, netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
@@ -96,7 +135,27 @@ int HandleStringMib(std::string value, netsnmp_mib_handler * /*handler*/, netsnm
     if (reqinfo->mode != MODE_GET) {
         return SNMP_ERR_GENERR;
     }
-    return SetValue(requests, ASN_OCTET_STR, value.data(), value.size());
+    return SetRequestValue(requests, ASN_OCTET_STR, value.data(), value.size());
+}
+
+int SetRequestValue(netsnmp_request_info *request, unsigned char asnType, const void *value, std::size_t length) {
+    return snmp_set_var_typed_value(request->requestvb, asnType, value, length) == 0 ? SNMP_ERR_NOERROR
+                                                                                     : SNMP_ERR_GENERR;
+}
+
+int RefuseRequest(netsnmp_request_info *request, int error, int returned) {
+    netsnmp_set_request_error(request->agent_req_info, request, error);
+    return returned;
+}
+
+int CheckRequestType(netsnmp_request_info *request, unsigned char asnType) {
+    return request->requestvb->type == asnType ? SNMP_ERR_NOERROR
+                                               : RefuseRequest(request, SNMP_ERR_WRONGTYPE, SNMP_ERR_NOERROR);
+}
+
+int LogUnknownMode(const char *function, int mode) {
+    zorva_core_logging_log(GetLogCookie(), kLogError, "%s: unknown mode (%d)", function, mode);
+    return SNMP_ERR_GENERR;
 }
 
 void GetRowAndColFromRequest(netsnmp_request_info *request, int &row, int &col) {

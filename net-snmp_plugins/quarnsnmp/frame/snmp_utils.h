@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string>
+#include <type_traits>
 
 #include "net_snmp.h"
 
@@ -30,6 +31,21 @@ struct snmp_variable {
 bool registerScalar(snmp_variable var);
 
 /**
+ * Registers scalars in their order and logs each at info level under the function's name, whether the agent took it or
+ * not.
+ */
+void RegisterScalars(const char *function, const snmp_variable *objects, std::size_t count);
+
+/**
+ * Registers a table data set and remembers it for UnregisterAll(), which deletes the data set too.
+ * @param handler  is called after the data set's own handler, also for rows that do not exist
+ * @param dataSet  belongs to the module's frame from here on; it is deleted when the agent refuses it
+ * @return whether the agent took it; nothing is logged
+ */
+bool registerTableDataSet(const char *name, Netsnmp_Node_Handler *handler, const ::oid *identifier, std::size_t length,
+                          int modes, netsnmp_table_data_set *dataSet);
+
+/**
  * Takes every object that this module registered back from the agent. The agent does not do so itself when it unloads
  * a module, and would call into code that is gone.
  */
@@ -48,6 +64,32 @@ int HandleIntMib(unsigned char asnType, int value, netsnmp_mib_handler *handler,
  */
 int HandleStringMib(std::string value, netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
                     netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
+
+/**
+ * Puts a value into a request's answer.
+ * @param value,length  its octets in memory; an INTEGER may have 1, 2, 4 or 8, with a sign
+ * @return SNMP_ERR_NOERROR; SNMP_ERR_GENERR when the agent library does not take it
+ */
+int SetRequestValue(netsnmp_request_info *request, unsigned char asnType, const void *value, std::size_t length);
+
+/** As the other one, for an INTEGER. */
+template <typename Value>
+int SetRequestInteger(netsnmp_request_info *request, Value value) {
+    static_assert(std::is_integral_v<Value>);
+    return SetRequestValue(request, ASN_INTEGER, &value, sizeof value);
+}
+
+/**
+ * Marks a request with an SNMP error, which is what the manager gets.
+ * @return `returned`, which need not be the same error
+ */
+int RefuseRequest(netsnmp_request_info *request, int error, int returned);
+
+/** Marks a request with wrongType unless its value has the type. @return SNMP_ERR_NOERROR in either case */
+int CheckRequestType(netsnmp_request_info *request, unsigned char asnType);
+
+/** Logs a mode that a handler does not serve. @return SNMP_ERR_GENERR */
+int LogUnknownMode(const char *function, int mode);
 
 /**
  * Finds out which cell of a vendor table a request is for. Column identifiers of these tables have 12 sub-identifiers,

@@ -1,5 +1,7 @@
 #include "zorva_api_exception.h"
 
+#include "core_utils.h"
+
 namespace zorva {
 namespace core {
 
@@ -14,3 +16,7 @@ std::string ZorvaApiException::formatMessage(const std::string &message, zorva_c
 
 } // namespace core
 } // namespace zorva
+
+void LogFailure(const std::exception &failure) {
+    zorva_core_logging_log(GetLogCookie(), kLogError, "%s", failure.what());
+}

@@ -32,6 +32,9 @@ public:
 } // namespace core
 } // namespace zorva
 
+/** Logs what an exception says at error level. */
+void LogFailure(const std::exception &failure);
+
 /**
  * Makes a core-library call and throws ZorvaApiException when its status is not 0.
  *

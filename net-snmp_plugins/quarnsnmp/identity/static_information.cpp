@@ -2,9 +2,9 @@
 
 #include <array>
 #include <cstdlib>
-#include <vector>
 
 #include "core_utils.h"
+#include "service.h"
 
 namespace {
 
@@ -45,13 +45,15 @@ bool QueryService(const char *function, void *apiCookie, const std::string &targ
 
 bool ReadStaticInformation(const char *function, void *ipcCookie, StaticInformation &information) {
     std::vector<std::string> targets;
-    if (!zorva::core::getTargetIds("device_information", targets) || targets.empty()) {
-        zorva_core_logging_log(GetLogCookie(), kLogError, "no zorva API dev info");
-        return false;
-    }
     void *apiCookie = nullptr;
-    if (zorva_api_device_information_initiator_init(ipcCookie, GetLogCookie(), &apiCookie, 0, nullptr) != 0) {
-        zorva_core_logging_log(GetLogCookie(), kLogError, "%s: failed dev info initiator init", function);
+    const Service service = {"device_information",
+                             "no zorva API dev info",
+                             "dev info",
+                             targets,
+                             apiCookie,
+                             zorva_api_device_information_initiator_init};
+    FindTargets(service);
+    if (!OpenService(function, ipcCookie, service)) {
         return false;
     }
     const bool read = QueryService(function, apiCookie, targets[kDefaultIndex], information);

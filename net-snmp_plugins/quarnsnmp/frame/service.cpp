@@ -1,0 +1,25 @@
+#include "service.h"
+
+#include "core_utils.h"
+
+bool FindTargets(const Service &service) {
+    service.targets.clear();
+    if (!zorva::core::getTargetIds(service.name, service.targets)) {
+        service.targets.clear();
+    }
+    return !service.targets.empty();
+}
+
+bool OpenService(const char *function, void *ipcCookie, const Service &service) {
+    if (service.targets.empty()) {
+        zorva_core_logging_log(GetLogCookie(), kLogError, "%s", service.noTargetText);
+        return false;
+    }
+    if (service.openInitiator(ipcCookie, GetLogCookie(), &service.cookie, 0, nullptr) != 0) {
+        service.cookie = nullptr; // whatever a failed call has left there
+        zorva_core_logging_log(GetLogCookie(), kLogError, "%s: failed %s initiator init", function,
+                               service.initiatorName);
+        return false;
+    }
+    return true;
+}
