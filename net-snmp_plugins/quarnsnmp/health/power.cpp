@@ -1,9 +1,119 @@
-#include "feature_modules.h"
+/**
+ * @file
+ * Power and voltage: two states, of which a change is sent as a trap.
+ */
+#include <boost/thread/mutex.hpp>
 
-bool InitPower(void * /*ipcCookie*/) {
-    return false;
+#include "core_utils.h"
+#include "feature_modules.h"
+#include "oids.h"
+#include "service.h"
+#include "snmp_utils.h"
+#include "trap_sender.h"
+
+namespace {
+
+constexpr uint8_t kNotSeenYet = 255;
+
+std::vector<std::string> gPowerSensors;
+void *gPowerApiCookie = nullptr;
+boost::mutex gPowerMutex; // for the call that reads the power state; the service takes the other one at any time
+uint8_t gLastPowerState = kNotSeenYet;
+uint8_t gLastVoltageState = kNotSeenYet;
+
+bool getPowerState(uint8_t *state) {
+    const boost::mutex::scoped_lock lock(gPowerMutex);
+    if (zorva_api_power_get_power_state_send(gPowerApiCookie, gPowerSensors[kDefaultIndex].c_str(), state) != 0) {
+        zorva_core_logging_log(GetLogCookie(), kLogError, "zorva_api_power_get_power_state_send sensor 0 failed");
+        return false;
+    }
+    return true;
 }
 
-void DeinitPower() {}
+bool getVoltageState(uint8_t *state) {
+    if (zorva_api_power_get_voltage_state_send(gPowerApiCookie, gPowerSensors[kDefaultIndex].c_str(), state) != 0) {
+        zorva_core_logging_log(GetLogCookie(), kLogError, "zorva_api_power_get_voltage_state_send sensor 0 failed");
+        return false;
+    }
+    return true;
+}
 
-void PollPower() {}
+/** How the two states differ. */
+struct State {
+    const char *name;
+    bool (*read)(uint8_t *state);
+    uint8_t &last; ///< as of the last poll that could read it; the poll thread's
+    oid *identifier;
+    std::size_t identifierLength;
+};
+
+const State kPower = {"power", getPowerState, gLastPowerState, oid_power, OID_LENGTH(oid_power)};
+const State kVoltage = {"voltage", getVoltageState, gLastVoltageState, oid_voltage, OID_LENGTH(oid_voltage)};
+
+void Poll(const char *function, const State &state) {
+    uint8_t present = 0;
+    if (!state.read(&present) || present == state.last) {
+        return;
+    }
+    const bool first = state.last == kNotSeenYet;
+    state.last = present;
+    if (!first) {
+        zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: trap triggered for %s %d -> %d", function, state.name,
+                               state.last, present);
+        SendTrap(state.identifier, state.identifierLength, present);
+    }
+}
+
+int HandleState(const State &state, netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    uint8_t present = 0;
+    if (!state.read(&present)) {
+        return SNMP_ERR_GENERR;
+    }
+    return HandleIntMib(ASN_INTEGER, present, handler, reginfo, reqinfo, requests);
+}
+
+int handle_power(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                 netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleState(kPower, handler, reginfo, reqinfo, requests);
+}
+
+int handle_voltage(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                   netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleState(kVoltage, handler, reginfo, reqinfo, requests);
+}
+
+// clang-format off
+const snmp_variable kObjects[] = {
+    {"power",   handle_power,   oid_power,   OID_LENGTH(oid_power),   HANDLER_CAN_GETANDGETNEXT},
+    {"voltage", handle_voltage, oid_voltage, OID_LENGTH(oid_voltage), HANDLER_CAN_GETANDGETNEXT},
+};
+// clang-format on
+
+const Service kService = {"power",         "no zorva API power sensors",  "power", gPowerSensors,
+                          gPowerApiCookie, zorva_api_power_initiator_init};
+
+} // namespace
+
+bool InitPower(void *ipcCookie) {
+    FindTargets(kService);
+    if (!OpenService(__func__, ipcCookie, kService)) {
+        return false;
+    }
+    for (const snmp_variable &object : kObjects) {
+        registerScalar(object);
+    }
+    return true;
+}
+
+void DeinitPower() {
+    zorva_api_power_initiator_deinit(gPowerApiCookie);
+}
+
+void PollPower() {
+    if (gPowerApiCookie == nullptr) {
+        return;
+    }
+    Poll(__func__, kPower);
+    Poll(__func__, kVoltage);
+}

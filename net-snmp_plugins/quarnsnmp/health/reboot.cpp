@@ -1,7 +1,72 @@
+/**
+ * @file
+ * Remote reboot: writing 1 restarts the camera, any other number is only kept.
+ */
+#include "core_utils.h"
 #include "feature_modules.h"
+#include "oids.h"
+#include "service.h"
+#include "snmp_utils.h"
 
-bool InitRebootInfo(void * /*ipcCookie*/) {
-    return false;
+namespace {
+
+constexpr int32_t kReboot = 1;
+constexpr int32_t kRebootKind = 2; // only the library's maker knows the others
+
+std::vector<std::string> gDeviceManagers;
+void *gDeviceManagementApiCookie = nullptr;
+int32_t gRebootDevice = 0;
+
+int Commit(const char *function, netsnmp_request_info *request) {
+    if (gRebootDevice == kReboot) {
+        zorva_core_logging_log(GetLogCookie(), kLogError, "%s: snmpset reboot - rebooting system now!!!!", function);
+        if (zorva_api_device_management_reboot_send(gDeviceManagementApiCookie, gDeviceManagers[kDefaultIndex].c_str(),
+                                                    kRebootKind) != 0) {
+            gRebootDevice = 0;
+        }
+    }
+    return SetRequestInteger(request, gRebootDevice);
 }
 
-void DeinitRebootInfo() {}
+int handle_rebootDevice(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                        netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    switch (reqinfo->mode) {
+    case MODE_GET:
+        return SetRequestInteger(requests, gRebootDevice);
+    case MODE_SET_RESERVE1:
+        return CheckRequestType(requests, ASN_INTEGER);
+    case MODE_SET_RESERVE2:
+    case MODE_SET_FREE:
+        return SNMP_ERR_NOERROR;
+    case MODE_SET_ACTION:
+        gRebootDevice = static_cast<int32_t>(*requests->requestvb->val.integer);
+        return SNMP_ERR_NOERROR;
+    case MODE_SET_COMMIT:
+        return Commit(__func__, requests);
+    case MODE_SET_UNDO:
+        gRebootDevice = 0;
+        return SNMP_ERR_NOERROR;
+    default:
+        return LogUnknownMode(__func__, reqinfo->mode);
+    }
+}
+
+const snmp_variable kRebootDevice = {"rebootDevice", handle_rebootDevice, oid_rebootDevice,
+                                     OID_LENGTH(oid_rebootDevice), HANDLER_CAN_RWRITE};
+
+const Service kService = {"device_management", "no zorva API dev info",    "dev info",
+                          gDeviceManagers,     gDeviceManagementApiCookie, zorva_api_device_management_initiator_init};
+
+} // namespace
+
+bool InitRebootInfo(void *ipcCookie) {
+    FindTargets(kService);
+    return OpenService(__func__, ipcCookie, kService) && registerScalar(kRebootDevice);
+}
+
+void DeinitRebootInfo() {
+    if (gDeviceManagementApiCookie != nullptr) {
+        zorva_api_device_management_initiator_deinit(gDeviceManagementApiCookie);
+        gDeviceManagementApiCookie = nullptr;
+    }
+}

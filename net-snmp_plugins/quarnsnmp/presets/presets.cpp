@@ -1,7 +1,244 @@
-#include "feature_modules.h"
+/**
+ * @file
+ * Presets: NTCIP numbers them 0 to 255, the camera's service knows them by identifiers of its own. Every command asks
+ * for the identifier of its number first, and a store under a new number makes one up.
+ */
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+#include <memory>
 
-bool InitPresets(void * /*ipcCookie*/) {
-    return false;
+#include <boost/lexical_cast.hpp>
+#include <boost/uuid/random_generator.hpp>
+#include <boost/uuid/uuid_io.hpp>
+
+#include "core_utils.h"
+#include "feature_modules.h"
+#include "oids.h"
+#include "service.h"
+#include "snmp_utils.h"
+#include "zorva_api_exception.h"
+
+namespace {
+
+constexpr long kLastPreset = 255;
+constexpr int kPresetsToursPriorityNormal = 300;
+
+std::vector<std::string> gPresets;
+void *gApiCookie = nullptr;
+
+uint8_t currentGoToPresetNumber = 0;
+int32_t newGoToPresetNumber = 0;
+uint8_t currentStorePresetNumber = 0;
+int32_t newStorePresetNumber = 0;
+
+/** A text that malloc() made. */
+struct FreeText {
+    void operator()(char *text) const {
+        free(text);
+    }
+};
+using PresetId = std::unique_ptr<char, FreeText>;
+
+bool IsEmpty(const PresetId &id) {
+    return id == nullptr || *id == '\0';
 }
 
-void DeinitPresets() {}
+/** The identifier that the service has for newGoToPresetNumber. @throws zorva::core::ZorvaApiException */
+PresetId FindGoToPreset() {
+    char *preset_id = nullptr;
+    // clang-format off
+    ZORVA_API_CALL(zorva_api_presets_tours_get_preset_id_for_quarnapi_id_send(gApiCookie,
+        gPresets[kDefaultIndex].c_str(), newGoToPresetNumber, &preset_id));
+    // clang-format on
+    return PresetId(preset_id);
+}
+
+/** The identifier that the service has for newStorePresetNumber. @throws zorva::core::ZorvaApiException */
+PresetId FindStorePreset() {
+    char *preset_id = nullptr;
+    // clang-format off
+    ZORVA_API_CALL(zorva_api_presets_tours_get_preset_id_for_quarnapi_id_send(gApiCookie,
+        gPresets[kDefaultIndex].c_str(), newStorePresetNumber, &preset_id));
+    // clang-format on
+    return PresetId(preset_id);
+}
+
+/** Moves to the preset newGoToPresetNumber; a number without a preset moves nothing. */
+void GoToPreset(const char *function) {
+    const PresetId id = FindGoToPreset();
+    if (IsEmpty(id)) {
+        return;
+    }
+    const char *preset_id = id.get();
+    // clang-format off
+    ZORVA_API_CALL(zorva_api_presets_tours_move_to_preset_send(gApiCookie, gPresets[kDefaultIndex].c_str(),
+        preset_id, 1.0, kPresetsToursPriorityNormal, 1));
+    // clang-format on
+    zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: move_to_preset_by_number, %d ", function,
+                           newGoToPresetNumber);
+}
+
+/** A random identifier. @throws boost::uuids::entropy_error */
+PresetId MakePresetId() {
+    return PresetId(strdup(boost::uuids::to_string(boost::uuids::random_generator()()).c_str()));
+}
+
+/** Stores the present position as the preset newStorePresetNumber. */
+void StorePreset(const char *function) {
+    PresetId id = FindStorePreset();
+    if (IsEmpty(id)) {
+        id = MakePresetId();
+    }
+    const char *preset_id = id.get();
+    const std::string preset_name =
+        "Preset " + boost::lexical_cast<std::string>(static_cast<uint32_t>(newStorePresetNumber));
+    // clang-format off
+    ZORVA_API_CALL(zorva_api_presets_tours_set_preset_with_current_position_send(gApiCookie,
+        gPresets[kDefaultIndex].c_str(), preset_id, preset_name.c_str(), newStorePresetNumber, 1));
+    // clang-format on
+    zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: set_preset_with_current_position for preset %d ", function,
+                           newStorePresetNumber);
+}
+
+/** How the objects that take the number of a preset differ. */
+struct PresetCommand {
+    const char *handlerName;
+    uint8_t &current; ///< last number that was committed
+    int32_t &next;    ///< number being set
+    void (*carryOut)(const char *function);
+};
+
+const PresetCommand kGoTo = {"handle_presetGotoPosition", currentGoToPresetNumber, newGoToPresetNumber, GoToPreset};
+const PresetCommand kStore = {"handle_presetStorePosition", currentStorePresetNumber, newStorePresetNumber,
+                              StorePreset};
+
+int CheckType(netsnmp_request_info *request) {
+    return request->requestvb->type == ASN_INTEGER ? SNMP_ERR_NOERROR
+                                                   : RefuseRequest(request, SNMP_ERR_WRONGTYPE, SNMP_ERR_WRONGTYPE);
+}
+
+int CheckNumber(const PresetCommand &command, netsnmp_request_info *request) {
+    // Negative numbers pass; their low 8 bits are kept, and the service is asked for the number itself.
+    const long number = *request->requestvb->val.integer;
+    if (number <= kLastPreset) {
+        return SNMP_ERR_NOERROR;
+    }
+    zorva_core_logging_log(GetLogCookie(), kLogError, "%s: preset number (%ld) outside range 0-255",
+                           command.handlerName, number);
+    return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_GENERR);
+}
+
+void Commit(const PresetCommand &command) {
+    command.current = static_cast<uint8_t>(command.next);
+    if (gApiCookie == nullptr) {
+        return;
+    }
+    try {
+        command.carryOut(command.handlerName);
+    } catch (const std::exception &failure) {
+        LogFailure(failure);
+    }
+}
+
+int AnswerMode(const PresetCommand &command, int mode, netsnmp_request_info *request) {
+    switch (mode) {
+    case MODE_GET:
+        return SetRequestValue(request, ASN_OCTET_STR, &command.current, sizeof command.current);
+    case MODE_GETNEXT:
+    case MODE_SET_FREE:
+        return SNMP_ERR_NOERROR;
+    case MODE_SET_RESERVE1:
+        return CheckType(request);
+    case MODE_SET_RESERVE2:
+        return CheckNumber(command, request);
+    case MODE_SET_ACTION:
+        command.next = static_cast<int32_t>(*request->requestvb->val.integer);
+        return SNMP_ERR_NOERROR;
+    case MODE_SET_COMMIT:
+        Commit(command);
+        return SNMP_ERR_NOERROR;
+    case MODE_SET_UNDO:
+        command.next = command.current;
+        return SNMP_ERR_NOERROR;
+    default:
+        return LogUnknownMode(command.handlerName, mode);
+    }
+}
+
+int HandlePresetCommand(const PresetCommand &command, const netsnmp_agent_request_info *reqinfo,
+                        netsnmp_request_info *requests) {
+    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", command.handlerName);
+    const int returned = AnswerMode(command, reqinfo->mode, requests);
+    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", command.handlerName);
+    return returned;
+}
+
+/** Number of presets that the camera offers; 0 without the service and after a failed call. */
+uint32_t ReadMaximum(const char *function) {
+    uint32_t maxPresets = 0;
+    try {
+        if (gApiCookie != nullptr) {
+            // clang-format off
+            ZORVA_API_CALL(zorva_api_presets_tours_get_max_presets_send(
+                gApiCookie, gPresets[kDefaultIndex].c_str(), &maxPresets));
+            // clang-format on
+        }
+    } catch (const std::exception &failure) {
+        LogFailure(failure);
+        return 0;
+    }
+    zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: get_max_presets, %d", function, static_cast<int>(maxPresets));
+    return maxPresets;
+}
+
+int handle_rangeMaximumPreset(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                              netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", __func__);
+    if (reqinfo->mode != MODE_GET && reqinfo->mode != MODE_GETNEXT) {
+        return LogUnknownMode(__func__, reqinfo->mode);
+    }
+    const uint32_t maximum = ReadMaximum(__func__);
+    const auto answer = static_cast<int32_t>(maximum > kLastPreset ? kLastPreset : maximum);
+    const int returned = SetRequestInteger(requests, answer);
+    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", __func__);
+    return returned;
+}
+
+int handle_presetGotoPosition(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                              netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandlePresetCommand(kGoTo, reqinfo, requests);
+}
+
+int handle_presetStorePosition(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                               netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandlePresetCommand(kStore, reqinfo, requests);
+}
+
+// clang-format off
+const snmp_variable kObjects[] = {
+    {"rangeMaximumPreset",  handle_rangeMaximumPreset,  oid_rangeMaximumPreset,  OID_LENGTH(oid_rangeMaximumPreset),  HANDLER_CAN_GETANDGETNEXT},
+    {"presetGotoPosition",  handle_presetGotoPosition,  oid_presetGotoPosition,  OID_LENGTH(oid_presetGotoPosition),  HANDLER_CAN_RWRITE},
+    {"presetStorePosition", handle_presetStorePosition, oid_presetStorePosition, OID_LENGTH(oid_presetStorePosition), HANDLER_CAN_RWRITE},
+};
+// clang-format on
+
+const Service kService = {
+    "presets_tours", "no zorva API presets", "presets", gPresets, gApiCookie, zorva_api_presets_tours_initiator_init};
+
+} // namespace
+
+bool InitPresets(void *ipcCookie) {
+    // Before the service is asked: the objects exist without it too.
+    RegisterScalars(__func__, kObjects, std::size(kObjects));
+    FindTargets(kService);
+    OpenService(__func__, ipcCookie, kService);
+    return true;
+}
+
+void DeinitPresets() {
+    if (gApiCookie != nullptr) {
+        zorva_api_presets_tours_initiator_deinit(gApiCookie);
+        gApiCookie = nullptr;
+    }
+}
