@@ -1,7 +1,156 @@
-#include "feature_modules.h"
+/**
+ * @file
+ * The focus of a lens with a stepper motor. The motor goes to positions only: nothing stops it on its way, and there is
+ * no continuous move.
+ */
+#include <iterator>
 
-bool InitFocusStepper(void * /*ipcCookie*/) {
-    return false;
+#include "core_utils.h"
+#include "feature_modules.h"
+#include "lens_constants.h"
+#include "lens_features.h"
+#include "lens_position.h"
+#include "oids.h"
+#include "zorva_api_exception.h"
+
+namespace {
+
+std::vector<std::string> gFocusSteppers;
+void *gFocusApiCookie = nullptr;
+int32_t gMinFocusPosition = 0;
+int32_t gMaxFocusPosition = 0;
+int32_t gMinFocusSpeed = 0;
+int32_t gMaxFocusSpeed = 0;
+int32_t gFocusSpeed = 0; // of every move
+
+void ReadLimits() {
+    // clang-format off
+    ZORVA_API_CALL(zorva_api_focus_stepper_get_limits_send(gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str(),
+        &gMinFocusPosition, &gMaxFocusPosition, &gMinFocusSpeed, &gMaxFocusSpeed));
+    // clang-format on
 }
 
-void DeinitFocusStepper() {}
+void ReadRange(const char *function) {
+    lens::ReadStepperLimits(function, ReadLimits,
+                            {gMinFocusPosition, gMaxFocusPosition, gMinFocusSpeed, gMaxFocusSpeed});
+    gFocusSpeed = gMaxFocusSpeed;
+}
+
+lens::Range FocusRange() {
+    return {gMinFocusPosition, gMaxFocusPosition};
+}
+
+bool ReadFocusPosition(int32_t &current) {
+    int32_t second = 0; // only the library's maker knows what it is
+    return zorva_api_focus_stepper_get_position_send(gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str(), &current,
+                                                     &second) == 0;
+}
+
+void MoveFocus(int32_t position) {
+    zorva_api_focus_stepper_set_position_send(gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str(), position,
+                                              gFocusSpeed);
+}
+
+void SetManualFocus(uint8_t enable) {
+    zorva_api_focus_stepper_set_manual_mode_enable_send(gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str(), enable);
+}
+
+void StartAutoFocus() {
+    zorva_api_focus_stepper_start_quick_auto_focus_send(gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str());
+}
+
+bool ReadManualFocus() {
+    uint8_t manualMode = 0;
+    // clang-format off
+    ZORVA_API_CALL(zorva_api_focus_stepper_get_manual_mode_enable_send(
+        gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str(), &manualMode));
+    // clang-format on
+    return manualMode != 0;
+}
+
+const lens::Drive kDrive = {"handle_positionFocusStepperLens",
+                            "focus",
+                            "Focus",
+                            FocusRange,
+                            ReadFocusPosition,
+                            lens::ClampToRange,
+                            MoveFocus,
+                            nullptr,
+                            true,
+                            nullptr,
+                            nullptr};
+lens::LensPosition gPosition = {kDrive};
+lens::LensFeatureSet gFeatureSet = {"handle_systemLensEquipped2",
+                                    "handle_systemLensFeatureControl2",
+                                    "handle_systemLensFeatureStatus2",
+                                    "starting quick auto-focus",
+                                    SetManualFocus,
+                                    StartAutoFocus,
+                                    ReadManualFocus,
+                                    {},
+                                    {},
+                                    {},
+                                    {},
+                                    {}};
+
+int handle_rangeFocusStepperLimit(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                                  netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return lens::HandleConstant(__func__, "focusLimit", "...", 0, reqinfo, requests);
+}
+
+int handle_timeoutFocusStepper(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                               netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return lens::HandleConstant(__func__, "timeoutFocus", "...", 0, reqinfo, requests);
+}
+
+int handle_positionFocusStepperLens(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                                    netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return lens::HandleLensPosition(gPosition, reqinfo, requests);
+}
+
+int handle_systemLensEquipped2(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                               netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return lens::HandleLensEquipped(gFeatureSet, reqinfo, requests);
+}
+
+int handle_systemLensFeatureControl2(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                                     netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return lens::HandleLensFeatureControl(gFeatureSet, reqinfo, requests);
+}
+
+int handle_systemLensFeatureStatus2(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                                    netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return lens::HandleLensFeatureStatus(gFeatureSet, reqinfo, requests);
+}
+
+// clang-format off
+const snmp_variable kObjects[] = {
+    {"rangeFocusLimit",          handle_rangeFocusStepperLimit,    oid_rangeFocusLimit,          OID_LENGTH(oid_rangeFocusLimit),          HANDLER_CAN_GETANDGETNEXT},
+    {"timeoutFocus",             handle_timeoutFocusStepper,       oid_timeoutFocus,             OID_LENGTH(oid_timeoutFocus),             HANDLER_CAN_RWRITE},
+    {"positionFocusLens",        handle_positionFocusStepperLens,  oid_positionFocusLens,        OID_LENGTH(oid_positionFocusLens),        HANDLER_CAN_RWRITE},
+    {"systemLensFeatureControl", handle_systemLensFeatureControl2, oid_systemLensFeatureControl, OID_LENGTH(oid_systemLensFeatureControl), HANDLER_CAN_RWRITE},
+    {"systemLensFeatureStatus",  handle_systemLensFeatureStatus2,  oid_systemLensFeatureStatus,  OID_LENGTH(oid_systemLensFeatureStatus),  HANDLER_CAN_GETANDGETNEXT},
+    {"systemLensEquipped",       handle_systemLensEquipped2,       oid_systemLensEquipped,       OID_LENGTH(oid_systemLensEquipped),       HANDLER_CAN_RWRITE},
+};
+// clang-format on
+
+const lens::LensFeature kFeature = {{"focus_stepper", "no zorva API focuses", "focus_stepper", gFocusSteppers,
+                                     gFocusApiCookie, zorva_api_focus_stepper_initiator_init},
+                                    zorva_api_focus_stepper_initiator_deinit,
+                                    ReadRange,
+                                    kObjects,
+                                    std::size(kObjects)};
+
+} // namespace
+
+bool InitFocusStepper(void *ipcCookie) {
+    lens::FindTargetsPatiently(kFeature.service);
+    const bool started = lens::StartLens(__func__, ipcCookie, kFeature);
+    lens::OpenExposure(__func__, ipcCookie, gFeatureSet.exposure);
+    return started;
+}
+
+void DeinitFocusStepper() {
+    lens::StopLens(kFeature);
+    lens::CloseExposure(gFeatureSet.exposure);
+}

@@ -1,0 +1,50 @@
+/**
+ * @file
+ * The objects that describe the lens as a whole: `systemLensEquipped`, `systemLensFeatureControl` and
+ * `systemLensFeatureStatus`. There are two sets of them, one for each kind of focus drive; the set that is registered
+ * first serves the objects.
+ *
+ * Bit 7 of an octet stands for the automatic iris, bit 6 for the automatic focus, and the others are 0.
+ */
+#ifndef QUARNSNMP_LENS_FEATURES_H
+#define QUARNSNMP_LENS_FEATURES_H
+
+#include <array>
+
+#include "lens_service.h"
+
+namespace lens {
+
+/** A set of the three objects: how it drives the focus, and what its objects hold. */
+struct LensFeatureSet {
+    const char *equippedHandler; ///< names of its handlers
+    const char *controlHandler;
+    const char *statusHandler;
+    const char *autoFocusText;              ///< logged when the automatic focus starts
+    void (*setManualFocus)(uint8_t enable); ///< 0 automatic, 1 manual
+    void (*startAutoFocus)();               ///< one run
+    bool (*readManualFocus)();              ///< throws zorva::core::ZorvaApiException
+    Exposure exposure;                      ///< switches the automatic iris
+    std::array<uint8_t, 1> pendingEquipped;
+    std::array<uint8_t, 1> equipped;
+    std::array<uint8_t, 2> pendingControl;
+    std::array<uint8_t, 2> control;
+};
+
+/** Serves `systemLensEquipped`: one octet that is only kept. */
+int HandleLensEquipped(LensFeatureSet &set, const netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
+
+/**
+ * Serves `systemLensFeatureControl`: octet 0 says which features to switch, bit 7 of octet 1 to what. It answers the
+ * last command, whatever the device has done since.
+ */
+int HandleLensFeatureControl(LensFeatureSet &set, const netsnmp_agent_request_info *reqinfo,
+                             netsnmp_request_info *requests);
+
+/** Serves `systemLensFeatureStatus`: which features are automatic now. What cannot be read is 0. */
+int HandleLensFeatureStatus(const LensFeatureSet &set, const netsnmp_agent_request_info *reqinfo,
+                            netsnmp_request_info *requests);
+
+} // namespace lens
+
+#endif

@@ -1,0 +1,87 @@
+/**
+ * @file
+ * The four drives of a lens as records: each has what tells it from the others.
+ */
+#ifndef QUARNSNMP_LENS_DRIVES_H
+#define QUARNSNMP_LENS_DRIVES_H
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace lens_tests {
+
+/** An object that a lens feature registers. */
+struct Object {
+    const char *name;
+    const char *end; ///< of the identifier
+    const char *handler;
+    bool writable;
+
+    /** Identifier as registered, without the instance. */
+    std::string identifier() const;
+    std::string instance() const;
+};
+
+/** What a drive answers about itself; 64 bits hold signed and unsigned positions. */
+struct Lens {
+    std::int64_t current;
+    std::int64_t min;
+    std::int64_t max;
+    std::int64_t minSpeed = 3;
+    std::int64_t maxSpeed = 77;
+};
+
+inline constexpr Lens kLens{4000, 1000, 9000};
+
+struct Drive {
+    const char *title;   ///< in names of tests
+    const char *word;    ///< in log lines of commands
+    const char *capital; ///< in names of positions in log lines
+    const char *service;
+    const char *initName;
+    bool (*init)(void *);
+    void (*deinit)();
+    const char *noTargetText;
+    const char *initiatorText; ///< in the log line of a service that does not open
+    bool waits;                ///< for a service that comes late
+    bool opensExposure;
+    bool isStepper;  ///< has its limits read at the start only, and moves at its highest speed
+    bool isUnsigned; ///< in its positions
+    bool runs;       ///< can be driven continuously, and stopped
+    bool logsStop;
+    bool logsDirection;
+    const char *readRange; ///< operation that tells the limits at the start
+    const char *rangeWord; ///< for it in the log
+    const char *readRangeText;
+    const char *readPosition; ///< operation that a delta begins with
+    const char *move;
+    std::vector<Object> objects;            ///< in the order of their registration: range, time-out, position, others
+    std::vector<std::string> constantLines; ///< after the handler's name, for range and time-out; empty for none
+
+    const Object &position() const;
+    std::string function(const std::string &operation) const;
+    /** A call to the first target as the scripted library records it. */
+    std::string call(const std::string &operation, const std::string &arguments) const;
+    std::string readRangeCall() const;
+    std::string readPositionCall() const;
+    std::string moveCall(std::int64_t target, std::int64_t speed = kLens.maxSpeed) const;
+    std::string velocityCall(int direction, int run) const;
+    /** Line of a start that read the limits, without the level. */
+    std::string rangeLine(const Lens &lens) const;
+    std::string deltaLine(const Lens &lens, std::int64_t step, std::int64_t target) const;
+    std::string absoluteLine(const Lens &lens, std::int64_t target) const;
+};
+
+void PrintTo(const Drive &drive, std::ostream *stream);
+
+Drive focus();
+Drive focusStepper();
+Drive iris();
+Drive zoomStepper();
+std::vector<Drive> allDrives();
+
+} // namespace lens_tests
+
+#endif

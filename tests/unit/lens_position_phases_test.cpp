@@ -1,0 +1,218 @@
+#include "lens_test.h"
+
+using requests::Answer;
+using requests::get;
+using requests::NewValue;
+using requests::Request;
+using scripted::LogLine;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace lens_tests {
+
+namespace {
+
+/** The lens position objects, phase by phase. */
+class LensPositionTest : public LensDriveTest {
+protected:
+    static void expectRefused(const Answer &answer, int returned, int error, const std::string &text) {
+        EXPECT_THAT(answer, isRefused(returned, error)) << text;
+        EXPECT_THAT(core().logs(), ElementsAre(enter(object()), said(object(), 3, text), done(object())));
+        EXPECT_THAT(core().calls(), IsEmpty());
+    }
+
+    static void expectQuiet(const Answer &answer) {
+        EXPECT_THAT(answer, isAccepted());
+        EXPECT_THAT(core().logs(), ElementsAre(enter(object()), done(object())));
+        EXPECT_THAT(core().calls(), IsEmpty());
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Drives, LensPositionTest, testing::ValuesIn(allDrives()), titleOf);
+
+} // namespace
+
+TEST_P(LensPositionTest, IsZeroBeforeAnyCommand) {
+    const Answer answer = get(object().instance());
+    EXPECT_THAT(answer, isAccepted());
+    EXPECT_EQ(answer.type, ASN_OCTET_STR);
+    EXPECT_EQ(answer.octets, octets({0, 0, 0, 0}));
+}
+
+TEST_P(LensPositionTest, HasNoPendingCommandBeforeAnyAction) {
+    EXPECT_EQ(pending(), octets({0, 0, 0, 0}));
+}
+
+TEST_P(LensPositionTest, AnswersTheLastCommandAndAsksNobody) {
+    for (const std::string &value : {command(2, -7, 0x1234), command(1, 5, 0xFFFE), command(3, 0x7F, 0x0080)}) {
+        set(object().instance(), NewValue::text(value));
+        answer(GetParam(), {5000, 0, 10000});
+        forget();
+        const Answer answer = get(object().instance());
+        EXPECT_THAT(answer, isAccepted());
+        EXPECT_EQ(answer.type, ASN_OCTET_STR);
+        EXPECT_EQ(answer.octets, value);
+        EXPECT_THAT(core().calls(), IsEmpty());
+        EXPECT_THAT(core().logs(), ElementsAre(enter(object()), done(object())));
+    }
+}
+
+TEST_P(LensPositionTest, OnlyAnOctetStringIsTaken) {
+    for (int type = 0; type <= 0xFF; ++type) {
+        forget();
+        DirtyRequest request(object().instance(), NewValue::text(command(2, 0, 0)));
+        // Set on the finished varbind, since the agent's library does not build varbinds of every type.
+        request.info()->requestvb->type = static_cast<unsigned char>(type);
+        const Answer answer = request.runOwnHandler(MODE_SET_RESERVE1);
+        request.info()->requestvb->type = ASN_OCTET_STR;
+        const int expected = type == ASN_OCTET_STR ? SNMP_ERR_NOERROR : SNMP_ERR_WRONGTYPE;
+        EXPECT_THAT(answer, isRefused(expected, expected)) << type;
+        EXPECT_THAT(core().logs(), ElementsAre(enter(object()), done(object()))) << type;
+    }
+}
+
+TEST_P(LensPositionTest, OnlyFourOctetsAreTaken) {
+    for (const std::size_t length : {0U, 1U, 2U, 3U, 4U, 5U, 300U}) {
+        const Answer answer = phase(MODE_SET_RESERVE1, std::string(length, '\2'));
+        if (length == 4) {
+            expectQuiet(answer);
+        } else {
+            expectRefused(answer, SNMP_ERR_WRONGVALUE, SNMP_ERR_WRONGVALUE,
+                          std::string(GetParam().word) + " position not 4-bytes, val_len=" + std::to_string(length));
+        }
+    }
+}
+
+TEST_P(LensPositionTest, AWrongTypeIsNotMeasured) {
+    forget();
+    Request request(object().instance(), {ASN_OPAQUE, "abc"});
+    EXPECT_THAT(request.runOwnHandler(MODE_SET_RESERVE1), isRefused(SNMP_ERR_WRONGTYPE, SNMP_ERR_WRONGTYPE));
+    EXPECT_THAT(core().logs(), ElementsAre(enter(object()), done(object())));
+}
+
+TEST_P(LensPositionTest, FourModesAreKnownWhateverThePosition) {
+    for (const unsigned int position : {0U, 0x3412U, 0xFFFFU}) {
+        for (unsigned int mode = 0; mode <= 3; ++mode) {
+            expectQuiet(phase(MODE_SET_RESERVE2, command(mode, 0, position)));
+        }
+    }
+}
+
+TEST_P(LensPositionTest, AnotherModeIsAWrongValueThatReturnsGenErr) {
+    for (unsigned int mode = 4; mode <= 0xFF; ++mode) {
+        expectRefused(phase(MODE_SET_RESERVE2, command(mode, mode % 2 == 0 ? 5 : 0, 0)), SNMP_ERR_GENERR,
+                      SNMP_ERR_WRONGVALUE,
+                      std::string("unknown ") + GetParam().word + " mode (" + std::to_string(mode) + ")");
+    }
+}
+
+TEST_P(LensPositionTest, OnlyAStopMustHaveNoSpeed) {
+    for (int speed = -128; speed <= 127; ++speed) {
+        const Answer stop = phase(MODE_SET_RESERVE2, command(0, speed, 0x1234));
+        if (speed == 0) {
+            expectQuiet(stop);
+        } else {
+            expectRefused(stop, SNMP_ERR_WRONGVALUE, SNMP_ERR_WRONGVALUE,
+                          "stop movement speed not zero(" + std::to_string(speed) + ")");
+        }
+        for (unsigned int mode = 1; mode <= 3; ++mode) {
+            expectQuiet(phase(MODE_SET_RESERVE2, command(mode, speed, 0x1234)));
+        }
+    }
+}
+
+TEST_P(LensPositionTest, ARefusedCommandLeavesTheLastOne) {
+    const std::string last = command(0, 0, 0x3412);
+    commit(last);
+    for (const std::string &value : {command(0, 5, 1), command(4, 0, 1), std::string("abc")}) {
+        DirtyRequest request(object().instance(), NewValue::text(value));
+        EXPECT_THAT(request.run(value.size() == 4 ? MODE_SET_RESERVE2 : MODE_SET_RESERVE1), testing::Not(isAccepted()));
+        request.run(MODE_SET_FREE);
+        EXPECT_EQ(committed(), last);
+    }
+    EXPECT_EQ(pending(), last);
+}
+
+TEST_P(LensPositionTest, AnActionKeepsTheCommandApart) {
+    commit(command(0, 0, 1));
+    expectQuiet(phase(MODE_SET_ACTION, command(2, -5, 0x1234)));
+    EXPECT_EQ(committed(), command(0, 0, 1));
+    EXPECT_EQ(pending(), command(2, -5, 0x1234));
+}
+
+TEST_P(LensPositionTest, ACommitAnswersWithThePendingCommand) {
+    phase(MODE_SET_ACTION, command(2, -5, 0x1234));
+    const Answer answer = phase(MODE_SET_COMMIT, command(0, 0, 0x5678));
+    EXPECT_THAT(answer, isAccepted());
+    EXPECT_EQ(answer.type, ASN_OCTET_STR);
+    EXPECT_EQ(answer.octets, command(2, -5, 0x1234));
+    EXPECT_EQ(committed(), command(2, -5, 0x1234));
+}
+
+TEST_P(LensPositionTest, ACommitMovesByTheRequest) {
+    phase(MODE_SET_ACTION, command(0, 0, 0));
+    phase(MODE_SET_COMMIT, command(2, 0, 0xFFFF));
+    EXPECT_THAT(core().calls(), ElementsAre(GetParam().moveCall(kLens.max)));
+}
+
+TEST_P(LensPositionTest, ACommitOfAnotherModeMovesNothingAndReturnsGenErr) {
+    for (unsigned int mode = 4; mode <= 0xFF; ++mode) {
+        const std::string value = command(mode, 5, 0x1234);
+        const Answer answer = commit(value);
+        EXPECT_THAT(answer, isRefused(SNMP_ERR_GENERR, SNMP_ERR_NOERROR)) << mode;
+        EXPECT_EQ(answer.octets, value);
+        EXPECT_THAT(core().calls(), IsEmpty());
+        // This line shows the speed, not the mode.
+        EXPECT_THAT(core().logs(),
+                    ElementsAre(enter(object()),
+                                said(object(), 3, std::string("unknown ") + GetParam().word + " mode (5)"),
+                                done(object())));
+        EXPECT_EQ(committed(), value);
+    }
+}
+
+TEST_P(LensPositionTest, AnUndoTakesTheLastCommandBack) {
+    commit(command(0, 0, 0x3412));
+    phase(MODE_SET_ACTION, command(2, 5, 100));
+    expectQuiet(phase(MODE_SET_UNDO, command(2, 5, 100)));
+    EXPECT_EQ(committed(), command(0, 0, 0x3412));
+    EXPECT_EQ(pending(), command(0, 0, 0x3412));
+}
+
+TEST_P(LensPositionTest, AFreeTakesNothingBack) {
+    phase(MODE_SET_ACTION, command(2, 5, 100));
+    expectQuiet(phase(MODE_SET_FREE, command(0, 0, 1)));
+    EXPECT_EQ(committed(), command(0, 0, 0));
+    EXPECT_EQ(pending(), command(2, 5, 100));
+}
+
+TEST_P(LensPositionTest, AGetNextAnswersNothing) {
+    commit(command(0, 0, 0x3412));
+    const Answer answer = phase(MODE_GETNEXT);
+    expectQuiet(answer);
+    EXPECT_EQ(answer.type, ASN_NULL);
+}
+
+TEST_P(LensPositionTest, AnUnknownRequestModeIsGenErr) {
+    for (const int mode : kUnknownModes) {
+        const Answer answer = phase(mode, command(2, 0, 0xFFFF));
+        EXPECT_THAT(answer, isRefused(SNMP_ERR_GENERR, SNMP_ERR_NOERROR)) << mode;
+        EXPECT_THAT(core().logs(), ElementsAre(enter(object()), unknownMode(object(), mode), done(object())));
+        EXPECT_THAT(core().calls(), IsEmpty());
+    }
+    EXPECT_EQ(pending(), command(0, 0, 0));
+}
+
+TEST_P(LensPositionTest, AWholeSetEndsWithTheCommandInTheReply) {
+    DirtyRequest request(object().instance(), NewValue::text(command(2, 1, 0x8001)));
+    for (const int mode : Modes{MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION}) {
+        EXPECT_THAT(request.run(mode), isAccepted());
+    }
+    EXPECT_THAT(core().calls(), IsEmpty());
+    const Answer answer = request.run(MODE_SET_COMMIT);
+    EXPECT_THAT(answer, isAccepted());
+    EXPECT_EQ(answer.octets, command(2, 1, 0x8001));
+    EXPECT_EQ(core().calls().size(), 1U);
+}
+
+} // namespace lens_tests
