@@ -1,0 +1,168 @@
+#include "position_objects.h"
+
+#include <mutex>
+
+#include "core_utils.h"
+#include "motion_commands.h"
+#include "snmp_utils.h"
+
+namespace positioning {
+
+PositionOctets gLastPanPosition{};
+PositionOctets gLastTiltPosition{};
+PositionOctets gLastZoomPosition{};
+PositionOctets gNewPanPosition{};
+PositionOctets gNewTiltPosition{};
+PositionOctets gNewZoomPosition{};
+
+namespace {
+
+constexpr unsigned int kPositionEnd = 36000; // the first hundredth of a degree beyond the circle
+
+/** The position objects, in which pan and tilt are alike and zoom departs a little. */
+struct PositionObject {
+    const char *handlerName;
+    const char *axisName;
+    Axis axis;
+    bool isAngle; ///< positions end with the circle, and the object exists without a connection too
+    PositionOctets &last;
+    PositionOctets &next;
+    bool filled; ///< whether `last` holds anything yet
+};
+
+PositionObject gPan = {"handle_positionPan", "pan", kPanAxis, true, gLastPanPosition, gNewPanPosition, false};
+PositionObject gTilt = {"handle_positionTilt", "tilt", kTiltAxis, true, gLastTiltPosition, gNewTiltPosition, false};
+PositionObject gZoom = {"handle_positionZoomLens", "zoom",           kZoomAxis, false,
+                        gLastZoomPosition,         gNewZoomPosition, false};
+
+std::mutex gFirstUse;
+
+/** Before the first command an object answers the position that its axis has at the first request. */
+void FillOnFirstUse(PositionObject &object) {
+    const std::lock_guard<std::mutex> lock(gFirstUse);
+    if (object.filled) {
+        return;
+    }
+    object.filled = true;
+    const uint32_t position = getInitialPosition(object.axis);
+    for (std::size_t i = 0; i < object.last.size(); ++i) {
+        object.last.at(i) = static_cast<uint8_t>(position >> 8U * i);
+    }
+}
+
+int CheckCommand(const PositionObject &object, netsnmp_request_info *request) {
+    const PositionCommand command = DecodePositionCommand(PositionOctetsOf(request));
+    switch (command.mode) {
+    case kStop:
+        if (command.speed != 0) {
+            zorva_core_logging_log(GetLogCookie(), kLogError, "%s: stop movement speed not zero(%d)",
+                                   object.handlerName, command.speed);
+            return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_WRONGVALUE);
+        }
+        return SNMP_ERR_NOERROR;
+    case kDelta:
+    case kAbsolute:
+        if (object.isAngle && command.position >= kPositionEnd) {
+            zorva_core_logging_log(GetLogCookie(), kLogError, "%s: position=%d outside range 0-35999",
+                                   object.handlerName, command.position);
+            return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_WRONGVALUE);
+        }
+        return SNMP_ERR_NOERROR;
+    case kContinuous:
+        return SNMP_ERR_NOERROR;
+    default:
+        zorva_core_logging_log(GetLogCookie(), kLogError, "%s: unknown %s mode (%d)", object.handlerName,
+                               object.axisName, command.mode);
+        return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_GENERR);
+    }
+}
+
+void Move(Axis axis, const PositionCommand &command) {
+    switch (command.mode) {
+    case kStop:
+        stopMovement(axis);
+        break;
+    case kDelta:
+        deltaMovement(axis, command.speed, static_cast<short>(command.position));
+        break;
+    case kAbsolute:
+        absoluteMovement(axis, command.speed, command.position);
+        break;
+    case kContinuous:
+        continuousMovement(axis, command.speed);
+        break;
+    default:
+        break;
+    }
+}
+
+int Answer(netsnmp_request_info *request, const PositionOctets &octets) {
+    return SetRequestValue(request, ASN_OCTET_STR, octets.data(), octets.size());
+}
+
+int Commit(const PositionObject &object, netsnmp_request_info *request) {
+    const PositionCommand command = DecodePositionCommand(PositionOctetsOf(request));
+    object.last = object.next;
+    Move(object.axis, command);
+    return object.isAngle ? Answer(request, object.next) : SNMP_ERR_NOERROR;
+}
+
+int AnswerMode(const PositionObject &object, int mode, netsnmp_request_info *request) {
+    switch (mode) {
+    case MODE_GET:
+        return Answer(request, object.last);
+    case MODE_GETNEXT:
+    case MODE_SET_FREE:
+        return SNMP_ERR_NOERROR;
+    case MODE_SET_RESERVE1:
+        return CheckRequestType(request, ASN_OCTET_STR);
+    case MODE_SET_RESERVE2:
+        return CheckCommand(object, request);
+    case MODE_SET_ACTION:
+        object.next = PositionOctetsOf(request);
+        return SNMP_ERR_NOERROR;
+    case MODE_SET_COMMIT:
+        return Commit(object, request);
+    case MODE_SET_UNDO:
+        object.next = object.last;
+        return SNMP_ERR_NOERROR;
+    default:
+        LogUnknownMode(object.handlerName, mode);
+        return object.isAngle ? RefuseRequest(request, SNMP_ERR_GENERR, SNMP_ERR_GENERR) : SNMP_ERR_GENERR;
+    }
+}
+
+int HandlePosition(PositionObject &object, const netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", object.handlerName);
+    FillOnFirstUse(object);
+    const int returned = AnswerMode(object, reqinfo->mode, requests);
+    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", object.handlerName);
+    return returned;
+}
+
+} // namespace
+
+void ResetPositionObjects() {
+    for (PositionObject *object : {&gPan, &gTilt, &gZoom}) {
+        object->last = {};
+        object->next = {};
+        object->filled = false;
+    }
+}
+
+int handle_positionPan(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                       netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandlePosition(gPan, reqinfo, requests);
+}
+
+int handle_positionTilt(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                        netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandlePosition(gTilt, reqinfo, requests);
+}
+
+int handle_positionZoomLens(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                            netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandlePosition(gZoom, reqinfo, requests);
+}
+
+} // namespace positioning

@@ -1,0 +1,228 @@
+#include "range_objects.h"
+
+#include "core_utils.h"
+#include "snmp_utils.h"
+#include "zorva_api_exception.h"
+
+namespace positioning {
+
+namespace {
+
+constexpr int32_t kUnknown = 65535; // for offset and home position: the camera has none
+constexpr int32_t kLastAngle = 35999;
+constexpr int32_t kCircle = 36000;
+constexpr int32_t kMillidegreesPerHundredth = 10;
+constexpr unsigned int kLow16Bits = 0xFFFF;
+
+} // namespace
+
+int32_t gTrueNorthOffset = kUnknown;
+int32_t gPanHomePosition = kUnknown;
+int16_t gMinimumPanStepAngle = 1;
+int16_t gMinimumTiltStepAngle = 1;
+int32_t gZoomLimit = 0;
+int32_t gPanLeftLimit = 0;
+int32_t gPanRightLimit = 0;
+int16_t gTiltUpLimit = 0;
+int16_t gTiltDownLimit = 0;
+
+namespace {
+
+/** Serves an object that can only be read. @param refresh brings the value up to date, perhaps not possible */
+template <typename Value, typename Refresh>
+int HandleReadOnly(const char *function, const Value &value, Refresh refresh, const netsnmp_agent_request_info *reqinfo,
+                   netsnmp_request_info *requests) {
+    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", function);
+    int returned = SNMP_ERR_GENERR;
+    if (reqinfo->mode == MODE_GET || reqinfo->mode == MODE_GETNEXT) {
+        refresh();
+        returned = SetRequestInteger(requests, value);
+    } else {
+        LogUnknownMode(function, reqinfo->mode);
+    }
+    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", function);
+    return returned;
+}
+
+template <typename Value>
+int HandleConstant(const char *function, const Value &value, const netsnmp_agent_request_info *reqinfo,
+                   netsnmp_request_info *requests) {
+    return HandleReadOnly(
+        function, value, [] {}, reqinfo, requests);
+}
+
+/**
+ * Serves a limit that the service knows. Without a connection and after a failed query the value stays as it is.
+ * @param convert  makes the object's value of the service's limits; may ask the service for more
+ */
+template <typename Value, typename Convert>
+int HandleLimit(const char *function, Value &value, Convert convert, const netsnmp_agent_request_info *reqinfo,
+                netsnmp_request_info *requests) {
+    const auto refresh = [function, &value, convert] {
+        if (!IsConnected()) {
+            return;
+        }
+        try {
+            const PositionLimits limits = ReadSoftPositionLimits();
+            // The zoom minimum in both places is how the line always was.
+            zorva_core_logging_log(GetLogCookie(), kLogInfo,
+                                   "%s: get_soft_position_limits, "
+                                   "%d=pmin,%d=pmax,%d=tmin,%d=tmax,%d=zmin,%d=zmax",
+                                   function, limits.panMin, limits.panMax, limits.tiltMin, limits.tiltMax,
+                                   limits.zoomMin, limits.zoomMin);
+            value = convert(limits);
+        } catch (const std::exception &failure) {
+            LogFailure(failure);
+        }
+    };
+    return HandleReadOnly(function, value, refresh, reqinfo, requests);
+}
+
+/** A pan limit in hundredths of a degree; a negative one shows as what its low 16 bits are. */
+int32_t PanLimit(int32_t millidegrees) {
+    return static_cast<int32_t>(static_cast<uint32_t>(millidegrees) / kMillidegreesPerHundredth & kLow16Bits);
+}
+
+/** A tilt limit in hundredths of a degree; downward ones lie in the upper part of the circle. */
+int32_t WrappedTiltLimit(int32_t millidegrees) {
+    const int32_t hundredths = millidegrees / kMillidegreesPerHundredth;
+    return millidegrees <= -kMillidegreesPerHundredth ? hundredths + kCircle : hundredths;
+}
+
+/** The value of a 16-bit object: the low 16 bits. */
+int16_t Low16Bits(int32_t value) {
+    return static_cast<int16_t>(static_cast<unsigned int>(value) & kLow16Bits);
+}
+
+/** Lowest and highest tilt that the mechanics reach, in millidegrees. */
+struct TiltRange {
+    int32_t min;
+    int32_t max;
+};
+
+/** @throws zorva::core::ZorvaApiException */
+TiltRange ReadImplementationTiltRange() {
+    int32_t ptzPositionLimitsPanMinMillidegrees = 0;
+    int32_t ptzPositionLimitsPanMaxMillidegrees = 0;
+    int32_t ptzPositionLimitsTiltMinMillidegrees = 0;
+    int32_t ptzPositionLimitsTiltMaxMillidegrees = 0;
+    int32_t ptzPositionLimitsZoomMinDeciX = 0;
+    int32_t ptzPositionLimitsZoomMaxDeciX = 0;
+    // clang-format off
+    ZORVA_API_CALL(zorva_api_positioning_get_implementation_position_limits_send(
+        gApiCookie, gPositionings[kDefaultIndex].c_str(),
+        &ptzPositionLimitsPanMinMillidegrees, &ptzPositionLimitsPanMaxMillidegrees,
+        &ptzPositionLimitsTiltMinMillidegrees, &ptzPositionLimitsTiltMaxMillidegrees,
+        &ptzPositionLimitsZoomMinDeciX, &ptzPositionLimitsZoomMaxDeciX));
+    // clang-format on
+    return {ptzPositionLimitsTiltMinMillidegrees, ptzPositionLimitsTiltMaxMillidegrees};
+}
+
+/** The upper limit wraps only when the user has set it: the mechanics of no camera end below the horizon. */
+int16_t TiltUpLimit(const char *function, const PositionLimits &limits) {
+    if (!limits.tiltEnabled) {
+        return Low16Bits(ReadImplementationTiltRange().max / kMillidegreesPerHundredth);
+    }
+    const int32_t limit = WrappedTiltLimit(limits.tiltMax);
+    zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: tiltMaxLimit->%d", function, limit);
+    return Low16Bits(limit);
+}
+
+int16_t TiltDownLimit(const PositionLimits &limits) {
+    return Low16Bits(WrappedTiltLimit(limits.tiltEnabled ? limits.tiltMin : ReadImplementationTiltRange().min));
+}
+
+int SetTrueNorthOffset(const char *function, int mode, netsnmp_request_info *request) {
+    const netsnmp_variable_list *value = request->requestvb;
+    switch (mode) {
+    case MODE_GET:
+        return SetRequestInteger(request, gTrueNorthOffset);
+    case MODE_GETNEXT:
+    case MODE_SET_COMMIT:
+    case MODE_SET_FREE:
+    case MODE_SET_UNDO:
+        return SNMP_ERR_NOERROR;
+    case MODE_SET_RESERVE1:
+        return CheckRequestType(request, ASN_INTEGER);
+    case MODE_SET_RESERVE2:
+        if (*value->val.integer != 0 && *value->val.integer != kUnknown) {
+            zorva_core_logging_log(GetLogCookie(), kLogError, "%s: true north offset(%ld) can only be 0 or 65535",
+                                   function, *value->val.integer);
+            return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_GENERR);
+        }
+        return SNMP_ERR_NOERROR;
+    case MODE_SET_ACTION:
+        // From here on it counts: when another variable of the request fails now, the value is not taken back.
+        gTrueNorthOffset = static_cast<int32_t>(*value->val.integer);
+        return SNMP_ERR_NOERROR;
+    default:
+        LogUnknownMode(function, mode);
+        return RefuseRequest(request, SNMP_ERR_GENERR, SNMP_ERR_GENERR);
+    }
+}
+
+} // namespace
+
+void ResetRangeObjects() {
+    gTrueNorthOffset = kUnknown;
+    gPanLeftLimit = 0;
+    gPanRightLimit = 0;
+    gTiltUpLimit = 0;
+    gTiltDownLimit = 0;
+}
+
+int handle_rangePanLeftLimit(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                             netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    const auto convert = [](const PositionLimits &limits) { return limits.panEnabled ? PanLimit(limits.panMin) : 0; };
+    return HandleLimit(__func__, gPanLeftLimit, convert, reqinfo, requests);
+}
+
+int handle_rangePanRightLimit(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                              netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    const auto convert = [](const PositionLimits &limits) {
+        return limits.panEnabled ? PanLimit(limits.panMax) : kLastAngle;
+    };
+    return HandleLimit(__func__, gPanRightLimit, convert, reqinfo, requests);
+}
+
+int handle_rangeTiltUpLimit(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                            netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    const char *function = __func__;
+    const auto convert = [function](const PositionLimits &limits) { return TiltUpLimit(function, limits); };
+    return HandleLimit(function, gTiltUpLimit, convert, reqinfo, requests);
+}
+
+int handle_rangeTiltDownLimit(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                              netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleLimit(__func__, gTiltDownLimit, TiltDownLimit, reqinfo, requests);
+}
+
+int handle_rangePanHomePosition(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                                netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleConstant(__func__, gPanHomePosition, reqinfo, requests);
+}
+
+int handle_rangeMinimumPanStepAngle(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                                    netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleConstant(__func__, gMinimumPanStepAngle, reqinfo, requests);
+}
+
+int handle_rangeMinimumTiltStepAngle(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                                     netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleConstant(__func__, gMinimumTiltStepAngle, reqinfo, requests);
+}
+
+int handle_rangeZoomLimit(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                          netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleConstant(__func__, gZoomLimit, reqinfo, requests);
+}
+
+int handle_rangeTrueNorthOffset(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                                netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", __func__);
+    const int returned = SetTrueNorthOffset(__func__, reqinfo->mode, requests);
+    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", __func__);
+    return returned;
+}
+
+} // namespace positioning

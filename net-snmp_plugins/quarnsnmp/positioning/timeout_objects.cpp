@@ -1,0 +1,111 @@
+#include "timeout_objects.h"
+
+#include "core_utils.h"
+#include "snmp_utils.h"
+#include "zorva_api_exception.h"
+
+namespace positioning {
+
+uint16_t gNewPanTimeout = 0;
+uint16_t gNewTiltTimeout = 0;
+uint16_t gNewZoomTimeout = 0;
+
+namespace {
+
+constexpr long kLongestTimeout = 65535;
+
+/** How the time-out objects differ. */
+struct TimeoutObject {
+    const char *handlerName;
+    const char *axisName;
+    const char *argument; ///< of the service's call, as the failure text shows it
+    uint32_t &last;
+    uint16_t &next;
+};
+
+const TimeoutObject kPan = {"handle_timeoutPan", "pan", "newPanTimeout", gLastPanTimeout, gNewPanTimeout};
+const TimeoutObject kTilt = {"handle_timeoutTilt", "tilt", "newTiltTimeout", gLastTiltTimeout, gNewTiltTimeout};
+const TimeoutObject kZoom = {"handle_timeoutZoom", "zoom", "newZoomTimeout", gLastZoomTimeout, gNewZoomTimeout};
+
+/** Tells the service. Where 0 stands for no time-out here, the service gets the longest one. */
+void SendTimeout(const TimeoutObject &object) {
+    const uint32_t milliseconds = object.next == 0 ? static_cast<uint32_t>(kLongestTimeout) : object.next;
+    const zorva_core_status status = zorva_api_positioning_set_velocity_command_timeout_send(
+        gApiCookie, gPositionings[kDefaultIndex].c_str(), milliseconds);
+    if (status == 0) {
+        zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: set_velocity_command_timeout, %d milliseconds",
+                               object.handlerName, static_cast<int>(milliseconds));
+        return;
+    }
+    const std::string call = std::string("zorva_api_positioning_set_velocity_command_timeout_send(gApiCookie, "
+                                         "gPositionings[kDefaultIndex].c_str(), ") +
+                             object.argument + ")";
+    LogFailure(zorva::core::ZorvaApiException("Failed zorva api call: " + call, status));
+}
+
+int CheckTimeout(const TimeoutObject &object, netsnmp_request_info *request) {
+    // Negative values pass; their low 16 bits count.
+    const long milliseconds = *request->requestvb->val.integer;
+    if (milliseconds <= kLongestTimeout) {
+        return SNMP_ERR_NOERROR;
+    }
+    zorva_core_logging_log(GetLogCookie(), kLogError, "%s: %s timeout (%ld) outside range 0-65535 milliseconds",
+                           object.handlerName, object.axisName, milliseconds);
+    return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_GENERR);
+}
+
+int AnswerMode(const TimeoutObject &object, int mode, netsnmp_request_info *request) {
+    switch (mode) {
+    case MODE_GET:
+        return SetRequestInteger(request, object.last);
+    case MODE_GETNEXT:
+    case MODE_SET_FREE:
+        return SNMP_ERR_NOERROR;
+    case MODE_SET_RESERVE1:
+        return CheckRequestType(request, ASN_INTEGER);
+    case MODE_SET_RESERVE2:
+        return CheckTimeout(object, request);
+    case MODE_SET_ACTION:
+        object.next = static_cast<uint16_t>(*request->requestvb->val.integer);
+        return SNMP_ERR_NOERROR;
+    case MODE_SET_COMMIT:
+        object.last = object.next;
+        if (IsConnected()) {
+            SendTimeout(object);
+        }
+        return SNMP_ERR_NOERROR;
+    case MODE_SET_UNDO:
+        object.next = static_cast<uint16_t>(object.last);
+        return SNMP_ERR_NOERROR;
+    default:
+        LogUnknownMode(object.handlerName, mode);
+        return RefuseRequest(request, SNMP_ERR_GENERR, SNMP_ERR_GENERR);
+    }
+}
+
+int HandleTimeout(const TimeoutObject &object, const netsnmp_agent_request_info *reqinfo,
+                  netsnmp_request_info *requests) {
+    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", object.handlerName);
+    const int returned = AnswerMode(object, reqinfo->mode, requests);
+    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", object.handlerName);
+    return returned;
+}
+
+} // namespace
+
+int handle_timeoutPan(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                      netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleTimeout(kPan, reqinfo, requests);
+}
+
+int handle_timeoutTilt(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                       netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleTimeout(kTilt, reqinfo, requests);
+}
+
+int handle_timeoutZoom(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
+                       netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    return HandleTimeout(kZoom, reqinfo, requests);
+}
+
+} // namespace positioning
