@@ -209,7 +209,7 @@ std::chrono::milliseconds Agent::hup() {
         awaitSignalled(std::chrono::seconds(20), [&] { return log().count(mark, before) > 0 || !running(); });
     requireRunning();
     // The line comes before the modules are unloaded, all in one go: an answer to a request sent now comes after it.
-    if (!begun || !answers(patient(std::chrono::seconds(20)))) {
+    if (!begun || !answers(patient(std::chrono::seconds(100)))) {
         throw std::runtime_error("the agent does not get through its reload\n" + report());
     }
     return since(start);
