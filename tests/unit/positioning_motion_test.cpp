@@ -1,0 +1,291 @@
+#include <ostream>
+#include <string>
+
+#include "motion_commands.h"
+#include "positioning_test.h"
+
+using namespace std::string_literals;
+
+using positioning::Axis;
+using positioning::kPanAxis;
+using positioning::kTiltAxis;
+using positioning::kZoomAxis;
+using scripted::LogLine;
+using testing::ElementsAreArray;
+
+namespace {
+
+using Calls = std::vector<std::string>;
+
+const char *const kInstances[] = {"1.3.6.1.4.1.1206.4.2.7.4.1.0", "1.3.6.1.4.1.1206.4.2.7.4.2.0",
+                                  "1.3.6.1.4.1.1206.4.2.7.4.3.0"};
+
+enum class Kind { Stop, Delta, Absolute, Continuous };
+
+/** What bounds the zoom. */
+enum class ZoomBound { SoftLimits, DigitalZoom, Optics };
+
+/** One command to an axis, and what becomes of it while the camera stands where the fixture has it. */
+struct Command {
+    const char *name;
+    Kind kind;
+    Axis axis;
+    int speed;
+    int position;      ///< octets 2 and 3
+    int target;        ///< position or velocity that the service is told
+    int opticalTarget; ///< the same where the optics bound the zoom
+    const char *fraction;
+    Calls lines; ///< what the command logs at info level
+};
+
+void PrintTo(const Command &each, std::ostream *stream) {
+    *stream << each.name;
+}
+
+Calls lines(const std::string &function, const std::string &first, const Calls &last) {
+    Calls result{function + first, function + ": get_position FUZZ, 90000=pan,-10000=tilt,100=zoom",
+                 function + ": get_position NTCIP,9000=pan,35000=tilt,20338=zoom"};
+    for (const std::string &line : last) {
+        result.push_back(function + line);
+    }
+    return result;
+}
+
+Calls delta(const std::string &first, const std::string &direction, const std::string &last) {
+    return lines("deltaMovement", ": NTCIP delta " + first, {direction, last});
+}
+
+Calls absolute(const std::string &first, const std::string &last) {
+    return lines("absoluteMovement", ": NTCIP absolute " + first, {last});
+}
+
+std::vector<Command> commands() {
+    return {
+        {"StopPan", Kind::Stop, kPanAxis, 0, 0, 0, 0, "0", {"stopMovement: stop PAN"}},
+        {"StopTilt", Kind::Stop, kTiltAxis, 0, 0, 0, 0, "0", {"stopMovement: stop TILT"}},
+        {"StopZoom", Kind::Stop, kZoomAxis, 0, 0, 0, 0, "0", {"stopMovement: stop ZOOM"}},
+        {"DeltaPan", Kind::Delta, kPanAxis, 64, 100, 91000, 91000, "0.511749268",
+         delta("PAN, speed=0x40(0.500%), delta=0x0064(100 hundrethdegree)", ": positive speed, clockwise",
+               ": new pan position FUZZ, 91000=pan,speed=80680,0.512")},
+        {"DeltaTilt", Kind::Delta, kTiltAxis, -64, 100, -11000, -11000, "0.511749268",
+         delta("TILT, speed=0xffffffc0(-0.500%), delta=0x0064(100 hundrethdegree)", ": negative speed, tilt down",
+               ": new tilt position FUZZ, -11000=tilt,speed=40340,0.512")},
+        {"DeltaZoom", Kind::Delta, kZoomAxis, 64, 30000, 233, 156, "0.625",
+         delta("ZOOM, speed=0x40(0.500%), delta=0x7530(30000 hundrethdegree)", ": telephoto zoom",
+               ": new zoom position FUZZ, 233=zoom,speed=20,0.625")},
+        {"AbsolutePan", Kind::Absolute, kPanAxis, -1, 12345, 123450, 123450, "0.0156860352",
+         absolute("PAN, speed=0xffffffff(-0.008%), position=0x3039(12345 hundrethdegree)",
+                  ": new pan position FUZZ, 123450=pan,speed=1359,0.016")},
+        {"AbsoluteTilt", Kind::Absolute, kTiltAxis, 127, 18001, -10, -10, "1.0078125",
+         absolute("TILT, speed=0x7f(0.992%), position=0x4651(18001 hundrethdegree)",
+                  ": new tilt position FUZZ, -10=tilt,speed=80000,1.008")},
+        {"AbsoluteZoom", Kind::Absolute, kZoomAxis, 0, 50000, 231, 155, "0.125",
+         absolute("ZOOM, speed=0x00(0.000%), position=0xc350(50000 hundrethdegree)",
+                  ": new zoom position FUZZ, 231=zoom,speed=0,0.125")},
+        {"ContinuousPan",
+         Kind::Continuous,
+         kPanAxis,
+         64,
+         0,
+         40365,
+         40365,
+         "0",
+         {"continuousMovement: NTCIP continuous PAN, speed=0x40(0.500%)",
+          "continuousMovement: countinous clockwise pan, speed=40365,0.511749"}},
+        {"ContinuousTilt",
+         Kind::Continuous,
+         kTiltAxis,
+         -64,
+         0,
+         -20182,
+         -20182,
+         "0",
+         {"continuousMovement: NTCIP continuous TILT, speed=0xffffffc0(-0.500%)",
+          "continuousMovement: countinous downward tilt, speed=-20182,0.511749"}},
+        {"ContinuousZoom",
+         Kind::Continuous,
+         kZoomAxis,
+         -1,
+         0,
+         -20,
+         -20,
+         "0",
+         {"continuousMovement: NTCIP continuous ZOOM, speed=0xffffffff(-0.008%)",
+          "continuousMovement: countinous wide zoom, speed=-20,0.125000"}},
+    };
+}
+
+void issue(const Command &each) {
+    const auto speed = static_cast<signed char>(each.speed);
+    switch (each.kind) {
+    case Kind::Stop:
+        positioning::stopMovement(each.axis);
+        break;
+    case Kind::Delta:
+        positioning::deltaMovement(each.axis, speed, static_cast<short>(each.position));
+        break;
+    case Kind::Absolute:
+        positioning::absoluteMovement(each.axis, speed, static_cast<unsigned short>(each.position));
+        break;
+    case Kind::Continuous:
+        positioning::continuousMovement(each.axis, speed);
+        break;
+    }
+}
+
+const char *instanceOf(const Command &each) {
+    return kInstances[each.axis];
+}
+
+requests::NewValue valueOf(const Command &each) {
+    return requests::NewValue::text(
+        command(static_cast<unsigned int>(each.kind), each.speed, static_cast<unsigned int>(each.position)));
+}
+
+Ceilings ceilingsOf(Kind kind) {
+    return kind == Kind::Continuous ? kRunCeilings : kMoveCeilings;
+}
+
+void append(Calls &result, const Calls &more) {
+    result.insert(result.end(), more.begin(), more.end());
+}
+
+Calls zoomConversion(ZoomBound bound) {
+    Calls result{calls::getSoftPositions()};
+    if (bound != ZoomBound::SoftLimits) {
+        result.push_back(calls::getDigitalZoom());
+    }
+    if (bound == ZoomBound::Optics) {
+        result.push_back(calls::getMaxZoom());
+    }
+    return result;
+}
+
+Calls speedMapping(Kind kind, bool rewritten) {
+    Calls result{calls::getSoftVelocities()};
+    if (rewritten) {
+        result.push_back(calls::setSoftVelocities(ceilingsOf(kind).pan, ceilingsOf(kind).tilt));
+    }
+    result.push_back(calls::getCameraVelocities());
+    return result;
+}
+
+Calls expectedCalls(const Command &each, bool rewritten, ZoomBound bound) {
+    if (each.kind == Kind::Stop) {
+        return {calls::stop(each.axis)};
+    }
+    if (each.kind == Kind::Continuous) {
+        Calls result{calls::getSoftPositions()};
+        append(result, speedMapping(each.kind, rewritten));
+        result.push_back(calls::run(each.axis, each.target, 5000));
+        return result;
+    }
+    Calls result{calls::clearVelocityLimits(), calls::getPosition(), calls::getSoftPositions()};
+    if (each.axis == kZoomAxis) {
+        append(result, zoomConversion(bound));
+    }
+    append(result, speedMapping(each.kind, rewritten));
+    const bool optical = bound == ZoomBound::Optics;
+    result.push_back(calls::move(each.axis, optical ? each.opticalTarget : each.target, each.fraction));
+    return result;
+}
+
+class PositioningCommandTest : public PositioningTest, public testing::WithParamInterface<Command> {
+protected:
+    void SetUp() override {
+        PositioningTest::SetUp();
+        connect();
+        use(instanceOf(GetParam()));
+    }
+
+    /** Runs `act` in each state of the service that a command can meet, and compares the calls. */
+    template <typename Act>
+    static void expectCallsInEveryState(Act act) {
+        for (const bool rewritten : {false, true}) {
+            for (const ZoomBound bound : {ZoomBound::SoftLimits, ZoomBound::DigitalZoom, ZoomBound::Optics}) {
+                softVelocities(rewritten ? kOtherCeilings : ceilingsOf(GetParam().kind));
+                softZoom({10, 300, bound == ZoomBound::SoftLimits});
+                digitalZoom(bound == ZoomBound::DigitalZoom);
+                core().clearRecord();
+                act();
+                EXPECT_THAT(core().calls(), ElementsAreArray(expectedCalls(GetParam(), rewritten, bound)))
+                    << "rewritten " << rewritten << ", bound " << static_cast<int>(bound);
+            }
+        }
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Commands, PositioningCommandTest, testing::ValuesIn(commands()),
+                         [](const auto &each) { return std::string(each.param.name); });
+
+/** The lines of the conversions that the command makes, in between its own. */
+std::vector<LogLine> expectedLines(const Command &each) {
+    std::vector<LogLine> result;
+    for (const std::string &line : each.lines) {
+        result.push_back(logs::info(line));
+    }
+    if (each.kind == Kind::Stop) {
+        return result;
+    }
+    const LogLine own = result.back();
+    result.pop_back();
+    if (each.kind != Kind::Continuous && each.axis == kZoomAxis) {
+        result.push_back(logs::notice("convertNTCIPToZorvaZoom: get_soft_limits (min,max) pan(T)(1000,350000), "
+                                      "tilt(T)(-80000,45000), zoom(T)(10,300)"));
+    }
+    result.push_back(logs::notice("speedPercentage: get_implementation_velocity_limits, "
+                                  "1024=pvmin,132096=pvmax,512=tvmin,66048=tvmax,4=zvmin,4=zvmax"));
+    result.push_back(own);
+    return result;
+}
+
+} // namespace
+
+TEST_P(PositioningCommandTest, MakesItsCallsInOrder) {
+    expectCallsInEveryState([] { issue(GetParam()); });
+}
+
+TEST_P(PositioningCommandTest, MakesTheSameCallsForASet) {
+    expectCallsInEveryState([] { set(instanceOf(GetParam()), valueOf(GetParam())); });
+}
+
+TEST_P(PositioningCommandTest, LogsItsLinesInOrder) {
+    issue(GetParam());
+    EXPECT_THAT(core().logs(), ElementsAreArray(expectedLines(GetParam())));
+}
+
+TEST_P(PositioningCommandTest, ASetLogsTheSameLinesInItsCommit) {
+    DirtyRequest request(instanceOf(GetParam()), valueOf(GetParam()));
+    for (const int phase : {MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION}) {
+        request.run(phase);
+    }
+    core().clearRecord();
+    ASSERT_THAT(request.run(MODE_SET_COMMIT), isAccepted());
+    const char *const names[] = {"handle_positionPan", "handle_positionTilt", "handle_positionZoomLens"};
+    std::vector<LogLine> expected = expectedLines(GetParam());
+    expected.insert(expected.begin(), logs::debug(names[GetParam().axis] + ": Enter."s));
+    expected.push_back(logs::debug(names[GetParam().axis] + ": Done."s));
+    EXPECT_THAT(core().logs(), ElementsAreArray(expected));
+}
+
+TEST_P(PositioningCommandTest, OnlyTheCommitReachesTheService) {
+    DirtyRequest request(instanceOf(GetParam()), valueOf(GetParam()));
+    for (const int phase : {MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION, MODE_SET_UNDO, MODE_SET_FREE}) {
+        EXPECT_THAT(request.run(phase), isAccepted()) << phase;
+        EXPECT_THAT(core().calls(), testing::IsEmpty()) << phase;
+    }
+    request.run(MODE_SET_COMMIT);
+    EXPECT_THAT(core().calls(), testing::Not(testing::IsEmpty()));
+}
+
+TEST_P(PositioningCommandTest, AFailedMoveIsNotTheManagersMatter) {
+    for (const char *function :
+         {service::kClearVelocityLimits, service::kGetPosition, service::kGetSoftPositions, service::kGetSoftVelocities,
+          service::kSetSoftVelocities, service::kGetCameraVelocities, service::kMove, service::kSetVelocity,
+          service::kSetVelocityWithTimeout}) {
+        core().fail(function, kRefused);
+    }
+    set(instanceOf(GetParam()), valueOf(GetParam()));
+    EXPECT_THAT(core().logs(3), testing::Not(testing::IsEmpty()));
+    EXPECT_EQ(requests::get(instanceOf(GetParam())).octets, valueOf(GetParam()).content);
+}

@@ -1,0 +1,265 @@
+#include "positioning_test.h"
+
+#include <cstring>
+
+#include "position_objects.h"
+#include "range_objects.h"
+#include "timeout_objects.h"
+
+using scripted::LogLine;
+using scripted::Value;
+
+namespace {
+
+const int kSetPhases[] = {MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION, MODE_SET_COMMIT};
+
+/** Values of the axes in the order of the service's arguments, each after its flag. */
+std::string flagged(int axis, const std::string &value) {
+    std::string text;
+    for (const int each : {positioning::kPanAxis, positioning::kTiltAxis, positioning::kZoomAxis}) {
+        text += each == axis ? "1, " + value : "0, " + std::string(value.find(',') == std::string::npos ? "0" : "0, 0");
+        text += ", ";
+    }
+    return text;
+}
+
+std::string outputs(int count) {
+    std::string text = "&";
+    for (int i = 1; i < count; ++i) {
+        text += ", &";
+    }
+    return text;
+}
+
+std::vector<Value> values(std::initializer_list<Limits> axes, bool withFlags) {
+    std::vector<Value> result;
+    for (const Limits &axis : axes) {
+        if (withFlags) {
+            result.emplace_back(std::int64_t{axis.enabled ? 1 : 0});
+        }
+        result.emplace_back(std::int64_t{axis.min});
+        result.emplace_back(std::int64_t{axis.max});
+    }
+    return result;
+}
+
+void forgetEverything() {
+    positioning::gApiCookie = nullptr;
+    positioning::gPositionings.clear();
+    for (std::uint32_t *timeout :
+         {&positioning::gLastPanTimeout, &positioning::gLastTiltTimeout, &positioning::gLastZoomTimeout}) {
+        *timeout = 0;
+    }
+    for (std::uint16_t *timeout :
+         {&positioning::gNewPanTimeout, &positioning::gNewTiltTimeout, &positioning::gNewZoomTimeout}) {
+        *timeout = 0;
+    }
+    positioning::ResetPositionObjects();
+    positioning::ResetRangeObjects();
+}
+
+} // namespace
+
+namespace calls {
+
+std::string of(const char *function, const std::string &arguments) {
+    return std::string(function) + "(positioning, \"positioning/1\", " + arguments + ")";
+}
+
+std::string clearVelocityLimits() {
+    return of(service::kClearVelocityLimits, "1, 1, 1");
+}
+
+std::string getDigitalZoom() {
+    return of(service::kGetDigitalZoom, outputs(1));
+}
+
+std::string getCameraPositions() {
+    return of(service::kGetCameraPositions, outputs(6));
+}
+
+std::string getCameraVelocities() {
+    return of(service::kGetCameraVelocities, outputs(6));
+}
+
+std::string getMaxZoom() {
+    return of(service::kGetMaxZoom, outputs(3));
+}
+
+std::string getPosition() {
+    return of(service::kGetPosition, outputs(3));
+}
+
+std::string getSoftPositions() {
+    return of(service::kGetSoftPositions, outputs(9));
+}
+
+std::string getSoftVelocities() {
+    return of(service::kGetSoftVelocities, outputs(9));
+}
+
+std::string setSoftVelocities(int panMax, int tiltMax) {
+    return of(service::kSetSoftVelocities,
+              "1, 100, " + std::to_string(panMax) + ", 1, 50, " + std::to_string(tiltMax) + ", 1, 2, 20");
+}
+
+std::string setTimeout(std::uint32_t milliseconds) {
+    return of(service::kSetTimeout, std::to_string(milliseconds));
+}
+
+std::string stop(int axis) {
+    return of(service::kSetVelocity, flagged(axis, "0") + "500");
+}
+
+std::string move(int axis, int position, const std::string &fraction) {
+    return of(service::kMove, flagged(axis, std::to_string(position) + ", " + fraction) + "500");
+}
+
+std::string run(int axis, int velocity, std::uint32_t timeout) {
+    return of(service::kSetVelocityWithTimeout,
+              flagged(axis, std::to_string(velocity)) + "500, " + std::to_string(timeout));
+}
+
+} // namespace calls
+
+namespace logs {
+
+LogLine error(const std::string &text) {
+    return {3, text};
+}
+
+LogLine notice(const std::string &text) {
+    return {5, text};
+}
+
+LogLine info(const std::string &text) {
+    return {6, text};
+}
+
+LogLine debug(const std::string &text) {
+    return {7, text};
+}
+
+LogLine failed(const std::string &call) {
+    return error("Failed zorva api call: " + call + " (status 17)");
+}
+
+} // namespace logs
+
+std::string octets(std::initializer_list<unsigned int> values) {
+    std::string result;
+    for (const unsigned int value : values) {
+        result.push_back(static_cast<char>(static_cast<unsigned char>(value)));
+    }
+    return result;
+}
+
+std::string command(unsigned int mode, int speed, unsigned int position) {
+    return octets({mode, static_cast<unsigned int>(speed) & 0xFFU, position & 0xFFU, position >> 8U});
+}
+
+testing::Matcher<const requests::Answer &> isAccepted() {
+    return isRefused(SNMP_ERR_NOERROR, SNMP_ERR_NOERROR);
+}
+
+testing::Matcher<const requests::Answer &> isRefused(int returned, int requestError) {
+    return testing::AllOf(testing::Field("returned", &requests::Answer::returned, returned),
+                          testing::Field("request error", &requests::Answer::requestError, requestError));
+}
+
+PositioningTest::PositioningTest() {
+    forgetEverything();
+}
+
+PositioningTest::~PositioningTest() {
+    forgetEverything();
+}
+
+void PositioningTest::SetUp() {
+    openCore();
+    core().targets("positioning", {"positioning/1", "positioning/2"});
+    core().answer(service::kGetTimeout, {std::int64_t{5000}});
+    position(90000, -10000, 100);
+    softPositions({1000, 350000}, {-80000, 45000}, {10, 300});
+    cameraPositions({-170000, 170000}, {-90000, 30000}, {12, 360});
+    softVelocities(kOtherCeilings);
+    // The ranges of powers of two give fractions that decimal texts can hold.
+    cameraVelocities({1024, 132096}, {512, 66048}, {4, 36});
+    digitalZoom(false);
+    maxZoom(200, 120, 2400);
+}
+
+void PositioningTest::connect() {
+    ASSERT_TRUE(InitPositioning(GetIpcCookie()));
+    ASSERT_NE(positioning::gApiCookie, nullptr);
+    core().clearRecord();
+}
+
+void PositioningTest::startWithoutService() {
+    core().fail(service::kInit, kRefused);
+    ASSERT_TRUE(InitPositioning(GetIpcCookie()));
+    ASSERT_EQ(positioning::gApiCookie, nullptr);
+    core().clearRecord();
+}
+
+void PositioningTest::position(int pan, int tilt, int zoom) {
+    core().answer(service::kGetPosition, {std::int64_t{pan}, std::int64_t{tilt}, std::int64_t{zoom}});
+}
+
+void PositioningTest::softPositions(const Limits &pan, const Limits &tilt, const Limits &zoom) {
+    core().answer(service::kGetSoftPositions, values({pan, tilt, zoom}, true));
+}
+
+void PositioningTest::softZoom(const Limits &zoom) {
+    softPositions({1000, 350000}, {-80000, 45000}, zoom);
+}
+
+void PositioningTest::softVelocities(const Ceilings &ceilings) {
+    softVelocities({100, ceilings.pan}, {50, ceilings.tilt}, {2, 20});
+}
+
+void PositioningTest::softVelocities(const Limits &pan, const Limits &tilt, const Limits &zoom) {
+    core().answer(service::kGetSoftVelocities, values({pan, tilt, zoom}, true));
+}
+
+void PositioningTest::cameraVelocities(const Limits &pan, const Limits &tilt, const Limits &zoom) {
+    core().answer(service::kGetCameraVelocities, values({pan, tilt, zoom}, false));
+}
+
+void PositioningTest::cameraPositions(const Limits &pan, const Limits &tilt, const Limits &zoom) {
+    core().answer(service::kGetCameraPositions, values({pan, tilt, zoom}, false));
+}
+
+void PositioningTest::digitalZoom(bool enabled) {
+    core().answer(service::kGetDigitalZoom, {std::int64_t{enabled ? 1 : 0}});
+}
+
+void PositioningTest::maxZoom(int optical, int digital, int combined) {
+    core().answer(service::kGetMaxZoom, {std::int64_t{optical}, std::int64_t{digital}, std::int64_t{combined}});
+}
+
+void PositioningTest::use(std::string_view instance) {
+    ASSERT_THAT(requests::get(instance), isAccepted());
+    core().clearRecord();
+}
+
+void set(std::string_view instance, const requests::NewValue &value) {
+    DirtyRequest request(instance, value);
+    for (const int phase : kSetPhases) {
+        ASSERT_THAT(request.run(phase), isAccepted()) << "phase " << phase;
+    }
+}
+
+void setAndUndo(std::string_view instance, const requests::NewValue &value) {
+    DirtyRequest request(instance, value);
+    for (const int phase : {MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION, MODE_SET_UNDO}) {
+        ASSERT_THAT(request.run(phase), isAccepted()) << "phase " << phase;
+    }
+}
+
+DirtyRequest::DirtyRequest(std::string_view dotted, const requests::NewValue &value) : Request(dotted, value) {
+    netsnmp_variable_list *varbind = info()->requestvb;
+    if (varbind->val.string == varbind->buf) {
+        std::memset(varbind->buf + varbind->val_len, 0xEE, sizeof varbind->buf - varbind->val_len);
+    }
+}

@@ -1,0 +1,148 @@
+/**
+ * @file
+ * What the tests of pan, tilt and zoom share: a positioning service of plausible limits, the texts of its calls as the
+ * scripted core library records them, and SETs through all their phases.
+ */
+#ifndef QUARNSNMP_POSITIONING_TEST_H
+#define QUARNSNMP_POSITIONING_TEST_H
+
+#include "module_test.h"
+
+#include <initializer_list>
+#include <limits>
+
+#include "positioning_state.h"
+
+/** Names of the service's functions, for the script. */
+namespace service {
+inline const char *const kInit = "zorva_api_positioning_initiator_init";
+inline const char *const kClearVelocityLimits = "zorva_api_positioning_clear_velocity_limits_send";
+inline const char *const kGetDigitalZoom = "zorva_api_positioning_get_digital_zoom_enable_send";
+inline const char *const kGetCameraPositions = "zorva_api_positioning_get_implementation_position_limits_send";
+inline const char *const kGetCameraVelocities = "zorva_api_positioning_get_implementation_velocity_limits_send";
+inline const char *const kGetMaxZoom = "zorva_api_positioning_get_max_optical_and_digital_zoom_send";
+inline const char *const kGetPosition = "zorva_api_positioning_get_position_send";
+inline const char *const kGetSoftPositions = "zorva_api_positioning_get_soft_position_limits_send";
+inline const char *const kGetSoftVelocities = "zorva_api_positioning_get_soft_velocity_limits_send";
+inline const char *const kGetTimeout = "zorva_api_positioning_get_velocity_command_timeout_send";
+inline const char *const kMove = "zorva_api_positioning_move_to_position_with_speed_percentage_send";
+inline const char *const kSetSoftVelocities = "zorva_api_positioning_set_soft_velocity_limits_send";
+inline const char *const kSetTimeout = "zorva_api_positioning_set_velocity_command_timeout_send";
+inline const char *const kSetVelocity = "zorva_api_positioning_set_velocity_send";
+inline const char *const kSetVelocityWithTimeout = "zorva_api_positioning_set_velocity_with_timeout_send";
+} // namespace service
+
+/** Calls as the scripted core library records them. */
+namespace calls {
+
+/** A call to the first target over the open connection. */
+std::string of(const char *function, const std::string &arguments);
+
+std::string clearVelocityLimits();
+std::string getDigitalZoom();
+std::string getCameraPositions();
+std::string getCameraVelocities();
+std::string getMaxZoom();
+std::string getPosition();
+std::string getSoftPositions();
+std::string getSoftVelocities();
+/** The limits that a move sets: those of pan and tilt end at the ceiling, the rest is as the service had it. */
+std::string setSoftVelocities(int panMax, int tiltMax);
+std::string setTimeout(std::uint32_t milliseconds);
+std::string stop(int axis);
+std::string move(int axis, int position, const std::string &fraction);
+std::string run(int axis, int velocity, std::uint32_t timeout);
+
+} // namespace calls
+
+namespace logs {
+
+scripted::LogLine error(const std::string &text);
+scripted::LogLine notice(const std::string &text);
+scripted::LogLine info(const std::string &text);
+scripted::LogLine debug(const std::string &text);
+
+/** The line of a call that failed with kRefused. */
+scripted::LogLine failed(const std::string &call);
+
+} // namespace logs
+
+/** Status of every call that a test lets fail. */
+inline constexpr zorva_core_status kRefused = 17;
+
+using Modes = std::vector<int>;
+
+/** Modes that no handler of a scalar has a use for. */
+inline constexpr int kUnknownModes[] = {-1, 6, 99, 162, MODE_GETBULK, std::numeric_limits<int>::max()};
+
+/** An axis value that names no axis. */
+inline constexpr auto kNoAxis = static_cast<positioning::Axis>(3);
+
+/** One axis of an answer with limits. */
+struct Limits {
+    int min;
+    int max;
+    bool enabled = true;
+};
+
+/** Whether the service's velocity limits are those that a kind of move wants. */
+struct Ceilings {
+    int pan;
+    int tilt;
+};
+inline constexpr Ceilings kMoveCeilings{160000, 80000};
+inline constexpr Ceilings kRunCeilings{80000, 40000};
+inline constexpr Ceilings kOtherCeilings{120000, 60000};
+
+/** Octets of a position object. */
+std::string octets(std::initializer_list<unsigned int> values);
+/** A position command: its mode, speed, and position with the low-order octet first. */
+std::string command(unsigned int mode, int speed, unsigned int position);
+
+/** An answer that reports no error in either way. */
+testing::Matcher<const requests::Answer &> isAccepted();
+/** What the handler returns, and what it sets on the request. */
+testing::Matcher<const requests::Answer &> isRefused(int returned, int requestError);
+
+/**
+ * The camera stands at pan 90.00 degrees, tilt -10.00 degrees and zoom 10x. It has different limits everywhere, so that
+ * no two of them can be taken for each other.
+ */
+class PositioningTest : public ModuleTest {
+protected:
+    PositioningTest();
+    ~PositioningTest() override;
+
+    void SetUp() override;
+
+    /** Brings the feature up, and forgets the calls and log lines of that. */
+    static void connect();
+    /** Brings the feature up without a service, and forgets the calls and log lines of that. */
+    static void startWithoutService();
+
+    static void position(int pan, int tilt, int zoom);
+    static void softPositions(const Limits &pan, const Limits &tilt, const Limits &zoom);
+    static void softZoom(const Limits &zoom);
+    static void softVelocities(const Ceilings &ceilings);
+    static void softVelocities(const Limits &pan, const Limits &tilt, const Limits &zoom);
+    static void cameraVelocities(const Limits &pan, const Limits &tilt, const Limits &zoom);
+    static void cameraPositions(const Limits &pan, const Limits &tilt, const Limits &zoom);
+    static void digitalZoom(bool enabled);
+    static void maxZoom(int optical, int digital, int combined);
+
+    /** A GET, and the record forgotten: what the first request to an object does on its own is over. */
+    static void use(std::string_view instance);
+};
+
+/** Runs all phases of a SET that nobody refuses; each has to be accepted. */
+void set(std::string_view instance, const requests::NewValue &value);
+/** Runs the phases up to ACTION and then UNDO, as the agent does when another variable's ACTION fails. */
+void setAndUndo(std::string_view instance, const requests::NewValue &value);
+
+/** A request for a handler; what lies behind the value in memory is not 0. */
+class DirtyRequest : public requests::Request {
+public:
+    DirtyRequest(std::string_view dotted, const requests::NewValue &value);
+};
+
+#endif

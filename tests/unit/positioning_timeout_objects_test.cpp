@@ -1,0 +1,228 @@
+#include <ostream>
+#include <string>
+
+#include "motion_commands.h"
+#include "positioning_call_texts.h"
+#include "positioning_test.h"
+#include "timeout_objects.h"
+
+using namespace std::string_literals;
+
+using requests::Answer;
+using requests::get;
+using requests::NewValue;
+using requests::Request;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+struct Timeout {
+    positioning::Axis axis;
+    const char *name;
+    Netsnmp_Node_Handler *handler;
+    const char *instance;
+    std::uint32_t *kept;
+    std::uint16_t *pending;
+    const char *word;
+    const char *failedCall;
+};
+
+void PrintTo(const Timeout &each, std::ostream *stream) {
+    *stream << each.name;
+}
+
+const Timeout kTimeouts[] = {
+    {positioning::kPanAxis, "handle_timeoutPan", positioning::handle_timeoutPan, "1.3.6.1.4.1.1206.4.2.7.2.1.0",
+     &positioning::gLastPanTimeout, &positioning::gNewPanTimeout, "pan", texts::kSetPanTimeout},
+    {positioning::kTiltAxis, "handle_timeoutTilt", positioning::handle_timeoutTilt, "1.3.6.1.4.1.1206.4.2.7.2.2.0",
+     &positioning::gLastTiltTimeout, &positioning::gNewTiltTimeout, "tilt", texts::kSetTiltTimeout},
+    {positioning::kZoomAxis, "handle_timeoutZoom", positioning::handle_timeoutZoom, "1.3.6.1.4.1.1206.4.2.7.2.3.0",
+     &positioning::gLastZoomTimeout, &positioning::gNewZoomTimeout, "zoom", texts::kSetZoomTimeout},
+};
+
+class PositioningTimeoutTest : public PositioningTest, public testing::WithParamInterface<Timeout> {
+protected:
+    void SetUp() override {
+        PositioningTest::SetUp();
+        connect();
+    }
+
+    static scripted::LogLine enter() {
+        return logs::debug(GetParam().name + ": Enter."s);
+    }
+
+    static scripted::LogLine done() {
+        return logs::debug(GetParam().name + ": Done."s);
+    }
+
+    /** One phase on the handler itself, with the record of this phase only. */
+    static Answer phase(int mode, const NewValue &value) {
+        core().clearRecord();
+        return DirtyRequest(GetParam().instance, value).run(GetParam().handler, mode);
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Axes, PositioningTimeoutTest, testing::ValuesIn(kTimeouts),
+                         [](const auto &each) { return std::string(each.param.word); });
+
+} // namespace
+
+TEST_P(PositioningTimeoutTest, AGetAnswersTheKeptValueAndAsksNobody) {
+    for (const std::uint32_t kept : {0U, 1U, 5000U, 65535U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
+        *GetParam().kept = kept;
+        const Answer answer = get(GetParam().instance);
+        EXPECT_THAT(answer, isAccepted());
+        EXPECT_EQ(answer.type, ASN_INTEGER);
+        EXPECT_EQ(answer.integer, static_cast<std::int32_t>(kept));
+    }
+    EXPECT_THAT(core().calls(), IsEmpty());
+}
+
+TEST_P(PositioningTimeoutTest, ASetTellsTheServiceAndChangesItsOwnValueOnly) {
+    struct Case {
+        long value;
+        std::uint32_t kept;
+        std::uint32_t told;
+    };
+    const Case cases[] = {
+        {1, 1, 1},          {700, 700, 700},    {32768, 32768, 32768}, {65535, 65535, 65535},   {0, 0, 65535},
+        {-1, 65535, 65535}, {-65536, 0, 65535}, {-65535, 1, 1},        {-2147483648L, 0, 65535}};
+    for (const Case &each : cases) {
+        SCOPED_TRACE(each.value);
+        core().clearRecord();
+        set(GetParam().instance, NewValue::integer(each.value));
+        EXPECT_THAT(core().calls(), ElementsAre(calls::setTimeout(each.told)));
+        EXPECT_EQ(get(GetParam().instance).integer, static_cast<long>(each.kept));
+        for (const Timeout &other : kTimeouts) {
+            EXPECT_EQ(*other.kept, other.axis == GetParam().axis ? each.kept : 5000U) << other.name;
+        }
+    }
+}
+
+TEST_P(PositioningTimeoutTest, ACommitLogsWhatTheServiceWasTold) {
+    for (const auto &[value, told] : {std::pair(700L, "700"), std::pair(0L, "65535"), std::pair(-1L, "65535")}) {
+        phase(MODE_SET_ACTION, NewValue::integer(value));
+        EXPECT_THAT(core().logs(), ElementsAre(enter(), done()));
+        EXPECT_THAT(core().calls(), IsEmpty());
+        EXPECT_THAT(phase(MODE_SET_COMMIT, NewValue::integer(value)), isAccepted());
+        EXPECT_THAT(core().logs(), ElementsAre(enter(),
+                                               logs::info(GetParam().name + ": set_velocity_command_timeout, "s + told +
+                                                          " milliseconds"),
+                                               done()));
+    }
+}
+
+TEST_P(PositioningTimeoutTest, ACommitThatTheServiceRefusesSucceeds) {
+    core().fail(service::kSetTimeout, kRefused);
+    phase(MODE_SET_ACTION, NewValue::integer(700));
+    EXPECT_THAT(phase(MODE_SET_COMMIT, NewValue::integer(700)), isAccepted());
+    EXPECT_THAT(core().logs(), ElementsAre(enter(), logs::failed(GetParam().failedCall), done()));
+    EXPECT_THAT(core().calls(), ElementsAre(calls::setTimeout(700)));
+    EXPECT_EQ(*GetParam().kept, 700U);
+}
+
+TEST_P(PositioningTimeoutTest, ASetToZeroLetsMovesRunForEver) {
+    set(GetParam().instance, NewValue::integer(0));
+    core().clearRecord();
+    positioning::continuousMovement(GetParam().axis, 0);
+    EXPECT_EQ(core().calls().back(), calls::run(GetParam().axis, 0, 0xFFFFFFFF));
+}
+
+TEST_P(PositioningTimeoutTest, ASetBoundsTheNextMove) {
+    set(GetParam().instance, NewValue::integer(700));
+    core().clearRecord();
+    positioning::continuousMovement(GetParam().axis, 0);
+    EXPECT_EQ(core().calls().back(), calls::run(GetParam().axis, 0, 700));
+}
+
+TEST_P(PositioningTimeoutTest, OnlyAnIntegerIsTaken) {
+    for (int type = 0; type <= 0xFF; ++type) {
+        const NewValue value{ASN_INTEGER, NewValue::integer(1).content};
+        core().clearRecord();
+        Request request(GetParam().instance, value);
+        // Set on the finished varbind, since the agent's library does not build varbinds of every type.
+        request.info()->requestvb->type = static_cast<unsigned char>(type);
+        const Answer answer = request.run(GetParam().handler, MODE_SET_RESERVE1);
+        request.info()->requestvb->type = ASN_INTEGER;
+        EXPECT_THAT(answer, isRefused(SNMP_ERR_NOERROR, type == ASN_INTEGER ? SNMP_ERR_NOERROR : SNMP_ERR_WRONGTYPE))
+            << type;
+        EXPECT_THAT(core().logs(), ElementsAre(enter(), done())) << type;
+    }
+}
+
+TEST_P(PositioningTimeoutTest, AValueAboveTheRangeIsRefused) {
+    for (const long value : {65536L, 65537L, 131072L, 2147483647L}) {
+        EXPECT_THAT(phase(MODE_SET_RESERVE2, NewValue::integer(value)),
+                    isRefused(SNMP_ERR_GENERR, SNMP_ERR_WRONGVALUE));
+        EXPECT_THAT(core().logs(),
+                    ElementsAre(enter(),
+                                logs::error(GetParam().name + ": "s + GetParam().word + " timeout (" +
+                                            std::to_string(value) + ") outside range 0-65535 milliseconds"),
+                                done()));
+    }
+    for (const long value : {65535L, 0L, -1L, -2147483648L}) {
+        EXPECT_THAT(phase(MODE_SET_RESERVE2, NewValue::integer(value)), isAccepted()) << value;
+        EXPECT_THAT(core().logs(), ElementsAre(enter(), done())) << value;
+    }
+    EXPECT_EQ(*GetParam().kept, 5000U);
+}
+
+TEST_P(PositioningTimeoutTest, ThePendingValueIsKeptApartUntilTheCommit) {
+    EXPECT_THAT(phase(MODE_SET_ACTION, NewValue::integer(0x12345)), isAccepted());
+    EXPECT_EQ(*GetParam().pending, 0x2345);
+    EXPECT_EQ(*GetParam().kept, 5000U);
+    EXPECT_THAT(phase(MODE_SET_COMMIT, NewValue::integer(9)), isAccepted());
+    EXPECT_EQ(*GetParam().kept, 0x2345U) << "the pending value counts, not the request's";
+    EXPECT_THAT(core().calls(), ElementsAre(calls::setTimeout(0x2345)));
+}
+
+TEST_P(PositioningTimeoutTest, AnUndoTakesTheKeptValueBack) {
+    for (const std::uint32_t kept : {5000U, 0U, 0x12345U, 0xFFFFFFFFU}) {
+        *GetParam().kept = kept;
+        setAndUndo(GetParam().instance, NewValue::integer(700));
+        EXPECT_EQ(*GetParam().pending, kept & 0xFFFFU);
+        EXPECT_EQ(*GetParam().kept, kept);
+    }
+    EXPECT_THAT(core().calls(), IsEmpty());
+}
+
+TEST_P(PositioningTimeoutTest, PhasesWithoutWorkDoNothing) {
+    *GetParam().pending = 77;
+    for (const int mode : Modes{MODE_GETNEXT, MODE_SET_FREE}) {
+        core().clearRecord();
+        const Answer answer = Request(GetParam().instance).run(GetParam().handler, mode);
+        EXPECT_THAT(answer, isAccepted()) << mode;
+        EXPECT_EQ(answer.type, ASN_NULL) << mode;
+        EXPECT_THAT(core().logs(), ElementsAre(enter(), done())) << mode;
+        EXPECT_THAT(core().calls(), IsEmpty()) << mode;
+    }
+    EXPECT_EQ(*GetParam().pending, 77);
+    EXPECT_EQ(*GetParam().kept, 5000U);
+}
+
+TEST_P(PositioningTimeoutTest, AnUnknownModeIsGenErrInBothWays) {
+    for (const int mode : kUnknownModes) {
+        core().clearRecord();
+        EXPECT_THAT(Request(GetParam().instance).run(GetParam().handler, mode),
+                    isRefused(SNMP_ERR_GENERR, SNMP_ERR_GENERR));
+        EXPECT_THAT(core().logs(),
+                    ElementsAre(enter(),
+                                logs::error(GetParam().name + ": unknown mode ("s + std::to_string(mode) + ")"),
+                                done()));
+    }
+}
+
+TEST_P(PositioningTimeoutTest, WithoutAConnectionTheValueChangesAllTheSame) {
+    positioning::gApiCookie = nullptr;
+    for (const std::uint32_t value : {0U, 700U}) {
+        phase(MODE_SET_ACTION, NewValue::integer(value));
+        EXPECT_THAT(phase(MODE_SET_COMMIT, NewValue::integer(value)), isAccepted());
+        EXPECT_EQ(*GetParam().kept, value);
+        // The zoom object never meets this, as it exists with a connection only.
+        if (GetParam().axis != positioning::kZoomAxis) {
+            EXPECT_THAT(core().calls(), IsEmpty());
+            EXPECT_THAT(core().logs(), ElementsAre(enter(), done()));
+        }
+    }
+}
