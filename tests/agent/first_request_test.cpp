@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "camera.h"
+#include "camera_agent.h"
 #include "golden_walk.h"
 #include "identity_objects.h"
 
@@ -14,13 +14,12 @@ namespace {
 using namespace harness;
 using namespace identity;
 
-/** A camera file with an identity and nothing else. */
-nlohmann::json cameraWith(const std::string &model, const std::string &firmware) {
+/** A camera with an identity and nothing else. */
+CameraFile cameraWith(const std::string &model, const std::string &firmware) {
     const nlohmann::json information = {
         {"model", model}, {"firmware", firmware}, {"hardware", "B7"}, {"serial", "SN0042"}};
-    return {{"name", "test"},
-            {"description", "a camera of one test"},
-            {"services", {{"device_information", {{"targets", {information}}}}}}};
+    const nlohmann::json services = {{"device_information", {{"targets", {information}}}}};
+    return CameraFile(services);
 }
 
 std::string answer(Manager &manager, const char *oid) {
@@ -35,8 +34,8 @@ std::string answer(Manager &manager, const char *oid) {
 } // namespace
 
 TEST(FirstRequest, TheCamerasOwnTextsReachTheManager) {
-    const TemporaryDirectory directory;
-    const Camera camera(directory.write("camera.json", cameraWith("Model of this test", "1.4.2-20200512").dump()));
+    const CameraFile file = cameraWith("Model of this test", "1.4.2-20200512");
+    const Camera camera(file.path);
     const Agent agent(withModule(camera.directory()));
     Manager manager(agent.peer());
     EXPECT_EQ(answer(manager, kModelNumber), "Model of this test");
@@ -48,8 +47,8 @@ TEST(FirstRequest, TheCamerasOwnTextsReachTheManager) {
 }
 
 TEST(FirstRequest, AnEmptyModelNameIsAnEmptyString) {
-    const TemporaryDirectory directory;
-    const Camera camera(directory.write("camera.json", cameraWith("", "1.4.2").dump()));
+    const CameraFile file = cameraWith("", "1.4.2");
+    const Camera camera(file.path);
     const Agent agent(withModule(camera.directory()));
     Manager manager(agent.peer());
     EXPECT_EQ(answer(manager, kModelNumber), "");

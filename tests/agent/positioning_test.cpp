@@ -2,9 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "camera_events.h"
+#include "camera_agent.h"
 #include "eventually.h"
-#include "identity_objects.h"
 #include "positioning_objects.h"
 
 namespace {
@@ -18,28 +17,12 @@ using testing::IsEmpty;
 
 constexpr const char *kTarget = "positioning/1";
 
-/** The dome with an agent, and a manager that may write. */
-class Positioning : public testing::Test {
+class Positioning : public CameraAgent {
 protected:
-    explicit Positioning(const std::string &camera = "dome")
-        : camera_(camera), agent_(withModule(camera_.directory())), manager_(agent_.peer()) {}
+    explicit Positioning(const std::string &camera = "dome") : CameraAgent(camera) {}
 
     json axis(const std::string &name) const {
         return targetState(camera_, kTarget).at(name);
-    }
-
-    std::string get(const char *oid) {
-        return valueText(manager_.get(oid).single());
-    }
-
-    void set(const char *oid, const std::string &command) {
-        const Result result = manager_.set({octets(oid, command)});
-        EXPECT_TRUE(result.ok()) << result;
-    }
-
-    void setInteger(const char *oid, std::int64_t value) {
-        const Result result = manager_.set(oid, Type::Integer, value);
-        EXPECT_TRUE(result.ok()) << result;
     }
 
     bool rests(const std::string &name) const {
@@ -63,29 +46,12 @@ protected:
         const bool resting = eventually(seconds(15), [&] { return rests(name); });
         return resting ? testing::AssertionSuccess() : testing::AssertionFailure() << name << ": " << axis(name);
     }
-
-    std::size_t logged(const std::string &text) const {
-        return agent_.moduleLog().count(text);
-    }
-
-    Camera camera_;
-    Agent agent_;
-    Manager manager_;
 };
 
 class FixedCameraPositioning : public Positioning {
 protected:
     FixedCameraPositioning() : Positioning("minimal") {}
 };
-
-/** The operations that commands of the module came to, in their order. */
-std::vector<std::string> operations(const CameraEvents &events) {
-    std::vector<std::string> names;
-    for (const json &event : events.matching({{"event", "command"}})) {
-        names.push_back(event.at("operation"));
-    }
-    return names;
-}
 
 } // namespace
 

@@ -19,7 +19,7 @@ void FindTargetsPatiently(const Service &service) {
     service.targets.clear();
     bool found = zorva::core::getTargetIds(service.name, service.targets);
     for (int retry = 0; !found && retry < kRetries; ++retry) {
-        sleep(kSecondsBetween);
+        sleep(kSecondsBetween); // NOLINT(concurrency-mt-unsafe): nobody here uses alarms
         found = zorva::core::getTargetIds(service.name, service.targets);
     }
 }

@@ -1,0 +1,51 @@
+#include "camera_agent.h"
+
+namespace harness {
+
+namespace {
+
+AgentOptions withCamera(AgentOptions options, const Camera &camera) {
+    const AgentOptions module = withModule(camera.directory());
+    options.module = module.module;
+    options.cameraDirectory = module.cameraDirectory;
+    options.environment.insert(module.environment.begin(), module.environment.end());
+    return options;
+}
+
+} // namespace
+
+CameraAgent::CameraAgent(const std::string &camera, const AgentOptions &agent)
+    : camera_(camera), agent_(withCamera(agent, camera_)), manager_(agent_.peer()) {}
+
+std::string CameraAgent::get(const std::string &oid) {
+    return valueText(manager_.get(oid).single());
+}
+
+void CameraAgent::set(const std::string &oid, const std::string &octets) {
+    const Result result = manager_.set({harness::octets(oid, octets)});
+    EXPECT_TRUE(result.ok()) << oid << ": " << result;
+}
+
+void CameraAgent::setInteger(const std::string &oid, std::int64_t value) {
+    const Result result = manager_.set(oid, Type::Integer, value);
+    EXPECT_TRUE(result.ok()) << oid << ": " << result;
+}
+
+std::size_t CameraAgent::logged(const std::string &text) const {
+    return agent_.moduleLog().count(text);
+}
+
+CameraFile::CameraFile(const nlohmann::json &services)
+    : path(directory.write(
+          "camera.json",
+          nlohmann::json{{"name", "test"}, {"description", "a camera of one test"}, {"services", services}}.dump())) {}
+
+std::vector<std::string> operations(const CameraEvents &events) {
+    std::vector<std::string> names;
+    for (const nlohmann::json &event : events.matching({{"event", "command"}})) {
+        names.push_back(event.at("operation"));
+    }
+    return names;
+}
+
+} // namespace harness

@@ -1,0 +1,65 @@
+/**
+ * @file
+ * What tests of a module with a running camera share.
+ */
+#ifndef QUARNSNMP_CAMERA_AGENT_H
+#define QUARNSNMP_CAMERA_AGENT_H
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "agent.h"
+#include "camera_events.h"
+
+namespace harness {
+
+/** A camera with an agent, and a manager that may write. */
+class CameraAgent : public testing::Test {
+protected:
+    /**
+     * Starts the camera and the agent.
+     * @param camera  name of a camera that comes with the project, or path of a camera file
+     * @param agent   how to start the agent; module and camera are added
+     */
+    explicit CameraAgent(const std::string &camera, const AgentOptions &agent = {});
+
+    /** Reads an object. @return its value as valueText() writes it */
+    std::string get(const std::string &oid);
+
+    /** Writes octets to an object; a refusal fails the test. */
+    void set(const std::string &oid, const std::string &octets);
+
+    /** Writes an integer to an object; a refusal fails the test. */
+    void setInteger(const std::string &oid, std::int64_t value);
+
+    /** How many lines of the module's log have a text. */
+    std::size_t logged(const std::string &text) const;
+
+    /** Runs the camera's control program, which must not refuse. */
+    template <typename... Texts>
+    void control(const Texts &...arguments) const {
+        const CommandResult result = camera_.control(std::vector<std::string>{std::string(arguments)...});
+        EXPECT_TRUE(result.status.clean()) << result.errors;
+    }
+
+    Camera camera_;
+    Agent agent_;
+    Manager manager_;
+};
+
+/** A camera file of one test. */
+struct CameraFile {
+    /** @param services  as in a camera file */
+    explicit CameraFile(const nlohmann::json &services);
+
+    TemporaryDirectory directory;
+    std::string path;
+};
+
+/** The operations that commands came to, in their order; those that only read are none. */
+std::vector<std::string> operations(const CameraEvents &events);
+
+} // namespace harness
+
+#endif

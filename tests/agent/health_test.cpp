@@ -1,0 +1,241 @@
+// Power, voltage and temperature, and the traps that tell of their changes. The agent's clock runs sixty times as fast,
+// so that the module polls once a second.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "camera_agent.h"
+#include "eventually.h"
+#include "trap_receiver.h"
+
+namespace {
+
+using namespace harness;
+using nlohmann::json;
+using std::chrono::seconds;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+const std::string kTemperature = ".1.3.6.1.4.1.99999.1.1.7.0";
+const std::string kPower = ".1.3.6.1.4.1.99999.1.1.8.0";
+const std::string kVoltage = ".1.3.6.1.4.1.99999.1.1.9.0";
+constexpr const char *kUpTime = ".1.3.6.1.2.1.1.3.0";
+constexpr const char *kTrapOid = ".1.3.6.1.6.3.1.1.4.1.0";
+
+std::string instance(const std::string &oid) {
+    return oid + ".0";
+}
+
+class Health : public CameraAgent {
+protected:
+    Health() : CameraAgent("dome") {}
+};
+
+/** A receiver, and an agent that sends its traps there. */
+struct Receiver {
+    explicit Receiver(bool daemonised) {
+        agent.fakeTime = "+0 x60";
+        agent.daemonised = daemonised;
+        agent.configuration = {receiver.configurationLine()};
+    }
+    TrapReceiver receiver;
+    AgentOptions agent;
+};
+
+/** An operation that a poll reads with, and what the camera's sensor shows. */
+struct Sensor {
+    const char *service;
+    const char *field;
+    const char *operation;
+};
+
+const Sensor kPowerSensor = {"power", "powerState", "get_power_state_send"};
+const Sensor kVoltageSensor = {"power", "voltageState", "get_voltage_state_send"};
+const Sensor kTemperatureSensor = {"temperature", "temperature", "get_temperature_send"};
+
+/** Value of a trap's object, with the object. */
+using Sent = std::pair<std::string, std::int64_t>;
+
+class HealthTraps : protected Receiver, public CameraAgent {
+protected:
+    explicit HealthTraps(bool daemonised = false)
+        : Receiver(daemonised), CameraAgent("dome", agent), events_(camera_) {}
+
+    static std::string target(const Sensor &sensor) {
+        return std::string(sensor.service) + "/1";
+    }
+
+    void set(const Sensor &sensor, int value) const {
+        setField(camera_, target(sensor), sensor.field, value);
+    }
+
+    std::size_t faults(const Sensor &sensor) const {
+        return events_.matching({{"event", "fault"}, {"operation", sensor.operation}}).size();
+    }
+
+    /** Waits until polls have met so many faults more. */
+    void awaitFaults(const Sensor &sensor, std::size_t count) const {
+        const std::size_t before = faults(sensor);
+        ASSERT_TRUE(eventually(seconds(20), [&] { return faults(sensor) >= before + count; })) << sensor.operation;
+    }
+
+    /** Waits until a poll has read what the sensor shows now; an answer that comes a little late tells of it. */
+    void awaitPoll(const Sensor &sensor) const {
+        const std::size_t before = faults(sensor);
+        control("delay", sensor.service, sensor.operation, "1");
+        ASSERT_TRUE(eventually(seconds(20), [&] { return faults(sensor) > before; })) << sensor.operation;
+    }
+
+    void pollWith(const Sensor &sensor, int value) const {
+        set(sensor, value);
+        awaitPoll(sensor);
+    }
+
+    /** The module's traps so far, in their order. */
+    std::vector<Sent> sent() const {
+        std::vector<Sent> result;
+        for (const Trap &trap : receiver.traps()) {
+            if (isBelow(trap.notification(), ".1.3.6.1.4.1.99999")) {
+                EXPECT_THAT(trap.variables, SizeIs(3)) << trap;
+                result.emplace_back(trap.variables.back().oid, trap.variables.back().number);
+            }
+        }
+        return result;
+    }
+
+    /** Waits until a trap has come; then all before it have. */
+    testing::AssertionResult arrives(const Sent &last) const {
+        const bool there = eventually(seconds(20), [&] {
+            const std::vector<Sent> now = sent();
+            return !now.empty() && now.back() == last;
+        });
+        return there ? testing::AssertionSuccess() : testing::AssertionFailure() << testing::PrintToString(sent());
+    }
+
+    CameraEvents events_;
+};
+
+class DaemonHealthTraps : public HealthTraps {
+protected:
+    DaemonHealthTraps() : HealthTraps(true) {}
+};
+
+} // namespace
+
+TEST_F(Health, TheSensorsAreReadForEveryRequest) {
+    setField(camera_, "power/1", "powerState", 2);
+    setField(camera_, "power/1", "voltageState", 3);
+    setField(camera_, "temperature/1", "temperature", 42999);
+    EXPECT_EQ(get(instance(kPower)), "2");
+    EXPECT_EQ(get(instance(kVoltage)), "3");
+    EXPECT_EQ(get(instance(kTemperature)), "42");
+    setField(camera_, "temperature/1", "temperature", -1500);
+    EXPECT_EQ(manager_.get(instance(kTemperature)).single().number, 4294967295);
+    EXPECT_EQ(manager_.get(instance(kTemperature)).single().type, Type::Gauge32);
+}
+
+TEST_F(Health, AServiceThatFailsFailsTheRequest) {
+    control("fail", "power", "get_voltage_state_send", "1");
+    EXPECT_EQ(manager_.get(instance(kVoltage)).error, ErrorStatus::GenErr);
+    EXPECT_EQ(get(instance(kVoltage)), "0");
+    control("down", "temperature");
+    EXPECT_EQ(manager_.get(instance(kTemperature)).error, ErrorStatus::GenErr);
+    EXPECT_EQ(logged("zorva_api_power_get_voltage_state_send sensor 0 failed"), 1U);
+    EXPECT_EQ(logged("zorva_api_temperature_get_temperature_send sensor 0 failed"), 1U);
+    control("up", "temperature");
+    EXPECT_EQ(get(instance(kTemperature)), "31");
+}
+
+TEST_F(Health, NothingCanBeWritten) {
+    for (const std::string &oid : {kPower, kVoltage, kTemperature}) {
+        EXPECT_EQ(manager_.set(instance(oid), Type::Integer, 1).error, ErrorStatus::NotWritable) << oid;
+    }
+}
+
+TEST_F(HealthTraps, EveryChangeOfPowerAndVoltageIsTold) {
+    awaitPoll(kPowerSensor);
+    awaitPoll(kVoltageSensor);
+    EXPECT_THAT(sent(), IsEmpty()) << "the first reading has nothing to compare with";
+    pollWith(kPowerSensor, 1);
+    pollWith(kPowerSensor, 1);
+    pollWith(kPowerSensor, 2);
+    pollWith(kVoltageSensor, 9);
+    EXPECT_TRUE(arrives({kVoltage, 9}));
+    EXPECT_THAT(sent(), ElementsAre(Sent{kPower, 1}, Sent{kPower, 2}, Sent{kVoltage, 9}));
+    EXPECT_EQ(logged("PollPower: trap triggered for power 2 -> 2"), 1U);
+    EXPECT_EQ(logged("PollPower: trap triggered for voltage 9 -> 9"), 1U);
+}
+
+TEST_F(HealthTraps, ATrapHasItsVarbindsInOrder) {
+    awaitPoll(kPowerSensor);
+    pollWith(kPowerSensor, 5);
+    ASSERT_TRUE(arrives({kPower, 5}));
+    const Trap trap = receiver.traps().back();
+    ASSERT_THAT(trap.variables, SizeIs(3)) << trap;
+    EXPECT_EQ(trap.variables[0].oid, kUpTime);
+    EXPECT_EQ(trap.variables[1].oid, kTrapOid);
+    EXPECT_EQ(trap.variables[1].octets, kPower);
+    EXPECT_EQ(trap.variables[2].oid, kPower) << "the object, without the instance";
+    EXPECT_EQ(trap.variables[2].type, Type::Gauge32);
+}
+
+TEST_F(HealthTraps, TheTemperatureIsToldWhenItHasMovedByMoreThanTwoDegrees) {
+    pollWith(kTemperatureSensor, 40000);
+    awaitPoll(kTemperatureSensor);
+    const std::size_t warming = sent().size(); // the camera may have been polled before it was warm
+    pollWith(kTemperatureSensor, 42000);
+    pollWith(kTemperatureSensor, 42999);
+    pollWith(kTemperatureSensor, 43000);
+    pollWith(kTemperatureSensor, -1500);
+    pollWith(kTemperatureSensor, 1000);
+    pollWith(kTemperatureSensor, 2000);
+    EXPECT_TRUE(arrives({kTemperature, 2}));
+    std::vector<Sent> traps = sent();
+    traps.erase(traps.begin(), traps.begin() + static_cast<std::ptrdiff_t>(warming));
+    EXPECT_THAT(traps, ElementsAre(Sent{kTemperature, 43}, Sent{kTemperature, 4294967295}, Sent{kTemperature, 2}));
+    EXPECT_EQ(logged("PollTemperature: trap triggered for temp 40 -> 43"), 1U);
+    EXPECT_EQ(logged("PollTemperature: trap triggered for temp 43 -> -1"), 1U);
+}
+
+TEST_F(HealthTraps, WhatCannotBeReadIsNotTold) {
+    awaitPoll(kTemperatureSensor);
+    control("fail", "temperature", "get_temperature_send", "1", "--always");
+    set(kTemperatureSensor, 60000);
+    awaitFaults(kTemperatureSensor, 2);
+    set(kTemperatureSensor, 31500);
+    control("clear");
+    awaitPoll(kTemperatureSensor);
+    pollWith(kTemperatureSensor, 50000);
+    EXPECT_TRUE(arrives({kTemperature, 50}));
+    EXPECT_THAT(sent(), SizeIs(1));
+}
+
+TEST_F(HealthTraps, AServiceThatWasAwayIsPolledAgain) {
+    awaitPoll(kPowerSensor);
+    control("down", "power");
+    EXPECT_TRUE(eventually(seconds(20), [&] { return logged("get_power_state_send sensor 0 failed") > 1; }));
+    set(kPowerSensor, 4);
+    control("up", "power");
+    EXPECT_TRUE(arrives({kPower, 4}));
+    EXPECT_THAT(sent(), SizeIs(1));
+}
+
+TEST_F(HealthTraps, TheyGoOnAfterAReload) {
+    awaitPoll(kPowerSensor);
+    agent_.hup();
+    awaitPoll(kPowerSensor);
+    pollWith(kPowerSensor, 7);
+    EXPECT_TRUE(arrives({kPower, 7}));
+    EXPECT_THAT(sent(), SizeIs(1)) << "the first reading after the reload is not told";
+}
+
+TEST_F(DaemonHealthTraps, TheyComeFromADaemonAndAfterItsReload) {
+    awaitPoll(kPowerSensor);
+    pollWith(kPowerSensor, 1);
+    EXPECT_TRUE(arrives({kPower, 1}));
+    agent_.hup();
+    awaitPoll(kPowerSensor);
+    pollWith(kPowerSensor, 2);
+    EXPECT_TRUE(arrives({kPower, 2}));
+    EXPECT_THAT(sent(), SizeIs(2));
+}
