@@ -55,11 +55,13 @@ TEST(FirstRequest, AnEmptyModelNameIsAnEmptyString) {
     EXPECT_EQ(answer(manager, kModelName), "");
 }
 
-TEST(FirstRequest, TheDomeAnswersAsRecorded) {
-    const Camera camera("dome");
-    const Agent agent(withModule(camera.directory()));
-    Manager manager(agent.peer());
-    EXPECT_TRUE(matchesGoldenWalk(manager, ".1.3.6.1.4.1", "dome"));
+TEST(FirstRequest, CamerasAnswerAsRecorded) {
+    for (const char *name : {"dome", "minimal"}) {
+        const Camera camera(name);
+        const Agent agent(withModule(camera.directory()));
+        Manager manager(agent.peer());
+        EXPECT_TRUE(matchesGoldenWalk(manager, ".1.3.6.1.4.1", name)) << name;
+    }
 }
 
 TEST(FirstRequest, EveryCameraHasAnIdentity) {

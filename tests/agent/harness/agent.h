@@ -23,7 +23,8 @@ namespace harness {
 
 /** How to start an agent. */
 struct AgentOptions {
-    std::string module; ///< path of the module to load; empty loads none
+    std::string module;                   ///< path of the module to load; empty loads none
+    std::string moduleName = "quarnsnmp"; ///< after which its entry points are named
     std::string cameraDirectory;
     bool daemonised = false;                     ///< let it leave its parent after its start, as a service does
     bool showModules = false;                    ///< let managers read the agent's own table of loadable modules

@@ -27,7 +27,7 @@ std::string agentConfiguration(const AgentOptions &options, std::uint16_t port) 
         text += line + "\n";
     }
     if (!options.module.empty()) {
-        text += "dlmod quarnsnmp " + options.module + "\n";
+        text += "dlmod " + options.moduleName + " " + options.module + "\n";
     }
     return text;
 }

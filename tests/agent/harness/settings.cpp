@@ -53,6 +53,10 @@ std::string coreLibraryPath() {
     return HARNESS_CORE_LIBRARY;
 }
 
+std::string burstModulePath() {
+    return HARNESS_BURST_MODULE;
+}
+
 std::string guardianPath() {
     return HARNESS_GUARDIAN;
 }

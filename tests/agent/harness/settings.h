@@ -32,6 +32,9 @@ std::string controlPath();
 /** The stand-in core library of this build; empty when it has none. */
 std::string coreLibraryPath();
 
+/** The module that sends traps by the thousand. */
+std::string burstModulePath();
+
 /** The program that keeps hold of an agent that runs as a daemon. */
 std::string guardianPath();
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <stdexcept>
 #include <utility>
 
@@ -116,10 +117,11 @@ std::ostream &operator<<(std::ostream &stream, const Trap &trap) {
     return stream;
 }
 
-TrapReceiver::TrapReceiver() : port_(std::make_unique<ReservedPort>()) {
+TrapReceiver::TrapReceiver(Transport transport)
+    : port_(transport == Transport::Datagram ? std::make_unique<ReservedPort>() : nullptr) {
     // Octets in hexadecimal and without line breaks, times as numbers, identifiers in full, tabs between varbinds:
     // only so can a line be taken apart whatever the values are.
-    const std::string configuration = directory_.write("snmptrapd.conf", "snmpTrapdAddr udp:" + peer() +
+    const std::string configuration = directory_.write("snmptrapd.conf", "snmpTrapdAddr " + peer() +
                                                                              "\n"
                                                                              "disableAuthorization yes\n"
                                                                              "[snmp] hexOutputLength 0\n");
@@ -132,16 +134,23 @@ TrapReceiver::TrapReceiver() : port_(std::make_unique<ReservedPort>()) {
                 {"MIBDIRS", directory_.path()}},
                directory_.file("receiver.out"),
                directory_.file("receiver.err")});
-    eventually(std::chrono::seconds(20),
-               [this] { return ReservedPort::isBound(port_->number()) || !process_->running(); });
-    if (!process_->running() || !ReservedPort::isBound(port_->number())) {
+    eventually(std::chrono::seconds(20), [this] { return isReachable() || !process_->running(); });
+    if (!process_->running() || !isReachable()) {
         throw std::runtime_error("the trap receiver does not start\n" + log().tail(20) +
                                  LogFile(directory_.file("receiver.err")).tail(20));
     }
 }
 
+std::string TrapReceiver::socketPath() const {
+    return directory_.file("traps.socket");
+}
+
+bool TrapReceiver::isReachable() const {
+    return port_ ? ReservedPort::isBound(port_->number()) : std::filesystem::exists(socketPath());
+}
+
 std::string TrapReceiver::peer() const {
-    return "127.0.0.1:" + std::to_string(port_->number());
+    return port_ ? "127.0.0.1:" + std::to_string(port_->number()) : "unix:" + socketPath();
 }
 
 std::string TrapReceiver::configurationLine() const {

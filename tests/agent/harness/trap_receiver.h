@@ -36,13 +36,19 @@ struct Trap {
 /** Lets the test framework print notifications. */
 std::ostream &operator<<(std::ostream &stream, const Trap &trap);
 
-/** Net-SNMP's trap receiver on a free port of the loopback interface. */
+/** Net-SNMP's trap receiver. */
 class TrapReceiver {
 public:
-    /** Starts it and waits until its port is open. @throws std::runtime_error when it does not get there */
-    TrapReceiver();
+    /** How it is reached. */
+    enum class Transport {
+        Datagram, ///< a free UDP port of the loopback interface
+        Stream    ///< a local socket, of which nothing is lost when many come at once
+    };
 
-    /** The agent's address for notifications, as HOST:PORT. */
+    /** Starts it and waits until it is there. @throws std::runtime_error when it does not get there */
+    explicit TrapReceiver(Transport transport = Transport::Datagram);
+
+    /** The agent's address for notifications. */
     std::string peer() const;
 
     /** Line of the agent's configuration that makes it send SNMPv2c traps here. */
@@ -60,9 +66,11 @@ public:
 
 private:
     LogFile log() const;
+    std::string socketPath() const;
+    bool isReachable() const;
 
     TemporaryDirectory directory_;
-    std::unique_ptr<ReservedPort> port_;
+    std::unique_ptr<ReservedPort> port_; ///< null with a local socket
     std::unique_ptr<Process> process_;
 };
 
