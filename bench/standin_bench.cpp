@@ -150,6 +150,8 @@ void getNineValues(benchmark::State &state, const Session &session) {
 void setOneValue(benchmark::State &state, const Session &session) {
     void *const cookie = session.open(&zorva_api_relay_initiator_init);
     const std::string target = Session::target("relay");
+    // A relay is switched only after it has been set up.
+    expectSuccess(zorva_api_relay_set_configuration_send(cookie, target.c_str(), 1, 0, 1, 0, 1, 1, 1));
     uint8_t wanted = 0;
     measure(state, [&] {
         wanted ^= 1U;

@@ -2,12 +2,15 @@
  * @file
  * The control program of the simulated camera.
  */
+#include "command_text.h"
 #include "control_client.h"
+#include "scenario.h"
 #include "wire.h"
 
+#include <chrono>
 #include <exception>
-#include <functional>
 #include <iostream>
+#include <optional>
 
 #include <CLI/CLI.hpp>
 
@@ -22,12 +25,9 @@ constexpr int kUsageError = 2;
 struct Request {
     std::string directory = wire::socketDirectory();
     json command = json::object();
-    std::string done; ///< what to say when it is done
+    std::string scenario; ///< name or path of the scenario to play; empty for a single command
+    double speed = 1.0;   ///< of the scenario
 };
-
-std::string printable(const json &value, int indent) {
-    return value.dump(indent, ' ', false, json::error_handler_t::replace);
-}
 
 /** Holds the texts of a subcommand's arguments until the command line is read. */
 struct Arguments {
@@ -49,13 +49,6 @@ json valueOf(const std::string &text) {
 
 json timesOf(const Arguments &arguments) {
     return arguments.always ? json("always") : json(arguments.times);
-}
-
-std::string timesText(const Arguments &arguments) {
-    if (arguments.always) {
-        return "always";
-    }
-    return arguments.times == 1 ? "once" : std::to_string(arguments.times) + " times";
 }
 
 void addTimes(CLI::App *command, Arguments &arguments) {
@@ -84,10 +77,10 @@ void addSet(CLI::App &app, Request &request, Arguments &arguments) {
     set->add_option("FIELD", arguments.field, "Field such as state or pan.position")->required();
     set->add_option("VALUE", arguments.value, "JSON, or else a text")->required();
     set->callback([&request, &arguments] {
-        const json value = valueOf(arguments.value);
-        request.command = {
-            {"command", "set"}, {"target", arguments.target}, {"field", arguments.field}, {"value", value}};
-        request.done = arguments.target + " " + arguments.field + " is " + printable(value, -1);
+        request.command = {{"command", "set"},
+                           {"target", arguments.target},
+                           {"field", arguments.field},
+                           {"value", valueOf(arguments.value)}};
     });
 }
 
@@ -99,7 +92,6 @@ void addSwitches(CLI::App &app, Request &request, Arguments &arguments) {
         command->add_option("SERVICE", arguments.service, "Name of a service")->required();
         command->callback([&request, &arguments, name] {
             request.command = {{"command", name}, {"service", arguments.service}};
-            request.done = arguments.service + " is " + name;
         });
     }
 }
@@ -115,8 +107,6 @@ void addFaults(CLI::App &app, Request &request, Arguments &arguments) {
                            {"operation", arguments.operation},
                            {"status", arguments.number},
                            {"times", timesOf(arguments)}};
-        request.done = arguments.service + " " + arguments.operation + " fails with status " +
-                       std::to_string(arguments.number) + ", " + timesText(arguments);
     });
 
     CLI::App *delay = app.add_subcommand("delay", "Hold back an operation's answer");
@@ -129,8 +119,6 @@ void addFaults(CLI::App &app, Request &request, Arguments &arguments) {
                            {"operation", arguments.operation},
                            {"milliseconds", arguments.number},
                            {"times", timesOf(arguments)}};
-        request.done = arguments.service + " " + arguments.operation + " answers " + std::to_string(arguments.number) +
-                       " ms late, " + timesText(arguments);
     });
 }
 
@@ -140,14 +128,28 @@ void addClear(CLI::App &app, Request &request, Arguments &arguments) {
     clear->add_option("OPERATION", arguments.operation, "Only those for this operation, or for *");
     clear->callback([&request, &arguments] {
         request.command = {{"command", "clear"}};
-        request.done = "no failures and delays";
         if (!arguments.service.empty()) {
             request.command["service"] = arguments.service;
-            request.done += " for " + arguments.service;
         }
         if (!arguments.operation.empty()) {
             request.command["operation"] = arguments.operation;
-            request.done += " " + arguments.operation;
+        }
+    });
+}
+
+void addPlay(CLI::App &app, Request &request) {
+    CLI::App *play = app.add_subcommand("play", "Play a scenario: control commands at certain times");
+    play->add_option("SCENARIO", request.scenario, "Name of a scenario that comes with the program, or path of a file")
+        ->type_name("NAME|FILE")
+        ->required();
+    play->add_option("--speed", request.speed, "How many seconds of the scenario pass in a second")
+        ->type_name("FACTOR")
+        ->capture_default_str();
+    play->callback([&request] {
+        constexpr double kSlowest = 1e-3;
+        constexpr double kFastest = 1e6;
+        if (!(request.speed >= kSlowest && request.speed <= kFastest)) {
+            throw CLI::ValidationError("--speed", "expected a number from 0.001 to 1000000");
         }
     });
 }
@@ -159,19 +161,40 @@ int follow(camera::ControlClient &client, const std::string &directory) {
     throw camera::ControlError("the camera in " + directory + " has ended");
 }
 
+json executeOrThrow(camera::ControlClient &client, const json &command) {
+    json answer = client.execute(command);
+    if (const std::optional<std::string> refusal = camera::refusalIn(answer)) {
+        throw camera::ControlError(*refusal);
+    }
+    return answer;
+}
+
+int playScenario(const Request &request) {
+    using Clock = std::chrono::steady_clock;
+    camera::Scenario scenario = camera::readScenarioFile(
+        camera::findNamedFile("scenario", request.scenario, camera::shippedDirectory("scenarios")));
+    camera::ControlClient client(request.directory);
+    camera::rehearse(scenario, executeOrThrow(client, {{"command", "state"}}).at("state"));
+    std::cout << scenario.name << ": " << scenario.description << std::endl;
+    const Clock::time_point start = Clock::now();
+    camera::play(scenario, request.speed,
+                 {[&](double seconds) {
+                      client.waitUntil(start +
+                                       std::chrono::ceil<Clock::duration>(std::chrono::duration<double>(seconds)));
+                  },
+                  [&](const json &command) { return client.execute(command); }, std::cout});
+    std::cout << scenario.name << " has been played" << std::endl;
+    return 0;
+}
+
 int execute(const Request &request) {
     camera::ControlClient client(request.directory);
-    const json answer = client.execute(request.command);
-    if (answer.value("ok", json()) != true) {
-        const json error = answer.value("error", json("the camera refuses without a reason"));
-        std::cerr << "quarnsnmp-camctl: " << (error.is_string() ? error.get<std::string>() : printable(error, -1))
-                  << '\n';
-        return kRefused;
-    }
+    const json answer = executeOrThrow(client, request.command);
     if (request.command["command"] == "follow") {
         return follow(client, request.directory);
     }
-    std::cout << (answer.contains("state") ? printable(answer["state"], 2) : request.done) << '\n';
+    std::cout << (answer.contains("state") ? camera::printable(answer["state"], 2) : camera::doneText(request.command))
+              << '\n';
     return 0;
 }
 
@@ -191,6 +214,7 @@ int run(int argc, char **argv) {
     addSwitches(app, request, arguments);
     addFaults(app, request, arguments);
     addClear(app, request, arguments);
+    addPlay(app, request);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
@@ -200,7 +224,7 @@ int run(int argc, char **argv) {
         std::cerr << "quarnsnmp-camctl: " << error.what() << "\nRun with --help for more information.\n";
         return kUsageError;
     }
-    return execute(request);
+    return request.scenario.empty() ? execute(request) : playScenario(request);
 }
 
 } // namespace

@@ -5,12 +5,13 @@
 #include "camera_file.h"
 #include "camera_server.h"
 #include "event_loop.h"
+#include "presets_file.h"
 #include "wire.h"
 
 #include <csignal>
 #include <exception>
-#include <filesystem>
 #include <iostream>
+#include <optional>
 
 #include <CLI/CLI.hpp>
 #include <boost/asio/signal_set.hpp>
@@ -20,26 +21,20 @@ namespace {
 constexpr int kStartError = 1;
 constexpr int kUsageError = 2;
 
-/** The camera files lie at the same place relative to the program in the build tree and when installed. */
-std::string cameraDirectory() {
-    std::error_code error;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return (program.parent_path().parent_path() / "share/quarnsnmp/cameras").string();
-}
-
 int listCameras() {
     int status = 0;
-    const std::vector<camera::CameraFile> files = camera::cameraFiles(cameraDirectory());
+    const std::string directory = camera::shippedDirectory("cameras");
+    const std::vector<camera::NamedFile> files = camera::namedFiles(directory);
     if (files.empty()) {
-        throw camera::CameraFileError("no cameras in " + cameraDirectory());
+        throw camera::FileError("no cameras in " + directory);
     }
-    for (const camera::CameraFile &file : files) {
+    for (const camera::NamedFile &file : files) {
         try {
             const std::string description = camera::readCameraFile(file.path).description;
-            constexpr std::size_t kColumn = 10;
+            constexpr std::size_t kColumn = 11;
             const std::size_t gap = file.name.size() < kColumn ? kColumn - file.name.size() : 1;
             std::cout << file.name << std::string(gap, ' ') << description << '\n';
-        } catch (const camera::CameraFileError &error) {
+        } catch (const camera::FileError &error) {
             std::cerr << "quarnsnmp-camera: " << error.what() << '\n';
             status = kStartError;
         }
@@ -47,10 +42,26 @@ int listCameras() {
     return status;
 }
 
-void runCamera(const std::string &nameOrPath, const std::string &directory) {
-    camera::CameraDescription description = camera::readCameraFile(camera::findCamera(nameOrPath, cameraDirectory()));
+/** What the command line says of the camera to run. */
+struct Options {
+    std::string camera = "dome";
+    std::string directory = wire::socketDirectory();
+    std::string presets; ///< file of the presets; empty for none
+};
+
+void complain(const std::string &line) {
+    std::cerr << "quarnsnmp-camera: " << line << std::endl;
+}
+
+void runCamera(const Options &options) {
+    camera::CameraDescription description =
+        camera::readCameraFile(camera::findNamedFile("camera", options.camera, camera::shippedDirectory("cameras")));
     camera::CameraModel model(std::move(description.name), std::move(description.description),
                               std::move(description.services));
+    std::optional<camera::PresetsFile> presets;
+    if (!options.presets.empty()) {
+        presets.emplace(model, options.presets, complain);
+    }
     // Whoever reads the output may leave once the camera is ready.
     std::signal(SIGPIPE, SIG_IGN);
     boost::asio::io_context io(1);
@@ -60,25 +71,28 @@ void runCamera(const std::string &nameOrPath, const std::string &directory) {
             io.stop();
         }
     });
-    const camera::SocketDirectory sockets(directory);
-    camera::CameraServer server(io, model, sockets);
+    const camera::SocketDirectory sockets(options.directory);
+    camera::CameraServer server(io, model, sockets, complain);
     server.open();
-    std::cout << "camera " << model.name() << " ready in " << directory << std::endl;
+    std::cout << "camera " << model.name() << " ready in " << options.directory << std::endl;
     camera::runPolling(io);
     server.close();
 }
 
 int run(int argc, char **argv) {
-    std::string name = "dome";
-    std::string directory = wire::socketDirectory();
+    Options options;
     bool list = false;
     CLI::App app("Simulated camera: plays the camera's services over Unix-domain sockets.", "quarnsnmp-camera");
-    app.add_option("--camera", name, "Name of a camera (see --list), or path of a camera file")
+    app.add_option("--camera", options.camera, "Name of a camera (see --list), or path of a camera file")
         ->type_name("NAME|FILE")
         ->capture_default_str();
-    app.add_option("--directory", directory, "Directory of the sockets; QUARNSNMP_CAMERA_DIR sets another default")
+    app.add_option("--directory", options.directory,
+                   "Directory of the sockets; QUARNSNMP_CAMERA_DIR sets another default")
         ->type_name("DIR")
         ->capture_default_str();
+    app.add_option("--presets", options.presets, "File that keeps the presets; without it they end with the camera")
+        ->type_name("FILE")
+        ->check(CLI::Validator([](const std::string &file) { return file.empty() ? "no file" : ""; }, ""));
     app.add_flag("--list", list, "List the cameras that have a name, and end");
     app.set_version_flag("--version", std::string("quarnsnmp-camera ") + QUARNSNMP_VERSION);
     try {
@@ -93,7 +107,7 @@ int run(int argc, char **argv) {
     if (list) {
         return listCameras();
     }
-    runCamera(name, directory);
+    runCamera(options);
     return 0;
 }
 

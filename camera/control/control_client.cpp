@@ -79,6 +79,18 @@ std::optional<std::string> ControlClient::nextLine() {
     return readLine(std::nullopt);
 }
 
+void ControlClient::waitUntil(Clock::time_point time) const {
+    // One poll cannot wait as long as a scenario can.
+    constexpr std::chrono::milliseconds kLongest = std::chrono::hours(1);
+    for (Clock::time_point now = Clock::now(); now < time; now = Clock::now()) {
+        const auto left = std::min(std::chrono::ceil<std::chrono::milliseconds>(time - now), kLongest);
+        pollfd entry{socket_, POLLIN, 0};
+        if (poll(&entry, 1, static_cast<int>(left.count())) > 0) {
+            throw ControlError("the camera in " + directory_ + " has ended");
+        }
+    }
+}
+
 void ControlClient::sendAll(const std::string &text, const Deadline &deadline) {
     std::size_t sent = 0;
     while (sent < text.size()) {

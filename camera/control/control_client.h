@@ -35,6 +35,9 @@ public:
     /** Sends a command and waits for its answer, an object. @throws ControlError */
     nlohmann::json execute(const nlohmann::json &command);
 
+    /** Waits until a time, with no command under way. @throws ControlError at once when the camera ends before */
+    void waitUntil(std::chrono::steady_clock::time_point time) const;
+
     /** Waits for the next line, for ever. @return nothing when the camera is gone @throws ControlError */
     std::optional<std::string> nextLine();
 

@@ -125,6 +125,7 @@ const ControlDesk::Command &ControlDesk::findCommand(const nlohmann::json &comma
 }
 
 nlohmann::json ControlDesk::state() {
+    model_.advance();
     nlohmann::json services = nlohmann::json::object();
     for (const auto &[name, service] : model_.services()) {
         nlohmann::json targets = nlohmann::json::object();
@@ -136,6 +137,7 @@ nlohmann::json ControlDesk::state() {
     return {{"camera", model_.name()},
             {"description", model_.description()},
             {"time", model_.events().seconds()},
+            {"rebooting", model_.isRestarting()},
             {"services", std::move(services)},
             {"failures", faults_.failures().list("status")},
             {"delays", faults_.delays().list("milliseconds")}};
@@ -156,22 +158,14 @@ void ControlDesk::set(const nlohmann::json &command, nlohmann::json & /*answer*/
 }
 
 void ControlDesk::takeDown(const nlohmann::json &command, nlohmann::json & /*answer*/) {
-    const std::string name = service(command);
-    if (services_.isUp(name)) {
-        services_.takeDown(name);
-        model_.events().publish("service_down", {{"service", name}});
-    }
+    services_.takeDown(service(command));
 }
 
 void ControlDesk::bringUp(const nlohmann::json &command, nlohmann::json & /*answer*/) {
     const std::string name = service(command);
-    if (services_.isUp(name)) {
-        return;
-    }
     if (const std::optional<std::string> error = services_.bringUp(name)) {
         throw Refusal("cannot bring up " + name + ": " + *error);
     }
-    model_.events().publish("service_up", {{"service", name}});
 }
 
 void ControlDesk::fail(const nlohmann::json &command, nlohmann::json & /*answer*/) {

@@ -7,7 +7,7 @@
 
 #include "camera_model.h"
 #include "faults.h"
-#include "service_switch.h"
+#include "service_keeper.h"
 
 #include <stdexcept>
 
@@ -25,7 +25,7 @@ struct ControlReply {
 /** Checks and executes control commands. A command that is refused has changed nothing. */
 class ControlDesk {
 public:
-    ControlDesk(CameraModel &model, Faults &faults, ServiceSwitch &services)
+    ControlDesk(CameraModel &model, Faults &faults, ServiceKeeper &services)
         : model_(model), faults_(faults), services_(services) {}
 
     /** Executes a command line, given without its newline. Every line has an answer. */
@@ -66,7 +66,7 @@ private:
 
     CameraModel &model_;
     Faults &faults_;
-    ServiceSwitch &services_;
+    ServiceKeeper &services_;
 };
 
 } // namespace camera

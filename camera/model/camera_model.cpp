@@ -24,6 +24,8 @@ CameraModel::CameraModel(std::string name, std::string description, Services ser
             }
         }
     }
+    startTargets();
+    schedule();
 }
 
 std::vector<std::string> CameraModel::serviceNames() const {
@@ -58,7 +60,9 @@ Answer CameraModel::call(std::string_view service, const nlohmann::json &request
     Answer answer;
     const Service *found = this->service(service);
     const TargetPlace *target = request[1].is_string() ? place(request[1].get_ref<const std::string &>()) : nullptr;
-    if (found == nullptr || !found->hasOperation(operation)) {
+    if (restarting_) {
+        answer.status = wire::kServiceDown;
+    } else if (found == nullptr || !found->hasOperation(operation)) {
         answer.status = wire::kUnknownOperation;
     } else if (target == nullptr || target->service != found) {
         answer.status = wire::kUnknownTarget;
@@ -109,8 +113,8 @@ std::optional<Problem> CameraModel::set(const std::string &target, const std::st
     found->service->advance(*this, found->index);
     inCommand_ = events_.heard();
     remember(*found->service, found->index);
-    inCommand_ = false;
     std::optional<Problem> problem = found->service->set(*this, found->index, key, value);
+    inCommand_ = false;
     if (problem) {
         problem->path = target + (problem->path.empty() ? "" : " " + problem->path);
     }
@@ -130,6 +134,53 @@ nlohmann::json CameraModel::state(const std::string &target) {
     return nested(found->service->values(found->index));
 }
 
+void CameraModel::keep(const std::string &target) {
+    if (const TargetPlace *found = place(target)) {
+        found->service->keep(found->index);
+    }
+}
+
+void CameraModel::restart(double seconds) {
+    restartStep_ = now_;
+    restartEnd_ = now_ + seconds;
+}
+
+void CameraModel::advanceRestart() {
+    // Only one step at a time: whoever meets the first one finds the camera away, however short the restart is.
+    restarting_ = !restarting_;
+    restartStep_ = restarting_ ? restartEnd_ : kNever;
+    if (restarting_) {
+        loseWhatARestartLoses();
+    }
+    if (onRestart_) {
+        onRestart_(restarting_);
+    }
+    if (!restarting_) {
+        startTargets();
+    }
+}
+
+void CameraModel::startTargets() {
+    for (const TargetPlace &each : withTimeCourse_) {
+        each.service->start(*this, each.index);
+    }
+    publishReports();
+}
+
+void CameraModel::loseWhatARestartLoses() {
+    inCommand_ = events_.heard();
+    for (const auto &entry : services_) {
+        for (std::size_t i = 0; entry.second->hasRestart() && i < entry.second->targetCount(); ++i) {
+            entry.second->advance(*this, i);
+            remember(*entry.second, i);
+            entry.second->restart(*this, i);
+        }
+    }
+    inCommand_ = false;
+    publishChanges();
+    publishReports();
+}
+
 void CameraModel::advance() {
     now_ = clock_();
     if (now_ < nextTime_) {
@@ -141,11 +192,14 @@ void CameraModel::advance() {
         }
     }
     publishReports();
+    if (restartStep_ <= now_) {
+        advanceRestart();
+    }
     schedule();
 }
 
 void CameraModel::schedule() {
-    double next = kNever;
+    double next = restartStep_;
     for (const TargetPlace &each : withTimeCourse_) {
         next = std::min(next, each.service->nextTime(each.index));
     }

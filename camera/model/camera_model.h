@@ -49,8 +49,9 @@ public:
 
     /**
      * Runs a call `[operation, target, argument...]` of a service.
-     * @return kInvalidArgument for a request of another shape, kUnknownOperation, kUnknownTarget, or what the operation
-     *         answers; nothing changes unless it answers kSuccess
+     * @return kInvalidArgument for a request of another shape, kServiceDown while the camera restarts,
+     *         kUnknownOperation, kUnknownTarget, or what the operation answers; nothing changes unless it answers
+     * kSuccess
      */
     Answer call(std::string_view service, const nlohmann::json &request);
 
@@ -62,6 +63,26 @@ public:
 
     /** A target's present fields as nested objects; null for an unknown target. */
     nlohmann::json state(const std::string &target);
+
+    /** Makes the present values of a target those that it has after a restart. */
+    void keep(const std::string &target);
+
+    /**
+     * Restarts the camera: at the next advance() it goes away, and loses what a restart loses. It is back at the first
+     * advance() after that for which the time is over; the model's clock goes on meanwhile.
+     * @param seconds  from now, for operations that must be answered before
+     */
+    void restart(double seconds);
+
+    /** Whether the camera is away because of a restart. */
+    bool isRestarting() const {
+        return restarting_;
+    }
+
+    /** Calls a function when the camera goes away, and when it is back; an empty one ends that. */
+    void onRestart(std::function<void(bool away)> listener) {
+        onRestart_ = std::move(listener);
+    }
 
     /** Lets happen what happens by itself until now. All that asks or commands the camera does so first. */
     void advance();
@@ -133,6 +154,15 @@ private:
     /** Publishes what was reported. */
     void publishReports();
 
+    /** Goes away for a restart that was ordered, or comes back from it. */
+    void advanceRestart();
+
+    /** Lets the targets do what they do without being told when the camera starts. */
+    void startTargets();
+
+    /** Does to all targets what a restart does. */
+    void loseWhatARestartLoses();
+
     /** Finds out when the next thing happens by itself. */
     void schedule();
 
@@ -146,6 +176,10 @@ private:
     double now_ = 0.0;
     double nextTime_ = kNever;
     std::function<void()> onNextTimeChange_;
+    double restartStep_ = kNever; ///< when a restart begins, or ends
+    double restartEnd_ = kNever;
+    bool restarting_ = false;
+    std::function<void(bool away)> onRestart_;
     std::vector<Report> reports_;
     bool inCommand_ = false;
     std::vector<Snapshot> snapshots_;

@@ -37,6 +37,9 @@ struct Definition {
     };
     /** Nothing when states change through commands only. */
     std::optional<TimeCourse<State>> timeCourse = std::nullopt;
+    /** What a restart of the camera does to a state; `start` is what the target starts with. Null when that is nothing.
+     */
+    void (*restart)(const Scope<State> &, const State &start) = nullptr;
 };
 
 /** Name and meaning of a field, for the reference and for messages. */
@@ -92,6 +95,18 @@ public:
 
     /** When the next thing happens to a target by itself, in seconds since the camera started; else kNever. */
     virtual double nextTime(std::size_t index) const = 0;
+
+    /** Draws the consequences of what a target holds when the camera starts, as if all of it had been set. */
+    virtual void start(CameraModel &model, std::size_t index) = 0;
+
+    /** Whether a target comes out of a restart of the camera other than it went in. */
+    virtual bool hasRestart() const = 0;
+
+    /** Does to a target what a restart of the camera does; the target must have been brought to the present. */
+    virtual void restart(CameraModel &model, std::size_t index) = 0;
+
+    /** Makes what a target now holds what it starts with after a restart; before, that is what it was added with. */
+    virtual void keep(std::size_t index) = 0;
 };
 
 /** The service whose targets are of one kind of state. */
@@ -136,6 +151,7 @@ public:
         State state{};
         std::optional<Problem> problem = assignChecked("", values, state);
         if (!problem) {
+            starts_.push_back(state);
             targets_.push_back(std::move(state));
         }
         return problem;
@@ -188,6 +204,26 @@ public:
         return definition_.timeCourse ? definition_.timeCourse->nextTime(targets_.at(index)) : kNever;
     }
 
+    void start(CameraModel &model, std::size_t index) override {
+        if (definition_.timeCourse) {
+            definition_.timeCourse->afterSet(Scope<State>{model, index, targets_.at(index)}, State{});
+        }
+    }
+
+    bool hasRestart() const override {
+        return definition_.restart != nullptr;
+    }
+
+    void restart(CameraModel &model, std::size_t index) override {
+        if (definition_.restart != nullptr) {
+            definition_.restart(Scope<State>{model, index, targets_.at(index)}, starts_.at(index));
+        }
+    }
+
+    void keep(std::size_t index) override {
+        starts_.at(index) = targets_.at(index);
+    }
+
 private:
     const Operation<State> *find(std::string_view name) const {
         const auto &operations = definition_.operations;
@@ -203,6 +239,7 @@ private:
 
     const Definition<State> &definition_ = State::definition();
     std::vector<State> targets_;
+    std::vector<State> starts_;
 };
 
 /** The names of all services that a camera can have, in alphabetical order. */

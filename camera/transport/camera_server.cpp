@@ -2,6 +2,8 @@
 
 #include "wire.h"
 
+#include <utility>
+
 namespace camera {
 
 namespace {
@@ -16,12 +18,13 @@ void answer(LineConnection &connection, Reply reply) {
 
 } // namespace
 
-CameraServer::CameraServer(boost::asio::io_context &io, CameraModel &model, const SocketDirectory &directory)
-    : model_(model), callDesk_(model, faults_, *this), controlDesk_(model, faults_, *this),
-      directory_(io, directory.socket(wire::kDirectorySocket),
-                 [this](LineConnection &connection, std::string_view line) {
-                     answer(connection, callDesk_.directoryRequest(line));
-                 }),
+CameraServer::CameraServer(boost::asio::io_context &io, CameraModel &model, const SocketDirectory &directory,
+                           ServiceKeeper::Complaint complain)
+    : model_(model), keeper_(model, *this, std::move(complain)), callDesk_(model, faults_, *this),
+      controlDesk_(model, faults_, keeper_), directory_(io, directory.socket(wire::kDirectorySocket),
+                                                        [this](LineConnection &connection, std::string_view line) {
+                                                            answer(connection, callDesk_.directoryRequest(line));
+                                                        }),
       control_(io, directory.socket(wire::kControlSocket),
                [this](LineConnection &connection, std::string_view line) { controlLine(connection, line); }),
       timer_(io, model) {

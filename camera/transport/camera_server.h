@@ -9,7 +9,7 @@
 #include "control_desk.h"
 #include "line_server.h"
 #include "model_timer.h"
-#include "service_switch.h"
+#include "service_keeper.h"
 #include "socket_directory.h"
 
 namespace camera {
@@ -17,8 +17,12 @@ namespace camera {
 /** Puts a camera on its sockets: one for each service, the directory's and the control program's. */
 class CameraServer final : public ServiceSwitch {
 public:
-    /** @param directory holds the sockets; like the model, it must outlive the server */
-    CameraServer(boost::asio::io_context &io, CameraModel &model, const SocketDirectory &directory);
+    /**
+     * @param directory  holds the sockets; like the model, it must outlive the server
+     * @param complain   takes one line about a service that does not come up again after a restart
+     */
+    CameraServer(boost::asio::io_context &io, CameraModel &model, const SocketDirectory &directory,
+                 ServiceKeeper::Complaint complain);
 
     /** Opens all sockets. @throws TransportError */
     void open();
@@ -38,6 +42,7 @@ private:
 
     CameraModel &model_;
     Faults faults_;
+    ServiceKeeper keeper_;
     CallDesk callDesk_;
     ControlDesk controlDesk_;
     std::map<std::string, std::unique_ptr<LineServer>> services_;

@@ -154,11 +154,30 @@ TEST_F(Dome, HoldsAllItsPresetsAndNoMore) {
     for (int number = 1; number <= 255; ++number) {
         ASSERT_EQ(wire::kSuccess, call("presets_tours", "set_preset_with_current_position_send", {"", "", number, 1}));
     }
-    for (const int number : {-1, 0, 256}) {
+    const json before = camera_->state("presets_tours/1");
+    ASSERT_EQ(255U, before["presets"].size());
+    for (const int number : {-1, 256}) {
         EXPECT_EQ(wire::kInvalidArgument,
                   call("presets_tours", "set_preset_with_current_position_send", {"", "", number, 1}));
     }
-    EXPECT_EQ(255U, camera_->state("presets_tours/1")["presets"].size());
+    EXPECT_EQ(wire::kFailed, call("presets_tours", "set_preset_with_current_position_send", {"", "", 0, 1}));
+    EXPECT_EQ(before, camera_->state("presets_tours/1"));
+    // A full camera still puts presets in the place of others.
+    EXPECT_EQ(wire::kSuccess, call("presets_tours", "set_preset_with_current_position_send", {"new", "", 255, 1}));
+    ASSERT_FALSE(camera_->set("presets_tours/1", "presets", json::array()));
+}
+
+TEST_F(Dome, TakesAnyNumberHoweverFewPresetsItHolds) {
+    set("presets_tours/1", "maximumPresets", 2);
+    for (const int number : {255, 0}) {
+        ASSERT_EQ(wire::kSuccess, call("presets_tours", "set_preset_with_current_position_send", {"", "", number, 1}));
+        ASSERT_EQ(wire::kSuccess, call("presets_tours", "get_preset_id_for_quarnapi_id_send", {number}));
+        EXPECT_EQ(json::array({"preset-" + std::to_string(number)}), answer_.results);
+    }
+    EXPECT_EQ(wire::kFailed, call("presets_tours", "set_preset_with_current_position_send", {"", "", 1, 1}));
+    const std::optional<Problem> problem = camera_->set("presets_tours/1", "maximumPresets", 1);
+    ASSERT_TRUE(problem);
+    EXPECT_EQ("presets_tours/1 presets: expected at most 1 presets (maximumPresets), found 2", toString(*problem));
 }
 
 TEST_F(Dome, RefusesAPresetThatItDoesNotHave) {
@@ -179,33 +198,22 @@ TEST(Presets, NeedSomethingToPosition) {
     EXPECT_EQ(before, camera->state("presets_tours/1"));
 }
 
-TEST_F(Dome, RefusesLensPositionsAndRunsThatAreNone) {
-    const json iris = camera_->state("iris/1");
-    const json focus = camera_->state("lens_focus/1");
-    EXPECT_EQ(wire::kInvalidArgument, call("iris", "set_position_send", {256}));
-    EXPECT_EQ(wire::kInvalidArgument, call("iris", "set_velocity_send", {2, 1}));
-    EXPECT_EQ(wire::kInvalidArgument, call("iris", "set_velocity_send", {0, -1}));
-    EXPECT_EQ(wire::kInvalidArgument, call("lens_focus", "set_manual_focus_position_send", {-1}));
-    EXPECT_EQ(wire::kInvalidArgument, call("lens_focus", "set_velocity_send", {-1, 1}));
-    EXPECT_EQ(wire::kInvalidArgument, call("lens_focus", "set_velocity_send", {1, 2}));
-    EXPECT_EQ(iris, camera_->state("iris/1"));
-    EXPECT_EQ(focus, camera_->state("lens_focus/1"));
+TEST_F(Dome, SwitchesNoRelayThatHasNotBeenSetUp) {
+    EXPECT_EQ(wire::kNotSupported, call("relay", "set_state_send", {1}));
+    EXPECT_EQ(0, camera_->state("relay/1")["state"]);
+    ASSERT_EQ(wire::kSuccess, call("relay", "set_configuration_send", {1, 0, 1, 0, 1, 1, 1}));
+    EXPECT_EQ(wire::kSuccess, call("relay", "set_state_send", {1}));
+    EXPECT_EQ(1, camera_->state("relay/1")["state"]);
+    ASSERT_EQ(wire::kSuccess, call("relay", "set_configuration_send", {0, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(wire::kNotSupported, call("relay", "set_state_send", {0}));
+    EXPECT_EQ(1, camera_->state("relay/1")["state"]);
 }
 
 TEST_F(Dome, RefusesRelayStatesAndRestartsThatAreNone) {
+    set("relay/1", "configuration.c1", 1);
     EXPECT_EQ(wire::kInvalidArgument, call("relay", "set_state_send", {2}));
     EXPECT_EQ(wire::kNotSupported, call("device_management", "reboot_send", {1}));
     EXPECT_EQ(0, camera_->state("device_management/1")["reboots"]);
-}
-
-TEST(Stepper, RefusesPositionsAndSpeedsBeyondItsLimits) {
-    const auto camera = test::shippedCamera("stepper");
-    const json before = camera->state("focus_stepper/1");
-    for (const auto &[position, speed] : {std::pair{-1, 100}, {4001, 100}, {100, 9}, {100, 801}}) {
-        EXPECT_EQ(wire::kInvalidArgument,
-                  camera->call("focus_stepper", {"set_position_send", "focus_stepper/1", position, speed}).status);
-    }
-    EXPECT_EQ(before, camera->state("focus_stepper/1"));
 }
 
 } // namespace

@@ -43,7 +43,7 @@ TEST_P(BadFiles, AreRefusedWithOneClearLine) {
     try {
         parseCamera(GetParam().text, "bad.json");
         FAIL() << "the file was accepted";
-    } catch (const CameraFileError &error) {
+    } catch (const FileError &error) {
         EXPECT_EQ("bad.json: " + GetParam().error, error.what());
         EXPECT_EQ(std::string(error.what()).find('\n'), std::string::npos);
     }
@@ -125,7 +125,7 @@ INSTANTIATE_TEST_SUITE_P(
                 "maximum, endless, minimumSpeed, maximumSpeed, acceleration, softPosition, softSpeed"},
         BadFile{"FieldOfListElement",
                 file(R"({"presets_tours": {"targets": [{"presets": [{"id": "a"}, {"number": 256}]}]}})"),
-                "services.presets_tours.targets[0].presets[1].number: expected an integer from 1 to 255, found 256"}),
+                "services.presets_tours.targets[0].presets[1].number: expected an integer from 0 to 255, found 256"}),
     [](const testing::TestParamInfo<BadFile> &test) { return test.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
@@ -135,6 +135,20 @@ INSTANTIATE_TEST_SUITE_P(
                 "services.iris.targets[0].position: expected an integer from 0 to 2 (minimum to maximum), found 3"},
         BadFile{"FocusRange", file(R"({"lens_focus": {"targets": [{"minimum": 3, "maximum": 2}]}})"),
                 "services.lens_focus.targets[0].maximum: expected an integer of at least 3 (minimum), found 2"},
+        BadFile{"SharpPosition", file(R"({"lens_focus": {"targets": [{"maximum": 2, "sharpPosition": 3}]}})"),
+                "services.lens_focus.targets[0].sharpPosition: expected an integer from 0 to 2 (minimum to maximum), "
+                "found 3"},
+        BadFile{"StepperSharpPosition",
+                file(R"({"focus_stepper": {"targets": [{"maximum": 2, "sharpPosition": -1}]}})"),
+                "services.focus_stepper.targets[0].sharpPosition: expected an integer from 0 to 2 (minimum to "
+                "maximum), found -1"},
+        BadFile{"AutomaticPosition", file(R"({"iris": {"targets": [{"position": 5, "minimum": 5, "maximum": 9}]}})"),
+                "services.iris.targets[0].automaticPosition: expected an integer from 5 to 9 (minimum to maximum), "
+                "found 0"},
+        BadFile{"LensSpeed", file(R"({"iris": {"targets": [{"speed": 0}]}})"),
+                "services.iris.targets[0].speed: expected an integer from 1 to 2147483647, found 0"},
+        BadFile{"StepperSpeedOfTheLastMove", file(R"({"zoom_stepper": {"targets": [{"speed": 0}]}})"),
+                "services.zoom_stepper.targets[0].speed: read-only: it follows from commands"},
         BadFile{"StepperSpeed", file(R"({"zoom_stepper": {"targets": [{"minimumSpeed": 5}]}})"),
                 "services.zoom_stepper.targets[0].minimumSpeed: expected an integer from 0 to 0 (0 to maximumSpeed), "
                 "found 5"},
@@ -152,10 +166,9 @@ INSTANTIATE_TEST_SUITE_P(
                 "services.positioning.targets[0].pan.softSpeed.maximum: expected an integer from 5 to 9 "
                 "(pan.softSpeed.minimum to pan.maximumSpeed), found 4"},
         BadFile{"TooManyPresets", file(R"({"presets_tours": {"targets": [{"maximumPresets": 1,
-                         "presets": [{"id": "a", "number": 2}]}]}})"),
-                "services.presets_tours.targets[0].presets[0].number: expected an integer from 1 to 1 (1 to "
-                "maximumPresets), found 2"},
-        BadFile{"PresetWithoutId", file(R"({"presets_tours": {"targets": [{"presets": [{}]}]}})"),
+                         "presets": [{"id": "a", "number": 2}, {"id": "b", "number": 3}]}]}})"),
+                "services.presets_tours.targets[0].presets: expected at most 1 presets (maximumPresets), found 2"},
+        BadFile{"PresetWithoutId", file(R"({"presets_tours": {"targets": [{"maximumPresets": 9, "presets": [{}]}]}})"),
                 "services.presets_tours.targets[0].presets[0].id: expected a text that is not empty"},
         BadFile{"SameNumberTwice", file(R"({"presets_tours": {"targets": [{"maximumPresets": 9,
                          "presets": [{"id": "a"}, {"id": "b"}]}]}})"),
@@ -169,7 +182,7 @@ INSTANTIATE_TEST_SUITE_P(
 std::string errorOf(const std::function<void()> &reading) {
     try {
         reading();
-    } catch (const CameraFileError &error) {
+    } catch (const FileError &error) {
         return error.what();
     }
     return "no error";
@@ -182,12 +195,13 @@ TEST(CameraFiles, ThatAreNotThereAreNamed) {
 
 TEST(CameraFiles, AreFoundByNameOrPath) {
     const std::string directory = QUARNSNMP_CAMERAS;
-    EXPECT_EQ(directory + "/dome.json", findCamera("dome", directory));
-    EXPECT_EQ("./dome", findCamera("./dome", directory));
-    EXPECT_EQ("dome.json", findCamera("dome.json", directory));
-    EXPECT_EQ("no camera 'cube' in " + directory + "; there are: dome, minimal, stepper",
-              errorOf([&] { findCamera("cube", directory); }));
-    EXPECT_EQ("no camera 'dome' in /nowhere; there are: none", errorOf([] { findCamera("dome", "/nowhere"); }));
+    EXPECT_EQ(directory + "/dome.json", findNamedFile("camera", "dome", directory));
+    EXPECT_EQ("./dome", findNamedFile("camera", "./dome", directory));
+    EXPECT_EQ("dome.json", findNamedFile("camera", "dome.json", directory));
+    EXPECT_EQ("no camera 'cube' in " + directory + "; there are: dome, minimal, stepper, twinfocus",
+              errorOf([&] { findNamedFile("camera", "cube", directory); }));
+    EXPECT_EQ("no camera 'dome' in /nowhere; there are: none",
+              errorOf([] { findNamedFile("camera", "dome", "/nowhere"); }));
 }
 
 TEST(ShippedCameras, HaveTheirServices) {
@@ -198,11 +212,14 @@ TEST(ShippedCameras, HaveTheirServices) {
     EXPECT_THAT(test::shippedCamera("stepper")->serviceNames(),
                 ElementsAre("device_information", "device_management", "exposure", "focus_stepper", "temperature",
                             "zoom_stepper"));
+    EXPECT_THAT(test::shippedCamera("twinfocus")->serviceNames(),
+                ElementsAre("device_information", "device_management", "exposure", "focus_stepper", "iris",
+                            "lens_focus", "zoom_stepper"));
     EXPECT_THAT(test::shippedCamera("minimal")->serviceNames(), ElementsAre("device_information", "device_management"));
 }
 
 TEST(ShippedCameras, HaveTheirNamesAndDescriptions) {
-    for (const CameraFile &file : cameraFiles(QUARNSNMP_CAMERAS)) {
+    for (const NamedFile &file : namedFiles(QUARNSNMP_CAMERAS)) {
         const CameraDescription description = readCameraFile(file.path);
         EXPECT_EQ(file.name, description.name);
         EXPECT_NE("", description.description);

@@ -5,10 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <thread>
 
 #include <fcntl.h>
@@ -113,31 +110,6 @@ bool eventually(const std::function<bool()> &condition) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
-}
-
-TempDirectory::TempDirectory() {
-    std::string name = std::filesystem::temp_directory_path().string() + "/camera-test-XXXXXX";
-    if (mkdtemp(name.data()) == nullptr) {
-        throw std::runtime_error("no temporary directory");
-    }
-    path_ = name;
-}
-
-TempDirectory::~TempDirectory() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
-void writeFile(const std::string &path, const std::string &text) {
-    std::ofstream(path) << text;
-}
-
-std::vector<std::string> entriesOf(const std::string &directory) {
-    std::vector<std::string> names;
-    for (const auto &entry : std::filesystem::directory_iterator(directory)) {
-        names.push_back(entry.path().filename().string());
-    }
-    return names;
 }
 
 Process::Process(const std::vector<std::string> &command, unsigned filesLimit) {

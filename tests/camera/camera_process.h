@@ -5,6 +5,8 @@
 #ifndef QUARNSNMP_TEST_CAMERA_PROCESS_H
 #define QUARNSNMP_TEST_CAMERA_PROCESS_H
 
+#include "temp_directory.h"
+
 #include <chrono>
 #include <functional>
 #include <optional>
@@ -21,32 +23,6 @@ inline constexpr std::chrono::seconds kPatience{20};
 
 /** Asks again and again until a condition holds. @return false when it did not in time */
 bool eventually(const std::function<bool()> &condition);
-
-/** A directory of a test's own, removed with everything in it at the end. */
-class TempDirectory {
-public:
-    TempDirectory();
-    TempDirectory(const TempDirectory &) = delete;
-    TempDirectory &operator=(const TempDirectory &) = delete;
-    ~TempDirectory();
-
-    const std::string &path() const {
-        return path_;
-    }
-    /** Path of an entry, which need not exist. */
-    std::string operator/(const std::string &name) const {
-        return path_ + "/" + name;
-    }
-
-private:
-    std::string path_;
-};
-
-/** Writes a file. */
-void writeFile(const std::string &path, const std::string &text);
-
-/** Names of a directory's entries. */
-std::vector<std::string> entriesOf(const std::string &directory);
 
 /** How a process ended and what it wrote. */
 struct Ended {

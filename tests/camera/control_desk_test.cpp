@@ -1,36 +1,16 @@
 #include "control_desk.h"
 
+#include "noted_services.h"
 #include "test_cameras.h"
 #include "wire.h"
-
-#include <set>
 
 #include <gmock/gmock.h>
 
 using namespace camera;
+using camera::test::NotedServices;
 using nlohmann::json;
 
 namespace {
-
-/** Notes which services are down, and can be told to fail. */
-class NotedServices : public ServiceSwitch {
-public:
-    bool isUp(const std::string &service) const override {
-        return down.count(service) == 0;
-    }
-    void takeDown(const std::string &service) override {
-        down.insert(service);
-    }
-    std::optional<std::string> bringUp(const std::string &service) override {
-        if (!broken) {
-            down.erase(service);
-        }
-        return broken;
-    }
-
-    std::set<std::string> down;
-    std::optional<std::string> broken;
-};
 
 class Control : public testing::Test {
 protected:
@@ -43,7 +23,8 @@ protected:
     std::unique_ptr<CameraModel> camera_ = test::shippedCamera("minimal");
     Faults faults_;
     NotedServices services_;
-    ControlDesk desk_{*camera_, faults_, services_};
+    ServiceKeeper keeper_{*camera_, services_, [](const std::string &line) { ADD_FAILURE() << line; }};
+    ControlDesk desk_{*camera_, faults_, keeper_};
 };
 
 TEST_F(Control, ShowsTheWholeCamera) {
@@ -57,12 +38,13 @@ TEST_F(Control, ShowsTheWholeCamera) {
     state.erase("time");
     EXPECT_EQ(json::parse(R"({
         "camera": "minimal",
+        "rebooting": false,
         "description": "A camera that only says who it is",
         "services": {
             "device_information": {"up": true, "targets": {"device_information/1": {
                 "model": "QN-100 Minimal", "firmware": "1.0.3-20251104", "hardware": "A", "serial": "QN1000000217",
                 "text5": null, "text6": null, "text7": null, "text8": null, "flag": 0}}},
-            "device_management": {"up": false, "targets": {"device_management/1": {"reboots": 0}}}
+            "device_management": {"up": false, "targets": {"device_management/1": {"reboots": 0, "rebootSeconds": 5}}}
         },
         "failures": [{"service": "device_management", "operation": "*", "status": 4, "times": 2}],
         "delays": [{"service": "directory", "operation": "get_target_ids", "milliseconds": 100, "times": "always"}]
@@ -151,7 +133,8 @@ TEST_P(RefusedCommands, SayWhatIsWrongAndChangeNothing) {
     const auto camera = test::shippedCamera("minimal");
     Faults faults;
     NotedServices services;
-    ControlDesk desk(*camera, faults, services);
+    ServiceKeeper keeper(*camera, services, [](const std::string &line) { ADD_FAILURE() << line; });
+    ControlDesk desk(*camera, faults, keeper);
     json before = desk.state();
     const ControlReply reply = desk.execute(GetParam().line);
     EXPECT_EQ(json({{"ok", false}, {"error", GetParam().error}}), json::parse(reply.line));
@@ -186,7 +169,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{"UnknownTarget", R"({"command":"set","target":"alarm/1","field":"state","value":1})",
                 "alarm/1: unknown target; expected one of: device_information/1, device_management/1"},
         Refused{"UnknownField", R"({"command":"set","target":"device_management/1","field":"boots","value":1})",
-                "device_management/1 boots: unknown key; expected one of: reboots"},
+                "device_management/1 boots: unknown key; expected one of: reboots, rebootSeconds"},
         Refused{"WrongValue", R"({"command":"set","target":"device_management/1","field":"reboots","value":-1})",
                 "device_management/1 reboots: expected an integer from 0 to 4294967295, found -1"},
         Refused{"ServiceNotThere", R"({"command":"down","service":"alarm"})",

@@ -150,6 +150,8 @@ TEST_F(ControlSocket, ForgetsClientsThatGiveUpWhileTheirAnswersAreHeldBack) {
 }
 
 TEST_F(ControlSocket, TellsFollowersWhatHappens) {
+    EXPECT_EQ(kDone, order(R"({"command":"set","target":"relay/1","field":"configuration.c1","value":1})"));
+    EXPECT_EQ(kDone, order(R"({"command":"set","target":"device_management/1","field":"rebootSeconds","value":3600})"));
     LineClient follower(directory_, "control");
     EXPECT_EQ(kDone, follower.call({{"command", "follow"}}));
     LineClient relay(directory_, "relay");
@@ -164,15 +166,18 @@ TEST_F(ControlSocket, TellsFollowersWhatHappens) {
 
     std::vector<std::string> kinds;
     double lastTime = 0.0;
-    for (int i = 0; i < 8; ++i) {
+    for (int i = 0; i < 9; ++i) {
         const json event = json::parse(follower.readLine().value_or("{}"));
         ASSERT_TRUE(event.contains("time"));
         EXPECT_GE(event["time"], lastTime);
         lastTime = event["time"];
         kinds.push_back(event["event"]);
     }
-    EXPECT_THAT(kinds, testing::ElementsAre("command", "changed", "fault", "service_down", "service_up", "reboot",
-                                            "command", "changed"));
+    EXPECT_THAT(kinds, testing::ElementsAre("command", "changed", "fault", "service_down", "service_up", "command",
+                                            "changed", "reboot", "changed"));
+    for (int i = 0; i < 11; ++i) {
+        EXPECT_EQ("service_down", json::parse(follower.readLine().value_or("{}")).value("event", ""));
+    }
     EXPECT_FALSE(follower.readable());
 }
 

@@ -10,6 +10,7 @@ namespace {
 
 TEST(Events, TellOfCommandsAndTheirChanges) {
     const auto dome = test::shippedCamera("dome");
+    test::setUpRelay(*dome, "relay/2");
     const test::EventRecorder recorder(dome->events());
     dome->call("relay", {"set_state_send", "relay/2", 1});
     EXPECT_THAT(recorder.seen(),
@@ -50,6 +51,7 @@ TEST(Events, DoNotTellOfReading) {
 
 TEST(Events, DoNotTellOfCommandsWithoutChangeAsChanges) {
     const auto dome = test::shippedCamera("dome");
+    test::setUpRelay(*dome, "relay/1");
     const test::EventRecorder recorder(dome->events());
     dome->call("relay", {"set_state_send", "relay/1", 0});
     ASSERT_EQ(1U, recorder.seen().size());
@@ -82,8 +84,9 @@ TEST(Events, TellOfRestarts) {
     const auto dome = test::shippedCamera("dome");
     const test::EventRecorder recorder(dome->events());
     dome->call("device_management", {"reboot_send", "device_management/1", 2});
-    EXPECT_THAT(recorder.seen(),
-                testing::Contains(json{{"event", "reboot"}, {"target", "device_management/1"}, {"kind", 2}}));
+    EXPECT_THAT(
+        recorder.seen(),
+        testing::Contains(json{{"event", "reboot"}, {"target", "device_management/1"}, {"kind", 2}, {"seconds", 5}}));
 }
 
 TEST(Subscriptions, EndWithTheirObjects) {

@@ -92,6 +92,7 @@ protected:
 };
 
 TEST_F(Desk, DoesNotExecuteACallThatFails) {
+    test::setUpRelay(*camera_, "relay/1");
     faults_.failures().set("relay", "set_state_send", -5, 1);
     EXPECT_EQ("[-5]\n", line({"set_state_send", "relay/1", 1}));
     EXPECT_EQ(0, camera_->state("relay/1")["state"]);
@@ -111,6 +112,7 @@ TEST_F(Desk, CombinesFailureAndDelay) {
 }
 
 TEST_F(Desk, TellsOfFaultsThatStrike) {
+    test::setUpRelay(*camera_, "relay/1");
     std::vector<json> seen;
     const auto subscription = camera_->events().subscribe([&](json event) {
         event.erase("time");

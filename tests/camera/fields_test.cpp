@@ -76,7 +76,7 @@ TEST(EveryReadOnlyField, IsRefusedInCameraFiles) {
         try {
             test::makeCameraOf(any.service, values);
             ADD_FAILURE() << any.service << " " << any.field.key;
-        } catch (const CameraFileError &error) {
+        } catch (const FileError &error) {
             EXPECT_EQ("test.json: services." + any.service + ".targets[0]." + any.field.key +
                           ": read-only: it follows from commands",
                       std::string(error.what()));

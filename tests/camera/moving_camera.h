@@ -5,10 +5,7 @@
 #ifndef QUARNSNMP_TEST_MOVING_CAMERA_H
 #define QUARNSNMP_TEST_MOVING_CAMERA_H
 
-#include "event_recorder.h"
-#include "test_cameras.h"
-
-#include <gmock/gmock.h>
+#include "steered_camera.h"
 
 namespace camera::test {
 
@@ -20,30 +17,22 @@ inline constexpr int kPriority = 5;
  * A camera whose axes have round numbers: pan is endless and takes a second to its full speed of 100000, tilt a second
  * to 10000, and zoom has its speed of 1 to 101 at once.
  */
-class MovingCamera : public testing::Test {
+class MovingCamera : public SteeredCamera {
 protected:
-    /** Lets time pass without asking the camera for anything. */
-    void pass(double seconds) {
-        now_ += seconds;
-    }
-
-    /** Lets time pass as a timer would that wakes the camera whenever something happens. */
-    void passAwake(double seconds) {
-        const double end = now_ + seconds;
-        while (camera_->nextTime() <= end) {
-            now_ = camera_->nextTime();
-            camera_->advance();
-        }
-        now_ = end;
-        camera_->advance();
-    }
+    MovingCamera()
+        : SteeredCamera(R"({"name": "moving", "services": {
+        "positioning": {"targets": [{
+            "pan": {"minimum": 0, "maximum": 359999, "endless": true, "maximumSpeed": 100000, "acceleration": 100000},
+            "tilt": {"minimum": -90000, "maximum": 20000, "minimumSpeed": 100, "maximumSpeed": 10000,
+                "acceleration": 10000},
+            "zoom": {"position": 10, "minimum": 10, "maximum": 300, "minimumSpeed": 1, "maximumSpeed": 101},
+            "digitalZoom": {"maximum": 120, "combinedMaximum": 3600}}]},
+        "presets_tours": {"targets": [{"maximumPresets": 9}]}
+    }})") {}
 
     wire::Status call(const std::string &operation, const nlohmann::json &arguments,
                       const std::string &service = "positioning") {
-        nlohmann::json request = nlohmann::json::array({operation, service + "/1"});
-        request.insert(request.end(), arguments.begin(), arguments.end());
-        answer_ = camera_->call(service, request);
-        return answer_.status;
+        return callService(service, operation, arguments);
     }
 
     /** Sends one axis to a position. */
@@ -92,23 +81,8 @@ protected:
     }
 
     void set(const std::string &key, const nlohmann::json &value) {
-        const std::optional<Problem> problem = camera_->set("positioning/1", key, value);
-        ASSERT_FALSE(problem) << toString(*problem);
+        setField("positioning", key, value);
     }
-
-    double now_ = 0.0;
-    std::unique_ptr<CameraModel> camera_ = makeCamera(R"({"name": "moving", "services": {
-        "positioning": {"targets": [{
-            "pan": {"minimum": 0, "maximum": 359999, "endless": true, "maximumSpeed": 100000, "acceleration": 100000},
-            "tilt": {"minimum": -90000, "maximum": 20000, "minimumSpeed": 100, "maximumSpeed": 10000,
-                "acceleration": 10000},
-            "zoom": {"position": 10, "minimum": 10, "maximum": 300, "minimumSpeed": 1, "maximumSpeed": 101},
-            "digitalZoom": {"maximum": 120, "combinedMaximum": 3600}}]},
-        "presets_tours": {"targets": [{"maximumPresets": 9}]}
-    }})",
-                                                      [this] { return now_; });
-    EventRecorder events_{camera_->events()};
-    Answer answer_;
 };
 
 } // namespace camera::test

@@ -79,7 +79,8 @@ struct Example {
     const char *operation;
     json arguments;
     json results;
-    json changes; ///< the fields that differ afterwards, with dotted keys
+    json changes;                ///< the fields that differ afterwards, with dotted keys
+    json given = json::object(); ///< fields that are set before the call
 };
 
 const std::vector<Example> &examples() {
@@ -99,17 +100,35 @@ const std::vector<Example> &examples() {
         {"focus_stepper", "get_manual_mode_enable_send", none, {0}, same},
         {"focus_stepper", "get_position_send", none, {20, 21}, same},
         {"focus_stepper", "set_manual_mode_enable_send", {255}, none, {{"manualMode", true}}},
-        {"focus_stepper", "set_position_send", {-10, 900}, none, {{"position", -10}, {"speed", 900}}},
-        {"focus_stepper", "start_quick_auto_focus_send", none, none, {{"quickAutoFocusRuns", 1}}},
+        {"focus_stepper",
+         "set_position_send",
+         {-10, 900},
+         none,
+         {{"target", -10}, {"velocity", -900}, {"moving", true}, {"speed", 900}},
+         {{"manualMode", true}}},
+        {"focus_stepper", "start_quick_auto_focus_send", none, none, {{"quickAutoFocusRuns", 1}, {"focusing", true}}},
         {"iris", "get_position_send", none, {4000000000U, 5, 4294967295U}, same},
-        {"iris", "set_position_send", {4294967295U}, none, {{"position", 4294967295U}, {"moving", false}}},
-        {"iris", "set_velocity_send", {1, 0}, none, {{"direction", 1}, {"moving", false}}},
-        {"lens_focus", "do_auto_focus_send", none, none, {{"autoFocusRuns", 1}}},
+        {"iris",
+         "set_position_send",
+         {4294967295U},
+         none,
+         {{"target", 4294967295U}, {"velocity", 700}, {"moving", true}}},
+        {"iris", "set_velocity_send", {0, 1}, none, {{"velocity", 700}, {"moving", true}}},
+        {"lens_focus",
+         "do_auto_focus_send",
+         none,
+         none,
+         {{"autoFocusRuns", 1}, {"focusing", true}},
+         {{"manualMode", false}}},
         {"lens_focus", "get_manual_focus_position_send", none, {30, -50, 70}, same},
         {"lens_focus", "get_manual_mode_enable_send", none, {1}, same},
-        {"lens_focus", "set_manual_focus_position_send", {-50}, none, {{"position", -50}}},
+        {"lens_focus",
+         "set_manual_focus_position_send",
+         {-50},
+         none,
+         {{"target", -50}, {"velocity", -600}, {"moving", true}}},
         {"lens_focus", "set_manual_mode_enable_send", {0}, none, {{"manualMode", false}}},
-        {"lens_focus", "set_velocity_send", {1, 1}, none, {{"direction", 1}, {"moving", true}}},
+        {"lens_focus", "set_velocity_send", {1, 1}, none, {{"velocity", -600}, {"moving", true}}},
         {"positioning", "clear_velocity_limits_send", {1, 0, 1}, none, {{"pan.softSpeed.enabled", false}}},
         {"positioning", "get_digital_zoom_enable_send", none, {1}, same},
         {"positioning", "get_implementation_position_limits_send", none, {0, 359999, -90000, 20000, 10, 300}, same},
@@ -185,7 +204,11 @@ const std::vector<Example> &examples() {
         {"temperature", "get_temperature_send", none, {-12500}, same},
         {"zoom_stepper", "get_limits_send", none, {1, 2, 3, 4}, same},
         {"zoom_stepper", "get_position_send", none, {2}, same},
-        {"zoom_stepper", "set_position_send", {1, 4}, none, {{"position", 1}, {"speed", 4}}},
+        {"zoom_stepper",
+         "set_position_send",
+         {1, 4},
+         none,
+         {{"target", 1}, {"velocity", -4}, {"moving", true}, {"speed", 4}}},
     };
     return all;
 }
@@ -199,9 +222,11 @@ std::unique_ptr<CameraModel> fullCamera() {
         "device_management": {"targets": [{}]},
         "exposure": {"targets": [{"manualMode": true}]},
         "focus_stepper": {"targets": [{"position": 20, "secondPosition": 21, "minimum": -10, "maximum": 4000,
-            "minimumSpeed": 1, "maximumSpeed": 900}]},
-        "iris": {"targets": [{"position": 4000000000, "minimum": 5, "maximum": 4294967295, "moving": true}]},
-        "lens_focus": {"targets": [{"position": 30, "minimum": -50, "maximum": 70, "manualMode": true}]},
+            "minimumSpeed": 1, "maximumSpeed": 900, "sharpPosition": 20, "searchTime": 8}]},
+        "iris": {"targets": [{"position": 4000000000, "minimum": 5, "maximum": 4294967295, "speed": 700,
+            "automaticPosition": 4000000000}]},
+        "lens_focus": {"targets": [{"position": 30, "minimum": -50, "maximum": 70, "speed": 600, "manualMode": true,
+            "sharpPosition": 30, "searchTime": 9}]},
         "positioning": {"targets": [{
             "pan": {"position": 1000, "minimum": 0, "maximum": 359999, "endless": true,
                 "minimumSpeed": 50, "maximumSpeed": 280000, "softPosition": {"minimum": 1, "maximum": 2},
@@ -246,6 +271,9 @@ TEST(EachOperation, AnswersAndChangesTheModel) {
         SCOPED_TRACE(std::string(example.service) + " " + example.operation);
         const auto camera = fullCamera();
         const Service &service = *camera->service(example.service);
+        for (const auto &field : example.given.items()) {
+            ASSERT_FALSE(camera->set(std::string(example.service) + "/1", field.key(), field.value()));
+        }
         json expected = service.values(0);
         for (const auto &change : example.changes.items()) {
             ASSERT_TRUE(expected.contains(change.key())) << change.key();

@@ -161,15 +161,16 @@ TEST_F(Program, NamesTheCamerasThatThereAre) {
     const Ended ended = start({"--camera", "cube", "--directory", directory_});
     EXPECT_EQ(1, ended.status);
     EXPECT_THAT(ended.errors, testing::MatchesRegex("quarnsnmp-camera: no camera 'cube' in .*/share/quarnsnmp/cameras; "
-                                                    "there are: dome, minimal, stepper\n"));
+                                                    "there are: dome, minimal, stepper, twinfocus\n"));
 }
 
 TEST_F(Program, ListsItsCameras) {
     const Ended ended = start({"--list"});
     EXPECT_EQ(0, ended.status);
-    EXPECT_EQ("dome      A dome with pan, tilt and zoom, presets, 4 alarm inputs and 2 relays\n"
-              "minimal   A camera that only says who it is\n"
-              "stepper   A fixed camera whose focus and zoom are driven by stepper motors\n",
+    EXPECT_EQ("dome       A dome with pan, tilt and zoom, presets, 4 alarm inputs and 2 relays\n"
+              "minimal    A camera that only says who it is\n"
+              "stepper    A fixed camera whose focus and zoom are driven by stepper motors\n"
+              "twinfocus  A fixed camera whose lens can be focused by a plain motor and by a stepper motor\n",
               ended.output);
 }
 

@@ -104,6 +104,7 @@ TEST_F(Camera, KeepsTextsAsTheyAre) {
 TEST_F(Camera, ServesTwoClientsAtOnce) {
     LineClient first(directory_, "relay");
     LineClient second(directory_, "relay");
+    EXPECT_EQ("[0]", first.ask(R"(["set_configuration_send","relay/2",1,0,1,0,1,1,1])"));
     EXPECT_EQ("[0]", first.ask(R"(["set_state_send","relay/2",1])"));
     EXPECT_EQ("[0,1]", second.ask(R"(["get_state_send","relay/2"])"));
     EXPECT_EQ("[0]", second.ask(R"(["set_state_send","relay/2",0])"));
@@ -111,7 +112,8 @@ TEST_F(Camera, ServesTwoClientsAtOnce) {
 }
 
 TEST(EachShippedCamera, HasASocketForEachOfItsServices) {
-    const std::map<std::string, std::size_t> services = {{"dome", 11}, {"stepper", 6}, {"minimal", 2}};
+    const std::map<std::string, std::size_t> services = {
+        {"dome", 11}, {"minimal", 2}, {"stepper", 6}, {"twinfocus", 7}};
     for (const auto &[name, count] : services) {
         const TempDirectory root;
         RunningCamera camera(root / "sockets", name);

@@ -26,6 +26,11 @@ inline std::unique_ptr<CameraModel> makeCameraOf(const std::string &service, con
     return makeCamera(nlohmann::json({{"name", "test"}, {"services", {{service, target}}}}).dump());
 }
 
+/** Sets up a relay, which cannot be switched before. */
+inline void setUpRelay(CameraModel &camera, const std::string &relay) {
+    camera.set(relay, "configuration.c1", 1);
+}
+
 /** A camera that the project ships. */
 inline std::unique_ptr<CameraModel> shippedCamera(const std::string &name, Clock clock = startClock()) {
     return makeCamera(readCameraFile(std::string(QUARNSNMP_CAMERAS) + "/" + name + ".json"), std::move(clock));

@@ -18,8 +18,9 @@ Answer reboot(const Scope<DeviceManagement> &scope, std::int32_t kind) {
         return {wire::kNotSupported};
     }
     ++scope.state.reboots;
-    scope.model.events().publish(
-        "reboot", {{"target", targetId(DeviceManagement::definition().service, scope.index)}, {"kind", kind}});
+    scope.model.report(targetId(DeviceManagement::definition().service, scope.index), scope.model.now(), "reboot",
+                       {{"kind", kind}, {"seconds", scope.state.rebootSeconds}});
+    scope.model.restart(scope.state.rebootSeconds);
     return {};
 }
 
@@ -49,9 +50,17 @@ Answer setRelayState(const Scope<Relay> &scope, std::uint8_t state) {
     if (state > 1) {
         return {wire::kInvalidArgument};
     }
+    if (scope.state.configuration.c1 == 0) {
+        return {wire::kNotSupported};
+    }
     constexpr unsigned kEnergised = 1;
     scope.state.state = static_cast<std::uint8_t>((scope.state.state & ~kEnergised) | state);
     return {};
+}
+
+/** A relay falls back without power; its configuration is kept. */
+void restartRelay(const Scope<Relay> &scope, const Relay &start) {
+    scope.state.state = start.state;
 }
 
 } // namespace
@@ -80,7 +89,10 @@ const Definition<DeviceInformation> &DeviceInformation::definition() {
 
 const Definition<DeviceManagement> &DeviceManagement::definition() {
     static const Definition<DeviceManagement> definition = {
-        "device_management", {integerField("reboots", &DeviceManagement::reboots)}, {operation("reboot_send", reboot)}};
+        "device_management",
+        {integerField("reboots", &DeviceManagement::reboots),
+         integerField("rebootSeconds", &DeviceManagement::rebootSeconds, 0, kLongestReboot)},
+        {operation("reboot_send", reboot)}};
     return definition;
 }
 
@@ -106,7 +118,10 @@ const Definition<Relay> &Relay::definition() {
             {operation("get_configuration_send", getRelayConfiguration),
              operation(
                  "get_state_send", +[](const Scope<Relay> &target) { return results(target.state.state); }),
-             operation("set_configuration_send", setRelayConfiguration), operation("set_state_send", setRelayState)}};
+             operation("set_configuration_send", setRelayConfiguration), operation("set_state_send", setRelayState)},
+            [](const Relay & /*state*/) -> std::optional<Problem> { return std::nullopt; },
+            std::nullopt,
+            restartRelay};
     }();
     return definition;
 }

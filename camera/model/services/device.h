@@ -31,9 +31,13 @@ struct DeviceInformation {
     static const Definition<DeviceInformation> &definition();
 };
 
+/** Longest time that a restart can take, in seconds. */
+inline constexpr std::uint32_t kLongestReboot = 3600;
+
 /** A target of `device_management`. */
 struct DeviceManagement {
     std::uint32_t reboots = 0;
+    std::uint32_t rebootSeconds = 5; ///< how long the camera is away
 
     static const Definition<DeviceManagement> &definition();
 };

@@ -1,14 +1,168 @@
 #include "lens.h"
 
+#include <algorithm>
+
 namespace camera {
+
+namespace {
+
+/** Whether a drive belongs to its automatic, so that nobody else may move it. */
+template <typename State>
+bool isAutomatic(const Scope<State> &scope) {
+    if constexpr (std::is_base_of_v<AutoFocus, State>) {
+        return !scope.state.manualMode;
+    } else if constexpr (std::is_same_v<State, Iris>) {
+        const auto exposure = scope.model.template sibling<Exposure>(scope.index);
+        return exposure && !exposure->state.manualMode;
+    } else {
+        return false;
+    }
+}
+
+/** Moves a drive by hand: kNotSupported when it belongs to its automatic. */
+template <typename State>
+Answer moveByHand(const Scope<State> &scope, DriveMove move) {
+    if (isAutomatic(scope)) {
+        return {wire::kNotSupported};
+    }
+    commandDrive(scope, std::move(move));
+    return {};
+}
+
+/** What `set_position_send` of a lens drive does; kInvalidArgument beyond its range. */
+template <typename State, typename Position>
+Answer moveLensDrive(const Scope<State> &scope, Position position) {
+    if (!canReach(limitsOf(scope.state), position)) {
+        return {wire::kInvalidArgument};
+    }
+    return moveByHand(scope, moveTo(position, scope.state.speed));
+}
+
+/** What `set_velocity_send` of a lens drive does. */
+template <typename State>
+Answer runLensDrive(const Scope<State> &scope, std::int32_t direction, std::int32_t run) {
+    if (direction < 0 || direction > 1 || run < 0 || run > 1) {
+        return {wire::kInvalidArgument};
+    }
+    const std::int32_t speed = run * scope.state.speed;
+    return moveByHand(scope, moveAt(direction == 0 ? speed : -speed));
+}
+
+/** What `set_position_send` of a stepper motor does. */
+template <typename State>
+Answer setStepperPosition(const Scope<State> &scope, std::int32_t position, std::int32_t speed) {
+    StepperMotor &motor = scope.state;
+    if (!canReach(limitsOf(motor), position) || speed < 0) {
+        return {wire::kInvalidArgument};
+    }
+    const std::int32_t allowed = speed == 0 ? 0 : std::clamp(speed, motor.minimumSpeed, motor.maximumSpeed);
+    Answer answer = moveByHand(scope, speed == 0 ? DriveMove{} : moveTo(position, allowed));
+    if (answer.status == wire::kSuccess) {
+        motor.speed = allowed;
+    }
+    return answer;
+}
+
+/** The answer of `get_limits_send`. */
+template <typename State>
+Answer stepperLimits(const Scope<State> &scope) {
+    const StepperMotor &motor = scope.state;
+    return results(motor.minimum, motor.maximum, motor.minimumSpeed, motor.maximumSpeed);
+}
+
+/** The answer of the operations that read position and range of a lens drive. */
+template <typename State>
+Answer lensPosition(const Scope<State> &scope) {
+    return results(scope.state.position, scope.state.minimum, scope.state.maximum);
+}
+
+template <typename State>
+Answer getManualMode(const Scope<State> &scope) {
+    return results(scope.state.manualMode);
+}
+
+/** What `set_manual_mode_enable_send` does: the same as the camera that changes its mode by itself. */
+template <typename State>
+Answer setManualMode(const Scope<State> &scope, std::uint8_t enable) {
+    const State before = scope.state;
+    scope.state.manualMode = enable != 0;
+    State::definition().timeCourse->afterSet(scope, before);
+    return {};
+}
+
+/** Starts an automatic focus run that was asked for, and counts it. */
+template <typename State, std::uint32_t State::*runs>
+Answer runAutoFocus(const Scope<State> &scope) {
+    if (!isAutomatic(scope)) {
+        return {wire::kNotSupported};
+    }
+    ++(scope.state.*runs);
+    startFocusRun(focusMoment(scope));
+    return {};
+}
+
+template <typename State>
+TimeCourse<State> focusCourse() {
+    return {[](const Scope<State> &scope) { advanceFocus(focusMoment(scope)); },
+            [](const State &state) { return nextFocusTime(state, state); },
+            [](const Scope<State> &scope, const State &before) {
+                afterDriveSet(scope, before);
+                applyFocusMode(focusMoment(scope));
+            }};
+}
+
+template <typename State>
+double nextDriveTime(const State &state) {
+    return nextTime(state);
+}
+
+/** A motor without power stops where it is. */
+template <typename State>
+void restartDrive(const Scope<State> &scope, const State & /*start*/) {
+    stopDrive(scope);
+}
+
+template <typename State>
+void restartFocus(const Scope<State> &scope, const State & /*start*/) {
+    stopFocus(focusMoment(scope));
+}
+
+/** Sees to it that automatic exposure has the iris where it wants it. */
+void applyExposure(const Scope<Iris> &iris) {
+    const std::int64_t wanted = iris.state.automaticPosition;
+    const bool rests = !iris.state.move && iris.state.position == wanted;
+    const bool onItsWay =
+        iris.state.move && iris.state.move->kind == DriveMove::Kind::toPosition && iris.state.move->target == wanted;
+    if (isAutomatic(iris) && !rests && !onItsWay) {
+        commandDrive(iris, moveTo(wanted, iris.state.speed));
+    }
+}
+
+void afterIrisSet(const Scope<Iris> &scope, const Iris &before) {
+    afterDriveSet(scope, before);
+    applyExposure(scope);
+}
+
+void afterExposureSet(const Scope<Exposure> &scope, const Exposure &before) {
+    const auto iris = scope.model.sibling<Iris>(scope.index);
+    if (!iris || scope.state.manualMode == before.manualMode) {
+        return;
+    }
+    if (scope.state.manualMode) {
+        stopDrive(*iris);
+    } else {
+        applyExposure(*iris);
+    }
+}
+
+} // namespace
 
 const Definition<FocusStepper> &FocusStepper::definition() {
     static const Definition<FocusStepper> definition = [] {
-        using Target = const Scope<FocusStepper> &;
         Fields<FocusStepper> fields;
         addBase(fields, stepperFields());
         fields.push_back(integerField("secondPosition", &FocusStepper::secondPosition));
-        fields.push_back(flagField("manualMode", &FocusStepper::manualMode));
+        addBase(fields, autoFocusFields());
         fields.push_back(integerField("quickAutoFocusRuns", &FocusStepper::quickAutoFocusRuns));
         return Definition<FocusStepper>{
             "focus_stepper",
@@ -18,17 +172,19 @@ const Definition<FocusStepper> &FocusStepper::definition() {
                 operation("get_manual_mode_enable_send", getManualMode<FocusStepper>),
                 operation(
                     "get_position_send",
-                    +[](Target target) { return results(target.state.position, target.state.secondPosition); }),
+                    +[](const Scope<FocusStepper> &target) {
+                        return results(target.state.position, target.state.secondPosition);
+                    }),
                 operation("set_manual_mode_enable_send", setManualMode<FocusStepper>),
                 operation("set_position_send", setStepperPosition<FocusStepper>),
-                operation(
-                    "start_quick_auto_focus_send",
-                    +[](Target target) {
-                        ++target.state.quickAutoFocusRuns;
-                        return Answer{};
-                    }),
+                operation("start_quick_auto_focus_send", runAutoFocus<FocusStepper, &FocusStepper::quickAutoFocusRuns>),
             },
-            [](const FocusStepper &state) { return checkStepper(state); }};
+            [](const FocusStepper &state) {
+                return firstOf({checkStepper(state), checkWithin("sharpPosition", state.sharpPosition, state.minimum,
+                                                                 state.maximum, "minimum to maximum")});
+            },
+            focusCourse<FocusStepper>(),
+            restartFocus<FocusStepper>};
     }();
     return definition;
 }
@@ -47,69 +203,57 @@ const Definition<ZoomStepper> &ZoomStepper::definition() {
                     +[](const Scope<ZoomStepper> &target) { return results(target.state.position); }),
                 operation("set_position_send", setStepperPosition<ZoomStepper>),
             },
-            [](const ZoomStepper &state) { return checkStepper(state); }};
+            [](const ZoomStepper &state) { return checkStepper(state); },
+            TimeCourse<ZoomStepper>{advanceDrive, nextDriveTime, afterDriveSet},
+            restartDrive};
     }();
     return definition;
 }
 
 const Definition<LensFocus> &LensFocus::definition() {
     static const Definition<LensFocus> definition = [] {
-        using Target = const Scope<LensFocus> &;
         Fields<LensFocus> fields;
         addBase(fields, lensDriveFields<std::int32_t>());
-        fields.push_back(flagField("manualMode", &LensFocus::manualMode));
+        addBase(fields, autoFocusFields());
         fields.push_back(integerField("autoFocusRuns", &LensFocus::autoFocusRuns));
-        return Definition<LensFocus>{"lens_focus",
-                                     fields,
-                                     {
-                                         operation(
-                                             "do_auto_focus_send",
-                                             +[](Target target) {
-                                                 ++target.state.autoFocusRuns;
-                                                 return Answer{};
-                                             }),
-                                         operation(
-                                             "get_manual_focus_position_send",
-                                             +[](Target target) {
-                                                 const LensFocus &state = target.state;
-                                                 return results(state.position, state.minimum, state.maximum);
-                                             }),
-                                         operation("get_manual_mode_enable_send", getManualMode<LensFocus>),
-                                         operation(
-                                             "set_manual_focus_position_send",
-                                             +[](Target target, std::int32_t position) {
-                                                 return moveLensDrive<std::int32_t>(target.state, position);
-                                             }),
-                                         operation("set_manual_mode_enable_send", setManualMode<LensFocus>),
-                                         operation("set_velocity_send", runLensDrive<LensFocus>),
-                                     },
-                                     [](const LensFocus &state) { return checkLensDrive<std::int32_t>(state); }};
+        return Definition<LensFocus>{
+            "lens_focus",
+            fields,
+            {
+                operation("do_auto_focus_send", runAutoFocus<LensFocus, &LensFocus::autoFocusRuns>),
+                operation("get_manual_focus_position_send", lensPosition<LensFocus>),
+                operation("get_manual_mode_enable_send", getManualMode<LensFocus>),
+                operation("set_manual_focus_position_send", moveLensDrive<LensFocus, std::int32_t>),
+                operation("set_manual_mode_enable_send", setManualMode<LensFocus>),
+                operation("set_velocity_send", runLensDrive<LensFocus>),
+            },
+            [](const LensFocus &state) {
+                return checkLensDrive<std::int32_t>(state, "sharpPosition", state.sharpPosition);
+            },
+            focusCourse<LensFocus>(),
+            restartFocus<LensFocus>};
     }();
     return definition;
 }
 
 const Definition<Iris> &Iris::definition() {
     static const Definition<Iris> definition = [] {
-        using Target = const Scope<Iris> &;
         Fields<Iris> fields;
         addBase(fields, lensDriveFields<std::uint32_t>());
+        fields.push_back(integerField("automaticPosition", &Iris::automaticPosition));
         return Definition<Iris>{"iris",
                                 fields,
                                 {
-                                    operation(
-                                        "get_position_send",
-                                        +[](Target target) {
-                                            const Iris &state = target.state;
-                                            return results(state.position, state.minimum, state.maximum);
-                                        }),
-                                    operation(
-                                        "set_position_send",
-                                        +[](Target target, std::uint32_t position) {
-                                            return moveLensDrive<std::uint32_t>(target.state, position);
-                                        }),
+                                    operation("get_position_send", lensPosition<Iris>),
+                                    operation("set_position_send", moveLensDrive<Iris, std::uint32_t>),
                                     operation("set_velocity_send", runLensDrive<Iris>),
                                 },
-                                [](const Iris &state) { return checkLensDrive<std::uint32_t>(state); }};
+                                [](const Iris &state) {
+                                    return checkLensDrive<std::uint32_t>(state, "automaticPosition",
+                                                                         state.automaticPosition);
+                                },
+                                TimeCourse<Iris>{advanceDrive, nextDriveTime, afterIrisSet},
+                                restartDrive};
     }();
     return definition;
 }
@@ -121,7 +265,11 @@ const Definition<Exposure> &Exposure::definition() {
         {
             operation("get_manual_mode_enable_send", getManualMode<Exposure>),
             operation("set_manual_mode_enable_send", setManualMode<Exposure>),
-        }};
+        },
+        [](const Exposure & /*state*/) -> std::optional<Problem> { return std::nullopt; },
+        // It has no course of its own, but what is set has consequences for the iris.
+        TimeCourse<Exposure>{[](const Scope<Exposure> & /*scope*/) {},
+                             [](const Exposure & /*state*/) { return kNever; }, afterExposureSet}};
     return definition;
 }
 

@@ -74,7 +74,7 @@ template <typename Function>
 void forEachAxis(const Scope<Positioning> &scope, Function function) {
     for (std::size_t i = 0; i < kAxisCount; ++i) {
         Axis &axis = scope.state.*kAxes.at(i);
-        const AxisReport report = [&scope, i](double time, const char *kind, nlohmann::json members) {
+        const DriveReport report = [&scope, i](double time, const char *kind, nlohmann::json members) {
             members["axis"] = kAxisKeys.at(i);
             scope.model.report(targetId(Positioning::definition().service, scope.index), time, kind,
                                std::move(members));
@@ -83,12 +83,12 @@ void forEachAxis(const Scope<Positioning> &scope, Function function) {
     }
 }
 
-AxisLimits limitsOf(const Positioning &positioning, const Axis &axis) {
+DriveLimits limitsOf(const Positioning &positioning, const Axis &axis) {
     return limitsOf(axis, highestPosition(positioning, axis));
 }
 
 void advancePositioning(const Scope<Positioning> &scope) {
-    forEachAxis(scope, [&](std::size_t /*i*/, Axis &axis, const AxisReport &report) {
+    forEachAxis(scope, [&](std::size_t /*i*/, Axis &axis, const DriveReport &report) {
         advance(axis, scope.model.now(), report);
     });
 }
@@ -98,22 +98,31 @@ double nextPositioningTime(const Positioning &state) {
 }
 
 void applyAllLimits(const Scope<Positioning> &scope) {
-    forEachAxis(scope, [&](std::size_t /*i*/, Axis &axis, const AxisReport &report) {
+    forEachAxis(scope, [&](std::size_t /*i*/, Axis &axis, const DriveReport &report) {
         applyLimits(axis, limitsOf(scope.state, axis), scope.model.now(), report);
     });
 }
 
 void afterSet(const Scope<Positioning> &scope, const Positioning &before) {
-    forEachAxis(scope, [&](std::size_t i, const Axis &axis, const AxisReport &report) {
-        if ((before.*kAxes.at(i)).move && !axis.move) {
+    forEachAxis(scope, [&](std::size_t i, Axis &axis, const DriveReport &report) {
+        afterSet(axis, before.*kAxes.at(i), limitsOf(scope.state, axis), scope.model.now(), report);
+    });
+}
+
+/** Motors without power stop where they are; positions and settings are kept. */
+void restartPositioning(const Scope<Positioning> &scope, const Positioning & /*start*/) {
+    forEachAxis(scope, [&](std::size_t /*i*/, Axis &axis, const DriveReport &report) {
+        if (axis.move) {
+            halt(axis);
             report(scope.model.now(), "move_stopped", {{"position", axis.position}});
         }
+        axis.priority.reset();
     });
-    applyAllLimits(scope);
+    scope.state.velocityTimeout = kEndless;
 }
 
 /** What a command wants of each axis; nothing for an axis that goes on as it is. */
-using AxisMoves = std::array<std::optional<AxisMove>, kAxisCount>;
+using AxisMoves = std::array<std::optional<DriveMove>, kAxisCount>;
 
 /** Whether a move that is more urgent than a command has to be respected. */
 bool isOutranked(const Positioning &state, const AxisMoves &moves, std::int32_t priority) {
@@ -130,7 +139,7 @@ Answer commandAxes(const Scope<Positioning> &scope, const AxisMoves &moves, std:
     if (isOutranked(scope.state, moves, priority)) {
         return {wire::kNotSupported};
     }
-    forEachAxis(scope, [&](std::size_t i, Axis &axis, const AxisReport &report) {
+    forEachAxis(scope, [&](std::size_t i, Axis &axis, const DriveReport &report) {
         if (moves.at(i)) {
             axis.priority = priority;
             command(axis, *moves.at(i), limitsOf(scope.state, axis), scope.model.now(), report);
@@ -159,10 +168,8 @@ Answer setVelocityWithTimeout(const Scope<Positioning> &scope, std::uint8_t panE
     AxisMoves moves;
     for (std::size_t i = 0; i < kAxisCount; ++i) {
         if (enabled.at(i)) {
-            AxisMove &move = moves.at(i).emplace();
-            move.kind = AxisMove::Kind::atVelocity;
-            move.wanted = velocities.at(i);
-            move.timeOut = endless ? kNever : scope.model.now() + timeoutMilliseconds / kMillisecondsPerSecond;
+            const double seconds = timeoutMilliseconds / kMillisecondsPerSecond;
+            moves.at(i) = moveAt(velocities.at(i), endless ? kNever : scope.model.now() + seconds);
         }
     }
     Answer answer = commandAxes(scope, moves, priority);
@@ -278,22 +285,23 @@ Answer moveAxes(const Scope<Positioning> &scope, const std::array<Destination, k
         if (!wanted.enabled) {
             continue;
         }
-        const AxisLimits limits = limitsOf(scope.state, scope.state.*kAxes.at(i));
+        const DriveLimits limits = limitsOf(scope.state, scope.state.*kAxes.at(i));
         if (!canReach(limits, wanted.position) || !std::isfinite(wanted.fraction) || wanted.fraction < 0.0) {
             return {wire::kInvalidArgument};
         }
-        AxisMove &move = moves.at(i).emplace();
-        move.kind = AxisMove::Kind::toPosition;
-        move.wanted = wanted.position;
-        move.fraction = wanted.fraction;
+        moves.at(i) = moveTo(wanted.position, wanted.fraction);
     }
     return commandAxes(scope, moves, priority);
 }
 
 const Definition<Positioning> &Positioning::definition() {
     static const Definition<Positioning> definition = {
-        "positioning", positioningFields(), positioningOperations(), checkPositioning,
-        TimeCourse<Positioning>{advancePositioning, nextPositioningTime, afterSet}};
+        "positioning",
+        positioningFields(),
+        positioningOperations(),
+        checkPositioning,
+        TimeCourse<Positioning>{advancePositioning, nextPositioningTime, afterSet},
+        restartPositioning};
     return definition;
 }
 

@@ -11,7 +11,7 @@ const Fields<Preset> &presetFields() {
     static const Fields<Preset> fields = {
         textField("id", &Preset::id, kLongestPresetText),
         textField("name", &Preset::name, kLongestPresetText),
-        integerField("number", &Preset::number, 1, kMostPresets),
+        integerField("number", &Preset::number, 0, kHighestPresetNumber),
         integerField("pan", &Preset::pan),
         integerField("tilt", &Preset::tilt),
         integerField("zoom", &Preset::zoom),
@@ -20,15 +20,15 @@ const Fields<Preset> &presetFields() {
 }
 
 std::optional<Problem> checkPresets(const Presets &state) {
+    if (state.presets.size() > state.maximumPresets) {
+        return Problem{"presets", "expected at most " + std::to_string(state.maximumPresets) +
+                                      " presets (maximumPresets), found " + std::to_string(state.presets.size())};
+    }
     for (std::size_t i = 0; i < state.presets.size(); ++i) {
         const Preset &preset = state.presets[i];
         const std::string path = "presets[" + std::to_string(i) + "]";
         if (preset.id.empty()) {
             return Problem{path + ".id", "expected a text that is not empty"};
-        }
-        if (auto problem =
-                checkWithin(path + ".number", preset.number, 1, state.maximumPresets, "1 to maximumPresets")) {
-            return problem;
         }
         for (std::size_t k = 0; k < i; ++k) {
             if (state.presets[k].id == preset.id || state.presets[k].number == preset.number) {
@@ -83,8 +83,8 @@ std::string newPresetId(const Presets &state, std::int32_t number) {
 Answer setPreset(const Scope<Presets> &scope, const Text &presetId, const Text &name, std::int32_t number,
                  std::int32_t /*flag*/) {
     Presets &state = scope.state;
-    if (number < 1 || number > static_cast<std::int64_t>(state.maximumPresets) ||
-        (presetId && presetId->size() > kLongestPresetText) || (name && name->size() > kLongestPresetText)) {
+    if (number < 0 || number > kHighestPresetNumber || (presetId && presetId->size() > kLongestPresetText) ||
+        (name && name->size() > kLongestPresetText)) {
         return {wire::kInvalidArgument};
     }
     const auto positioning = scope.model.sibling<Positioning>(scope.index);
@@ -98,14 +98,25 @@ Answer setPreset(const Scope<Presets> &scope, const Text &presetId, const Text &
                            positioning->state.pan.position,
                            positioning->state.tilt.position,
                            positioning->state.zoom.position};
-    auto &presets = state.presets;
+    std::vector<Preset> presets = state.presets;
     presets.erase(std::remove_if(presets.begin(), presets.end(),
                                  [&](const Preset &each) { return each.id == preset.id || each.number == number; }),
                   presets.end());
+    if (presets.size() >= state.maximumPresets) {
+        return {wire::kFailed};
+    }
     const auto place =
         std::find_if(presets.begin(), presets.end(), [&](const Preset &each) { return each.number > number; });
     presets.insert(place, preset);
+    state.presets = std::move(presets);
     return {};
+}
+
+/** What was not kept is lost; a camera that now holds fewer presets comes back with the first ones. */
+void restartPresets(const Scope<Presets> &scope, const Presets &start) {
+    scope.state.presets = start.presets;
+    const std::size_t kept = std::min<std::size_t>(start.presets.size(), scope.state.maximumPresets);
+    scope.state.presets.resize(kept);
 }
 
 } // namespace
@@ -121,7 +132,9 @@ const Definition<Presets> &Presets::definition() {
             operation("move_to_preset_send", moveToPreset),
             operation("set_preset_with_current_position_send", setPreset),
         },
-        checkPresets};
+        checkPresets,
+        std::nullopt,
+        restartPresets};
     return definition;
 }
 

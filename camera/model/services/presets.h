@@ -9,8 +9,11 @@
 
 namespace camera {
 
-/** Most presets that a camera file may ask for. */
+/** Most presets that a camera can have. */
 inline constexpr std::uint32_t kMostPresets = 255;
+
+/** Highest number of a preset; the lowest is 0. Any of them may be used, however many presets there can be. */
+inline constexpr std::int32_t kHighestPresetNumber = 255;
 
 /** Longest identifier and name of a preset in octets. */
 inline constexpr std::size_t kLongestPresetText = 64;
@@ -19,7 +22,7 @@ inline constexpr std::size_t kLongestPresetText = 64;
 struct Preset {
     std::string id;
     std::string name;
-    std::int32_t number = 1;
+    std::int32_t number = 0;
     std::int32_t pan = 0;
     std::int32_t tilt = 0;
     std::int32_t zoom = 0;

@@ -1,0 +1,282 @@
+// Moves of the drives in the lens by hand.
+#include "lens_camera.h"
+
+#include <limits>
+
+using namespace camera;
+using nlohmann::json;
+using testing::ElementsAre;
+
+namespace {
+
+/** A drive that can be run, and the operation that sends it to a position. */
+struct LensDriveCalls {
+    const char *service;
+    const char *move;
+};
+
+void PrintTo(const LensDriveCalls &drive, std::ostream *out) {
+    *out << drive.service;
+}
+
+class ALensDrive : public test::LensCamera, public testing::WithParamInterface<LensDriveCalls> {
+protected:
+    const std::string service_ = GetParam().service;
+
+    wire::Status move(int position) {
+        return callService(service_, GetParam().move, {position});
+    }
+    wire::Status run(int direction, int run = 1) {
+        return callService(service_, "set_velocity_send", {direction, run});
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(All, ALensDrive,
+                         testing::Values(LensDriveCalls{"lens_focus", "set_manual_focus_position_send"},
+                                         LensDriveCalls{"iris", "set_position_send"}),
+                         [](const auto &test) { return std::string(test.param.service); });
+
+TEST_P(ALensDrive, ApproachesAPositionAtItsSpeed) {
+    ASSERT_EQ(wire::kSuccess, move(3000));
+    expectAt(service_, 1000, 1000, 3000);
+    pass(0.5);
+    expectAt(service_, 1500, 1000, 3000);
+    pass(1.5);
+    expectAtRest(service_, 3000);
+    ASSERT_EQ(wire::kSuccess, move(0));
+    pass(1.25);
+    expectAt(service_, 1750, -1000, 0);
+    pass(10.0);
+    expectAtRest(service_, 0);
+}
+
+TEST_P(ALensDrive, AnswersWhereItIsOnItsWay) {
+    ASSERT_EQ(wire::kSuccess, move(3000));
+    pass(0.25);
+    const bool isFocus = service_ == "lens_focus";
+    EXPECT_EQ(wire::kSuccess,
+              callService(service_, isFocus ? "get_manual_focus_position_send" : "get_position_send", json::array()));
+    EXPECT_EQ((json{1250, 0, 10000}), answer_.results);
+}
+
+TEST_P(ALensDrive, RunsToItsEnds) {
+    ASSERT_EQ(wire::kSuccess, run(0));
+    expectAt(service_, 1000, 1000, nullptr);
+    pass(8.5);
+    expectAt(service_, 9500, 1000, nullptr);
+    pass(1.0);
+    expectAtRest(service_, 10000);
+    ASSERT_EQ(wire::kSuccess, run(1));
+    pass(8.5);
+    expectAt(service_, 1500, -1000, nullptr);
+    pass(10.0);
+    expectAtRest(service_, 0);
+    EXPECT_THAT(happened(service_),
+                ElementsAre("0.0 move_started 1000", "9.0 limit_reached 10000", "9.0 move_stopped 10000",
+                            "9.5 move_started 10000", "19.5 limit_reached 0", "19.5 move_stopped 0"));
+}
+
+TEST_P(ALensDrive, DoesNotRunBeyondItsEnd) {
+    setField(service_, "position", 10000);
+    ASSERT_EQ(wire::kSuccess, run(0));
+    expectAtRest(service_, 10000);
+    EXPECT_THAT(happened(service_),
+                ElementsAre("0.0 move_started 10000", "0.0 limit_reached 10000", "0.0 move_stopped 10000"));
+}
+
+TEST_P(ALensDrive, IsHaltedWhereItIs) {
+    for (const int direction : {0, 1}) {
+        ASSERT_EQ(wire::kSuccess, run(0));
+        pass(0.5);
+        ASSERT_EQ(wire::kSuccess, run(direction, 0));
+        pass(10.0);
+        expectAtRest(service_, 1500);
+        ASSERT_EQ(wire::kSuccess, move(0));
+        pass(0.5);
+        ASSERT_EQ(wire::kSuccess, run(direction, 0));
+        pass(10.0);
+        expectAtRest(service_, 1000);
+    }
+    EXPECT_EQ(kNever, camera_->nextTime());
+}
+
+TEST_P(ALensDrive, AtRestDoesNotNoticeAHalt) {
+    ASSERT_EQ(wire::kSuccess, run(0, 0));
+    EXPECT_THAT(happened(service_), testing::IsEmpty());
+    EXPECT_EQ(1U, events_.seen().size());
+}
+
+TEST_P(ALensDrive, ObeysTheLastCommand) {
+    ASSERT_EQ(wire::kSuccess, run(0));
+    pass(2.0);
+    ASSERT_EQ(wire::kSuccess, move(2000));
+    expectAt(service_, 3000, -1000, 2000);
+    pass(0.5);
+    ASSERT_EQ(wire::kSuccess, run(0));
+    expectAt(service_, 2500, 1000, nullptr);
+    pass(0.5);
+    ASSERT_EQ(wire::kSuccess, run(1));
+    pass(0.5);
+    expectAt(service_, 2500, -1000, nullptr);
+    EXPECT_THAT(happened(service_), ElementsAre("0.0 move_started 1000", "2.0 move_started 3000",
+                                                "2.5 move_started 2500", "3.0 move_started 3000"));
+}
+
+TEST_P(ALensDrive, TellsOfItsMovesAsAnAxisDoes) {
+    ASSERT_EQ(wire::kSuccess, move(3000));
+    const std::string target = service_ + "/1";
+    const json changed = {{"target", 3000}, {"velocity", 1000}, {"moving", true}};
+    ASSERT_EQ(3U, events_.seen().size());
+    EXPECT_EQ("command", events_.seen()[0]["event"]);
+    EXPECT_EQ((json{{"event", "changed"}, {"target", target}, {"fields", changed}}), events_.seen()[1]);
+    EXPECT_EQ((json{{"event", "move_started"}, {"target", target}, {"position", 1000}, {"to", 3000}}),
+              events_.seen()[2]);
+    events_.clear();
+    passAwake(10.0);
+    EXPECT_THAT(happened(service_), ElementsAre("2.0 move_stopped 3000"));
+    ASSERT_EQ(wire::kSuccess, run(1));
+    EXPECT_EQ((json{{"event", "move_started"}, {"target", target}, {"position", 3000}, {"velocity", -1000}}),
+              events_.seen().back());
+}
+
+TEST_P(ALensDrive, RefusesPositionsAndRunsThatAreNone) {
+    ASSERT_EQ(wire::kSuccess, move(3000));
+    for (const int position : {-1, 10001}) {
+        expectRefused(wire::kInvalidArgument, service_, GetParam().move, {position});
+    }
+    for (const auto &[direction, run] : {std::pair{-1, 1}, {2, 1}, {0, -1}, {1, 2}, {2, 0}}) {
+        expectRefused(wire::kInvalidArgument, service_, "set_velocity_send", {direction, run});
+    }
+    expectAt(service_, 1000, 1000, 3000);
+}
+
+TEST_P(ALensDrive, GoesOnWithAnotherSpeedAndRange) {
+    ASSERT_EQ(wire::kSuccess, move(9000));
+    pass(1.0);
+    setField(service_, "speed", 250);
+    expectAt(service_, 2000, 250, 9000);
+    pass(2.0);
+    setField(service_, "maximum", 2600);
+    expectAt(service_, 2500, 250, 2600);
+    pass(1.0);
+    expectAtRest(service_, 2600);
+    ASSERT_EQ(wire::kSuccess, run(1));
+    pass(1.0);
+    setField(service_, "speed", 500);
+    expectAt(service_, 2350, -500, nullptr);
+}
+
+TEST_P(ALensDrive, RestsWhereItIsPut) {
+    ASSERT_EQ(wire::kSuccess, run(0));
+    pass(0.5);
+    setField(service_, "position", 7000);
+    expectAtRest(service_, 7000);
+    EXPECT_THAT(happened(service_), ElementsAre("0.0 move_started 1000", "0.5 move_stopped 7000"));
+}
+
+TEST_P(ALensDrive, LosesItsMoveWithThePower) {
+    ASSERT_EQ(wire::kSuccess, run(0));
+    pass(0.5);
+    ASSERT_EQ(wire::kSuccess, callService("device_management", "reboot_send", {2}));
+    passAwake(20.0);
+    expectAtRest(service_, 1500);
+}
+
+TEST(Iris, HasAllPositionsThatItsCallsCanSay) {
+    double now = 0.0;
+    const auto camera = test::makeCamera(R"({"name": "wide", "services": {"iris": {"targets": [{"maximum": 4294967295,
+            "speed": 2147483647}]}}})",
+                                         [&] { return now; });
+    ASSERT_EQ(wire::kSuccess, camera->call("iris", {"set_position_send", "iris/1", 4294967295U}).status);
+    now = 1.0;
+    EXPECT_EQ(2147483647U, camera->state("iris/1")["position"]);
+    now = 3.0;
+    EXPECT_EQ(4294967295U, camera->state("iris/1")["position"]);
+}
+
+class AStepper : public test::LensCamera, public testing::WithParamInterface<const char *> {
+protected:
+    const std::string service_ = GetParam();
+
+    wire::Status move(int position, int speed) {
+        return callService(service_, "set_position_send", {position, speed});
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(All, AStepper, testing::Values("focus_stepper", "zoom_stepper"),
+                         [](const auto &test) { return std::string(test.param); });
+
+TEST_P(AStepper, MovesAtTheSpeedOfItsCommand) {
+    ASSERT_EQ(wire::kSuccess, move(3000, 500));
+    EXPECT_EQ(500, state(service_)["speed"]);
+    pass(1.0);
+    expectAt(service_, 1500, 500, 3000);
+    pass(3.0);
+    expectAtRest(service_, 3000);
+    EXPECT_THAT(happened(service_), ElementsAre("0.0 move_started 1000", "4.0 move_stopped 3000"));
+}
+
+TEST_P(AStepper, IsAsSlowAndAsFastAsItCanBe) {
+    for (const auto &[wanted, speed] :
+         {std::pair{1, 10}, {10, 10}, {11, 11}, {1000, 1000}, {1001, 1000}, {std::numeric_limits<int>::max(), 1000}}) {
+        setField(service_, "position", 1000);
+        ASSERT_EQ(wire::kSuccess, move(3000, wanted));
+        expectAt(service_, 1000, speed, 3000);
+        EXPECT_EQ(speed, state(service_)["speed"]) << wanted;
+        pass(1.0);
+        expectAt(service_, 1000 + speed, speed, 3000);
+    }
+}
+
+TEST_P(AStepper, GoesNowhereWithoutSpeed) {
+    ASSERT_EQ(wire::kSuccess, move(3000, 0));
+    EXPECT_THAT(happened(service_), testing::IsEmpty());
+    EXPECT_EQ(kNever, camera_->nextTime());
+    ASSERT_EQ(wire::kSuccess, move(3000, 500));
+    pass(1.0);
+    ASSERT_EQ(wire::kSuccess, move(0, 0));
+    pass(10.0);
+    expectAtRest(service_, 1500);
+    EXPECT_EQ(0, state(service_)["speed"]);
+}
+
+TEST_P(AStepper, ObeysTheLastCommand) {
+    ASSERT_EQ(wire::kSuccess, move(10000, 1000));
+    pass(2.0);
+    ASSERT_EQ(wire::kSuccess, move(0, 100));
+    expectAt(service_, 3000, -100, 0);
+    pass(10.0);
+    expectAt(service_, 2000, -100, 0);
+    pass(20.0);
+    expectAtRest(service_, 0);
+}
+
+TEST_P(AStepper, RefusesPositionsAndSpeedsThatAreNone) {
+    ASSERT_EQ(wire::kSuccess, move(3000, 500));
+    for (const auto &[position, speed] : {std::pair{-1, 100}, {10001, 100}, {10001, 0}, {100, -1}}) {
+        expectRefused(wire::kInvalidArgument, service_, "set_position_send", {position, speed});
+    }
+    expectAt(service_, 1000, 500, 3000);
+}
+
+TEST_P(AStepper, LosesItsMoveWithThePower) {
+    ASSERT_EQ(wire::kSuccess, move(3000, 500));
+    pass(1.0);
+    ASSERT_EQ(wire::kSuccess, callService("device_management", "reboot_send", {2}));
+    passAwake(20.0);
+    expectAtRest(service_, 1500);
+}
+
+class TheFocusStepper : public test::LensCamera {};
+
+TEST_F(TheFocusStepper, LeavesItsSecondPositionAlone) {
+    ASSERT_EQ(wire::kSuccess, callService("focus_stepper", "set_position_send", {3000, 500}));
+    pass(1.0);
+    ASSERT_EQ(wire::kSuccess, callService("focus_stepper", "get_position_send", json::array()));
+    EXPECT_EQ((json{1500, 77}), answer_.results);
+    setField("focus_stepper", "secondPosition", -5);
+    ASSERT_EQ(wire::kSuccess, callService("focus_stepper", "get_position_send", json::array()));
+    EXPECT_EQ((json{1500, -5}), answer_.results);
+}
+
+} // namespace

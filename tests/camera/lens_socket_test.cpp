@@ -1,0 +1,81 @@
+// The lens of a running camera.
+#include "camera_process.h"
+
+#include <gmock/gmock.h>
+
+using namespace camera::test;
+using nlohmann::json;
+
+namespace {
+
+const json kDone = {{"ok", true}};
+
+class RunningLens : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(kDone, follower_.call({{"command", "follow"}}));
+    }
+
+    json set(const std::string &target, const std::string &field, const json &value) {
+        return control_.call({{"command", "set"}, {"target", target}, {"field", field}, {"value", value}});
+    }
+
+    /** The events up to the next one of a kind, without those of commands and changes. */
+    std::vector<json> eventsUntil(const std::string &kind) {
+        std::vector<json> events;
+        std::string seen;
+        while (seen != kind) {
+            const std::optional<std::string> line = follower_.readLine();
+            if (!line) {
+                ADD_FAILURE() << "no " << kind;
+                return {4, json::object()};
+            }
+            const json event = json::parse(*line);
+            seen = event["event"];
+            if (seen != "command" && seen != "changed") {
+                events.push_back(event);
+            }
+        }
+        return events;
+    }
+
+    TempDirectory root_;
+    std::string directory_ = root_ / "sockets";
+    RunningCamera camera_{directory_, "twinfocus"};
+    LineClient control_{directory_, "control"};
+    LineClient follower_{directory_, "control"};
+};
+
+TEST_F(RunningLens, FollowsTheSceneWhileNobodyAsks) {
+    EXPECT_EQ(kDone, set("lens_focus/1", "searchTime", 100));
+    EXPECT_EQ(kDone, set("lens_focus/1", "sharpPosition", 2300));
+    const std::vector<json> events = eventsUntil("focus_settled");
+    ASSERT_EQ(4U, events.size());
+    EXPECT_EQ("focus_started", events[0]["event"]);
+    EXPECT_EQ("move_started", events[1]["event"]);
+    EXPECT_EQ("move_stopped", events[2]["event"]);
+    EXPECT_EQ(2300, events[3]["position"]);
+    const auto seconds = [&](std::size_t i) {
+        return events[i]["time"].get<double>() - events[0]["time"].get<double>();
+    };
+    EXPECT_NEAR(0.1, seconds(1), 1e-5);
+    EXPECT_NEAR(0.2, seconds(3), 1e-5);
+    LineClient client(directory_, "lens_focus");
+    EXPECT_EQ("[0,2300,0,8000]", client.ask(R"(["get_manual_focus_position_send","lens_focus/1"])"));
+}
+
+TEST_F(RunningLens, ObeysTheHandInManualModeOnly) {
+    LineClient client(directory_, "focus_stepper");
+    const std::string move = R"(["set_position_send","focus_stepper/1",930,300])";
+    EXPECT_EQ("[5]", client.ask(move));
+    EXPECT_EQ("[0]", client.ask(R"(["set_manual_mode_enable_send","focus_stepper/1",1])"));
+    EXPECT_EQ("[5]", client.ask(R"(["start_quick_auto_focus_send","focus_stepper/1"])"));
+    EXPECT_EQ("[0]", client.ask(move));
+    const std::vector<json> events = eventsUntil("move_stopped");
+    ASSERT_EQ(2U, events.size());
+    EXPECT_EQ(930, events[0]["to"]);
+    EXPECT_NEAR(0.1, events[1]["time"].get<double>() - events[0]["time"].get<double>(), 1e-5);
+    EXPECT_EQ("[0,930,900]", client.ask(R"(["get_position_send","focus_stepper/1"])"));
+}
+
+} // namespace

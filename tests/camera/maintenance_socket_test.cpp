@@ -1,0 +1,181 @@
+// Inputs, outputs, sensors and presets of a running camera: what the control program sets is what clients read.
+#include "camera_process.h"
+
+#include <csignal>
+#include <filesystem>
+
+#include <gmock/gmock.h>
+
+using namespace camera::test;
+using nlohmann::json;
+
+namespace {
+
+const json kDone = {{"ok", true}};
+
+/** A field that is set, and the call that shows it. */
+struct Shown {
+    const char *service;
+    const char *field;
+    json value;
+    const char *operation; ///< with the target and the arguments as its only arguments
+    json arguments;
+    std::size_t place; ///< of the value in the answer; 0 when no call reads it
+};
+
+void PrintTo(const Shown &shown, std::ostream *out) {
+    *out << shown.service << " " << shown.field;
+}
+
+class EachField : public testing::TestWithParam<Shown> {
+protected:
+    TempDirectory root_;
+    std::string directory_ = root_ / "sockets";
+    RunningCamera camera_{directory_};
+    LineClient control_{directory_, "control"};
+};
+
+TEST_P(EachField, IsSetByTheControlProgram) {
+    const Shown &shown = GetParam();
+    const std::string target = std::string(shown.service) + "/1";
+    json call = json::array({shown.operation, target});
+    call.insert(call.end(), shown.arguments.begin(), shown.arguments.end());
+    LineClient client(directory_, shown.service);
+    LineClient follower(directory_, "control");
+    EXPECT_EQ(kDone, follower.call({{"command", "follow"}}));
+    const json before = client.call(call);
+    const json set = {{"command", "set"}, {"target", target}, {"field", shown.field}, {"value", shown.value}};
+
+    EXPECT_EQ(kDone, control_.call(set));
+
+    json event = json::parse(follower.readLine().value_or("{}"));
+    event.erase("time");
+    EXPECT_EQ((json{{"event", "changed"}, {"target", target}, {"fields", {{shown.field, shown.value}}}}), event);
+    const json state = control_.call({{"command", "state"}})["state"]["services"][shown.service]["targets"][target];
+    std::string path = std::string("/") + shown.field;
+    std::replace(path.begin(), path.end(), '.', '/');
+    EXPECT_EQ(shown.value, state[json::json_pointer(path)]);
+    if (shown.place > 0) {
+        json expected = before;
+        expected[shown.place] = shown.value.is_array() ? shown.value[0]["id"] : shown.value;
+        EXPECT_NE(before, expected);
+        EXPECT_EQ(expected, client.call(call));
+    }
+}
+
+const json kNone = json::array();
+const json kPresets =
+    json::array({{{"id", "gate"}, {"name", "Gate"}, {"number", 0}, {"pan", 1000}, {"tilt", -2000}, {"zoom", 20}}});
+
+INSTANTIATE_TEST_SUITE_P(
+    OfTheDome, EachField,
+    testing::Values(Shown{"alarm", "state", 1, "get_state_send", kNone, 1},
+                    Shown{"device_management", "reboots", 7, "get_reboots", kNone, 0},
+                    Shown{"device_management", "rebootSeconds", 9, "get_reboots", kNone, 0},
+                    Shown{"power", "powerState", 255, "get_power_state_send", kNone, 1},
+                    Shown{"power", "voltageState", 2, "get_voltage_state_send", kNone, 1},
+                    Shown{"presets_tours", "maximumPresets", 9, "get_max_presets_send", kNone, 1},
+                    Shown{"presets_tours", "presets", kPresets, "get_preset_id_for_quarnapi_id_send", {0}, 1},
+                    Shown{"relay", "state", 1, "get_state_send", kNone, 1},
+                    Shown{"relay", "configuration.c1", 1, "get_configuration_send", kNone, 1},
+                    Shown{"relay", "configuration.c2", 2, "get_configuration_send", kNone, 2},
+                    Shown{"relay", "configuration.c3", -3, "get_configuration_send", kNone, 3},
+                    Shown{"relay", "configuration.c4", 255, "get_configuration_send", kNone, 4},
+                    Shown{"relay", "configuration.c5", -5, "get_configuration_send", kNone, 5},
+                    Shown{"relay", "configuration.c6", 6, "get_configuration_send", kNone, 6},
+                    Shown{"relay", "configuration.c7", 7, "get_configuration_send", kNone, 7},
+                    Shown{"temperature", "temperature", 41000, "get_temperature_send", kNone, 1}),
+    [](const testing::TestParamInfo<Shown> &test) {
+        std::string name = std::string(test.param.service) + "_" + test.param.field;
+        std::replace(name.begin(), name.end(), '.', '_');
+        return name;
+    });
+
+/** A service whose calls can be made to fail and to be late. */
+class EachService : public testing::TestWithParam<std::pair<const char *, json>> {};
+
+TEST_P(EachService, FailsAndIsLateOnCommand) {
+    const TempDirectory root;
+    const RunningCamera camera(root / "sockets");
+    LineClient control(root / "sockets", "control");
+    const auto &[service, call] = GetParam();
+    LineClient client(root / "sockets", service);
+    json order = {{"command", "fail"}, {"service", service}, {"operation", call[0]}, {"status", 77}};
+    EXPECT_EQ(kDone, control.call(order));
+    EXPECT_EQ(json::array({77}), client.call(call));
+    constexpr int kMilliseconds = 50;
+    order = {{"command", "delay"}, {"service", service}, {"operation", "*"}, {"milliseconds", kMilliseconds}};
+    EXPECT_EQ(kDone, control.call(order));
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(0, client.call(call)[0]);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(kMilliseconds));
+}
+
+INSTANTIATE_TEST_SUITE_P(OfTheDome, EachService,
+                         testing::Values(std::pair{"alarm", json{"get_state_send", "alarm/1"}},
+                                         std::pair{"power", json{"get_power_state_send", "power/1"}},
+                                         std::pair{"presets_tours", json{"get_max_presets_send", "presets_tours/1"}},
+                                         std::pair{"relay", json{"get_state_send", "relay/1"}},
+                                         std::pair{"temperature", json{"get_temperature_send", "temperature/1"}}),
+                         [](const auto &test) { return std::string(test.param.first); });
+
+/** A camera that keeps its presets in a file. */
+class PresetsOfAProcess : public testing::Test {
+protected:
+    std::unique_ptr<Process> start() {
+        auto camera = std::make_unique<Process>(
+            std::vector<std::string>{QUARNSNMP_CAMERA, "--directory", directory_, "--presets", file_});
+        EXPECT_EQ("camera dome ready in " + directory_, camera->nextLine().value_or(""));
+        return camera;
+    }
+
+    json callPresets(const json &call) {
+        return LineClient(directory_, "presets_tours").call(call);
+    }
+
+    TempDirectory root_;
+    std::string directory_ = root_ / "sockets";
+    std::string file_ = root_ / "presets.json";
+    const json store_ = {"set_preset_with_current_position_send", "presets_tours/1", "gate", "Gate", 0, 1};
+    const json find_ = {"get_preset_id_for_quarnapi_id_send", "presets_tours/1", 0};
+};
+
+TEST_F(PresetsOfAProcess, OutliveEvenAKilledCamera) {
+    for (const int signal : {SIGKILL, SIGTERM}) {
+        const std::unique_ptr<Process> camera = start();
+        EXPECT_EQ(json::array({0}), callPresets(store_));
+        camera->signal(signal);
+        camera->wait();
+        const std::unique_ptr<Process> next = start();
+        EXPECT_EQ((json{0, "gate"}), callPresets(find_));
+        next->signal(SIGTERM);
+        EXPECT_EQ(0, next->wait().status);
+        std::filesystem::remove(file_);
+    }
+}
+
+TEST_F(PresetsOfAProcess, AreStoredForNowWhereTheFileCannotBeWritten) {
+    std::filesystem::create_directory(root_ / "store");
+    file_ = root_ / "store/presets.json";
+    const std::unique_ptr<Process> camera = start();
+    std::filesystem::remove_all(root_ / "store");
+    EXPECT_EQ(json::array({0}), callPresets(store_));
+    EXPECT_EQ((json{0, "gate"}), callPresets(find_));
+    camera->signal(SIGTERM);
+    const Ended ended = camera->wait();
+    EXPECT_EQ(0, ended.status);
+    EXPECT_THAT(ended.errors, testing::MatchesRegex("quarnsnmp-camera: .*/store/presets.json: cannot be written: No "
+                                                    "such file or directory\n"));
+}
+
+TEST_F(PresetsOfAProcess, AreRefusedWithTheCameraWhenTheFileIsWrong) {
+    writeFile(file_, R"({"presets_tours/1": [{"id": "a", "number": 256}]})");
+    const Ended ended = run({QUARNSNMP_CAMERA, "--directory", directory_, "--presets", file_});
+    EXPECT_EQ(1, ended.status);
+    EXPECT_THAT(ended.errors, testing::MatchesRegex("quarnsnmp-camera: .*/presets.json: presets_tours/1\\[0\\].number: "
+                                                    "expected an integer from 0 to 255, found 256\n"));
+    EXPECT_FALSE(std::filesystem::exists(directory_));
+    EXPECT_EQ(2, run({QUARNSNMP_CAMERA, "--directory", directory_, "--presets", ""}).status);
+}
+
+} // namespace

@@ -1,0 +1,207 @@
+// Scenarios that the control program plays on a running camera.
+#include "camera_process.h"
+
+#include <csignal>
+
+#include <gmock/gmock.h>
+
+using namespace camera::test;
+using nlohmann::json;
+using testing::HasSubstr;
+
+namespace {
+
+class Play : public testing::Test {
+protected:
+    std::vector<std::string> command(const std::string &scenario, const std::string &speed = "1") const {
+        return {QUARNSNMP_CAMCTL, "--directory", directory_, "play", scenario, "--speed", speed};
+    }
+
+    std::string write(const std::string &steps) const {
+        const std::string path = root_ / "own.json";
+        writeFile(path, R"({"name": "own", "description": "Mine", "steps": )" + steps + "}");
+        return path;
+    }
+
+    void expectRefused(const std::vector<std::string> &arguments, const std::string &error) {
+        const Ended ended = run(arguments);
+        EXPECT_EQ(1, ended.status);
+        EXPECT_EQ("", ended.output);
+        EXPECT_EQ("quarnsnmp-camctl: " + error + "\n", ended.errors);
+    }
+
+    TempDirectory root_;
+    std::string directory_ = root_ / "sockets";
+};
+
+/** Collects the events of a camera. */
+class Follower {
+public:
+    explicit Follower(const std::string &directory) : client_(directory, "control") {
+        EXPECT_EQ(true, client_.call({{"command", "follow"}})["ok"]);
+    }
+
+    json next() {
+        return json::parse(client_.readLine().value_or("{}"));
+    }
+
+private:
+    LineClient client_;
+};
+
+TEST_F(Play, GivesTheStepsInTimeAndOrder) {
+    RunningCamera camera(directory_);
+    Follower follower(directory_);
+    const std::string path = write(R"([
+        {"at": 0, "set": {"alarm/1": {"state": 1}}},
+        {"at": 3000, "down": "iris"},
+        {"at": 3000, "up": "iris"},
+        {"at": 6000, "set": {"alarm/1": {"state": 0}}},
+        {"at": 6000, "fail": {"service": "power", "operation": "*", "status": 5}},
+        {"at": 6000, "delay": {"service": "power", "operation": "*", "milliseconds": 5, "times": "always"}}])");
+    const auto start = std::chrono::steady_clock::now();
+    const auto elapsed = [start] {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    };
+    Process player(command(path, "10000"));
+    EXPECT_EQ(1, follower.next()["fields"]["state"]);
+    EXPECT_EQ("service_down", follower.next()["event"]);
+    EXPECT_GE(elapsed(), 0.3);
+    EXPECT_EQ("service_up", follower.next()["event"]);
+    EXPECT_EQ(0, follower.next()["fields"]["state"]);
+    EXPECT_GE(elapsed(), 0.6);
+    const Ended ended = player.wait();
+    EXPECT_EQ(0, ended.status);
+    EXPECT_EQ("", ended.errors);
+    EXPECT_EQ("own: Mine\n"
+              "      0.0 s  alarm/1 state is 1\n"
+              "   3000.0 s  iris is down\n"
+              "   3000.0 s  iris is up\n"
+              "   6000.0 s  alarm/1 state is 0\n"
+              "   6000.0 s  power * fails with status 5, once\n"
+              "   6000.0 s  power * answers 5 ms late, always\n"
+              "own has been played\n",
+              ended.output);
+    LineClient control(directory_, "control");
+    const json state = control.call({{"command", "state"}})["state"];
+    EXPECT_EQ(1U, state["failures"].size());
+    EXPECT_EQ(1U, state["delays"].size());
+}
+
+TEST_F(Play, PrintsEachStepWhenItIsPlayedAndEndsOnAnInterrupt) {
+    RunningCamera camera(directory_);
+    Process player(command(write(R"([{"at": 0, "down": "iris"}, {"at": 3600, "up": "iris"}])")));
+    EXPECT_EQ("own: Mine", player.nextLine().value_or(""));
+    EXPECT_EQ("      0.0 s  iris is down", player.nextLine().value_or(""));
+    player.signal(SIGINT);
+    const Ended ended = player.wait();
+    EXPECT_EQ(128 + SIGINT, ended.status);
+    EXPECT_EQ("", ended.output);
+    EXPECT_FALSE(LineClient(directory_, "iris").connected());
+}
+
+TEST_F(Play, EndsWithTheCamera) {
+    RunningCamera camera(directory_);
+    Process player(command(write(R"([{"at": 0, "down": "iris"}, {"at": 3600, "up": "iris"}])")));
+    EXPECT_TRUE(player.nextLine());
+    EXPECT_TRUE(player.nextLine());
+    camera.process().signal(SIGTERM);
+    const Ended ended = player.wait();
+    EXPECT_EQ(1, ended.status);
+    EXPECT_EQ("quarnsnmp-camctl: the camera in " + directory_ + " has ended\n", ended.errors);
+}
+
+TEST_F(Play, ChecksTheWholeFileFirst) {
+    const std::string path = write(R"([{"at": 0, "down": "iris"}, {"at": 1, "set": {"alarm/9": {"state": 1}}}])");
+    RunningCamera camera(directory_, "dome");
+    const Ended ended = run(command(path));
+    EXPECT_EQ(1, ended.status);
+    EXPECT_EQ("", ended.output);
+    EXPECT_THAT(ended.errors, testing::StartsWith("quarnsnmp-camctl: " + path +
+                                                  ": steps[1]: alarm/9: unknown target; expected one of: alarm/1, "));
+    EXPECT_TRUE(LineClient(directory_, "iris").connected());
+}
+
+TEST_F(Play, NeedsAFileAndACamera) {
+    expectRefused(command(root_ / "none.json"), (root_ / "none.json") + ": No such file or directory");
+    const Ended unknown = run(command("cool-down"));
+    EXPECT_EQ(1, unknown.status);
+    EXPECT_THAT(unknown.errors,
+                testing::MatchesRegex("quarnsnmp-camctl: no scenario 'cool-down' in .*/share/quarnsnmp/scenarios; "
+                                      "there are: drop-services, warm-up\n"));
+    const std::string wrong = write("3");
+    expectRefused(command(wrong), wrong + ": steps: expected a list of steps, found 3");
+    const std::string path = write("[]");
+    expectRefused(command(path), "no camera answers in " + directory_ + ": No such file or directory");
+}
+
+TEST_F(Play, StopsWhereTheCameraRefusesAStep) {
+    RunningCamera camera(directory_);
+    const std::string path = write(R"([{"at": 0, "down": "iris"}, {"at": 0, "up": "iris"}, {"at": 0, "clear": {}}])");
+    LineClient control(directory_, "control");
+    EXPECT_EQ(true, control.call({{"command", "set"},
+                                  {"target", "device_management/1"},
+                                  {"field", "rebootSeconds"},
+                                  {"value", 3600}})["ok"]);
+    EXPECT_EQ("[0]", LineClient(directory_, "device_management").ask(R"(["reboot_send","device_management/1",2])"));
+    EXPECT_TRUE(eventually([&] { return control.call({{"command", "state"}})["state"]["rebooting"] == true; }));
+    const Ended ended = run(command(path));
+    EXPECT_EQ(1, ended.status);
+    EXPECT_EQ("own: Mine\n      0.0 s  iris is down\n", ended.output);
+    EXPECT_EQ("quarnsnmp-camctl: " + path + ": steps[1]: cannot bring up iris: the camera restarts\n", ended.errors);
+}
+
+TEST_F(Play, RefusesSpeedsThatAreNone) {
+    for (const char *speed : {"0", "-1", "nan", "inf", "1e7", "fast"}) {
+        const Ended ended = run(command("warm-up", speed));
+        EXPECT_EQ(2, ended.status) << speed;
+        EXPECT_THAT(ended.errors, testing::StartsWith("quarnsnmp-camctl: "));
+        EXPECT_THAT(ended.errors, HasSubstr("--speed"));
+    }
+    EXPECT_EQ(2, run({QUARNSNMP_CAMCTL, "play"}).status);
+}
+
+class EachScenario : public testing::TestWithParam<const char *> {};
+
+TEST_P(EachScenario, PlaysToItsEndOnEachCameraThatFits) {
+    for (const char *name : {"dome", "stepper"}) {
+        const TempDirectory root;
+        const RunningCamera camera(root / "sockets", name);
+        Follower follower(root / "sockets");
+        const Ended ended =
+            run({QUARNSNMP_CAMCTL, "--directory", root / "sockets", "play", GetParam(), "--speed", "100000"});
+        EXPECT_EQ(0, ended.status) << name;
+        EXPECT_EQ("", ended.errors) << name;
+        EXPECT_THAT(ended.output, testing::EndsWith(std::string(GetParam()) + " has been played\n")) << name;
+        EXPECT_NE("", follower.next().value("event", "")) << "something has happened to " << name;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Shipped, EachScenario, testing::Values("drop-services", "warm-up"),
+                         [](const testing::TestParamInfo<const char *> &test) {
+                             std::string name = test.param;
+                             name.erase(name.find('-'), 1);
+                             return name;
+                         });
+
+TEST(DropServices, TakesEachOfTheDomesServicesDownAndUp) {
+    const TempDirectory root;
+    const RunningCamera camera(root / "sockets");
+    Follower follower(root / "sockets");
+    ASSERT_EQ(
+        0,
+        run({QUARNSNMP_CAMCTL, "--directory", root / "sockets", "play", "drop-services", "--speed", "100000"}).status);
+    LineClient control(root / "sockets", "control");
+    const json state = control.call({{"command", "state"}})["state"];
+    ASSERT_EQ(11U, state["services"].size());
+    for (const auto &item : state["services"].items()) {
+        for (const char *kind : {"service_down", "service_up"}) {
+            const json event = follower.next();
+            EXPECT_EQ(kind, event["event"]);
+            EXPECT_EQ(item.key(), event["service"]);
+        }
+        EXPECT_EQ(true, item.value()["up"]);
+    }
+}
+
+} // namespace

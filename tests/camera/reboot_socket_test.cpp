@@ -1,0 +1,181 @@
+// Restarts of a running camera, as its clients see them.
+#include "camera_process.h"
+
+#include <csignal>
+#include <set>
+
+#include <gmock/gmock.h>
+
+using namespace camera::test;
+using nlohmann::json;
+
+namespace {
+
+const std::string kReboot = R"(["reboot_send","device_management/1",2])";
+const std::string kGetTemperature = R"(["get_temperature_send","temperature/1"])";
+const std::string kTemperature = "[0,31500]";
+const json kDone = {{"ok", true}};
+
+class RebootSocket : public testing::Test {
+protected:
+    RebootSocket() {
+        EXPECT_EQ(kDone, follower_.call({{"command", "follow"}}));
+    }
+
+    json set(const std::string &target, const std::string &field, const json &value) {
+        return control_.call({{"command", "set"}, {"target", target}, {"field", field}, {"value", value}});
+    }
+
+    void expectRebootSeconds(int seconds) {
+        EXPECT_EQ(kDone, set("device_management/1", "rebootSeconds", seconds));
+    }
+
+    json state() {
+        return control_.call({{"command", "state"}})["state"];
+    }
+
+    json switchService(const std::string &command, const std::string &service) {
+        return control_.call({{"command", command}, {"service", service}});
+    }
+
+    void reboot() {
+        LineClient management(directory_, "device_management");
+        EXPECT_EQ("[0]", management.ask(kReboot));
+        EXPECT_TRUE(management.ends());
+    }
+
+    /** Reads events until each of some services has had one of a kind. @return the time of the last */
+    double await(const std::string &kind, std::set<std::string> services) {
+        double time = -1.0;
+        while (!services.empty()) {
+            const json event = json::parse(follower_.readLine().value_or("{}"));
+            if (event.empty()) {
+                ADD_FAILURE() << "no more events; missing " << kind << " of " << *services.begin();
+                break;
+            }
+            if (event["event"] == kind) {
+                services.erase(event["service"].get<std::string>());
+                time = event["time"];
+            }
+        }
+        return time;
+    }
+
+    std::set<std::string> allServices() {
+        std::set<std::string> names;
+        const json now = state();
+        for (const auto &item : now["services"].items()) {
+            names.insert(item.key());
+        }
+        return names;
+    }
+
+    TempDirectory root_;
+    std::string directory_ = root_ / "sockets";
+    RunningCamera camera_{directory_};
+    LineClient control_{directory_, "control"};
+    LineClient follower_{directory_, "control"};
+};
+
+TEST_F(RebootSocket, AnswersAndGoesAway) {
+    expectRebootSeconds(3600);
+    LineClient connected(directory_, "temperature");
+    EXPECT_EQ(kTemperature, connected.ask(kGetTemperature));
+    LineClient directory(directory_, "directory");
+    reboot();
+    await("service_down", allServices());
+    EXPECT_TRUE(connected.ends());
+    EXPECT_EQ(true, state()["rebooting"]);
+    for (const std::string &service : allServices()) {
+        EXPECT_FALSE(LineClient(directory_, service).connected()) << service;
+        EXPECT_EQ("[6]", directory.ask(R"(["get_target_ids",")" + service + "\"]")) << service;
+        EXPECT_EQ(false, state()["services"][service]["up"]) << service;
+    }
+}
+
+TEST_F(RebootSocket, ComesBackInTime) {
+    expectRebootSeconds(1);
+    reboot();
+    const double down = await("service_down", allServices());
+    const double up = await("service_up", allServices());
+    EXPECT_GE(up - down, 0.9);
+    EXPECT_EQ(false, state()["rebooting"]);
+    for (const std::string &service : allServices()) {
+        EXPECT_TRUE(LineClient(directory_, service).connected()) << service;
+    }
+    EXPECT_EQ(kTemperature, LineClient(directory_, "temperature").ask(kGetTemperature));
+}
+
+TEST_F(RebootSocket, CanTakeNoTime) {
+    expectRebootSeconds(0);
+    reboot();
+    await("service_down", allServices());
+    await("service_up", allServices());
+    EXPECT_EQ(kTemperature, LineClient(directory_, "temperature").ask(kGetTemperature));
+}
+
+TEST_F(RebootSocket, DoesNotExecuteWhatComesBehindItsCall) {
+    expectRebootSeconds(0);
+    LineClient management(directory_, "device_management");
+    management.send(kReboot + "\n" + kReboot + "\n");
+    EXPECT_EQ("[0]", management.readLine().value_or("no answer"));
+    EXPECT_TRUE(management.ends());
+    await("service_up", allServices());
+    EXPECT_EQ(1, state()["services"]["device_management"]["targets"]["device_management/1"]["reboots"]);
+}
+
+TEST_F(RebootSocket, LeavesDownWhatWasTakenDownByHand) {
+    expectRebootSeconds(2);
+    EXPECT_EQ(kDone, switchService("down", "alarm"));
+    reboot();
+    std::set<std::string> others = allServices();
+    others.erase("alarm");
+    await("service_down", others);
+    EXPECT_EQ(kDone, switchService("down", "relay"));
+    EXPECT_EQ("cannot bring up iris: the camera restarts", switchService("up", "iris")["error"]);
+    others.erase("relay");
+    await("service_up", others);
+    EXPECT_FALSE(LineClient(directory_, "alarm").connected());
+    EXPECT_FALSE(LineClient(directory_, "relay").connected());
+    EXPECT_EQ(kDone, switchService("up", "alarm"));
+    EXPECT_TRUE(LineClient(directory_, "alarm").connected());
+}
+
+TEST_F(RebootSocket, KeepsFaultsAndIsControlledMeanwhile) {
+    expectRebootSeconds(2);
+    EXPECT_EQ(kDone,
+              control_.call(
+                  {{"command", "fail"}, {"service", "temperature"}, {"operation", "*"}, {"status", 7}, {"times", 1}}));
+    reboot();
+    await("service_down", allServices());
+    EXPECT_EQ(kDone, set("temperature/1", "temperature", 40000));
+    await("service_up", allServices());
+    LineClient client(directory_, "temperature");
+    EXPECT_EQ("[7]", client.ask(kGetTemperature));
+    EXPECT_EQ("[0,40000]", client.ask(kGetTemperature));
+}
+
+TEST_F(RebootSocket, EndsCleanlyMeanwhile) {
+    expectRebootSeconds(3600);
+    reboot();
+    await("service_down", allServices());
+    camera_.process().signal(SIGTERM);
+    const Ended ended = camera_.process().wait();
+    EXPECT_EQ(0, ended.status);
+    EXPECT_EQ("", ended.errors);
+}
+
+TEST_F(RebootSocket, SaysWhichServiceDoesNotComeBack) {
+    expectRebootSeconds(2);
+    reboot();
+    std::set<std::string> others = allServices();
+    await("service_down", others);
+    writeFile(directory_ + "/iris.sock", "");
+    await("service_not_up", {"iris"});
+    camera_.process().signal(SIGTERM);
+    EXPECT_EQ("quarnsnmp-camera: cannot bring up iris: cannot listen on " + directory_ +
+                  "/iris.sock: Address already in use\n",
+              camera_.process().wait().errors);
+}
+
+} // namespace
