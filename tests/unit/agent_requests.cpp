@@ -13,6 +13,27 @@ std::vector<oid> identifier(std::string_view dotted) {
     return result;
 }
 
+Answer answerOf(const netsnmp_request_info &request) {
+    const netsnmp_variable_list &varbind = *request.requestvb;
+    Answer result;
+    result.requestError = request.status;
+    result.type = varbind.type;
+    if (varbind.type == ASN_OCTET_STR) {
+        result.octets.assign(reinterpret_cast<const char *>(varbind.val.string), varbind.val_len);
+    } else if (varbind.val.integer != nullptr && varbind.val_len == sizeof *varbind.val.integer) {
+        result.integer = *varbind.val.integer;
+    }
+    return result;
+}
+
+netsnmp_mib_handler *ownHandler(const netsnmp_handler_registration &registration) {
+    netsnmp_mib_handler *handler = registration.handler;
+    while (handler->next != nullptr) {
+        handler = handler->next;
+    }
+    return handler;
+}
+
 NewValue NewValue::integer(long value) {
     return {ASN_INTEGER, std::string(reinterpret_cast<const char *>(&value), sizeof value)};
 }
@@ -56,10 +77,7 @@ Answer Request::runOwnHandler(int mode) {
     if (subtree == nullptr || subtree->reginfo == nullptr) {
         return answer(SNMP_ERR_NOSUCHNAME);
     }
-    netsnmp_mib_handler *own = subtree->reginfo->handler;
-    while (own->next != nullptr) {
-        own = own->next;
-    }
+    netsnmp_mib_handler *own = ownHandler(*subtree->reginfo);
     agentRequest_.mode = mode;
     request_.subtree = subtree;
     return answer(own->access_method(own, subtree->reginfo, &agentRequest_, &request_));
@@ -70,15 +88,8 @@ netsnmp_request_info *Request::info() {
 }
 
 Answer Request::answer(int returned) const {
-    Answer result;
+    Answer result = answerOf(request_);
     result.returned = returned;
-    result.requestError = request_.status;
-    result.type = varbind_->type;
-    if (varbind_->type == ASN_OCTET_STR) {
-        result.octets.assign(reinterpret_cast<const char *>(varbind_->val.string), varbind_->val_len);
-    } else if (varbind_->val.integer != nullptr && varbind_->val_len == sizeof *varbind_->val.integer) {
-        result.integer = *varbind_->val.integer;
-    }
     return result;
 }
 

@@ -27,6 +27,12 @@ struct Answer {
     std::string octets;                  ///< value of an OCTET STRING
 };
 
+/** What a variable holds, and the error that is set on its request; `returned` is left as it is. */
+Answer answerOf(const netsnmp_request_info &request);
+
+/** The last handler of an object's chain, which is the module's. */
+netsnmp_mib_handler *ownHandler(const netsnmp_handler_registration &registration);
+
 /** A value to SET. */
 struct NewValue {
     unsigned char type;

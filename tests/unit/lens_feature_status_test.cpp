@@ -4,7 +4,6 @@ using requests::Answer;
 using requests::get;
 using requests::NewValue;
 using requests::Request;
-using testing::ElementsAre;
 
 namespace lens_tests {
 

@@ -4,7 +4,6 @@ using requests::Answer;
 using requests::get;
 using requests::NewValue;
 using requests::Request;
-using scripted::LogLine;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

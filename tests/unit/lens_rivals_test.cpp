@@ -8,8 +8,6 @@
 
 using requests::get;
 using requests::NewValue;
-using scripted::LogLine;
-using testing::Contains;
 using testing::ElementsAre;
 
 namespace lens_tests {

@@ -112,10 +112,8 @@ LogLine said(const Object &object, int level, const std::string &text) {
 void LensDriveTest::SetUp() {
     LensTest::SetUp();
     start(GetParam());
-}
-
-void LensDriveTest::TearDown() {
     commit(octets({0, 0, 0, 0}));
+    forget();
 }
 
 const Object &LensDriveTest::object() {

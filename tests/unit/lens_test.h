@@ -52,7 +52,6 @@ scripted::LogLine said(const Object &object, int level, const std::string &text)
 class LensDriveTest : public LensTest, public testing::WithParamInterface<Drive> {
 protected:
     void SetUp() override;
-    void TearDown() override;
 
     static const Object &object();
     static requests::Answer phase(int mode, const std::string &value);

@@ -20,6 +20,7 @@
 
 #include <boost/thread/exceptions.hpp>
 
+#include "eventually.h"
 #include "poll_thread.h"
 
 using testing::Contains;
@@ -42,17 +43,6 @@ std::atomic<int> gSecondPolls{0};
 std::atomic<bool> gHold{false};
 std::string gJoinError;
 int gJoinErrorCode = 0;
-
-bool eventually(const std::function<bool()> &condition) {
-    const auto end = Clock::now() + std::chrono::seconds(20);
-    while (!condition()) {
-        if (Clock::now() > end) {
-            return false;
-        }
-        std::this_thread::yield();
-    }
-    return true;
-}
 
 /** Waits until the clock has moved on by so many short periods. */
 void pass(int periods) {

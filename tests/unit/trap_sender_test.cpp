@@ -8,48 +8,15 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <net-snmp/library/fd_event_manager.h>
-
+#include "sent_traps.h"
 #include "trap_sender.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-namespace {
-
-struct SentTrap {
-    std::vector<oid> firstName;
-    std::vector<oid> trapOid;
-    std::vector<oid> valueName;
-    unsigned char valueType = 0;
-    long value = 0;
-    std::thread::id thread;
-};
-
-std::vector<SentTrap> gSent;
-
-std::vector<oid> nameOf(const netsnmp_variable_list *vars) {
-    return {vars->name, vars->name + vars->name_length};
-}
-
-} // namespace
-
-/** In place of the agent library's function of this name, which has nowhere to send to in a unit test. */
-extern "C" void send_v2trap(netsnmp_variable_list *vars) {
-    SentTrap trap;
-    ASSERT_NE(vars, nullptr);
-    ASSERT_NE(vars->next_variable, nullptr);
-    ASSERT_EQ(vars->next_variable->next_variable, nullptr);
-    ASSERT_EQ(vars->type, ASN_OBJECT_ID);
-    trap.firstName = nameOf(vars);
-    trap.trapOid.assign(vars->val.objid, vars->val.objid + vars->val_len / sizeof(oid));
-    trap.valueName = nameOf(vars->next_variable);
-    trap.valueType = vars->next_variable->type;
-    trap.value = *vars->next_variable->val.integer;
-    trap.thread = std::this_thread::get_id();
-    gSent.push_back(trap);
-}
+using traps::gSent;
+using traps::sentValues;
+using traps::turnEventLoop;
 
 namespace {
 
@@ -66,34 +33,8 @@ protected:
     }
 };
 
-/** One turn of the agent's event loop, as far as registered descriptors go. @return how many were ready */
-int turnEventLoop() {
-    int highest = 0;
-    fd_set readable;
-    fd_set writable;
-    fd_set exceptional;
-    FD_ZERO(&readable);
-    FD_ZERO(&writable);
-    FD_ZERO(&exceptional);
-    netsnmp_external_event_info(&highest, &readable, &writable, &exceptional);
-    timeval now{};
-    int ready = select(highest, &readable, &writable, &exceptional, &now);
-    const int result = ready;
-    netsnmp_dispatch_external_events(&ready, &readable, &writable, &exceptional);
-    return result;
-}
-
 void sendPower(int value) {
     EXPECT_EQ(SendTrap(gPowerOid, OID_LENGTH(gPowerOid), value), 0);
-}
-
-std::vector<long> sentValues() {
-    std::vector<long> values;
-    values.reserve(gSent.size());
-    for (const SentTrap &trap : gSent) {
-        values.push_back(trap.value);
-    }
-    return values;
 }
 
 } // namespace

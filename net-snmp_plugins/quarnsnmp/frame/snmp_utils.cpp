@@ -95,11 +95,14 @@ bool registerTableDataSet(const char *name, Netsnmp_Node_Handler *handler, const
                           int modes, netsnmp_table_data_set *dataSet) {
     PrepareToRemember();
     netsnmp_handler_registration *registration = CreateRegistration(name, handler, identifier, length, modes);
-    if (registration != nullptr &&
-        netsnmp_register_table_data_set(registration, dataSet, nullptr) == MIB_REGISTERED_OK) {
+    // The agent would make one itself, and lose it when it refuses the registration.
+    auto *info = SNMP_MALLOC_TYPEDEF(netsnmp_table_registration_info);
+    if (registration != nullptr && info != nullptr &&
+        netsnmp_register_table_data_set(registration, dataSet, info) == MIB_REGISTERED_OK) {
         gRegistrations.push_back({registration, dataSet});
         return true;
     }
+    netsnmp_table_registration_info_free(info);
     netsnmp_delete_table_data_set(dataSet);
     return false;
 }

@@ -3,13 +3,17 @@
  * Presets: NTCIP numbers them 0 to 255, the camera's service knows them by identifiers of its own. Every command asks
  * for the identifier of its number first, and a store under a new number makes one up.
  */
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <memory>
 
+#include <unistd.h>
+
 #include <boost/lexical_cast.hpp>
-#include <boost/uuid/random_generator.hpp>
+#include <boost/uuid/entropy_error.hpp>
+#include <boost/uuid/uuid.hpp>
 #include <boost/uuid/uuid_io.hpp>
 
 #include "core_utils.h"
@@ -79,9 +83,19 @@ void GoToPreset(const char *function) {
                            newGoToPresetNumber);
 }
 
-/** A random identifier. @throws boost::uuids::entropy_error */
+/**
+ * A random identifier, of version 4. Boost's own generator is not used because it asks the kernel by a bare system
+ * call.
+ * @throws boost::uuids::entropy_error
+ */
 PresetId MakePresetId() {
-    return PresetId(strdup(boost::uuids::to_string(boost::uuids::random_generator()()).c_str()));
+    boost::uuids::uuid uuid{};
+    if (getentropy(uuid.data, sizeof uuid.data) != 0) {
+        throw boost::uuids::entropy_error(errno, "getentropy");
+    }
+    uuid.data[6] = static_cast<uint8_t>((uuid.data[6] & 0x0FU) | 0x40U); // version
+    uuid.data[8] = static_cast<uint8_t>((uuid.data[8] & 0x3FU) | 0x80U); // variant
+    return PresetId(strdup(boost::uuids::to_string(uuid).c_str()));
 }
 
 /** Stores the present position as the preset newStorePresetNumber. */

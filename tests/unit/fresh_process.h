@@ -1,0 +1,35 @@
+/**
+ * @file
+ * Checks of what the module holds before anything has happened: earlier tests of the same process leave traces.
+ */
+#ifndef QUARNSNMP_FRESH_PROCESS_H
+#define QUARNSNMP_FRESH_PROCESS_H
+
+#include <cstdlib>
+#include <iostream>
+
+#include <gtest/gtest.h>
+
+/** Ends the process. @return (by its status) whether nothing has failed; what has failed goes to standard error */
+[[noreturn]] inline void endWithResult() {
+    const testing::TestResult &result = *testing::UnitTest::GetInstance()->current_test_info()->result();
+    for (int i = 0; i < result.total_part_count(); ++i) {
+        const testing::TestPartResult &part = result.GetTestPartResult(i);
+        std::cerr << part.file_name() << ":" << part.line_number() << ": " << part.message() << std::endl;
+    }
+    // Without destructors: what the process has open at this point is not the test's subject.
+    std::_Exit(result.Passed() ? 0 : 1);
+}
+
+/** Runs checks in a new process, after the fixture's SetUp(); their failures fail the test. Once in a test only. */
+inline void expectInFreshProcess(void (*checks)()) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            checks();
+            endWithResult();
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+#endif

@@ -1,0 +1,152 @@
+/**
+ * @file
+ * The tables' cells when MIB files give their identifiers names, and when the agent's configuration has identifiers
+ * written in other forms: the row must not depend on how they look as text.
+ */
+#include <fstream>
+#include <memory>
+
+#include <unistd.h>
+
+#include "gpio_table_test.h"
+
+using requests::Pdu;
+using testing::ElementsAre;
+
+namespace {
+
+/** Names for both tables; their rows have names as well, which then stand in place of the index. */
+const char *const kMib = R"(
+GPIO-NAMES-MIB DEFINITIONS ::= BEGIN
+IMPORTS OBJECT-TYPE FROM SNMPv2-SMI;
+
+vendor OBJECT IDENTIFIER ::= { iso org(3) dod(6) internet(1) private(4) enterprises(1) 99999 }
+products OBJECT IDENTIFIER ::= { vendor 1 }
+inputsAndOutputs OBJECT IDENTIFIER ::= { products 3 }
+
+inputTable OBJECT-TYPE
+    SYNTAX SEQUENCE OF InputEntry MAX-ACCESS not-accessible STATUS current DESCRIPTION "inputs"
+    ::= { inputsAndOutputs 1 }
+inputEntry OBJECT-TYPE
+    SYNTAX InputEntry MAX-ACCESS not-accessible STATUS current DESCRIPTION "an input"
+    INDEX { inputNumber }
+    ::= { inputTable 1 }
+InputEntry ::= SEQUENCE { inputNumber INTEGER, inputState INTEGER }
+inputNumber OBJECT-TYPE
+    SYNTAX INTEGER { north(1), south(2) } MAX-ACCESS read-only STATUS current DESCRIPTION "number"
+    ::= { inputEntry 2 }
+inputState OBJECT-TYPE
+    SYNTAX INTEGER MAX-ACCESS read-only STATUS current DESCRIPTION "state"
+    ::= { inputEntry 3 }
+
+outputTable OBJECT-TYPE
+    SYNTAX SEQUENCE OF OutputEntry MAX-ACCESS not-accessible STATUS current DESCRIPTION "outputs"
+    ::= { inputsAndOutputs 2 }
+outputEntry OBJECT-TYPE
+    SYNTAX OutputEntry MAX-ACCESS not-accessible STATUS current DESCRIPTION "an output"
+    INDEX { outputNumber }
+    ::= { outputTable 1 }
+OutputEntry ::= SEQUENCE { outputNumber INTEGER, outputState INTEGER }
+outputNumber OBJECT-TYPE
+    SYNTAX INTEGER { north(1), south(2) } MAX-ACCESS read-only STATUS current DESCRIPTION "number"
+    ::= { outputEntry 2 }
+outputState OBJECT-TYPE
+    SYNTAX INTEGER MAX-ACCESS read-write STATUS current DESCRIPTION "state"
+    ::= { outputEntry 3 }
+END
+)";
+
+/** A MIB file that the agent library has read, until the end of the object's life. */
+class LoadedMib {
+public:
+    LoadedMib() : path_(testing::TempDir() + "gpio-names-" + std::to_string(getpid()) + ".txt") {
+        std::ofstream(path_) << kMib;
+        read_mib(path_.c_str());
+    }
+    ~LoadedMib() {
+        netsnmp_unload_module("GPIO-NAMES-MIB");
+        unlink(path_.c_str());
+    }
+    LoadedMib(const LoadedMib &) = delete;
+    LoadedMib &operator=(const LoadedMib &) = delete;
+
+private:
+    std::string path_;
+};
+
+class OutputFormat {
+public:
+    explicit OutputFormat(int format)
+        : before_(netsnmp_ds_get_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OID_OUTPUT_FORMAT)) {
+        set(format);
+    }
+    ~OutputFormat() {
+        set(before_);
+    }
+    OutputFormat(const OutputFormat &) = delete;
+    OutputFormat &operator=(const OutputFormat &) = delete;
+
+private:
+    static void set(int format) {
+        netsnmp_ds_set_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OID_OUTPUT_FORMAT, format);
+    }
+    int before_;
+};
+
+std::string asText(std::string_view dotted) {
+    const std::vector<oid> name = requests::identifier(dotted);
+    char text[256];
+    snprint_objid(text, sizeof text, name.data(), name.size());
+    return text;
+}
+
+class GpioNamesTest : public ModuleTest, public testing::WithParamInterface<const GpioTable *> {
+protected:
+    void SetUp() override {
+        openCore();
+        gpio::start(*GetParam(), 2);
+        core().answer(gpio::readFunction(*GetParam()), {std::int64_t{1}});
+    }
+    void TearDown() override {
+        GetParam()->deinit();
+    }
+
+    static void expectBothRows() {
+        for (const int row : {1, 2}) {
+            core().clearRecord();
+            Pdu pdu;
+            pdu.add(gpio::cell(*GetParam(), 3, static_cast<unsigned long>(row)));
+            EXPECT_EQ(pdu.run(MODE_GET), SNMP_ERR_NOERROR);
+            EXPECT_EQ(pdu.answer(0).type, ASN_INTEGER);
+            EXPECT_EQ(pdu.answer(0).integer, 1);
+            EXPECT_THAT(core().calls(), ElementsAre(gpio::readCall(*GetParam(), row)));
+        }
+    }
+};
+
+} // namespace
+
+TEST_P(GpioNamesTest, NamesOfIdentifiersDoNotHideTheRow) {
+    const LoadedMib mib;
+    const std::string text = asText(gpio::cell(*GetParam(), 3, 2));
+    ASSERT_THAT(text, testing::EndsWith("State.south")) << "the MIB file was not read";
+    expectBothRows();
+}
+
+TEST_P(GpioNamesTest, TheFormOfIdentifiersAsTextDoesNotHideTheRow) {
+    for (const bool named : {false, true}) {
+        std::unique_ptr<LoadedMib> mib;
+        if (named) {
+            mib = std::make_unique<LoadedMib>();
+        }
+        for (const int format : {NETSNMP_OID_OUTPUT_SUFFIX, NETSNMP_OID_OUTPUT_MODULE, NETSNMP_OID_OUTPUT_FULL,
+                                 NETSNMP_OID_OUTPUT_NUMERIC, NETSNMP_OID_OUTPUT_UCD, NETSNMP_OID_OUTPUT_NONE}) {
+            SCOPED_TRACE(format);
+            const OutputFormat chosen(format);
+            expectBothRows();
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Tables, GpioNamesTest, testing::Values(&kAlarmTable, &kRelayTable),
+                         [](const auto &table) { return std::string(table.param->service); });

@@ -1,0 +1,93 @@
+/**
+ * @file
+ * A request and a poll that read the same value at the same time.
+ */
+#include <atomic>
+#include <fstream>
+#include <ostream>
+#include <thread>
+
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "eventually.h"
+#include "positioning_test.h"
+
+namespace {
+
+struct Watched {
+    const char *name;
+    const char *service;
+    bool (*init)(void *ipcCookie);
+    void (*deinit)();
+    void (*poll)();
+    const char *instance;
+    const char *read;
+    bool oneAtATime;
+};
+
+void PrintTo(const Watched &each, std::ostream *stream) {
+    *stream << each.name;
+}
+
+const Watched kWatched[] = {
+    {"power", "power", InitPower, DeinitPower, PollPower, "1.3.6.1.4.1.99999.1.1.8.0.0",
+     "zorva_api_power_get_power_state_send", true},
+    {"voltage", "power", InitPower, DeinitPower, PollPower, "1.3.6.1.4.1.99999.1.1.9.0.0",
+     "zorva_api_power_get_voltage_state_send", false},
+    {"temperature", "temperature", InitTemperature, DeinitTemperature, PollTemperature, "1.3.6.1.4.1.99999.1.1.7.0.0",
+     "zorva_api_temperature_get_temperature_send", true},
+};
+
+/** Whether a thread of this process waits in the kernel, as for a lock. */
+bool isAsleep(long thread) {
+    std::ifstream stat("/proc/self/task/" + std::to_string(thread) + "/stat");
+    std::string text;
+    std::getline(stat, text);
+    const std::size_t state = text.rfind(") ");
+    return state != std::string::npos && text.compare(state + 2, 1, "S") == 0;
+}
+
+class HealthThreadsTest : public ModuleTest, public testing::WithParamInterface<Watched> {
+protected:
+    void SetUp() override {
+        openCore();
+        core().targets(GetParam().service, {std::string(GetParam().service) + "/1"});
+        for (const Watched &each : kWatched) {
+            core().answer(each.read, {std::int64_t{1}});
+        }
+        ASSERT_TRUE(GetParam().init(GetIpcCookie()));
+    }
+    void TearDown() override {
+        GetParam().deinit();
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Values, HealthThreadsTest, testing::ValuesIn(kWatched),
+                         [](const auto &each) { return std::string(each.param.name); });
+
+} // namespace
+
+// The service takes calls for the voltage at any time, the others one at a time.
+TEST_P(HealthThreadsTest, APollDuringARequestWaitsWhereTheServiceNeedsIt) {
+    std::atomic<int> reads{0};
+    std::atomic<bool> met{false};
+    std::atomic<long> pollThread{0};
+    std::thread polling;
+    core().during(GetParam().read, [&] {
+        if (++reads == 2) {
+            met = true;
+            return;
+        }
+        polling = std::thread([&pollThread] {
+            pollThread = syscall(SYS_gettid);
+            GetParam().poll();
+        });
+        EXPECT_TRUE(
+            eventually([&] { return met || (GetParam().oneAtATime && pollThread != 0 && isAsleep(pollThread)); }));
+        EXPECT_EQ(met, !GetParam().oneAtATime);
+    });
+    EXPECT_THAT(requests::get(GetParam().instance), isAccepted());
+    polling.join();
+    EXPECT_EQ(reads, 2) << "the poll reads when it is its turn";
+}

@@ -1,0 +1,251 @@
+// The users' reference of objects against what the module registers, answers and calls.
+#include <algorithm>
+#include <fstream>
+#include <set>
+
+#include "gpio_pdu.h"
+#include "module_test.h"
+
+using requests::NewValue;
+using requests::Pdu;
+using scripted::Value;
+
+namespace {
+
+/** A row of the reference. */
+struct ObjectRow {
+    std::string name;
+    std::string identifier; ///< of the instance; of the first row for a column of a table
+    std::string access;
+    std::string syntax;
+    std::string getCalls;
+    std::string setCalls;
+};
+
+bool operator==(const ObjectRow &left, const ObjectRow &right) {
+    return left.name == right.name && left.identifier == right.identifier && left.access == right.access &&
+           left.syntax == right.syntax && left.getCalls == right.getCalls && left.setCalls == right.setCalls;
+}
+
+void PrintTo(const ObjectRow &row, std::ostream *stream) {
+    *stream << "| `" << row.name << "` | " << row.identifier << " | " << row.access << " | " << row.syntax << " | "
+            << row.getCalls << " | " << row.setCalls << " |";
+}
+
+template <typename Argument>
+void addOutput(std::vector<Value> &outputs) {
+    if constexpr (std::is_same_v<Argument, char **>) {
+        outputs.emplace_back("text");
+    } else if constexpr (std::is_pointer_v<Argument> && !std::is_same_v<Argument, const char *>) {
+        outputs.emplace_back(std::int64_t{0});
+    }
+}
+
+template <typename... Arguments>
+std::vector<Value> anyOutputs(zorva_core_status (*)(void *, const char *, Arguments...)) {
+    std::vector<Value> outputs;
+    (addOutput<Arguments>(outputs), ...);
+    return outputs;
+}
+
+void answerEveryCall() {
+#define ZORVA_CALL(service, operation, ...)                                                                            \
+    scripted::core().answer("zorva_api_" #service "_" #operation, anyOutputs(zorva_api_##service##_##operation));
+#include "service_calls.def"
+}
+
+std::vector<std::string> split(const std::string &text, const std::string &separator) {
+    std::vector<std::string> parts;
+    std::size_t start = 0;
+    for (std::size_t end = text.find(separator); end != std::string::npos; end = text.find(separator, start)) {
+        parts.push_back(text.substr(start, end - start));
+        start = end + separator.size();
+    }
+    parts.push_back(text.substr(start));
+    return parts;
+}
+
+/** The rows of the sections whose heading has, or has not, a word. */
+std::vector<ObjectRow> documentedObjects(const std::string &word, bool wanted) {
+    std::ifstream document(QUARNSNMP_OBJECTS_DOCUMENT);
+    EXPECT_TRUE(document.is_open());
+    std::vector<ObjectRow> rows;
+    bool inSection = false;
+    for (std::string line; std::getline(document, line);) {
+        if (line.rfind("## ", 0) == 0) {
+            inSection = (line.find(word) != std::string::npos) == wanted;
+        } else if (inSection && line.rfind("| `", 0) == 0) {
+            const std::vector<std::string> cells = split(line.substr(2, line.size() - 4), " | ");
+            EXPECT_EQ(cells.size(), 7U) << line;
+            EXPECT_NE(cells.back(), "") << line;
+            rows.push_back({cells.at(0).substr(1, cells.at(0).size() - 2), cells.at(1), cells.at(2), cells.at(3),
+                            cells.at(4), cells.at(5)});
+        }
+    }
+    return rows;
+}
+
+/** The calls of the record as the reference writes them: each once, without what all names have. */
+std::string recordedCalls() {
+    std::set<std::string> names;
+    for (const std::string &call : scripted::core().calls()) {
+        const std::string name = call.substr(0, call.find('('));
+        const std::string prefix = "zorva_api_";
+        const std::string suffix = "_send";
+        EXPECT_EQ(name.rfind(prefix, 0), 0U) << name;
+        names.insert("`" + name.substr(prefix.size(), name.size() - prefix.size() - suffix.size()) + "`");
+    }
+    std::string text;
+    for (const std::string &name : names) {
+        text += (text.empty() ? "" : ", ") + name;
+    }
+    return text.empty() ? "–" : text;
+}
+
+std::string syntaxOf(const requests::Answer &answer) {
+    switch (answer.type) {
+    case ASN_INTEGER:
+        return "INTEGER";
+    case ASN_UNSIGNED:
+        return "Gauge32";
+    case ASN_OCTET_STR: {
+        const bool isText = answer.octets.size() >= 4 && answer.octets.find('\0') == std::string::npos;
+        return isText ? "DisplayString" : "OCTET STRING (SIZE (" + std::to_string(answer.octets.size()) + "))";
+    }
+    default:
+        return "type " + std::to_string(answer.type);
+    }
+}
+
+/** Values that some object or other takes. */
+std::vector<NewValue> samples() {
+    std::vector<NewValue> values;
+    for (const long number : {0L, 1L}) {
+        values.push_back(NewValue::integer(number));
+    }
+    using namespace std::string_view_literals;
+    for (const std::string_view octets :
+         {"\0\0\0\0"sv, "\1\1\1\1"sv, "\2\1\1\1"sv, "\3\1\0\0"sv, "\xC0\0"sv, "\xC0\x80"sv, "\1\x80"sv, "\x40"sv}) {
+        values.push_back(NewValue::text(octets));
+    }
+    return values;
+}
+
+/** A GET, and the calls that it made. */
+requests::Answer read(const std::string &identifier, std::string &calls) {
+    scripted::core().clearRecord();
+    Pdu pdu;
+    pdu.add(identifier);
+    EXPECT_EQ(pdu.run(MODE_GET), SNMP_ERR_NOERROR) << identifier;
+    calls = recordedCalls();
+    return pdu.answer(0);
+}
+
+/** SETs of everything that the object takes. @return whether it took anything */
+bool write(const std::string &identifier, std::string &calls) {
+    scripted::core().clearRecord();
+    bool taken = false;
+    for (const NewValue &value : samples()) {
+        Pdu pdu;
+        pdu.add(identifier, value);
+        taken = pdu.set() == SNMP_ERR_NOERROR || taken;
+    }
+    calls = recordedCalls();
+    return taken;
+}
+
+/** The row that the reference should have for an instance. */
+ObjectRow observed(const std::string &name, const std::string &identifier, bool registeredWritable) {
+    ObjectRow row;
+    row.name = name;
+    row.identifier = identifier;
+    read(identifier, row.getCalls); // the first one may ask the camera for what is held from then on
+    row.syntax = syntaxOf(read(identifier, row.getCalls));
+    const bool taken = write(identifier, row.setCalls);
+    row.access = taken || registeredWritable ? "read-write" : "read-only";
+    return row;
+}
+
+/** Everything that is registered below the module's arcs. */
+std::set<const netsnmp_handler_registration *> registrations() {
+    std::set<const netsnmp_handler_registration *> found;
+    for (const char *arc : {"1.3.6.1.4.1.1206", "1.3.6.1.4.1.99999"}) {
+        const std::vector<oid> root = requests::identifier(arc);
+        for (const netsnmp_subtree *subtree = netsnmp_subtree_find_first(""); subtree != nullptr;
+             subtree = subtree->next) {
+            const netsnmp_handler_registration *registration = subtree->reginfo;
+            if (registration != nullptr && registration->rootoid_len > root.size() &&
+                std::equal(root.begin(), root.end(), registration->rootoid)) {
+                found.insert(registration);
+            }
+        }
+    }
+    return found;
+}
+
+/** Rows for all that is registered. */
+std::vector<ObjectRow> registeredObjects() {
+    std::vector<ObjectRow> rows;
+    for (const netsnmp_handler_registration *registration : registrations()) {
+        std::string identifier;
+        for (std::size_t i = 0; i < registration->rootoid_len; ++i) {
+            identifier += (i != 0 ? "." : "") + std::to_string(registration->rootoid[i]);
+        }
+        const std::string name = registration->handlerName;
+        if (name.find("StatesTable") == std::string::npos) {
+            rows.push_back(observed(name, identifier + ".0", (registration->modes & HANDLER_CAN_SET) != 0));
+            continue;
+        }
+        for (const char *column : {"1", "2", "3"}) {
+            rows.push_back(observed(name + "." + column, identifier + ".1." + column + ".1", false));
+        }
+    }
+    return rows;
+}
+
+class ObjectsDocumentTest : public ModuleTest {
+protected:
+    void SetUp() override {
+        openCore();
+        answerEveryCall();
+    }
+
+    static void offer(const std::vector<std::string> &services) {
+        for (const std::string &service : services) {
+            core().targets(service, {service + "/1"});
+        }
+    }
+
+    /** Starts every feature, compares, and ends what has started. */
+    static void expectDocumented(const std::vector<ObjectRow> &documented) {
+        std::vector<void (*)()> ends;
+        for (const FeatureModule &feature : gFeatureModules) {
+            if (feature.init(GetIpcCookie())) {
+                ends.push_back(feature.deinit);
+            }
+        }
+        EXPECT_THAT(documented, testing::Not(testing::IsEmpty()));
+        EXPECT_THAT(documented, testing::UnorderedElementsAreArray(registeredObjects()));
+        for (void (*end)() : ends) {
+            end();
+        }
+    }
+};
+
+} // namespace
+
+TEST_F(ObjectsDocumentTest, DescribesEachObjectOfACameraWithAMotorDrivenLens) {
+    offer({"alarm", "device_information", "device_management", "exposure", "iris", "lens_focus", "positioning", "power",
+           "presets_tours", "relay", "temperature"});
+    expectDocumented(documentedObjects("stepper", false));
+}
+
+TEST_F(ObjectsDocumentTest, DescribesEachObjectOfAStepperLens) {
+    offer({"exposure", "focus_stepper", "zoom_stepper"});
+    for (FeatureModule &feature : gFeatureModules) {
+        if (feature.init != InitFocusStepper && feature.init != InitZoomStepper) {
+            feature.init = [](void *) { return false; };
+        }
+    }
+    expectDocumented(documentedObjects("stepper", true));
+}

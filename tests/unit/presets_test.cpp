@@ -1,0 +1,218 @@
+#include "presets_test.h"
+
+#include <cerrno>
+#include <cstring>
+#include <set>
+
+#include <sys/random.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+using requests::Answer;
+using requests::get;
+using requests::NewValue;
+using requests::Request;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace presets {
+
+namespace {
+
+const char *const kMaximum = "1.3.6.1.4.1.1206.4.2.7.1.1.0";
+
+/** What the next random octets are; an octet of -1 draws them as ever, an errno value lets that fail. */
+struct Randomness {
+    int octet = -1;
+    int failure = 0;
+    std::vector<std::size_t> drawn; ///< how many octets, in each call
+};
+Randomness gRandomness;
+
+class PresetStoreTest : public PresetsTest {
+protected:
+    void SetUp() override {
+        PresetsTest::SetUp();
+        gRandomness = {};
+        core().answer(kFind, {""});
+        start();
+    }
+
+    /** Stores a number that has no preset yet. @return the identifier that was made up for it */
+    static std::string newIdentifier() {
+        core().clearRecord();
+        set(kStoreHere.instance, NewValue::integer(7));
+        const std::vector<std::string> calls = core().calls();
+        const std::string before = std::string(kStore) + "(presets_tours, \"presets_tours/1\", \"";
+        EXPECT_EQ(calls.size(), 2U);
+        EXPECT_EQ(calls.back().substr(0, before.size()), before);
+        std::string id = calls.back().substr(before.size(), calls.back().find('"', before.size()) - before.size());
+        EXPECT_EQ(calls.back(), store(id, 7));
+        return id;
+    }
+};
+
+} // namespace
+
+/** In place of the C library's function, which cannot be made to fail. */
+extern "C" int getentropy(void *buffer, std::size_t length) {
+    gRandomness.drawn.push_back(length);
+    if (gRandomness.failure != 0) {
+        errno = gRandomness.failure;
+        return -1;
+    }
+    if (gRandomness.octet < 0) {
+        return syscall(SYS_getrandom, buffer, length, 0) == static_cast<long>(length) ? 0 : -1;
+    }
+    std::memset(buffer, gRandomness.octet, length);
+    return 0;
+}
+
+TEST_F(PresetsTest, TheMaximumIsAtMost255) {
+    struct Case {
+        std::int64_t offered;
+        long answered;
+        const char *logged;
+    };
+    start();
+    for (const Case &each :
+         {Case{0, 0, "0"}, Case{1, 1, "1"}, Case{255, 255, "255"}, Case{256, 255, "256"}, Case{1000, 255, "1000"},
+          Case{2147483648, 255, "-2147483648"}, Case{4294967295, 255, "-1"}}) {
+        for (const int mode : Modes{MODE_GET, MODE_GETNEXT}) {
+            core().clearRecord();
+            core().answer(kGetMaximum, {each.offered});
+            const Answer answer = Request(kMaximum).runOwnHandler(mode);
+            EXPECT_THAT(answer, isAccepted());
+            EXPECT_EQ(answer.type, ASN_INTEGER);
+            EXPECT_EQ(answer.integer, each.answered);
+            EXPECT_THAT(core().calls(), ElementsAre(call(kGetMaximum, "&")));
+            EXPECT_THAT(
+                core().logs(),
+                ElementsAre(logs::debug("handle_rangeMaximumPreset: Enter."),
+                            logs::info(std::string("handle_rangeMaximumPreset: get_max_presets, ") + each.logged),
+                            logs::debug("handle_rangeMaximumPreset: Done.")));
+        }
+    }
+}
+
+TEST_F(PresetsTest, AMaximumThatCannotBeReadIsZero) {
+    start();
+    core().fail(kGetMaximum, kRefused);
+    const Answer answer = get(kMaximum);
+    EXPECT_THAT(answer, isAccepted());
+    EXPECT_EQ(answer.type, ASN_INTEGER);
+    EXPECT_EQ(answer.integer, 0);
+    EXPECT_THAT(core().logs(), ElementsAre(logs::debug("handle_rangeMaximumPreset: Enter."),
+                                           logs::failed("zorva_api_presets_tours_get_max_presets_send( gApiCookie, "
+                                                        "gPresets[kDefaultIndex].c_str(), &maxPresets)"),
+                                           logs::debug("handle_rangeMaximumPreset: Done.")));
+}
+
+TEST_F(PresetsTest, WithoutTheServiceTheMaximumIsZero) {
+    startWithoutService();
+    const Answer answer = get(kMaximum);
+    EXPECT_THAT(answer, isAccepted());
+    EXPECT_EQ(answer.type, ASN_INTEGER);
+    EXPECT_EQ(answer.integer, 0);
+    EXPECT_THAT(core().calls(), IsEmpty());
+    EXPECT_THAT(core().logs(), ElementsAre(logs::debug("handle_rangeMaximumPreset: Enter."),
+                                           logs::info("handle_rangeMaximumPreset: get_max_presets, 0"),
+                                           logs::debug("handle_rangeMaximumPreset: Done.")));
+}
+
+TEST_F(PresetsTest, TheMaximumCannotBeSetAndKnowsNoOtherModes) {
+    start();
+    EXPECT_EQ(Request(kMaximum, NewValue::integer(1)).run(MODE_SET_RESERVE1).requestError, SNMP_ERR_NOTWRITABLE);
+    EXPECT_THAT(core().logs(), IsEmpty());
+    for (const int mode : modesExcept({MODE_GET, MODE_GETNEXT})) {
+        core().clearRecord();
+        EXPECT_THAT(Request(kMaximum, NewValue::integer(1)).runOwnHandler(mode),
+                    isRefused(SNMP_ERR_GENERR, SNMP_ERR_NOERROR));
+        EXPECT_THAT(core().logs(),
+                    ElementsAre(logs::debug("handle_rangeMaximumPreset: Enter."),
+                                logs::error("handle_rangeMaximumPreset: unknown mode (" + std::to_string(mode) + ")")));
+        EXPECT_THAT(core().calls(), IsEmpty());
+    }
+}
+
+TEST_F(PresetsTest, GoingToANumberWithoutAPresetMovesNothing) {
+    start();
+    for (const scripted::Value &none : {scripted::Value(""), scripted::Value(nullptr)}) {
+        core().clearRecord();
+        core().answer(kFind, {none});
+        set(kGoTo.instance, NewValue::integer(5));
+        EXPECT_THAT(core().calls(), ElementsAre(find(5)));
+        EXPECT_THAT(core().logs(3), IsEmpty());
+        EXPECT_THAT(core().logs(6), IsEmpty());
+        EXPECT_EQ(get(kGoTo.instance).octets, octets({5}));
+    }
+}
+
+TEST_F(PresetsTest, TheCommandsKeepTheirNumbersApart) {
+    start();
+    set(kGoTo.instance, NewValue::integer(5));
+    set(kStoreHere.instance, NewValue::integer(9));
+    EXPECT_EQ(get(kGoTo.instance).octets, octets({5}));
+    EXPECT_EQ(get(kStoreHere.instance).octets, octets({9}));
+}
+
+TEST_F(PresetStoreTest, ANewNumberGetsARandomIdentifier) {
+    std::set<std::string> found;
+    std::set<char> variants;
+    for (int i = 0; i < 200; ++i) {
+        std::string id = newIdentifier();
+        EXPECT_THAT(id, testing::MatchesRegex("[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}"));
+        found.insert(id);
+        variants.insert(id.at(19));
+    }
+    EXPECT_EQ(found.size(), 200U);
+    EXPECT_THAT(variants, ElementsAre('8', '9', 'a', 'b'));
+}
+
+TEST_F(PresetStoreTest, OfTheRandomOctetsOnlyVersionAndVariantAreSet) {
+    for (const auto &[octet, id] : {std::pair(0x00, "00000000-0000-4000-8000-000000000000"),
+                                    std::pair(0xFF, "ffffffff-ffff-4fff-bfff-ffffffffffff"),
+                                    std::pair(0x5A, "5a5a5a5a-5a5a-4a5a-9a5a-5a5a5a5a5a5a")}) {
+        gRandomness = {octet, 0, {}};
+        EXPECT_EQ(newIdentifier(), id);
+        EXPECT_THAT(gRandomness.drawn, ElementsAre(16));
+    }
+}
+
+TEST_F(PresetStoreTest, ATextThatIsLeftOutIsANewNumberToo) {
+    core().answer(kFind, {nullptr});
+    gRandomness.octet = 0;
+    EXPECT_EQ(newIdentifier(), "00000000-0000-4000-8000-000000000000");
+}
+
+TEST_F(PresetStoreTest, ThePresetIsNamedByItsNumberWithoutASign) {
+    gRandomness.octet = 0;
+    const std::string begin = "\"00000000-0000-4000-8000-000000000000\", ";
+    for (const auto &[number, arguments] :
+         {std::pair(0L, "\"Preset 0\", 0, 1"), std::pair(7L, "\"Preset 7\", 7, 1"),
+          std::pair(12L, "\"Preset 12\", 12, 1"), std::pair(255L, "\"Preset 255\", 255, 1"),
+          std::pair(-1L, "\"Preset 4294967295\", -1, 1"),
+          std::pair(-2147483648L, "\"Preset 2147483648\", -2147483648, 1")}) {
+        core().clearRecord();
+        set(kStoreHere.instance, NewValue::integer(number));
+        EXPECT_THAT(core().calls(), ElementsAre(find(number), call(kStore, begin + arguments)));
+    }
+}
+
+TEST_F(PresetStoreTest, AStoredNumberKeepsItsIdentifierAndGetsItsNameAgain) {
+    core().answer(kFind, {"made elsewhere"});
+    set(kStoreHere.instance, NewValue::integer(12));
+    EXPECT_THAT(core().calls(), ElementsAre(find(12), call(kStore, "\"made elsewhere\", \"Preset 12\", 12, 1")));
+    EXPECT_THAT(gRandomness.drawn, IsEmpty());
+}
+
+TEST_F(PresetStoreTest, WithoutRandomnessNothingIsStored) {
+    gRandomness.failure = EIO;
+    set(kStoreHere.instance, NewValue::integer(12));
+    EXPECT_THAT(core().calls(), ElementsAre(find(12)));
+    EXPECT_THAT(core().logs(3), ElementsAre("getentropy"));
+    EXPECT_THAT(core().logs(6), IsEmpty());
+    EXPECT_EQ(get(kStoreHere.instance).octets, octets({12}));
+}
+
+} // namespace presets

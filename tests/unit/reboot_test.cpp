@@ -1,0 +1,172 @@
+#include "fresh_process.h"
+#include "handler_checks.h"
+
+using requests::Answer;
+using requests::get;
+using requests::NewValue;
+using requests::Request;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+const char *const kObject = "1.3.6.1.4.1.99999.1.1.100.0";
+const char *const kInstance = "1.3.6.1.4.1.99999.1.1.100.0.0";
+const char *const kReboot = "zorva_api_device_management_reboot_send";
+const char *const kRebootCall =
+    "zorva_api_device_management_reboot_send(device_management, \"device_management/1\", 2)";
+
+const scripted::LogLine kRebooting{3, "handle_rebootDevice: snmpset reboot - rebooting system now!!!!"};
+
+class RebootTest : public ModuleTest {
+protected:
+    void SetUp() override {
+        openCore();
+        core().targets("device_management", {"device_management/1", "device_management/2"});
+        ASSERT_TRUE(InitRebootInfo(GetIpcCookie()));
+        core().clearRecord();
+    }
+    void TearDown() override {
+        phase(MODE_SET_UNDO, 0);
+        DeinitRebootInfo();
+    }
+
+    /** One phase on the object's own handler, with the record of this phase only. */
+    static Answer phase(int mode, long value) {
+        core().clearRecord();
+        return DirtyRequest(kInstance, NewValue::integer(value)).runOwnHandler(mode);
+    }
+    static void expectValue(long expected) {
+        const Answer answer = get(kInstance);
+        EXPECT_THAT(answer, isAccepted());
+        EXPECT_EQ(answer.type, ASN_INTEGER);
+        EXPECT_EQ(answer.integer, expected);
+    }
+};
+
+} // namespace
+
+TEST_F(RebootTest, IsZeroUntilItIsSet) {
+    expectInFreshProcess([] {
+        expectValue(0);
+        EXPECT_THAT(core().calls(), IsEmpty());
+        EXPECT_THAT(core().logs(), IsEmpty());
+    });
+}
+
+TEST_F(RebootTest, OneRebootsTheFirstTargetOnce) {
+    set(kInstance, NewValue::integer(1));
+    EXPECT_THAT(core().calls(), ElementsAre(kRebootCall));
+    EXPECT_THAT(core().logs(), ElementsAre(kRebooting));
+    expectValue(1);
+}
+
+TEST_F(RebootTest, TheLineIsLoggedBeforeTheCall) {
+    std::size_t lines = 0;
+    core().during(kReboot, [&lines] { lines = core().logs().size(); });
+    set(kInstance, NewValue::integer(1));
+    EXPECT_EQ(lines, 1U);
+}
+
+TEST_F(RebootTest, EachOneReboots) {
+    set(kInstance, NewValue::integer(1));
+    set(kInstance, NewValue::integer(1));
+    EXPECT_THAT(core().calls(), ElementsAre(kRebootCall, kRebootCall));
+}
+
+TEST_F(RebootTest, OtherNumbersAreOnlyKept) {
+    for (const long value : {7L, 0L, 2L, -1L, 256L, 65537L, 2147483647L, -2147483648L}) {
+        set(kInstance, NewValue::integer(value));
+        expectValue(value);
+    }
+    EXPECT_THAT(core().calls(), IsEmpty());
+    EXPECT_THAT(core().logs(), IsEmpty());
+}
+
+TEST_F(RebootTest, ACommitAnswersTheKeptNumber) {
+    phase(MODE_SET_ACTION, 7);
+    const Answer other = phase(MODE_SET_COMMIT, 1);
+    EXPECT_THAT(other, isAccepted());
+    EXPECT_EQ(other.type, ASN_INTEGER);
+    EXPECT_EQ(other.integer, 7);
+    EXPECT_THAT(core().calls(), IsEmpty()) << "the kept number counts, not the request's";
+    phase(MODE_SET_ACTION, 1);
+    EXPECT_EQ(phase(MODE_SET_COMMIT, 7).integer, 1);
+    EXPECT_THAT(core().calls(), ElementsAre(kRebootCall));
+}
+
+TEST_F(RebootTest, ARefusedRebootSucceedsAndAnswersZero) {
+    core().fail(kReboot, kRefused);
+    EXPECT_THAT(phase(MODE_SET_ACTION, 1), isAccepted());
+    const Answer answer = phase(MODE_SET_COMMIT, 1);
+    EXPECT_THAT(answer, isAccepted());
+    EXPECT_EQ(answer.type, ASN_INTEGER);
+    EXPECT_EQ(answer.integer, 0);
+    EXPECT_THAT(core().calls(), ElementsAre(kRebootCall));
+    EXPECT_THAT(core().logs(), ElementsAre(kRebooting));
+    expectValue(0);
+}
+
+TEST_F(RebootTest, TheLow32BitsOfANumberCount) {
+    for (const auto &[value, kept] : {std::pair(0x100000007L, 7L), std::pair(0xFFFFFFFFL, -1L)}) {
+        EXPECT_THAT(phase(MODE_SET_ACTION, value), isAccepted());
+        expectValue(kept);
+    }
+    phase(MODE_SET_ACTION, 0x100000001L);
+    phase(MODE_SET_COMMIT, 0);
+    EXPECT_THAT(core().calls(), ElementsAre(kRebootCall));
+}
+
+TEST_F(RebootTest, OnlyAnIntegerIsTaken) {
+    reserveEachType(kInstance, NewValue::integer(1), [](int type, const Answer &answer) {
+        EXPECT_THAT(answer, isRefused(SNMP_ERR_NOERROR, type == ASN_INTEGER ? SNMP_ERR_NOERROR : SNMP_ERR_WRONGTYPE));
+        EXPECT_THAT(core().logs(), IsEmpty());
+    });
+    expectValue(0);
+}
+
+TEST_F(RebootTest, AnOctetStringIsRefusedAsTheAgentAsks) {
+    const Answer answer = Request(kInstance, NewValue::text("1")).run(MODE_SET_RESERVE1);
+    EXPECT_EQ(answer.requestError, SNMP_ERR_WRONGTYPE);
+}
+
+TEST_F(RebootTest, ANewNumberIsAnsweredBeforeTheCommit) {
+    EXPECT_THAT(phase(MODE_SET_ACTION, 1), isAccepted());
+    expectValue(1);
+    EXPECT_THAT(core().calls(), IsEmpty());
+    EXPECT_THAT(core().logs(), IsEmpty());
+}
+
+TEST_F(RebootTest, AnUndoMakesItZeroWhateverItWas) {
+    set(kInstance, NewValue::integer(7));
+    setAndUndo(kInstance, NewValue::integer(1));
+    EXPECT_THAT(core().calls(), IsEmpty());
+    expectValue(0);
+}
+
+TEST_F(RebootTest, PhasesWithoutWorkDoNothing) {
+    set(kInstance, NewValue::integer(7));
+    for (const int mode : {MODE_SET_RESERVE2, MODE_SET_FREE}) {
+        const Answer answer = phase(mode, 1);
+        EXPECT_THAT(answer, isAccepted()) << mode;
+        EXPECT_EQ(answer.integer, 1) << mode;
+        EXPECT_THAT(core().logs(), IsEmpty()) << mode;
+    }
+    expectValue(7);
+}
+
+TEST_F(RebootTest, UnknownModesAreLoggedAndGetNextIsOne) {
+    for (const int mode : modesExcept({MODE_GET, MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION, MODE_SET_COMMIT,
+                                       MODE_SET_FREE, MODE_SET_UNDO})) {
+        EXPECT_THAT(phase(mode, 1), isRefused(SNMP_ERR_GENERR, SNMP_ERR_NOERROR));
+        EXPECT_THAT(core().logs(),
+                    ElementsAre(logs::error("handle_rebootDevice: unknown mode (" + std::to_string(mode) + ")")));
+        EXPECT_THAT(core().calls(), IsEmpty());
+    }
+    expectValue(0);
+}
+
+TEST_F(RebootTest, TheStoredIdentifierIsNoInstance) {
+    EXPECT_EQ(requests::registeredName(kObject), "rebootDevice");
+    EXPECT_NE(get(kObject).type, ASN_INTEGER);
+}

@@ -1,0 +1,287 @@
+/**
+ * @file
+ * The relays' NTCIP objects: the bit map of the first two, and the command for any of them.
+ */
+#include "fresh_process.h"
+#include "gpio_table_test.h"
+#include "handler_checks.h"
+#include "relay_calls.h"
+
+using requests::Answer;
+using requests::get;
+using requests::NewValue;
+using requests::Request;
+using scripted::LogLine;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+const char *const kOutputStatus = "1.3.6.1.4.1.1206.4.2.7.8.1.0";
+const char *const kOutputControl = "1.3.6.1.4.1.1206.4.2.7.8.2.0";
+
+const LogLine kStatusEnter = {7, "handle_outputStatus: Enter."};
+const LogLine kStatusDone = {7, "handle_outputStatus: Done."};
+const LogLine kControlEnter = {7, "handle_outputControl: Enter."};
+const LogLine kControlDone = {7, "handle_outputControl: Done."};
+
+class RelayTest : public ModuleTest {
+protected:
+    void SetUp() override {
+        openCore();
+        relays::configuration(1);
+    }
+    void TearDown() override {
+        if (requests::registeredName("1.3.6.1.4.1.1206.4.2.7.8.2") == "outputControl") {
+            commit(octets({0, 0}));
+        }
+        DeinitRelay();
+    }
+
+    static void start(int count) {
+        gpio::start(kRelayTable, count);
+    }
+    static void states(const std::vector<std::int64_t> &relays) {
+        gpio::script(kRelayTable, relays);
+    }
+
+    static void expectStatus(unsigned int bits) {
+        const Answer answer = get(kOutputStatus);
+        EXPECT_THAT(answer, isAccepted());
+        EXPECT_EQ(answer.type, ASN_OCTET_STR);
+        EXPECT_EQ(answer.octets, octets({bits}));
+    }
+    static void expectControl(const std::string &value) {
+        const Answer answer = get(kOutputControl);
+        EXPECT_THAT(answer, isAccepted());
+        EXPECT_EQ(answer.type, ASN_OCTET_STR);
+        EXPECT_EQ(answer.octets, value);
+    }
+
+    /** One phase on the command's own handler, with the record of this phase only. */
+    static Answer phase(int mode, const std::string &value) {
+        core().clearRecord();
+        return DirtyRequest(kOutputControl, NewValue::text(value)).runOwnHandler(mode);
+    }
+    /** A command that nobody checks: an ACTION and a COMMIT, with the record of the COMMIT only. */
+    static Answer commit(const std::string &value) {
+        EXPECT_THAT(phase(MODE_SET_ACTION, value), isAccepted());
+        return phase(MODE_SET_COMMIT, value);
+    }
+};
+
+} // namespace
+
+TEST_F(RelayTest, EachRelayOfTheFirstTwoHasItsBit) {
+    start(2);
+    for (unsigned int bits = 0; bits < 4; ++bits) {
+        core().clearRecord();
+        states({bits & 1U, bits >> 1U});
+        expectStatus(bits);
+        EXPECT_THAT(core().calls(), ElementsAre(relays::readState(1), relays::readState(2)));
+        EXPECT_THAT(core().logs(), ElementsAre(kStatusEnter, kStatusDone));
+    }
+}
+
+TEST_F(RelayTest, OfThreeRelaysTheStatusTellsTwo) {
+    start(3);
+    states({1, 1});
+    expectStatus(0x03);
+    EXPECT_THAT(core().calls(), ElementsAre(relays::readState(1), relays::readState(2)));
+}
+
+TEST_F(RelayTest, ACameraWithOneRelayIsAskedForOne) {
+    start(1);
+    states({1});
+    expectStatus(0x01);
+    EXPECT_THAT(core().calls(), ElementsAre(relays::readState(1)));
+}
+
+TEST_F(RelayTest, TheLowestBitOfAStateCounts) {
+    start(2);
+    states({0xFE, 0xFF});
+    expectStatus(0x02);
+    states({3, 128});
+    expectStatus(0x01);
+}
+
+TEST_F(RelayTest, AFailedStatusIsLoggedWithTheTextOfATableSet) {
+    start(2);
+    for (int failing = 1; failing <= 2; ++failing) {
+        core().clearRecord();
+        states(std::vector<std::int64_t>(static_cast<std::size_t>(failing) - 1, 1));
+        core().once(relays::kGetState, {kRefused, {}});
+        const Answer answer = get(kOutputStatus);
+        EXPECT_EQ(answer.returned, SNMP_ERR_GENERR);
+        EXPECT_EQ(answer.type, ASN_NULL);
+        EXPECT_EQ(core().calls().size(), static_cast<std::size_t>(failing));
+        EXPECT_EQ(core().calls().back(), relays::readState(failing));
+        EXPECT_THAT(core().logs(),
+                    ElementsAre(kStatusEnter, logs::error("handle_outputStatus: MODE_SET_RESERVE2 fail")));
+    }
+    states({0, 0});
+    expectStatus(0x00);
+}
+
+TEST_F(RelayTest, TheStatusAnswersGetNextAsGet) {
+    start(2);
+    states({0, 1});
+    const Answer answer = Request(kOutputStatus).runOwnHandler(MODE_GETNEXT);
+    EXPECT_THAT(answer, isAccepted());
+    EXPECT_EQ(answer.octets, octets({0x02}));
+}
+
+TEST_F(RelayTest, TheStatusRefusesOtherModes) {
+    start(2);
+    for (const int mode : modesExcept({MODE_GET, MODE_GETNEXT})) {
+        core().clearRecord();
+        const Answer answer = Request(kOutputStatus, NewValue::text("x")).runOwnHandler(mode);
+        EXPECT_EQ(answer.returned, SNMP_ERR_GENERR);
+        EXPECT_EQ(answer.octets, "x");
+        EXPECT_THAT(core().logs(), ElementsAre(kStatusEnter, logs::error("handle_outputStatus: unknown mode (" +
+                                                                         std::to_string(mode) + ")")));
+        EXPECT_THAT(core().calls(), IsEmpty());
+    }
+    EXPECT_EQ(Request(kOutputStatus, NewValue::text("x")).run(MODE_SET_RESERVE1).requestError, SNMP_ERR_NOTWRITABLE);
+}
+
+TEST_F(RelayTest, TheCommandIsZeroUntilTheFirst) {
+    expectInFreshProcess([] {
+        start(2);
+        expectControl(octets({0, 0}));
+        EXPECT_THAT(core().logs(), ElementsAre(kControlEnter, kControlDone));
+        EXPECT_THAT(core().calls(), IsEmpty());
+        // Nothing has been committed that an UNDO could bring back.
+        setAndUndo(kOutputControl, NewValue::text(octets({2, 0x80})));
+        expectControl(octets({0, 0}));
+    });
+}
+
+TEST_F(RelayTest, TheHighestBitOfTheSecondOctetIsTheState) {
+    struct Case {
+        std::string value;
+        int relay;
+        int state;
+    };
+    const Case cases[] = {{octets({2, 0x80}), 2, 1}, {octets({2, 0x7F}), 2, 0},    {octets({1, 0xFF}), 1, 1},
+                          {octets({1, 0x00}), 1, 0}, {octets({2, 0x81, 7}), 2, 1}, {octets({3, 0x80, 0, 0}), 3, 1}};
+    start(3);
+    for (const Case &each : cases) {
+        SCOPED_TRACE(testing::PrintToString(each.value));
+        core().clearRecord();
+        set(kOutputControl, NewValue::text(each.value));
+        EXPECT_THAT(core().calls(),
+                    ElementsAre(relays::readConfiguration(each.relay), relays::switchTo(each.relay, each.state)));
+        expectControl(each.value.substr(0, 2));
+    }
+}
+
+TEST_F(RelayTest, ACommandWithoutItsSecondOctetSwitchesOff) {
+    start(2);
+    set(kOutputControl, NewValue::text(octets({2})));
+    EXPECT_THAT(core().calls(), ElementsAre(relays::readConfiguration(2), relays::switchTo(2, 0)));
+    expectControl(octets({2, 0}));
+}
+
+TEST_F(RelayTest, ACommandWithoutOctetsIsForNoRelay) {
+    start(2);
+    commit(octets({1, 0x80}));
+    core().clearRecord();
+    set(kOutputControl, NewValue::text(""));
+    EXPECT_THAT(core().calls(), IsEmpty());
+    expectControl(octets({0, 0}));
+}
+
+TEST_F(RelayTest, ACommandForARelayThatIsNotThereSucceedsAndDoesNothing) {
+    start(2);
+    for (const unsigned int number : {0U, 3U, 5U, 127U, 128U, 255U}) {
+        core().clearRecord();
+        const std::string value = octets({number, 0x80});
+        set(kOutputControl, NewValue::text(value));
+        EXPECT_THAT(core().calls(), IsEmpty()) << number;
+        EXPECT_THAT(core().logs(3), IsEmpty()) << number;
+        expectControl(value);
+        EXPECT_THAT(commit(value), isAccepted());
+        EXPECT_THAT(core().logs(), ElementsAre(kControlEnter, kControlDone));
+    }
+}
+
+TEST_F(RelayTest, OnlyAnOctetStringIsTaken) {
+    start(2);
+    reserveEachType(kOutputControl, NewValue::text(octets({2, 0x80})), [](int type, const Answer &answer) {
+        const bool good = type == ASN_OCTET_STR;
+        const int expected = good ? SNMP_ERR_NOERROR : SNMP_ERR_WRONGTYPE;
+        EXPECT_THAT(answer, isRefused(expected, expected));
+        EXPECT_EQ(core().logs(), good ? (std::vector{kControlEnter, kControlDone}) : std::vector{kControlEnter});
+    });
+}
+
+TEST_F(RelayTest, ALengthIsNeverRefused) {
+    start(2);
+    for (const std::size_t length : {0U, 1U, 2U, 3U, 200U}) {
+        const std::string value(length, '\x7F');
+        for (const int mode : {MODE_SET_RESERVE1, MODE_SET_RESERVE2}) {
+            EXPECT_THAT(phase(mode, value), isAccepted()) << length;
+            EXPECT_THAT(core().logs(), ElementsAre(kControlEnter, kControlDone));
+        }
+    }
+}
+
+TEST_F(RelayTest, ANewCommandIsAnsweredBeforeItIsCarriedOut) {
+    start(2);
+    EXPECT_THAT(phase(MODE_SET_ACTION, octets({2, 0x80})), isAccepted());
+    EXPECT_THAT(core().calls(), IsEmpty());
+    EXPECT_THAT(core().logs(), ElementsAre(kControlEnter, kControlDone));
+    expectControl(octets({2, 0x80}));
+}
+
+TEST_F(RelayTest, ACommitSwitchesByTheRequestAndAnswersTheKeptCommand) {
+    start(2);
+    phase(MODE_SET_ACTION, octets({2, 0x80}));
+    const Answer answer = phase(MODE_SET_COMMIT, octets({1, 0}));
+    EXPECT_THAT(answer, isAccepted());
+    EXPECT_THAT(core().calls(), ElementsAre(relays::readConfiguration(1), relays::switchTo(1, 0)));
+    EXPECT_THAT(core().logs(), ElementsAre(kControlEnter, kControlDone));
+    EXPECT_EQ(answer.type, ASN_OCTET_STR);
+    EXPECT_EQ(answer.octets, octets({2, 0x80}));
+}
+
+TEST_F(RelayTest, AnUndoTakesTheLastCommittedCommandBack) {
+    start(2);
+    commit(octets({1, 0x80}));
+    core().clearRecord();
+    setAndUndo(kOutputControl, NewValue::text(octets({2, 0})));
+    expectControl(octets({1, 0x80}));
+    EXPECT_THAT(core().calls(), IsEmpty());
+}
+
+TEST_F(RelayTest, ACommandThatFailedCountsAsCommitted) {
+    start(2);
+    core().fail(relays::kSetState, kRefused);
+    EXPECT_EQ(commit(octets({1, 0x80})).returned, SNMP_ERR_GENERR);
+    expectControl(octets({1, 0x80}));
+    setAndUndo(kOutputControl, NewValue::text(octets({2, 0})));
+    expectControl(octets({1, 0x80}));
+}
+
+TEST_F(RelayTest, PhasesWithoutWorkDoNothing) {
+    start(2);
+    commit(octets({1, 0x80}));
+    for (const int mode : Modes{MODE_GETNEXT, MODE_SET_RESERVE2, MODE_SET_FREE}) {
+        const Answer answer = phase(mode, octets({2, 0}));
+        EXPECT_THAT(answer, isAccepted()) << mode;
+        EXPECT_EQ(answer.octets, octets({2, 0})) << mode;
+        EXPECT_THAT(core().logs(), ElementsAre(kControlEnter, kControlDone)) << mode;
+        EXPECT_THAT(core().calls(), IsEmpty()) << mode;
+    }
+    expectControl(octets({1, 0x80}));
+}
+
+TEST_F(RelayTest, TheCommandRefusesUnknownModesWithoutALine) {
+    start(2);
+    for (const int mode : kUnknownModes) {
+        EXPECT_THAT(phase(mode, octets({2, 0x80})), isRefused(SNMP_ERR_GENERR, SNMP_ERR_GENERR)) << mode;
+        EXPECT_THAT(core().logs(), ElementsAre(kControlEnter)) << mode;
+        EXPECT_THAT(core().calls(), IsEmpty()) << mode;
+    }
+}
