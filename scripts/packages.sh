@@ -6,7 +6,7 @@
 run_packages=(
     g++ cmake ninja-build
     libsnmp-dev libboost-dev libboost-thread-dev libboost-system-dev nlohmann-json3-dev libcli11-dev
-    snmpd snmp
+    snmpd snmp snmptrapd
 )
 
 # What the tests need beyond that.
@@ -15,7 +15,7 @@ test_packages=(
     git binutils
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev clang-format clang-tidy shellcheck
-    snmptrapd faketime
+    faketime
 )
 
 # What the sysroot for AArch64 holds, as packages of that architecture.

@@ -19,6 +19,8 @@ using testing::SizeIs;
 const std::string kTemperature = ".1.3.6.1.4.1.99999.1.1.7.0";
 const std::string kPower = ".1.3.6.1.4.1.99999.1.1.8.0";
 const std::string kVoltage = ".1.3.6.1.4.1.99999.1.1.9.0";
+const std::string kRebootDevice = ".1.3.6.1.4.1.99999.1.1.100.0";
+constexpr const char *kModelName = ".1.3.6.1.4.1.99999.1.1.2.0.0";
 constexpr const char *kUpTime = ".1.3.6.1.2.1.1.3.0";
 constexpr const char *kTrapOid = ".1.3.6.1.6.3.1.1.4.1.0";
 
@@ -110,6 +112,16 @@ protected:
             return !now.empty() && now.back() == last;
         });
         return there ? testing::AssertionSuccess() : testing::AssertionFailure() << testing::PrintToString(sent());
+    }
+
+    CameraEvents events_;
+};
+
+/** A camera that needs as good as no time to restart. */
+class Reboot : public CameraAgent {
+protected:
+    Reboot() : CameraAgent("dome"), events_(camera_) {
+        setField(camera_, "device_management/1", "rebootSeconds", 1);
     }
 
     CameraEvents events_;
@@ -238,4 +250,31 @@ TEST_F(DaemonHealthTraps, TheyComeFromADaemonAndAfterItsReload) {
     pollWith(kPowerSensor, 2);
     EXPECT_TRUE(arrives({kPower, 2}));
     EXPECT_THAT(sent(), SizeIs(2));
+}
+
+TEST_F(Reboot, TheCameraGoesAwayAndComesBackWhileTheAgentAnswers) {
+    const Result result = manager_.set(instance(kRebootDevice), Type::Integer, 1);
+    ASSERT_TRUE(result.ok()) << result;
+    EXPECT_EQ(result.single().number, 1);
+    EXPECT_EQ(logged("handle_rebootDevice: snmpset reboot - rebooting system now!!!!"), 1U);
+    ASSERT_TRUE(events_.waitFor({{"event", "service_down"}, {"service", "temperature"}}));
+    int answered = 0;
+    EXPECT_TRUE(eventually(seconds(20), [&] {
+        EXPECT_EQ(manager_.get(kModelName).single().type, Type::Octets);
+        EXPECT_EQ(get(instance(kRebootDevice)), "1");
+        ++answered;
+        return manager_.get(instance(kTemperature)).ok();
+    }));
+    EXPECT_GT(answered, 1) << "the camera was away in between";
+    EXPECT_EQ(get(instance(kTemperature)), "31");
+}
+
+TEST_F(Reboot, OtherNumbersAreKeptAndDoNothing) {
+    setInteger(instance(kRebootDevice), 7);
+    EXPECT_EQ(get(instance(kRebootDevice)), "7");
+    EXPECT_EQ(manager_.set({octets(instance(kRebootDevice), "1")}).error, ErrorStatus::WrongType);
+    control("fail", "device_management", "reboot_send", "1");
+    setInteger(instance(kRebootDevice), 1);
+    EXPECT_EQ(get(instance(kRebootDevice)), "0") << "the camera has refused";
+    EXPECT_THAT(events_.matching({{"event", "reboot"}}), IsEmpty());
 }
