@@ -148,8 +148,9 @@ void CameraModel::restart(double seconds) {
 void CameraModel::advanceRestart() {
     // Only one step at a time: whoever meets the first one finds the camera away, however short the restart is.
     restarting_ = !restarting_;
-    restartStep_ = restarting_ ? restartEnd_ : kNever;
+    restartStep_ = kNever;
     if (restarting_) {
+        restartStep_ = restartEnd_;
         loseWhatARestartLoses();
     }
     if (onRestart_) {

@@ -2,8 +2,6 @@
 
 namespace harness {
 
-namespace {
-
 AgentOptions withCamera(AgentOptions options, const Camera &camera) {
     const AgentOptions module = withModule(camera.directory());
     options.module = module.module;
@@ -11,8 +9,6 @@ AgentOptions withCamera(AgentOptions options, const Camera &camera) {
     options.environment.insert(module.environment.begin(), module.environment.end());
     return options;
 }
-
-} // namespace
 
 CameraAgent::CameraAgent(const std::string &camera, const AgentOptions &agent)
     : camera_(camera), agent_(withCamera(agent, camera_)), manager_(agent_.peer()) {}

@@ -14,6 +14,9 @@
 
 namespace harness {
 
+/** Options of an agent with the module of this build, for a running camera. @param options what else it is to have */
+AgentOptions withCamera(AgentOptions options, const Camera &camera);
+
 /** A camera with an agent, and a manager that may write. */
 class CameraAgent : public testing::Test {
 protected:

@@ -7,6 +7,7 @@
 
 #include "camera.h"
 #include "eventually.h"
+#include "footprint.h"
 #include "identity_objects.h"
 #include "process_information.h"
 #include "settings.h"
@@ -17,33 +18,6 @@ using namespace harness;
 using namespace identity;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
-
-/** What must not grow from one load of the module to the next. */
-struct Footprint {
-    std::size_t descriptors;
-    std::size_t threads;
-    std::size_t kilobytes;
-};
-
-Footprint footprint(const Agent &agent) {
-    return {descriptorCount(agent.pid()), threadCount(agent.pid()), residentKilobytes(agent.pid())};
-}
-
-/** The agent's own memory is not quite the same at any two times: its allocator keeps what it may need again. */
-constexpr std::size_t kSlackKilobytes = 512;
-
-/** A sanitizer keeps freed memory back, so with one the process grows whatever the module does. */
-bool memoryTells() {
-    return sanitizerRuntimes().empty();
-}
-
-void expectFlat(const Footprint &before, const Footprint &after, std::size_t slack = kSlackKilobytes) {
-    EXPECT_EQ(before.descriptors, after.descriptors);
-    EXPECT_EQ(before.threads, after.threads);
-    if (memoryTells()) {
-        EXPECT_LE(after.kilobytes, before.kilobytes + slack);
-    }
-}
 
 /** Lines of the agent's log about objects of this module that were there twice. */
 std::size_t duplicates(const Agent &agent) {

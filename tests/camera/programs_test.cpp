@@ -37,6 +37,20 @@ TEST_F(Program, IsForItsOwnerOnly) {
     }
 }
 
+TEST_F(Program, IsForItsOwnerOnlyWhereEverythingIsForEverybody) {
+    std::filesystem::create_directory(directory_);
+    std::filesystem::permissions(directory_, std::filesystem::perms::all);
+    Process camera({"/bin/sh", "-c", "umask 0; exec \"$0\" --directory \"$1\"", QUARNSNMP_CAMERA, directory_});
+    ASSERT_EQ("camera dome ready in " + directory_, camera.nextLine().value_or(""));
+    for (const std::string &entry : entriesOf(directory_)) {
+        EXPECT_EQ(0600U, permissionsOf(directory_ + "/" + entry)) << entry;
+    }
+    const Ended brought = run({QUARNSNMP_CAMCTL, "--directory", directory_, "down", "alarm"});
+    EXPECT_EQ(0, brought.status) << brought.errors;
+    EXPECT_EQ(0, run({QUARNSNMP_CAMCTL, "--directory", directory_, "up", "alarm"}).status);
+    EXPECT_EQ(0600U, permissionsOf(directory_ + "/alarm.sock")) << "opened again";
+}
+
 TEST_F(Program, LeavesNothingBehind) {
     for (const int signal : {SIGTERM, SIGINT}) {
         RunningCamera camera(directory_);

@@ -1,8 +1,23 @@
 #include "agent_requests.h"
 
+#include <cstdlib>
 #include <sstream>
 
 namespace requests {
+
+void startAgentLibrary() {
+    static const bool started = [] {
+        // Neither the machine's configuration nor its MIB files belong into a test.
+        setenv("SNMPCONFPATH", "/nonexistent", 1);
+        setenv("MIBS", "", 1);
+        netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, 1);
+        netsnmp_register_loghandler(NETSNMP_LOGHANDLER_NONE, LOG_DEBUG);
+        init_agent("unit-tests");
+        init_snmp("unit-tests");
+        return true;
+    }();
+    (void)started;
+}
 
 std::vector<oid> identifier(std::string_view dotted) {
     std::vector<oid> result;

@@ -15,6 +15,9 @@
 
 namespace requests {
 
+/** Starts the agent's library once in a process: without a network, and without the machine's configuration. */
+void startAgentLibrary();
+
 /** Sub-identifiers of a dotted text such as "1.3.6.1". */
 std::vector<oid> identifier(std::string_view dotted);
 

@@ -91,3 +91,14 @@ TEST_P(HealthThreadsTest, APollDuringARequestWaitsWhereTheServiceNeedsIt) {
     polling.join();
     EXPECT_EQ(reads, 2) << "the poll reads when it is its turn";
 }
+
+// The features whose polls tests/agent/poll_reach_test.cpp follows into everything that they can call.
+TEST(FeatureTable, PollsPowerAndTemperatureAndNothingElse) {
+    std::vector<void (*)()> polls;
+    for (const FeatureModule &feature : gFeatureModules) {
+        if (feature.poll != nullptr) {
+            polls.push_back(feature.poll);
+        }
+    }
+    EXPECT_THAT(polls, testing::ElementsAre(PollPower, PollTemperature));
+}

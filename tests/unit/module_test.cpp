@@ -1,7 +1,5 @@
 #include "module_test.h"
 
-#include <cstdlib>
-
 #include "snmp_utils.h"
 
 namespace {
@@ -13,20 +11,6 @@ struct Row {
 };
 
 std::array<Row, gFeatureModules.size()> gOriginalRows{};
-
-void startAgentLibrary() {
-    static const bool started = [] {
-        // Neither the machine's configuration nor its MIB files belong into a test.
-        setenv("SNMPCONFPATH", "/nonexistent", 1);
-        setenv("MIBS", "", 1);
-        netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, 1);
-        netsnmp_register_loghandler(NETSNMP_LOGHANDLER_NONE, LOG_DEBUG);
-        init_agent("unit-tests");
-        init_snmp("unit-tests");
-        return true;
-    }();
-    (void)started;
-}
 
 } // namespace
 
@@ -66,5 +50,5 @@ scripted::Core &ModuleTest::core() {
 }
 
 void ModuleTest::SetUpTestSuite() {
-    startAgentLibrary();
+    requests::startAgentLibrary();
 }

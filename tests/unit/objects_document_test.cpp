@@ -3,12 +3,12 @@
 #include <fstream>
 #include <set>
 
+#include "every_call.h"
 #include "gpio_pdu.h"
 #include "module_test.h"
 
 using requests::NewValue;
 using requests::Pdu;
-using scripted::Value;
 
 namespace {
 
@@ -32,26 +32,10 @@ void PrintTo(const ObjectRow &row, std::ostream *stream) {
             << row.getCalls << " | " << row.setCalls << " |";
 }
 
-template <typename Argument>
-void addOutput(std::vector<Value> &outputs) {
-    if constexpr (std::is_same_v<Argument, char **>) {
-        outputs.emplace_back("text");
-    } else if constexpr (std::is_pointer_v<Argument> && !std::is_same_v<Argument, const char *>) {
-        outputs.emplace_back(std::int64_t{0});
-    }
-}
-
-template <typename... Arguments>
-std::vector<Value> anyOutputs(zorva_core_status (*)(void *, const char *, Arguments...)) {
-    std::vector<Value> outputs;
-    (addOutput<Arguments>(outputs), ...);
-    return outputs;
-}
-
 void answerEveryCall() {
-#define ZORVA_CALL(service, operation, ...)                                                                            \
-    scripted::core().answer("zorva_api_" #service "_" #operation, anyOutputs(zorva_api_##service##_##operation));
-#include "service_calls.def"
+    for (const scripted::Call &call : scripted::everyCall()) {
+        scripted::core().answer(call.function, call.outputs);
+    }
 }
 
 std::vector<std::string> split(const std::string &text, const std::string &separator) {

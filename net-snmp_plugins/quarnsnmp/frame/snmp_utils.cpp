@@ -3,6 +3,7 @@
 #include <cmath>
 #include <exception>
 #include <limits>
+#include <memory>
 #include <vector>
 
 #include "core_utils.h"
@@ -70,6 +71,44 @@ netsnmp_handler_registration *CreateRegistration(const char *name, Netsnmp_Node_
     return registration;
 }
 
+/** Whether a name is that of a cell, existing or not: table, entry 1, column, index. */
+bool NamesCell(const netsnmp_variable_list &variable, netsnmp_handler_registration &table) {
+    const std::size_t entry = table.rootoid_len;
+    const std::size_t column = entry + 1;
+    const netsnmp_table_registration_info *columns = netsnmp_find_table_registration_info(&table);
+    return columns != nullptr && variable.name_length > column + 1 && variable.name[entry] == 1 &&
+           variable.name[column] >= columns->min_column && variable.name[column] <= columns->max_column;
+}
+
+/**
+ * Stands before the agent's table helpers and keeps SETs of what is no cell from them. The helpers refuse such a
+ * variable, but when the request has others in the table, they go on with it nevertheless, and read beyond the end of
+ * its name. As the whole request fails, the other variables need not reach the helpers either.
+ */
+int HandOnCells(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    bool allNameCells = true;
+    if (MODE_IS_SET(reqinfo->mode)) {
+        for (netsnmp_request_info *request = requests; request != nullptr; request = request->next) {
+            if (!NamesCell(*request->requestvb, *reginfo)) {
+                RefuseRequest(request, SNMP_ERR_NOCREATION, SNMP_ERR_NOERROR);
+                allNameCells = false;
+            }
+        }
+    }
+    return allNameCells ? netsnmp_call_next_handler(handler, reginfo, reqinfo, requests) : SNMP_ERR_NOERROR;
+}
+
+/** Puts HandOnCells() before the helpers of a registered table. @return whether there was memory for it */
+bool GuardTable(netsnmp_handler_registration *table) {
+    netsnmp_mib_handler *guard = netsnmp_create_handler("quarnsnmp_cells", HandOnCells);
+    if (guard != nullptr && netsnmp_inject_handler(table, guard) == SNMPERR_SUCCESS) {
+        return true;
+    }
+    netsnmp_handler_free(guard);
+    return false;
+}
+
 /** Makes room, so that remembering what the agent has taken cannot fail. */
 void PrepareToRemember() {
     gRegistrations.reserve(gRegistrations.size() + 1);
@@ -96,13 +135,15 @@ bool registerTableDataSet(const char *name, Netsnmp_Node_Handler *handler, const
     PrepareToRemember();
     netsnmp_handler_registration *registration = CreateRegistration(name, handler, identifier, length, modes);
     // The agent would make one itself, and lose it when it refuses the registration.
-    auto *info = SNMP_MALLOC_TYPEDEF(netsnmp_table_registration_info);
+    std::unique_ptr<netsnmp_table_registration_info, decltype(&netsnmp_table_registration_info_free)> info(
+        SNMP_MALLOC_TYPEDEF(netsnmp_table_registration_info), &netsnmp_table_registration_info_free);
     if (registration != nullptr && info != nullptr &&
-        netsnmp_register_table_data_set(registration, dataSet, info) == MIB_REGISTERED_OK) {
+        netsnmp_register_table_data_set(registration, dataSet, info.get()) == MIB_REGISTERED_OK) {
+        static_cast<void>(info.release()); // it is the agent's now
+        // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): as that, which cannot be seen here
         gRegistrations.push_back({registration, dataSet});
-        return true;
+        return GuardTable(registration);
     }
-    netsnmp_table_registration_info_free(info);
     netsnmp_delete_table_data_set(dataSet);
     return false;
 }

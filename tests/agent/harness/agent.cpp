@@ -93,6 +93,10 @@ LogFile Agent::moduleLog() const {
     return LogFile(directory_.file("module.log"));
 }
 
+LogFile Agent::persistentData() const {
+    return LogFile(directory_.file(kPersistentDirectory) + "/snmpd.conf");
+}
+
 std::string Agent::configurationPath() const {
     return directory_.file("snmpd.conf");
 }
@@ -109,9 +113,11 @@ Launch Agent::launch() const {
     }
     const std::vector<std::string> prefix = agentPrefix();
     arguments.insert(arguments.end(), prefix.begin(), prefix.end());
-    const std::vector<std::string> own = {agentPath(),  "-C", "-c", configurationPath(),         "-Lf",
-                                          log().path(), "-r", "-p", directory_.file("agent.pid")};
+    const std::vector<std::string> own = {agentPath(), "-Lf", log().path(), "-r", "-p", directory_.file("agent.pid")};
     arguments.insert(arguments.end(), own.begin(), own.end());
+    if (!options_.wholeConfiguration) {
+        arguments.insert(arguments.end(), {"-C", "-c", configurationPath()});
+    }
     if (!options_.daemonised) {
         arguments.push_back("-f");
     }
@@ -128,12 +134,24 @@ void Agent::start() {
     for (int attempt = 0; !process_; ++attempt) {
         if (choosePort) {
             port_ = std::make_unique<ReservedPort>();
-            directory_.write("snmpd.conf", agentConfiguration(options_, port()));
+            writeFiles();
         }
         startOnce();
         constexpr int kLastAttempt = 4;
         if (!process_ && (!choosePort || attempt == kLastAttempt)) {
             throw std::runtime_error("the agent's port is taken\n" + report());
+        }
+    }
+}
+
+void Agent::writeFiles() const {
+    directory_.write("snmpd.conf", options_.wholeConfiguration ? options_.wholeConfiguration(port())
+                                                               : agentConfiguration(options_, port()));
+    if (!options_.persistentData.empty()) {
+        std::filesystem::create_directory(directory_.file(kPersistentDirectory));
+        std::ofstream file(persistentData().path());
+        for (const std::string &line : options_.persistentData) {
+            file << line << "\n";
         }
     }
 }
@@ -163,8 +181,12 @@ bool Agent::portWasTaken() const {
 }
 
 bool Agent::answers(std::chrono::milliseconds timeout) const {
-    Manager manager(peer(), "public");
-    manager.setTimeout(timeout);
+    if (!options_.asker) {
+        Manager manager(peer(), "public");
+        manager.setTimeout(timeout);
+        return manager.get(kSystemUpTime).ok();
+    }
+    Manager manager(peer(), *options_.asker, timeout);
     return manager.get(kSystemUpTime).ok();
 }
 

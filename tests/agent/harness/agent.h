@@ -10,6 +10,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@
 #include "process.h"
 #include "reserved_port.h"
 #include "temporary_directory.h"
+#include "user.h"
 
 namespace harness {
 
@@ -32,6 +34,13 @@ struct AgentOptions {
     std::vector<std::string> configuration = {}; ///< further lines of its configuration
     std::vector<std::string> arguments = {};     ///< further arguments
     std::map<std::string, std::string> environment = {}; ///< further environment; wins over the agent's own
+    /**
+     * The whole configuration for a port, instead of the tests' own. The agent then reads its files as an installed one
+     * does, those with its persistent data included.
+     */
+    std::function<std::string(std::uint16_t port)> wholeConfiguration;
+    std::vector<std::string> persistentData = {}; ///< lines of its persistent data before the first start
+    std::optional<User> asker = {};               ///< who asks whether the agent answers, where "public" may not
 };
 
 /** Options of an agent with the module of this build, for a camera. */
@@ -100,6 +109,9 @@ public:
     /** What the module logs. */
     LogFile moduleLog() const;
 
+    /** The file of the agent's persistent data, with the keys of its users. */
+    LogFile persistentData() const;
+
     /** The configuration file, for a test that changes it before hup(). */
     std::string configurationPath() const;
 
@@ -108,6 +120,7 @@ public:
 
 private:
     void startOnce();
+    void writeFiles() const;
     bool portWasTaken() const;
     bool answers(std::chrono::milliseconds timeout) const;
     bool awaitSignalled(std::chrono::milliseconds deadline, const std::function<bool()> &predicate) const;

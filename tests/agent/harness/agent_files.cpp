@@ -34,9 +34,10 @@ std::string agentConfiguration(const AgentOptions &options, std::uint16_t port) 
 
 std::map<std::string, std::string> agentEnvironment(const AgentOptions &options, const TemporaryDirectory &directory,
                                                     const std::string &moduleLogPath) {
+    const std::string persistent = directory.file(kPersistentDirectory);
     std::map<std::string, std::string> result = {
-        {"SNMP_PERSISTENT_DIR", directory.file("persistent")},
-        {"SNMPCONFPATH", directory.path()},
+        {"SNMP_PERSISTENT_DIR", persistent},
+        {"SNMPCONFPATH", directory.path() + ":" + persistent},
         {"MIBS", ""},
         {"MIBDIRS", directory.path()},
         {"QUARNSNMP_LOG_FILE", moduleLogPath},

@@ -25,6 +25,9 @@ std::string agentConfiguration(const AgentOptions &options, std::uint16_t port);
 std::map<std::string, std::string> agentEnvironment(const AgentOptions &options, const TemporaryDirectory &directory,
                                                     const std::string &moduleLogPath);
 
+/** Directory of the agent's persistent data, in the agent's directory. */
+inline constexpr const char *kPersistentDirectory = "persistent";
+
 /** Files in the agent's directory that a sanitizer writes have names that start so. */
 inline constexpr const char *kSanitizerLog = "sanitizer";
 

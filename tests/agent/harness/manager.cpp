@@ -10,7 +10,7 @@
 #include <mutex>
 #include <stdexcept>
 
-#include "eventually.h"
+#include "secure_session.h"
 
 namespace harness {
 
@@ -117,7 +117,7 @@ std::string libraryError(void *session) {
     return result;
 }
 
-void *open(const std::string &peer, const std::string &community) {
+void *open(const std::string &peer, const std::string &community, CommunityVersion version) {
     // Without init_snmp(), which would read the user's and the machine's configuration.
     static std::mutex mutex;
     const std::lock_guard<std::mutex> lock(mutex);
@@ -125,7 +125,7 @@ void *open(const std::string &peer, const std::string &community) {
     snmp_sess_init(&wanted);
     std::string peername = "udp:" + peer;
     std::string name = community;
-    wanted.version = SNMP_VERSION_2c;
+    wanted.version = version == CommunityVersion::V1 ? SNMP_VERSION_1 : SNMP_VERSION_2c;
     wanted.peername = peername.data();
     wanted.community = reinterpret_cast<u_char *>(name.data());
     wanted.community_len = name.size();
@@ -135,6 +135,24 @@ void *open(const std::string &peer, const std::string &community) {
         throw std::runtime_error("cannot open a session with " + peer + ": " + libraryError(nullptr));
     }
     return session;
+}
+
+/**
+ * What a report says: the agent has not read the request because something is wrong with its security.
+ * @return empty when the session's last error is no report's
+ */
+std::string reportOf(void *session) {
+    switch (snmp_sess_session(session)->s_snmp_errno) {
+    case SNMPERR_UNKNOWN_USER_NAME:
+    case SNMPERR_UNKNOWN_ENG_ID:
+    case SNMPERR_UNSUPPORTED_SEC_LEVEL:
+    case SNMPERR_AUTHENTICATION_FAILURE:
+    case SNMPERR_NOT_IN_TIME_WINDOW:
+    case SNMPERR_DECRYPTION_ERR:
+        return libraryError(session);
+    default:
+        return "";
+    }
 }
 
 std::vector<Variable> namesOnly(const std::vector<std::string> &oids) {
@@ -166,7 +184,7 @@ std::ostream &operator<<(std::ostream &stream, ErrorStatus status) {
 
 std::ostream &operator<<(std::ostream &stream, const Result &result) {
     if (!result.answered) {
-        return stream << "no answer";
+        return stream << "no answer" << (result.report.empty() ? "" : ": " + result.report);
     }
     stream << result.error << " at " << result.errorIndex;
     for (const Variable &variable : result.variables) {
@@ -175,12 +193,24 @@ std::ostream &operator<<(std::ostream &stream, const Result &result) {
     return stream;
 }
 
-Manager::Manager(const std::string &peer, const std::string &community) : session_(open(peer, community)) {
+Manager::Manager(const std::string &peer, const std::string &community, CommunityVersion version)
+    : session_(open(peer, community, version)) {
     setTimeout(patient(std::chrono::seconds(5)));
 }
 
+Manager::Manager(const std::string &peer, const User &user, std::chrono::microseconds timeout)
+    : session_(openSecureSession(peer, user, timeout)) {
+    if (session_ == nullptr) {
+        throw std::runtime_error("cannot open a session with " + peer + ": " + libraryError(nullptr));
+    }
+}
+
 Manager::~Manager() {
-    snmp_sess_close(session_);
+    if (snmp_sess_session(session_)->version == SNMP_VERSION_3) {
+        closeSecureSession(session_);
+    } else {
+        snmp_sess_close(session_);
+    }
 }
 
 void Manager::setTimeout(std::chrono::microseconds timeout) {
@@ -205,6 +235,16 @@ Result Manager::request(int command, const std::vector<Variable> &variables, lon
     Result result;
     if (status == STAT_TIMEOUT) {
         return result;
+    }
+    if (status == STAT_ERROR) {
+        // An SNMPv3 agent that does not tell its engine identifier is an error and no time-out to the library.
+        if (snmp_sess_session(session_)->s_snmp_errno == SNMPERR_TIMEOUT) {
+            return result;
+        }
+        result.report = reportOf(session_);
+        if (!result.report.empty()) {
+            return result;
+        }
     }
     if (status != STAT_SUCCESS || !answer) {
         throw std::runtime_error("request failed: " + libraryError(session_));

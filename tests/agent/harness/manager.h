@@ -1,6 +1,6 @@
 /**
  * @file
- * An SNMPv2c manager that knows identifiers by their numbers only.
+ * A manager that knows identifiers by their numbers only.
  */
 #ifndef QUARNSNMP_HARNESS_MANAGER_H
 #define QUARNSNMP_HARNESS_MANAGER_H
@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "eventually.h"
+#include "user.h"
 #include "variable.h"
 
 namespace harness {
@@ -37,6 +39,7 @@ enum class ErrorStatus : long {
 /** The outcome of a request. */
 struct Result {
     bool answered = false; ///< false when no answer came in time; the rest holds nothing then
+    std::string report;    ///< why an SNMPv3 agent did not read the request, in the library's words; no answer then
     ErrorStatus error = ErrorStatus::None;
     long errorIndex = 0; ///< number of the varbind that the error is about, from 1; 0 when it is about none
     std::vector<Variable> variables;
@@ -47,6 +50,9 @@ struct Result {
     /** The varbind of an answer that has exactly one. @throws std::runtime_error when it has none or several */
     const Variable &single() const;
 };
+
+/** The versions with communities. */
+enum class CommunityVersion { V1, V2c };
 
 /** Lets the test framework print outcomes. */
 std::ostream &operator<<(std::ostream &stream, const Result &result);
@@ -64,7 +70,15 @@ public:
      * @param peer       address of the agent, as HOST:PORT
      * @param community  the tests' agent knows "public" (may read) and "private" (may read and write)
      */
-    explicit Manager(const std::string &peer, const std::string &community = "private");
+    explicit Manager(const std::string &peer, const std::string &community = "private",
+                     CommunityVersion version = CommunityVersion::V2c);
+
+    /**
+     * Opens an SNMPv3 session, of which openSecureSession() says more.
+     * @param timeout  as for setTimeout()
+     */
+    Manager(const std::string &peer, const User &user,
+            std::chrono::microseconds timeout = patient(std::chrono::seconds(5)));
     ~Manager();
     Manager(const Manager &) = delete;
     Manager &operator=(const Manager &) = delete;

@@ -1,12 +1,19 @@
 #include "process_information.h"
 
+#include <array>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
+#include <utility>
+
+#include <arpa/inet.h>
 
 namespace harness {
 
 namespace {
+
+constexpr int kHexadecimal = 16;
 
 std::string procPath(pid_t pid, const std::string &name) {
     return "/proc/" + std::to_string(pid) + "/" + name;
@@ -29,6 +36,19 @@ std::size_t statusNumber(pid_t pid, const std::string &field) {
         throw std::runtime_error("process " + std::to_string(pid) + " has no " + field);
     }
     return std::stoul(text);
+}
+
+/** An address as the kernel's tables have it: 32-bit words in hexadecimal, each in the order of this machine. */
+std::string addressText(const std::string &words, int family) {
+    constexpr std::size_t kDigitsOfAWord = 8;
+    std::array<std::uint32_t, 4> address{};
+    for (std::size_t i = 0; i * kDigitsOfAWord < words.size(); ++i) {
+        address.at(i) = static_cast<std::uint32_t>(
+            std::stoul(words.substr(i * kDigitsOfAWord, kDigitsOfAWord), nullptr, kHexadecimal));
+    }
+    std::array<char, INET6_ADDRSTRLEN> text{};
+    inet_ntop(family, address.data(), text.data(), text.size());
+    return text.data();
 }
 
 } // namespace
@@ -68,6 +88,26 @@ bool mapsFile(pid_t pid, const std::string &path) {
         }
     }
     return false;
+}
+
+std::vector<std::string> udpAddresses(std::uint16_t port) {
+    std::vector<std::string> addresses;
+    for (const auto &[table, family] : {std::pair{"/proc/net/udp", AF_INET}, std::pair{"/proc/net/udp6", AF_INET6}}) {
+        std::ifstream stream(table);
+        std::string header;
+        std::getline(stream, header);
+        for (std::string line; std::getline(stream, line);) {
+            std::istringstream fields(line);
+            std::string slot;
+            std::string local;
+            fields >> slot >> local;
+            const std::size_t colon = local.find(':');
+            if (std::stoul(local.substr(colon + 1), nullptr, kHexadecimal) == port) {
+                addresses.push_back(addressText(local.substr(0, colon), family));
+            }
+        }
+    }
+    return addresses;
 }
 
 } // namespace harness

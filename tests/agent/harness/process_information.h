@@ -7,7 +7,9 @@
 #define QUARNSNMP_HARNESS_PROCESS_INFORMATION_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include <sys/types.h>
 
@@ -27,6 +29,10 @@ std::size_t threadCount(pid_t pid);
 
 /** Whether a file is mapped, such as a loaded library. @param path the file; links are followed */
 bool mapsFile(pid_t pid, const std::string &path);
+
+/** Local IPv4 and IPv6 addresses at which a UDP port is bound, by whichever process, such as "127.0.0.1". Never throws.
+ */
+std::vector<std::string> udpAddresses(std::uint16_t port);
 
 } // namespace harness
 

@@ -73,4 +73,8 @@ std::string goldenDirectory() {
     return HARNESS_GOLDEN_DIRECTORY;
 }
 
+std::string examplesDirectory() {
+    return HARNESS_EXAMPLES_DIRECTORY;
+}
+
 } // namespace harness

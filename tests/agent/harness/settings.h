@@ -47,6 +47,9 @@ std::vector<std::string> sanitizerRuntimes();
 /** Directory of the recorded walks. */
 std::string goldenDirectory();
 
+/** Directory of the agent configurations that are shipped. */
+std::string examplesDirectory();
+
 /** The environment's value of a name, or a default when it is unset or empty. */
 std::string environmentOr(const char *name, const std::string &otherwise);
 

@@ -117,17 +117,18 @@ std::ostream &operator<<(std::ostream &stream, const Trap &trap) {
     return stream;
 }
 
-TrapReceiver::TrapReceiver(Transport transport)
+TrapReceiver::TrapReceiver(Transport transport, const std::vector<std::string> &configuration)
     : port_(transport == Transport::Datagram ? std::make_unique<ReservedPort>() : nullptr) {
     // Octets in hexadecimal and without line breaks, times as numbers, identifiers in full, tabs between varbinds:
     // only so can a line be taken apart whatever the values are.
-    const std::string configuration = directory_.write("snmptrapd.conf", "snmpTrapdAddr " + peer() +
-                                                                             "\n"
-                                                                             "disableAuthorization yes\n"
-                                                                             "[snmp] hexOutputLength 0\n");
+    std::string text = "snmpTrapdAddr " + peer() + "\ndisableAuthorization yes\n";
+    for (const std::string &line : configuration) {
+        text += line + "\n";
+    }
+    text += "[snmp] hexOutputLength 0\n";
     process_ = std::make_unique<Process>(
-        Launch{{trapReceiverPath(), "-C", "-c", configuration, "-f", "-n", "-X", "-Lf", log().path(), "-On", "-Oe",
-                "-OU", "-Ot", "-Ox", "-F", std::string(kLineStart) + "%P\\t%V\\t%v\\n"},
+        Launch{{trapReceiverPath(), "-C", "-c", directory_.write("snmptrapd.conf", text), "-f", "-n", "-X", "-Lf",
+                log().path(), "-On", "-Oe", "-OU", "-Ot", "-Ox", "-F", std::string(kLineStart) + "%P\\t%V\\t%v\\n"},
                {{"SNMP_PERSISTENT_DIR", directory_.file("persistent")},
                 {"SNMPCONFPATH", directory_.path()},
                 {"MIBS", ""},

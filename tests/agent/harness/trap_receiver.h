@@ -45,8 +45,13 @@ public:
         Stream    ///< a local socket, of which nothing is lost when many come at once
     };
 
-    /** Starts it and waits until it is there. @throws std::runtime_error when it does not get there */
-    explicit TrapReceiver(Transport transport = Transport::Datagram);
+    /**
+     * Starts it and waits until it is there.
+     * @param configuration  further lines of its configuration, such as users
+     * @throws std::runtime_error when it does not get there
+     */
+    explicit TrapReceiver(Transport transport = Transport::Datagram,
+                          const std::vector<std::string> &configuration = {});
 
     /** The agent's address for notifications. */
     std::string peer() const;

@@ -1,0 +1,119 @@
+#include "configured_agent.h"
+
+#include <algorithm>
+
+#include "settings.h"
+
+namespace configured_agent {
+
+using namespace harness;
+
+namespace {
+
+constexpr const char *kModuleLine = "dlmod quarnsnmp /usr/lib/quarnsnmp/libquarnsnmp_Morvek.so";
+
+/** What every shipped configuration has to change for a test. */
+std::vector<Replacement> placed(std::vector<Replacement> replacements, const std::vector<Replacement> &further) {
+    replacements.push_back({kModuleLine, "dlmod quarnsnmp " + modulePath()});
+    replacements.insert(replacements.end(), further.begin(), further.end());
+    return replacements;
+}
+
+} // namespace
+
+std::vector<Written> commands() {
+    const std::string stop(4, '\0');
+    return {
+        {"positionPan", octets(".1.3.6.1.4.1.1206.4.2.7.4.1.0", stop)},
+        {"positionTilt", octets(".1.3.6.1.4.1.1206.4.2.7.4.2.0", stop)},
+        {"positionZoomLens", octets(".1.3.6.1.4.1.1206.4.2.7.4.3.0", stop)},
+        {"positionFocusLens", octets(".1.3.6.1.4.1.1206.4.2.7.4.4.0", stop)},
+        {"positionIrisLens", octets(".1.3.6.1.4.1.1206.4.2.7.4.5.0", stop)},
+        {"presetGotoPosition", integer(".1.3.6.1.4.1.1206.4.2.7.3.1.0", 9)},
+        {"systemLensFeatureControl", octets(".1.3.6.1.4.1.1206.4.2.7.5.4.0", {'\x40', '\0'})},
+        {"outputControl", octets(".1.3.6.1.4.1.1206.4.2.7.8.2.0", {'\x01', '\0'})},
+        {"relayStatesTable.3", integer(".1.3.6.1.4.1.99999.1.3.2.1.3.1", 0)},
+    };
+}
+
+std::vector<Written> settings() {
+    return {
+        {"rangeTrueNorthOffset", integer(".1.3.6.1.4.1.1206.4.2.7.1.5.0", 0)},
+        {"timeoutPan", integer(".1.3.6.1.4.1.1206.4.2.7.2.1.0", 1000)},
+        {"timeoutTilt", integer(".1.3.6.1.4.1.1206.4.2.7.2.2.0", 1000)},
+        {"timeoutZoom", integer(".1.3.6.1.4.1.1206.4.2.7.2.3.0", 1000)},
+        {"presetStorePosition", integer(".1.3.6.1.4.1.1206.4.2.7.3.2.0", 9)},
+        {"systemLensEquipped", octets(".1.3.6.1.4.1.1206.4.2.7.5.6.0", "\x40")},
+        {"rebootDevice", integer(reboot().oid, 0)},
+    };
+}
+
+std::vector<Written> objectsOfTheAgent() {
+    constexpr std::int64_t kUnload = 5;
+    constexpr std::int64_t kCreateAndWait = 5;
+    constexpr std::int64_t kFalse = 2;
+    return {
+        {"sysName", octets(".1.3.6.1.2.1.1.5.0", "something")},
+        {"snmpEnableAuthenTraps", integer(".1.3.6.1.2.1.11.30.0", kFalse)},
+        {"nsDebugEnabled", integer(".1.3.6.1.4.1.8072.1.7.1.1.0", kFalse)},
+        {"nsExtendStatus of a new command", integer(".1.3.6.1.4.1.8072.1.3.2.2.1.21.1.97", kCreateAndWait)},
+        {"snmpTargetAddrRowStatus of a new one", integer(".1.3.6.1.6.3.12.1.2.1.9.1.97", kCreateAndWait)},
+        {"usmUserStatus of a new user", integer(".1.3.6.1.6.3.15.1.2.2.1.13.5.128.0.0.0.1.1.97", kCreateAndWait)},
+        {"vacmAccessStatus of a new group", integer(".1.3.6.1.6.3.16.1.4.1.9.1.97.0.3.3", kCreateAndWait)},
+        {"dlmodStatus of the module", integer(".1.3.6.1.4.1.2021.13.14.2.1.5.1", kUnload)},
+    };
+}
+
+Variable reboot() {
+    return integer(".1.3.6.1.4.1.99999.1.1.100.0.0", 1);
+}
+
+AgentOptions labAgent(const std::string &traps) {
+    AgentOptions options;
+    options.wholeConfiguration = [traps](std::uint16_t port) {
+        return shippedConfiguration(
+            "snmpd-lab.conf",
+            placed({{"agentAddress udp:127.0.0.1:1161\n", "agentAddress udp:127.0.0.1:" + std::to_string(port) + "\n"},
+                    {"trap2sink 127.0.0.1:1162 public\n", "trap2sink " + traps + " public\n"}},
+                   {}));
+    };
+    return options;
+}
+
+AgentOptions fieldAgent(const std::string &traps, const std::vector<Replacement> &further) {
+    AgentOptions options;
+    options.wholeConfiguration = [traps, further](std::uint16_t port) {
+        return shippedConfiguration(
+            "snmpd-field.conf",
+            placed({{"agentAddress udp:192.0.2.10:161\n", "agentAddress udp:127.0.0.1:" + std::to_string(port) + "\n"},
+                    {"authPriv 192.0.2.20:162\n", "authPriv " + traps + "\n"}},
+                   further));
+    };
+    options.persistentData = {creationOf(kViewer), creationOf(kOperator), creationOf(kNotifier)};
+    options.asker = kViewer;
+    return options;
+}
+
+void expectWrites(Manager &manager, const std::vector<Written> &objects, ErrorStatus expected) {
+    for (const Written &object : objects) {
+        const Result result = manager.set({object.value});
+        EXPECT_TRUE(result.answered) << object.name << ": " << result;
+        EXPECT_EQ(result.error, expected) << object.name << ": " << result;
+    }
+}
+
+void expectToSeeOnly(Manager &manager, const std::vector<std::string> &subtrees) {
+    const std::vector<Variable> seen = manager.bulkWalk(".1.3");
+    for (const Variable &variable : seen) {
+        EXPECT_TRUE(std::any_of(subtrees.begin(), subtrees.end(), [&](const std::string &subtree) {
+            return isBelow(variable.oid, subtree);
+        })) << variable;
+    }
+    for (const std::string &subtree : subtrees) {
+        EXPECT_TRUE(std::any_of(seen.begin(), seen.end(), [&](const Variable &variable) {
+            return isBelow(variable.oid, subtree);
+        })) << subtree;
+    }
+}
+
+} // namespace configured_agent

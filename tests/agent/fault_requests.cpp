@@ -1,0 +1,354 @@
+#include "fault_requests.h"
+
+#include <algorithm>
+
+#include "positioning_objects.h"
+
+namespace faults {
+
+namespace {
+
+using namespace harness;
+using namespace positioning_objects;
+using namespace std::string_literals;
+using Calls = std::vector<Call>;
+
+std::string ntcip(const std::string &rest) {
+    return ".1.3.6.1.4.1.1206.4.2." + rest;
+}
+
+std::string vendor(const std::string &rest) {
+    return ".1.3.6.1.4.1.99999.1." + rest;
+}
+
+/** A call whose failure is logged by a text of its own, or not at all. */
+Call call(const std::string &service, const std::string &operation, const std::string &log = "") {
+    return {service, operation + "_send", log};
+}
+
+/** A call whose failure is logged as it is written. */
+Call logged(const std::string &service, const std::string &operation, unsigned lostBits = 0) {
+    return {service, operation + "_send", "Failed zorva api call: zorva_api_" + service + "_" + operation + "_send(",
+            lostBits};
+}
+
+Call sensor(const std::string &service, const std::string &operation) {
+    return call(service, operation, "zorva_api_" + service + "_" + operation + "_send sensor 0 failed");
+}
+
+Calls together(Calls first, const Calls &rest) {
+    first.insert(first.end(), rest.begin(), rest.end());
+    return first;
+}
+
+Request set(const Variable &value, const Calls &calls = {}) {
+    return {value, calls, false, valueText(value)};
+}
+
+/** The service that drives the focus: the plain motor goes before the stepper motor. */
+std::string focusOf(const Services &services) {
+    return services.count("lens_focus") != 0 ? "lens_focus" : "focus_stepper";
+}
+
+/** What a GET of the objects below an identifier calls; all others are held by the module. */
+struct ReadRule {
+    std::string subtree;
+    Calls calls;
+    bool genErr;
+};
+
+std::vector<ReadRule> readRules(const Services &services) {
+    const Call soft = logged("positioning", "get_soft_position_limits");
+    const Call mechanics = logged("positioning", "get_implementation_position_limits");
+    constexpr unsigned kIris = 0x80;
+    constexpr unsigned kFocus = 0x40;
+    constexpr unsigned kAll = 0xFF;
+    return {
+        {kRangePanLeftLimit, {soft}, false},
+        {kRangePanRightLimit, {soft}, false},
+        {kRangeTiltUpLimit, {soft, mechanics}, false},
+        {kRangeTiltDownLimit, {soft, mechanics}, false},
+        {ntcip("7.1.1"), {logged("presets_tours", "get_max_presets", kAll)}, false},
+        {ntcip("7.5.5"),
+         {logged(focusOf(services), "get_manual_mode_enable", kFocus),
+          logged("exposure", "get_manual_mode_enable", kIris)},
+         false},
+        {ntcip("7.7.1"), {call("alarm", "get_state")}, true},
+        {ntcip("7.8.1"), {call("relay", "get_state", "handle_outputStatus: MODE_SET_RESERVE2 fail")}, true},
+        {vendor("1.7"), {sensor("temperature", "get_temperature")}, true},
+        {vendor("1.8"), {sensor("power", "get_power_state")}, true},
+        {vendor("1.9"), {sensor("power", "get_voltage_state")}, true},
+        {vendor("3.1.1.3"), {call("alarm", "get_state")}, true},
+        {vendor("3.2.1.3"), {call("relay", "get_state")}, true},
+    };
+}
+
+/**
+ * Commands to one axis, which the camera carries out wherever it is by then: a step of nothing, and a position that
+ * every axis reaches. Those to a position and those at a velocity want other limits, so they take turns.
+ */
+std::vector<Request> positionCommands(const char *oid, const Calls &conversion) {
+    const auto positioning = [](const char *operation) { return logged("positioning", operation); };
+    Call setLimits = positioning("set_soft_velocity_limits");
+    setLimits.always = false;
+    const Calls speed = {positioning("get_soft_velocity_limits"), setLimits,
+                         positioning("get_implementation_velocity_limits")};
+    const Call soft = positioning("get_soft_position_limits");
+    const Calls start = {positioning("clear_velocity_limits"), positioning("get_position"), soft};
+    const Calls move =
+        together(together(together(start, conversion), speed), {positioning("move_to_position_with_speed_percentage")});
+    const Calls run = together(together({soft}, speed), {positioning("set_velocity_with_timeout")});
+    return {set(octets(oid, delta(64, 0)), move), set(octets(oid, continuous(-64)), run),
+            set(octets(oid, absolute(127, 1000)), move), set(octets(oid, continuous(64)), run),
+            set(octets(oid, stop()), {positioning("set_velocity")})};
+}
+
+/** How a drive of the lens is called; a text is empty where it has no such operation. */
+struct LensDrive {
+    std::string service;
+    std::string readPosition;
+    std::string moveTo;
+    std::string run;
+};
+
+std::vector<Request> lensCommands(const std::string &oid, const LensDrive &drive) {
+    const auto calls = [&drive](const std::string &operation) {
+        return operation.empty() ? Calls{} : Calls{call(drive.service, operation)};
+    };
+    return {set(octets(oid, delta(1, 0x1000)), together(calls(drive.readPosition), calls(drive.moveTo))),
+            set(octets(oid, absolute(0, 0x4000)), calls(drive.moveTo)),
+            set(octets(oid, continuous(1)), calls(drive.run)), set(octets(oid, stop()), calls(drive.run))};
+}
+
+std::vector<Request> featureCommands(const Services &services) {
+    const std::string focus = focusOf(services);
+    const Call startFocus = call(focus, focus == "lens_focus" ? "do_auto_focus" : "start_quick_auto_focus");
+    const Call setFocus = call(focus, "set_manual_mode_enable");
+    const Call setIris = call("exposure", "set_manual_mode_enable");
+    const std::string control = ntcip("7.5.4.0");
+    return {set(octets(control, "\xC0\x00"s), {setFocus, setIris}),
+            set(octets(control, "\xC0\x80"s), {setFocus, startFocus, setIris}), set(octets(ntcip("7.5.6.0"), "\x40")),
+            set(octets(ntcip("7.5.6.0"), "\xC0"))};
+}
+
+std::vector<Request> timeoutCommands(const char *oid) {
+    const Calls calls = {logged("positioning", "set_velocity_command_timeout")};
+    return {set(integer(oid, 4000), calls), set(integer(oid, 5000), calls)};
+}
+
+/** A SET of the number of a preset; a GET answers one octet. */
+Request preset(const std::string &oid, char number, const std::string &operation) {
+    Request request = set(integer(oid, number), {logged("presets_tours", "get_preset_id_for_quarnapi_id"),
+                                                 logged("presets_tours", operation)});
+    request.held = valueText(octets(oid, {number}));
+    return request;
+}
+
+std::vector<Request> presetCommands() {
+    std::vector<Request> commands;
+    for (const char number : {'\x07', '\x08'}) {
+        commands.push_back(preset(ntcip("7.3.2.0"), number, "set_preset_with_current_position"));
+        commands.push_back(preset(ntcip("7.3.1.0"), number, "move_to_preset"));
+    }
+    return commands;
+}
+
+/** Relays end as they begin: off. */
+std::vector<Request> relayCommands() {
+    const auto calls = [](const std::string &handler) {
+        const std::string text = handler + ": MODE_COMMIT fail";
+        Call setUp = call("relay", "set_configuration", text);
+        setUp.always = false;
+        return Calls{call("relay", "get_configuration", text), setUp, call("relay", "set_state", text)};
+    };
+    const Calls rowCalls = together({call("relay", "get_state", "handle_relayStates: MODE_SET_RESERVE2 fail")},
+                                    calls("handle_relayStates"));
+    std::vector<Request> commands;
+    for (const char *command : {"\x01\x80", "\x02\x80"}) {
+        commands.push_back(set(octets(ntcip("7.8.2.0"), command), calls("handle_outputControl")));
+    }
+    for (const char *row : {"1", "2"}) {
+        commands.push_back(set(integer(vendor("3.2.1.3.") + row, 0), rowCalls));
+    }
+    for (Request &command : commands) {
+        command.genErr = true;
+        command.held.clear(); // whether the relay was switched depends
+    }
+    return commands;
+}
+
+std::vector<Request> rebootCommands() {
+    const std::string oid = vendor("1.100.0.0");
+    Request reboot =
+        set(integer(oid, 1),
+            {call("device_management", "reboot", "handle_rebootDevice: snmpset reboot - rebooting system now!!!!")});
+    reboot.held = "0";
+    reboot.onlyFailed = true;
+    return {reboot, set(integer(oid, 7))};
+}
+
+std::vector<Request> zoomCommands(const Services &services) {
+    if (services.count("positioning") == 0) {
+        return lensCommands(kPositionZoomLens, {"zoom_stepper", "get_position", "set_position", ""});
+    }
+    const Calls conversion = {logged("positioning", "get_soft_position_limits"),
+                              logged("positioning", "get_digital_zoom_enable"),
+                              logged("positioning", "get_max_optical_and_digital_zoom")};
+    std::vector<Request> commands = positionCommands(kPositionZoomLens, conversion);
+    const std::vector<Request> timeouts = timeoutCommands(kTimeoutZoom);
+    commands.insert(commands.end(), timeouts.begin(), timeouts.end());
+    return commands;
+}
+
+std::vector<std::vector<Request>> commandFamilies(const Services &services) {
+    const std::string focus = focusOf(services);
+    const LensDrive focusDrive = focus == "lens_focus" ? LensDrive{focus, "get_manual_focus_position",
+                                                                   "set_manual_focus_position", "set_velocity"}
+                                                       : LensDrive{focus, "get_position", "set_position", ""};
+    return {positionCommands(kPositionPan, {}),
+            positionCommands(kPositionTilt, {}),
+            zoomCommands(services),
+            timeoutCommands(kTimeoutPan),
+            timeoutCommands(kTimeoutTilt),
+            {set(integer(kRangeTrueNorthOffset, 0)), set(integer(kRangeTrueNorthOffset, 65535))},
+            lensCommands(ntcip("7.4.4.0"), focusDrive),
+            lensCommands(ntcip("7.4.5.0"), {"iris", "get_position", "set_position", "set_velocity"}),
+            featureCommands(services),
+            presetCommands(),
+            relayCommands(),
+            rebootCommands()};
+}
+
+/** A module does not call services that the camera does not have. */
+void dropCallsWithoutService(std::vector<Request> &requests, const Services &services) {
+    for (Request &request : requests) {
+        const auto missing = [&services](const Call &each) { return services.count(each.service) == 0; };
+        request.calls.erase(std::remove_if(request.calls.begin(), request.calls.end(), missing), request.calls.end());
+    }
+}
+
+/** Rows of the library's calls. */
+struct Row {
+    std::string service;
+    std::string operation;
+};
+
+std::vector<Row> rows() {
+    return {
+#define ZORVA_CALL(service, operation, ...) {#service, #operation},
+#include "service_calls.def"
+    };
+}
+
+} // namespace
+
+bool Request::isGet() const {
+    return variable.type == Type::Null;
+}
+
+std::vector<std::string> allServices() {
+    return {
+#define ZORVA_SERVICE(service) #service,
+#include "service_calls.def"
+    };
+}
+
+std::vector<std::string> operationsOf(const std::string &service) {
+    std::vector<std::string> operations;
+    for (const Row &row : rows()) {
+        if (row.service == service) {
+            operations.push_back(row.operation);
+        }
+    }
+    return operations;
+}
+
+std::vector<Request> reads(const std::vector<Variable> &walk, const Services &services) {
+    const std::vector<ReadRule> rules = readRules(services);
+    std::vector<Request> requests;
+    for (const Variable &variable : walk) {
+        Request request;
+        request.variable.oid = variable.oid;
+        for (const ReadRule &rule : rules) {
+            if (isBelow(variable.oid, rule.subtree)) {
+                request.calls = rule.calls;
+                request.genErr = rule.genErr;
+            }
+        }
+        requests.push_back(request);
+    }
+    dropCallsWithoutService(requests, services);
+    return requests;
+}
+
+std::vector<Request> writes(const std::vector<Variable> &walk, const Services &services) {
+    std::set<std::string> shown;
+    for (const Variable &variable : walk) {
+        shown.insert(variable.oid);
+    }
+    std::vector<Request> requests;
+    std::set<std::string> written;
+    for (const std::vector<Request> &family : commandFamilies(services)) {
+        for (const Request &request : family) {
+            if (shown.count(request.variable.oid) != 0) {
+                requests.push_back(request);
+                written.insert(request.variable.oid);
+            }
+        }
+    }
+    for (const std::string &oid : shown) {
+        if (written.count(oid) == 0) {
+            requests.push_back({integer(oid, 1)});
+        }
+    }
+    dropCallsWithoutService(requests, services);
+    return requests;
+}
+
+std::vector<StartFault> startFaults(const std::string &service) {
+    const std::string init = "initiator_init";
+    const std::vector<std::string> identity = {ntcip("6"),    vendor("1.1"), vendor("1.2"), vendor("1.3"),
+                                               vendor("1.4"), vendor("1.5"), vendor("1.6")};
+    const std::vector<std::string> focus = {ntcip("7.1.9"), ntcip("7.2.4"), ntcip("7.4.4"), ntcip("7.5")};
+    const std::vector<std::string> zoom = {ntcip("7.1.8"), ntcip("7.2.3"), ntcip("7.4.3")};
+    const auto rangeFails = [](const std::string &name, const std::string &operation) {
+        const Call read = logged(name, operation);
+        return StartFault{name, read.operation, read.log, {}};
+    };
+    const std::vector<StartFault> faults = {
+        {"alarm", init, "InitAlarm: failed alarm initiator init", {ntcip("7.6"), ntcip("7.7"), vendor("3.1")}},
+        {"device_information", init, "InitDeviceInfo: failed dev info initiator init", identity},
+        {"device_information", "get_static_information_send", "InitDeviceInfo: failed dev info:get_static_information",
+         identity},
+        {"device_management", init, "InitRebootInfo: failed dev info initiator init", {vendor("1.100")}},
+        {"exposure", init, ": failed exposure initiator init", {}, {{ntcip("7.5.5.0"), "\"@\""}}},
+        {"focus_stepper", init, "InitFocusStepper: failed focus_stepper initiator init", focus},
+        rangeFails("focus_stepper", "get_limits"),
+        {"iris", init, "InitIris: failed iris initiator init", {ntcip("7.1.10"), ntcip("7.2.5"), ntcip("7.4.5")}},
+        rangeFails("iris", "get_position"),
+        {"lens_focus", init, "InitFocus: failed focus initiator init", focus},
+        rangeFails("lens_focus", "get_manual_focus_position"),
+        {"positioning",
+         init,
+         "InitPositioning: failed positioning initiator init",
+         zoom,
+         {{kRangePanRightLimit, "0"},
+          {kRangeTiltUpLimit, "0"},
+          {kRangeTiltDownLimit, "0"},
+          {kTimeoutPan, "0"},
+          {kTimeoutTilt, "0"}}},
+        rangeFails("positioning", "get_velocity_command_timeout"),
+        {"power", init, "InitPower: failed power initiator init", {vendor("1.8"), vendor("1.9")}},
+        {"presets_tours", init, "InitPresets: failed presets initiator init", {}, {{ntcip("7.1.1.0"), "0"}}},
+        {"relay", init, "InitRelay: failed relay initiator init", {ntcip("7.8"), vendor("3.2")}},
+        {"temperature", init, "InitTemperature: failed temp initiator init", {vendor("1.7")}},
+        {"zoom_stepper", init, "InitZoomStepper: failed zoom zoom stepper initiator init", zoom},
+        rangeFails("zoom_stepper", "get_limits"),
+    };
+    std::vector<StartFault> ofService;
+    std::copy_if(faults.begin(), faults.end(), std::back_inserter(ofService),
+                 [&service](const StartFault &fault) { return fault.service == service; });
+    return ofService;
+}
+
+} // namespace faults

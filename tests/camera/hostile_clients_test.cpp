@@ -1,0 +1,128 @@
+// Clients that do not speak the protocol at all, at each kind of socket: the others notice nothing.
+#include "camera_process.h"
+
+#include "wire.h"
+
+#include <fstream>
+#include <random>
+
+#include <gmock/gmock.h>
+
+using namespace camera::test;
+
+namespace {
+
+const std::string kRequest = R"(["get_temperature_send","temperature/1"])";
+const std::string kAnswer = "[0,31500]";
+
+/** What a client sends to a socket, over connections of its own. */
+struct Hostility {
+    const char *name;
+    void (*commit)(const std::string &directory, const std::string &socket);
+};
+
+void PrintTo(const Hostility &hostility, std::ostream *stream) {
+    *stream << hostility.name;
+}
+
+/** Octets of every kind, newlines among them; the same ones each time. */
+std::string rubbish() {
+    std::mt19937 generator(1); // NOLINT(cert-msc51-cpp): a failure must come again
+    std::uniform_int_distribution<int> octet(0, 255);
+    std::string octets(50000, '\0');
+    for (char &each : octets) {
+        each = static_cast<char>(octet(generator));
+    }
+    return octets + "\n";
+}
+
+void sendRubbish(const std::string &directory, const std::string &socket) {
+    const LineClient client(directory, socket);
+    client.send(rubbish());
+    client.finish();
+    EXPECT_TRUE(client.ends());
+}
+
+void leaveInTheMiddle(const std::string &directory, const std::string &socket) {
+    for (const std::string &half : {std::string(1, '['), kRequest.substr(0, 9), kRequest, rubbish() + kRequest}) {
+        LineClient(directory, socket).send(half);
+    }
+}
+
+void leaveBeforeTheAnswer(const std::string &directory, const std::string &socket) {
+    LineClient(directory, socket).send(kRequest + "\n" + kRequest + "\n" + kRequest);
+}
+
+void announceALength(const std::string &directory, const std::string &socket) {
+    constexpr std::size_t kAnnounced = 100U << 20U;
+    const std::string binary{static_cast<char>(kAnnounced >> 24U & 0xFFU), static_cast<char>(kAnnounced >> 16U & 0xFFU),
+                             '\0', '\0'};
+    for (const std::string &length : {binary, std::to_string(kAnnounced) + "\n", std::string(4, '\xff')}) {
+        LineClient(directory, socket).send(length + kRequest);
+    }
+}
+
+/** A line of 100 MB would be as good a way to use up memory as one that never ends. */
+void sendAnEndlessLine(const std::string &directory, const std::string &socket) {
+    constexpr std::size_t kEndless = 100U << 20U;
+    const std::string part(wire::kMaximumLine, '[');
+    const LineClient client(directory, socket);
+    std::size_t sent = 0;
+    EXPECT_TRUE(eventually([&] {
+        const std::optional<std::size_t> count = client.sendWhatFits(part);
+        sent += count.value_or(0);
+        return !count || sent >= kEndless;
+    }));
+    EXPECT_LT(sent, kEndless) << "the camera has taken it all";
+}
+
+const Hostility kHostilities[] = {
+    {"Rubbish", sendRubbish},
+    {"HalfMessages", leaveInTheMiddle},
+    {"NoPatience", leaveBeforeTheAnswer},
+    {"AnAnnouncedLength", announceALength},
+    {"AnEndlessLine", sendAnEndlessLine},
+};
+
+/** The most memory that a process has had, in kilobytes. */
+long peakMemory(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/status");
+    const std::string field = "VmHWM:";
+    for (std::string line; std::getline(file, line);) {
+        if (line.rfind(field, 0) == 0) {
+            return std::stol(line.substr(field.size()));
+        }
+    }
+    ADD_FAILURE() << "the kernel does not tell";
+    return 0;
+}
+
+class HostileClients : public testing::TestWithParam<std::tuple<const char *, Hostility>> {};
+
+TEST_P(HostileClients, HarmNobodyElse) {
+    const auto &[socket, hostility] = GetParam();
+    const TempDirectory root;
+    const std::string directory = root / "sockets";
+    RunningCamera camera(directory);
+    LineClient witness(directory, "temperature");
+    LineClient control(directory, "control");
+    EXPECT_EQ(kAnswer, witness.ask(kRequest));
+    const auto services = [&control] { return control.call({{"command", "state"}}).at("state").at("services"); };
+    const nlohmann::json state = services();
+    const long before = peakMemory(camera.process().pid());
+    hostility.commit(directory, socket);
+    EXPECT_EQ(kAnswer, witness.ask(kRequest));
+    EXPECT_EQ(kAnswer, LineClient(directory, "temperature").ask(kRequest));
+    EXPECT_EQ(state, services()) << "something has changed in the camera";
+    constexpr long kSomeMemory = 8L << 10U;
+    EXPECT_LT(peakMemory(camera.process().pid()) - before, kSomeMemory);
+}
+
+INSTANTIATE_TEST_SUITE_P(Sockets, HostileClients,
+                         testing::Combine(testing::Values("temperature", "directory", "control"),
+                                          testing::ValuesIn(kHostilities)),
+                         [](const auto &each) {
+                             return std::string(std::get<0>(each.param)) + std::get<1>(each.param).name;
+                         });
+
+} // namespace

@@ -1,0 +1,130 @@
+/**
+ * @file
+ * Lines of clients to a simulated camera: what comes on the sockets of its services, its directory and its control.
+ *
+ * An input is text. Each line has the name of a socket, a space, and the line that comes on it, and a line with a
+ * number lets so many milliseconds pass. The camera is made anew for each input: its state is what a finding depends
+ * on, and making it costs less than a few lines.
+ */
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+
+#include "call_desk.h"
+#include "control_desk.h"
+#include "finding.h"
+#include "json_file.h"
+#include "noted_services.h"
+#include "wire.h"
+
+using nlohmann::json;
+
+namespace {
+
+constexpr int kMostLines = 64;
+
+/** The services of a camera that has them all: those of two that the project ships. */
+const json &everyService() {
+    static const json services = [] {
+        json all;
+        for (const char *name : {"stepper", "dome"}) {
+            const std::string text = camera::readTextFile(std::string(QUARNSNMP_CAMERAS "/") + name + ".json");
+            all.merge_patch(json::parse(text).at("services"));
+        }
+        return all;
+    }();
+    return services;
+}
+
+std::unique_ptr<camera::CameraModel> makeCamera(camera::Clock clock) {
+    camera::Services services;
+    for (const auto &entry : everyService().items()) {
+        std::unique_ptr<camera::Service> service = camera::makeService(entry.key());
+        for (const json &target : entry.value().at("targets")) {
+            if (const std::optional<camera::Problem> problem = service->addTarget(target)) {
+                fuzz::reportFinding(toString(*problem));
+            }
+        }
+        services.emplace(entry.key(), std::move(service));
+    }
+    return std::make_unique<camera::CameraModel>("every service", "", std::move(services), std::move(clock));
+}
+
+/** A camera and all that takes its clients' lines, without sockets. */
+class Camera {
+public:
+    /** Takes a line of an input. */
+    void take(std::string_view line) {
+        const std::size_t space = line.find(' ');
+        const std::string_view socket = line.substr(0, space);
+        const std::string_view rest = space == std::string_view::npos ? std::string_view() : line.substr(space + 1);
+        std::uint32_t milliseconds = 0;
+        if (std::from_chars(socket.begin(), socket.end(), milliseconds).ec == std::errc()) {
+            pass(milliseconds / 1000.0);
+        } else if (socket == wire::kControlSocket) {
+            control(rest);
+        } else {
+            const bool isService = model_->service(socket) != nullptr;
+            const camera::Reply reply =
+                isService ? calls_.serviceRequest(std::string(socket), rest) : calls_.directoryRequest(rest);
+            checkAnswer(reply.line).at(0).get_ref<const json::number_integer_t &>();
+        }
+    }
+
+private:
+    void control(std::string_view line) {
+        const camera::ControlReply reply = controls_.execute(line);
+        checkAnswer(reply.line).at("ok").get_ref<const bool &>();
+        if (reply.follow) {
+            follower_ =
+                model_->events().subscribe([](const json &event) { checkAnswer(wire::encode(event)).at("event"); });
+        }
+    }
+
+    /** Lets time pass as a timer does that wakes the camera whenever something happens. */
+    void pass(double seconds) {
+        constexpr int kMostWakes = 10000;
+        const double end = now_ + seconds;
+        for (int wakes = 0; model_->nextTime() <= end; ++wakes) {
+            if (wakes == kMostWakes) {
+                fuzz::reportFinding("the camera keeps its timer busy");
+            }
+            now_ = std::max(now_, model_->nextTime());
+            model_->advance();
+        }
+        now_ = end;
+        model_->advance();
+    }
+
+    /** A line of the camera as JSON; what is not there, or not of the right type, throws. */
+    static json checkAnswer(const std::string &line) {
+        if (line.find('\n') != line.size() - 1) {
+            fuzz::reportFinding("an answer or event that is not one line: " + line);
+        }
+        return json::parse(line);
+    }
+
+    double now_ = 0.0;
+    std::unique_ptr<camera::CameraModel> model_ = makeCamera([this] { return now_; });
+    camera::Faults faults_;
+    camera::test::NotedServices services_;
+    camera::ServiceKeeper keeper_{*model_, services_, [](const std::string &line) { fuzz::reportFinding(line); }};
+    camera::CallDesk calls_{*model_, faults_, services_};
+    camera::ControlDesk controls_{*model_, faults_, keeper_};
+    camera::Events::Subscription follower_;
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    std::string_view rest(reinterpret_cast<const char *>(data), size);
+    Camera camera;
+    for (int lines = 0; lines < kMostLines && !rest.empty(); ++lines) {
+        const std::size_t end = std::min(rest.find('\n'), rest.size());
+        camera.take(rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return 0;
+}
