@@ -222,6 +222,19 @@ TEST_F(Outputs, AColumnThatIsNotThereIsNoneAndTheOthersAreAnswered) {
     EXPECT_EQ(valueText(result.variables[2]), "0");
 }
 
+TEST_F(Outputs, ANameThatIsNoCellIsRefusedTogetherWithCells) {
+    const std::string table = kRelayTable;
+    for (const std::string &name : {table + ".1", table + ".1.3", table + ".2.3.1", cell(kRelayTable, 7, 1)}) {
+        const Result result = manager_.set({integer(relayState(1), 1), integer(name, 1)});
+        EXPECT_EQ(result.error, ErrorStatus::NoCreation) << name;
+        EXPECT_EQ(result.errorIndex, 2) << name;
+        EXPECT_FALSE(manager_.set({integer(name, 1), integer(relayState(1), 1)}).ok()) << name;
+    }
+    EXPECT_EQ(relay(1), 0);
+    setInteger(relayState(1), 1);
+    EXPECT_EQ(relay(1), 1);
+}
+
 TEST_F(Outputs, ARelayThatFailsIsToldToTheManager) {
     control("fail", "relay", "set_state_send", "1");
     EXPECT_EQ(manager_.set({octets(kOutputControl, "\x01\x80")}).error, ErrorStatus::GenErr);
