@@ -14,10 +14,8 @@ using namespace positioning_objects;
 using namespace std::string_literals;
 using nlohmann::json;
 using std::chrono::seconds;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
 
 constexpr const char *kRangeFocusLimit = ".1.3.6.1.4.1.1206.4.2.7.1.9.0";
 constexpr const char *kRangeIrisLimit = ".1.3.6.1.4.1.1206.4.2.7.1.10.0";
