@@ -36,11 +36,11 @@ const char *nameOf(Service service) noexcept {
  * holds is closed then; an empty library owns no memory.
  */
 union Storage {
-    Storage() noexcept : library() {}
+    Storage() noexcept : instance() {}
     ~Storage() {
-        library.closeAll();
+        instance.closeAll();
     }
-    Library library;
+    Library instance;
 };
 
 Storage storage; // NOLINT(cert-err58-cpp)
@@ -111,7 +111,7 @@ std::shared_ptr<LogSink> openSink() {
 } // namespace
 
 Library &library() noexcept {
-    return storage.library;
+    return storage.instance;
 }
 
 zorva_core_status Library::start() {
