@@ -18,7 +18,7 @@ protected:
     }
 
     std::string write(const std::string &steps) const {
-        const std::string path = root_ / "own.json";
+        std::string path = root_ / "own.json";
         writeFile(path, R"({"name": "own", "description": "Mine", "steps": )" + steps + "}");
         return path;
     }
