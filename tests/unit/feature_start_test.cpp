@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "positioning_test.h"
+#include "handler_requests.h"
 #include "snmp_utils.h"
 
 using requests::registeredName;

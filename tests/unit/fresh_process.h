@@ -1,6 +1,7 @@
 /**
  * @file
- * Checks of what the module holds before anything has happened: earlier tests of the same process leave traces.
+ * Checks of what the module holds before anything has happened: earlier tests of the same process leave traces. The
+ * suites of such tests have "FreshTest" in their names.
  */
 #ifndef QUARNSNMP_FRESH_PROCESS_H
 #define QUARNSNMP_FRESH_PROCESS_H
@@ -21,9 +22,18 @@
     std::_Exit(result.Passed() ? 0 : 1);
 }
 
+/** Has the next death test start the program anew. An emulated program cannot; its fresh tests are run one by one. */
+inline void runDeathTestAnew() {
+#ifdef QUARNSNMP_TESTS_ARE_EMULATED
+    testing::FLAGS_gtest_death_test_style = "fast";
+#else
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+#endif
+}
+
 /** Runs checks in a new process, after the fixture's SetUp(); their failures fail the test. Once in a test only. */
 inline void expectInFreshProcess(void (*checks)()) {
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    runDeathTestAnew();
     EXPECT_EXIT(
         {
             checks();

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "positioning_test.h"
+#include "handler_requests.h"
 
 /** All modes that the agent knows, and some that nobody knows, without those that a handler serves. */
 inline Modes modesExcept(const Modes &served) {

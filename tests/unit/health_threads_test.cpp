@@ -11,7 +11,7 @@
 #include <unistd.h>
 
 #include "eventually.h"
-#include "positioning_test.h"
+#include "handler_requests.h"
 
 namespace {
 

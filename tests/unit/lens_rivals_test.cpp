@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "lens_start_lines.h"
+#include "positioning_test.h"
 
 using requests::get;
 using requests::NewValue;

@@ -6,8 +6,8 @@
 #ifndef QUARNSNMP_LENS_TEST_H
 #define QUARNSNMP_LENS_TEST_H
 
+#include "handler_requests.h"
 #include "lens_drives.h"
-#include "positioning_test.h"
 
 namespace lens_tests {
 

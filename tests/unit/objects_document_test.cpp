@@ -1,72 +1,22 @@
 // The users' reference of objects against what the module registers, answers and calls.
 #include <algorithm>
-#include <fstream>
 #include <set>
 
 #include "every_call.h"
 #include "gpio_pdu.h"
 #include "module_test.h"
+#include "objects_document.h"
 
+using objects_document::ObjectRow;
 using requests::NewValue;
 using requests::Pdu;
 
 namespace {
 
-/** A row of the reference. */
-struct ObjectRow {
-    std::string name;
-    std::string identifier; ///< of the instance; of the first row for a column of a table
-    std::string access;
-    std::string syntax;
-    std::string getCalls;
-    std::string setCalls;
-};
-
-bool operator==(const ObjectRow &left, const ObjectRow &right) {
-    return left.name == right.name && left.identifier == right.identifier && left.access == right.access &&
-           left.syntax == right.syntax && left.getCalls == right.getCalls && left.setCalls == right.setCalls;
-}
-
-void PrintTo(const ObjectRow &row, std::ostream *stream) {
-    *stream << "| `" << row.name << "` | " << row.identifier << " | " << row.access << " | " << row.syntax << " | "
-            << row.getCalls << " | " << row.setCalls << " |";
-}
-
 void answerEveryCall() {
     for (const scripted::Call &call : scripted::everyCall()) {
         scripted::core().answer(call.function, call.outputs);
     }
-}
-
-std::vector<std::string> split(const std::string &text, const std::string &separator) {
-    std::vector<std::string> parts;
-    std::size_t start = 0;
-    for (std::size_t end = text.find(separator); end != std::string::npos; end = text.find(separator, start)) {
-        parts.push_back(text.substr(start, end - start));
-        start = end + separator.size();
-    }
-    parts.push_back(text.substr(start));
-    return parts;
-}
-
-/** The rows of the sections whose heading has, or has not, a word. */
-std::vector<ObjectRow> documentedObjects(const std::string &word, bool wanted) {
-    std::ifstream document(QUARNSNMP_OBJECTS_DOCUMENT);
-    EXPECT_TRUE(document.is_open());
-    std::vector<ObjectRow> rows;
-    bool inSection = false;
-    for (std::string line; std::getline(document, line);) {
-        if (line.rfind("## ", 0) == 0) {
-            inSection = (line.find(word) != std::string::npos) == wanted;
-        } else if (inSection && line.rfind("| `", 0) == 0) {
-            const std::vector<std::string> cells = split(line.substr(2, line.size() - 4), " | ");
-            EXPECT_EQ(cells.size(), 7U) << line;
-            EXPECT_NE(cells.back(), "") << line;
-            rows.push_back({cells.at(0).substr(1, cells.at(0).size() - 2), cells.at(1), cells.at(2), cells.at(3),
-                            cells.at(4), cells.at(5)});
-        }
-    }
-    return rows;
 }
 
 /** The calls of the record as the reference writes them: each once, without what all names have. */
@@ -221,7 +171,7 @@ protected:
 TEST_F(ObjectsDocumentTest, DescribesEachObjectOfACameraWithAMotorDrivenLens) {
     offer({"alarm", "device_information", "device_management", "exposure", "iris", "lens_focus", "positioning", "power",
            "presets_tours", "relay", "temperature"});
-    expectDocumented(documentedObjects("stepper", false));
+    expectDocumented(objects_document::objects("stepper", false));
 }
 
 TEST_F(ObjectsDocumentTest, DescribesEachObjectOfAStepperLens) {
@@ -231,5 +181,5 @@ TEST_F(ObjectsDocumentTest, DescribesEachObjectOfAStepperLens) {
             feature.init = [](void *) { return false; };
         }
     }
-    expectDocumented(documentedObjects("stepper", true));
+    expectDocumented(objects_document::objects("stepper", true));
 }

@@ -1,16 +1,14 @@
 /**
  * @file
- * What the tests of pan, tilt and zoom share: a positioning service of plausible limits, the texts of its calls as the
- * scripted core library records them, and SETs through all their phases.
+ * What the tests of pan, tilt and zoom share: a positioning service of plausible limits, and the texts of its calls as
+ * the scripted core library records them.
  */
 #ifndef QUARNSNMP_POSITIONING_TEST_H
 #define QUARNSNMP_POSITIONING_TEST_H
 
-#include "module_test.h"
-
 #include <initializer_list>
-#include <limits>
 
+#include "handler_requests.h"
 #include "positioning_state.h"
 
 /** Names of the service's functions, for the script. */
@@ -55,26 +53,6 @@ std::string run(int axis, int velocity, std::uint32_t timeout);
 
 } // namespace calls
 
-namespace logs {
-
-scripted::LogLine error(const std::string &text);
-scripted::LogLine notice(const std::string &text);
-scripted::LogLine info(const std::string &text);
-scripted::LogLine debug(const std::string &text);
-
-/** The line of a call that failed with kRefused. */
-scripted::LogLine failed(const std::string &call);
-
-} // namespace logs
-
-/** Status of every call that a test lets fail. */
-inline constexpr zorva_core_status kRefused = 17;
-
-using Modes = std::vector<int>;
-
-/** Modes that no handler of a scalar has a use for. */
-inline constexpr int kUnknownModes[] = {-1, 6, 99, 162, MODE_GETBULK, std::numeric_limits<int>::max()};
-
 /** An axis value that names no axis. */
 inline constexpr auto kNoAxis = static_cast<positioning::Axis>(3);
 
@@ -93,16 +71,6 @@ struct Ceilings {
 inline constexpr Ceilings kMoveCeilings{160000, 80000};
 inline constexpr Ceilings kRunCeilings{80000, 40000};
 inline constexpr Ceilings kOtherCeilings{120000, 60000};
-
-/** Octets of a position object. */
-std::string octets(std::initializer_list<unsigned int> values);
-/** A position command: its mode, speed, and position with the low-order octet first. */
-std::string command(unsigned int mode, int speed, unsigned int position);
-
-/** An answer that reports no error in either way. */
-testing::Matcher<const requests::Answer &> isAccepted();
-/** What the handler returns, and what it sets on the request. */
-testing::Matcher<const requests::Answer &> isRefused(int returned, int requestError);
 
 /**
  * The camera stands at pan 90.00 degrees, tilt -10.00 degrees and zoom 10x. It has different limits everywhere, so that
@@ -132,17 +100,6 @@ protected:
 
     /** A GET, and the record forgotten: what the first request to an object does on its own is over. */
     static void use(std::string_view instance);
-};
-
-/** Runs all phases of a SET that nobody refuses; each has to be accepted. */
-void set(std::string_view instance, const requests::NewValue &value);
-/** Runs the phases up to ACTION and then UNDO, as the agent does when another variable's ACTION fails. */
-void setAndUndo(std::string_view instance, const requests::NewValue &value);
-
-/** A request for a handler; what lies behind the value in memory is not 0. */
-class DirtyRequest : public requests::Request {
-public:
-    DirtyRequest(std::string_view dotted, const requests::NewValue &value);
 };
 
 #endif

@@ -201,7 +201,9 @@ TEST_P(PowerStateTest, ATrapThatCannotBeSentCountsAsSent) {
     EXPECT_THAT(poll(3), ElementsAre(3));
 }
 
-TEST_F(PowerTest, TheFirstPollOfAllSendsNothing) {
+class PowerFreshTest : public PowerTest {};
+
+TEST_F(PowerFreshTest, TheFirstPollOfAllSendsNothing) {
     expectInFreshProcess([] {
         for (const std::int64_t state : {0, 0}) {
             states(state, state);

@@ -53,8 +53,15 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Commands, PresetCommandTest, testing::Values(kGoTo, kStoreHere),
-                         [](const auto &each) { return std::string(each.param.handler); });
+std::string handlerOf(const testing::TestParamInfo<Command> &command) {
+    return command.param.handler;
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, PresetCommandTest, testing::Values(kGoTo, kStoreHere), handlerOf);
+
+class PresetCommandFreshTest : public PresetCommandTest {};
+
+INSTANTIATE_TEST_SUITE_P(Commands, PresetCommandFreshTest, testing::Values(kGoTo, kStoreHere), handlerOf);
 
 } // namespace
 
@@ -74,7 +81,7 @@ TEST_P(PresetCommandTest, ACommitIsLogged) {
     EXPECT_THAT(core().logs(), ElementsAre(enter(), carriedOut(7), done()));
 }
 
-TEST_P(PresetCommandTest, TheNumberIsZeroUntilTheFirstCommand) {
+TEST_P(PresetCommandFreshTest, TheNumberIsZeroUntilTheFirstCommand) {
     static const Command *command = nullptr;
     command = &GetParam();
     expectInFreshProcess([] {

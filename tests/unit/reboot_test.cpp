@@ -46,7 +46,9 @@ protected:
 
 } // namespace
 
-TEST_F(RebootTest, IsZeroUntilItIsSet) {
+class RebootFreshTest : public RebootTest {};
+
+TEST_F(RebootFreshTest, IsZeroUntilItIsSet) {
     expectInFreshProcess([] {
         expectValue(0);
         EXPECT_THAT(core().calls(), IsEmpty());

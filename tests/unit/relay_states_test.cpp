@@ -3,7 +3,7 @@
  * SETs of the relays' table. The module keeps one relay and one state for a whole request.
  */
 #include "gpio_table_test.h"
-#include "positioning_test.h"
+#include "handler_requests.h"
 #include "relay_calls.h"
 #include "snmp_utils.h"
 

@@ -5,7 +5,7 @@
 #include <ostream>
 
 #include "gpio_table_test.h"
-#include "positioning_test.h"
+#include "handler_requests.h"
 #include "relay_calls.h"
 
 using requests::Answer;

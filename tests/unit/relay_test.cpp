@@ -145,7 +145,9 @@ TEST_F(RelayTest, TheStatusRefusesOtherModes) {
     EXPECT_EQ(Request(kOutputStatus, NewValue::text("x")).run(MODE_SET_RESERVE1).requestError, SNMP_ERR_NOTWRITABLE);
 }
 
-TEST_F(RelayTest, TheCommandIsZeroUntilTheFirst) {
+class RelayFreshTest : public RelayTest {};
+
+TEST_F(RelayFreshTest, TheCommandIsZeroUntilTheFirst) {
     expectInFreshProcess([] {
         start(2);
         expectControl(octets({0, 0}));

@@ -8,6 +8,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include "fresh_process.h"
 #include "sent_traps.h"
 #include "trap_sender.h"
 
@@ -81,8 +82,10 @@ TEST_F(TrapSenderTest, DestroyingWithoutAnInstanceDoesNothing) {
     QuarnSnmpTrapSend::snmpMainCallback(-1, nullptr);
 }
 
-TEST_F(TrapSenderTest, ASecondSenderEndsTheProcess) {
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
+class TrapSenderFreshTest : public TrapSenderTest {};
+
+TEST_F(TrapSenderFreshTest, ASecondSenderEndsTheProcess) {
+    runDeathTestAnew();
     EXPECT_EXIT(
         {
             openCore();

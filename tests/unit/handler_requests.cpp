@@ -1,0 +1,77 @@
+#include "handler_requests.h"
+
+#include <cstring>
+
+using scripted::LogLine;
+
+namespace {
+
+const int kSetPhases[] = {MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION, MODE_SET_COMMIT};
+
+} // namespace
+
+namespace logs {
+
+LogLine error(const std::string &text) {
+    return {3, text};
+}
+
+LogLine notice(const std::string &text) {
+    return {5, text};
+}
+
+LogLine info(const std::string &text) {
+    return {6, text};
+}
+
+LogLine debug(const std::string &text) {
+    return {7, text};
+}
+
+LogLine failed(const std::string &call) {
+    return error("Failed zorva api call: " + call + " (status 17)");
+}
+
+} // namespace logs
+
+std::string octets(std::initializer_list<unsigned int> values) {
+    std::string result;
+    for (const unsigned int value : values) {
+        result.push_back(static_cast<char>(static_cast<unsigned char>(value)));
+    }
+    return result;
+}
+
+std::string command(unsigned int mode, int speed, unsigned int position) {
+    return octets({mode, static_cast<unsigned int>(speed) & 0xFFU, position & 0xFFU, position >> 8U});
+}
+
+testing::Matcher<const requests::Answer &> isAccepted() {
+    return isRefused(SNMP_ERR_NOERROR, SNMP_ERR_NOERROR);
+}
+
+testing::Matcher<const requests::Answer &> isRefused(int returned, int requestError) {
+    return testing::AllOf(testing::Field("returned", &requests::Answer::returned, returned),
+                          testing::Field("request error", &requests::Answer::requestError, requestError));
+}
+
+void set(std::string_view instance, const requests::NewValue &value) {
+    DirtyRequest request(instance, value);
+    for (const int phase : kSetPhases) {
+        ASSERT_THAT(request.run(phase), isAccepted()) << "phase " << phase;
+    }
+}
+
+void setAndUndo(std::string_view instance, const requests::NewValue &value) {
+    DirtyRequest request(instance, value);
+    for (const int phase : {MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION, MODE_SET_UNDO}) {
+        ASSERT_THAT(request.run(phase), isAccepted()) << "phase " << phase;
+    }
+}
+
+DirtyRequest::DirtyRequest(std::string_view dotted, const requests::NewValue &value) : Request(dotted, value) {
+    netsnmp_variable_list *varbind = info()->requestvb;
+    if (varbind->val.string == varbind->buf) {
+        std::memset(varbind->buf + varbind->val_len, 0xEE, sizeof varbind->buf - varbind->val_len);
+    }
+}

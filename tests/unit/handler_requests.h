@@ -1,0 +1,55 @@
+/**
+ * @file
+ * What the tests of all handlers share: requests through the phases of a SET, and what is expected of an answer and in
+ * the log.
+ */
+#ifndef QUARNSNMP_HANDLER_REQUESTS_H
+#define QUARNSNMP_HANDLER_REQUESTS_H
+
+#include "module_test.h"
+
+#include <initializer_list>
+#include <limits>
+
+namespace logs {
+
+scripted::LogLine error(const std::string &text);
+scripted::LogLine notice(const std::string &text);
+scripted::LogLine info(const std::string &text);
+scripted::LogLine debug(const std::string &text);
+
+/** The line of a call that failed with kRefused. */
+scripted::LogLine failed(const std::string &call);
+
+} // namespace logs
+
+/** Status of every call that a test lets fail. */
+inline constexpr zorva_core_status kRefused = 17;
+
+using Modes = std::vector<int>;
+
+/** Modes that no handler of a scalar has a use for. */
+inline constexpr int kUnknownModes[] = {-1, 6, 99, 162, MODE_GETBULK, std::numeric_limits<int>::max()};
+
+/** Octets of a value. */
+std::string octets(std::initializer_list<unsigned int> values);
+/** A position command: its mode, speed, and position with the low-order octet first. */
+std::string command(unsigned int mode, int speed, unsigned int position);
+
+/** An answer that reports no error in either way. */
+testing::Matcher<const requests::Answer &> isAccepted();
+/** What the handler returns, and what it sets on the request. */
+testing::Matcher<const requests::Answer &> isRefused(int returned, int requestError);
+
+/** Runs all phases of a SET that nobody refuses; each has to be accepted. */
+void set(std::string_view instance, const requests::NewValue &value);
+/** Runs the phases up to ACTION and then UNDO, as the agent does when another variable's ACTION fails. */
+void setAndUndo(std::string_view instance, const requests::NewValue &value);
+
+/** A request for a handler; what lies behind the value in memory is not 0. */
+class DirtyRequest : public requests::Request {
+public:
+    DirtyRequest(std::string_view dotted, const requests::NewValue &value);
+};
+
+#endif
