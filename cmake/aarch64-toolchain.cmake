@@ -11,6 +11,13 @@ if(NOT EXISTS ${CMAKE_SYSROOT}/contents)
   message(FATAL_ERROR "There is no sysroot in ${CMAKE_SYSROOT}; make it with scripts/aarch64-sysroot.sh")
 endif()
 
+# Runs the tests.
+find_program(QUARNSNMP_EMULATOR qemu-aarch64-static)
+mark_as_advanced(QUARNSNMP_EMULATOR)
+if(QUARNSNMP_EMULATOR)
+  set(CMAKE_CROSSCOMPILING_EMULATOR ${QUARNSNMP_EMULATOR} -L ${CMAKE_SYSROOT})
+endif()
+
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

@@ -62,7 +62,7 @@ std::string guardianPath() {
 }
 
 std::string fakeTimeLibraryPath() {
-    return HARNESS_FAKETIME;
+    return environmentOr("QUARNSNMP_FAKETIME", HARNESS_FAKETIME);
 }
 
 std::vector<std::string> sanitizerRuntimes() {
@@ -75,6 +75,10 @@ std::string goldenDirectory() {
 
 std::string examplesDirectory() {
     return HARNESS_EXAMPLES_DIRECTORY;
+}
+
+std::string mibsDirectory() {
+    return HARNESS_MIBS_DIRECTORY;
 }
 
 } // namespace harness

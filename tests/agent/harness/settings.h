@@ -38,7 +38,10 @@ std::string burstModulePath();
 /** The program that keeps hold of an agent that runs as a daemon. */
 std::string guardianPath();
 
-/** The library that makes a program's clock run faster; empty when the machine does not have it. */
+/**
+ * The library that makes the agent's clock run faster: the environment's QUARNSNMP_FAKETIME, or this machine's; empty
+ * when it has none.
+ */
 std::string fakeTimeLibraryPath();
 
 /** Libraries that the agent must load first because the module is sanitized and the agent is not; else empty. */
@@ -49,6 +52,9 @@ std::string goldenDirectory();
 
 /** Directory of the agent configurations that are shipped. */
 std::string examplesDirectory();
+
+/** Directory of the MIB modules that are shipped. */
+std::string mibsDirectory();
 
 /** The environment's value of a name, or a default when it is unset or empty. */
 std::string environmentOr(const char *name, const std::string &otherwise);
