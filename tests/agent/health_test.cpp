@@ -5,6 +5,7 @@
 
 #include "camera_agent.h"
 #include "eventually.h"
+#include "polled_sensors.h"
 #include "trap_receiver.h"
 
 namespace {
@@ -44,54 +45,13 @@ struct Receiver {
     AgentOptions agent;
 };
 
-/** An operation that a poll reads with, and what the camera's sensor shows. */
-struct Sensor {
-    const char *service;
-    const char *field;
-    const char *operation;
-};
-
-const Sensor kPowerSensor = {"power", "powerState", "get_power_state_send"};
-const Sensor kVoltageSensor = {"power", "voltageState", "get_voltage_state_send"};
-const Sensor kTemperatureSensor = {"temperature", "temperature", "get_temperature_send"};
-
 /** Value of a trap's object, with the object. */
 using Sent = std::pair<std::string, std::int64_t>;
 
-class HealthTraps : protected Receiver, public CameraAgent {
+class HealthTraps : protected Receiver, public CameraAgent, protected PolledSensors {
 protected:
     explicit HealthTraps(bool daemonised = false)
-        : Receiver(daemonised), CameraAgent("dome", agent), events_(camera_) {}
-
-    static std::string target(const Sensor &sensor) {
-        return std::string(sensor.service) + "/1";
-    }
-
-    void set(const Sensor &sensor, int value) const {
-        setField(camera_, target(sensor), sensor.field, value);
-    }
-
-    std::size_t faults(const Sensor &sensor) const {
-        return events_.matching({{"event", "fault"}, {"operation", sensor.operation}}).size();
-    }
-
-    /** Waits until polls have met so many faults more. */
-    void awaitFaults(const Sensor &sensor, std::size_t count) const {
-        const std::size_t before = faults(sensor);
-        ASSERT_TRUE(eventually(seconds(20), [&] { return faults(sensor) >= before + count; })) << sensor.operation;
-    }
-
-    /** Waits until a poll has read what the sensor shows now; an answer that comes a little late tells of it. */
-    void awaitPoll(const Sensor &sensor) const {
-        const std::size_t before = faults(sensor);
-        control("delay", sensor.service, sensor.operation, "1");
-        ASSERT_TRUE(eventually(seconds(20), [&] { return faults(sensor) > before; })) << sensor.operation;
-    }
-
-    void pollWith(const Sensor &sensor, int value) const {
-        set(sensor, value);
-        awaitPoll(sensor);
-    }
+        : Receiver(daemonised), CameraAgent("dome", agent), PolledSensors(camera_) {}
 
     /** The module's traps so far, in their order. */
     std::vector<Sent> sent() const {
@@ -113,8 +73,6 @@ protected:
         });
         return there ? testing::AssertionSuccess() : testing::AssertionFailure() << testing::PrintToString(sent());
     }
-
-    CameraEvents events_;
 };
 
 /** A camera that needs as good as no time to restart. */
@@ -212,9 +170,9 @@ TEST_F(HealthTraps, TheTemperatureIsToldWhenItHasMovedByMoreThanTwoDegrees) {
 TEST_F(HealthTraps, WhatCannotBeReadIsNotTold) {
     awaitPoll(kTemperatureSensor);
     control("fail", "temperature", "get_temperature_send", "1", "--always");
-    set(kTemperatureSensor, 60000);
+    show(kTemperatureSensor, 60000);
     awaitFaults(kTemperatureSensor, 2);
-    set(kTemperatureSensor, 31500);
+    show(kTemperatureSensor, 31500);
     control("clear");
     awaitPoll(kTemperatureSensor);
     pollWith(kTemperatureSensor, 50000);
@@ -226,7 +184,7 @@ TEST_F(HealthTraps, AServiceThatWasAwayIsPolledAgain) {
     awaitPoll(kPowerSensor);
     control("down", "power");
     EXPECT_TRUE(eventually(seconds(20), [&] { return logged("get_power_state_send sensor 0 failed") > 1; }));
-    set(kPowerSensor, 4);
+    show(kPowerSensor, 4);
     control("up", "power");
     EXPECT_TRUE(arrives({kPower, 4}));
     EXPECT_THAT(sent(), SizeIs(1));

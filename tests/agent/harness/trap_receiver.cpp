@@ -16,6 +16,10 @@ namespace {
 constexpr const char *kLineStart = "TRAP ";
 constexpr const char *kTrapOid = ".1.3.6.1.6.3.1.1.4.1.0";
 
+// Octets in hexadecimal and without line breaks, times as numbers, identifiers in full, tabs between varbinds: only so
+// can a line be taken apart whatever the values are.
+const std::vector<std::string> kNumericOutput{"-On", "-Oe", "-OU", "-Ot", "-Ox"};
+
 std::vector<std::string> splitAtTabs(const std::string &line) {
     std::vector<std::string> parts;
     std::size_t start = 0;
@@ -82,7 +86,7 @@ void readValue(const std::string &printed, Variable &variable) {
 Trap readTrap(const std::string &line) {
     const std::vector<std::string> parts = splitAtTabs(line);
     Trap trap;
-    trap.kind = parts.front().substr(std::string(kLineStart).size());
+    trap.kind = parts.front();
     for (std::size_t i = 1; i < parts.size(); ++i) {
         const std::size_t equals = parts[i].find(" = ");
         if (equals == std::string::npos) {
@@ -117,24 +121,35 @@ std::ostream &operator<<(std::ostream &stream, const Trap &trap) {
     return stream;
 }
 
-TrapReceiver::TrapReceiver(Transport transport, const std::vector<std::string> &configuration)
+TrapReceiver::TrapReceiver(Transport transport, const std::vector<std::string> &configuration,
+                           const std::string &mibModules)
     : port_(transport == Transport::Datagram ? std::make_unique<ReservedPort>() : nullptr) {
-    // Octets in hexadecimal and without line breaks, times as numbers, identifiers in full, tabs between varbinds:
-    // only so can a line be taken apart whatever the values are.
     std::string text = "snmpTrapdAddr " + peer() + "\ndisableAuthorization yes\n";
     for (const std::string &line : configuration) {
         text += line + "\n";
     }
     text += "[snmp] hexOutputLength 0\n";
-    process_ = std::make_unique<Process>(
-        Launch{{trapReceiverPath(), "-C", "-c", directory_.write("snmptrapd.conf", text), "-f", "-n", "-X", "-Lf",
-                log().path(), "-On", "-Oe", "-OU", "-Ot", "-Ox", "-F", std::string(kLineStart) + "%P\\t%V\\t%v\\n"},
-               {{"SNMP_PERSISTENT_DIR", directory_.file("persistent")},
-                {"SNMPCONFPATH", directory_.path()},
-                {"MIBS", ""},
-                {"MIBDIRS", directory_.path()}},
-               directory_.file("receiver.out"),
-               directory_.file("receiver.err")});
+    std::vector<std::string> arguments{trapReceiverPath(),
+                                       "-C",
+                                       "-c",
+                                       directory_.write("snmptrapd.conf", text),
+                                       "-f",
+                                       "-n",
+                                       "-X",
+                                       "-Lf",
+                                       log().path(),
+                                       "-F",
+                                       std::string(kLineStart) + "%P\\t%V\\t%v\\n"};
+    const std::vector<std::string> output =
+        mibModules.empty() ? kNumericOutput : std::vector<std::string>{"-M", mibsDirectory(), "-m", mibModules};
+    arguments.insert(arguments.end(), output.begin(), output.end());
+    process_ = std::make_unique<Process>(Launch{arguments,
+                                                {{"SNMP_PERSISTENT_DIR", directory_.file("persistent")},
+                                                 {"SNMPCONFPATH", directory_.path()},
+                                                 {"MIBS", ""},
+                                                 {"MIBDIRS", directory_.path()}},
+                                                directory_.file("receiver.out"),
+                                                directory_.file("receiver.err")});
     eventually(std::chrono::seconds(20), [this] { return isReachable() || !process_->running(); });
     if (!process_->running() || !isReachable()) {
         throw std::runtime_error("the trap receiver does not start\n" + log().tail(20) +
@@ -162,12 +177,20 @@ LogFile TrapReceiver::log() const {
     return LogFile(directory_.file("traps.log"));
 }
 
-std::vector<Trap> TrapReceiver::traps() const {
-    std::vector<Trap> result;
+std::vector<std::string> TrapReceiver::printed() const {
+    std::vector<std::string> result;
     for (const std::string &line : log().lines()) {
         if (line.rfind(kLineStart, 0) == 0) {
-            result.push_back(readTrap(line));
+            result.push_back(line.substr(std::string(kLineStart).size()));
         }
+    }
+    return result;
+}
+
+std::vector<Trap> TrapReceiver::traps() const {
+    std::vector<Trap> result;
+    for (const std::string &line : printed()) {
+        result.push_back(readTrap(line));
     }
     return result;
 }

@@ -48,16 +48,21 @@ public:
     /**
      * Starts it and waits until it is there.
      * @param configuration  further lines of its configuration, such as users
+     * @param mibModules     shipped MIB modules with the names that it prints, separated by colons; traps() understands
+     *                       numbers only, so with these there is only printed()
      * @throws std::runtime_error when it does not get there
      */
-    explicit TrapReceiver(Transport transport = Transport::Datagram,
-                          const std::vector<std::string> &configuration = {});
+    explicit TrapReceiver(Transport transport = Transport::Datagram, const std::vector<std::string> &configuration = {},
+                          const std::string &mibModules = "");
 
     /** The agent's address for notifications. */
     std::string peer() const;
 
     /** Line of the agent's configuration that makes it send SNMPv2c traps here. */
     std::string configurationLine() const;
+
+    /** What it has printed of notifications so far, one a line: what it says of it, and its varbinds after tabs. */
+    std::vector<std::string> printed() const;
 
     /** All notifications so far, oldest first. @throws std::runtime_error for a line that cannot be understood */
     std::vector<Trap> traps() const;
