@@ -4,7 +4,6 @@
  * iteration by itself and reports the median and the 99th percentile, because the mean of what waits for another
  * process says more about the machine than about the program.
  */
-#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
@@ -17,6 +16,8 @@
 #include <benchmark/benchmark.h>
 
 #include "camera_process.h"
+#include "statistics.h"
+#include "table_reporter.h"
 #include "zorva-core.h"
 
 namespace {
@@ -40,13 +41,6 @@ void setEnvironment(const char *name, const std::string &value) {
     }
 }
 
-/** Gives the value below which this share of the values lies. */
-double quantile(std::vector<double> &values, double share) {
-    const auto rank = static_cast<std::ptrdiff_t>(share * static_cast<double>(values.size() - 1));
-    std::nth_element(values.begin(), values.begin() + rank, values.end());
-    return values[static_cast<std::size_t>(rank)];
-}
-
 /**
  * Measures `action` once per iteration.
  * @param times  how often `action` does what is to be measured
@@ -67,8 +61,8 @@ void measure(benchmark::State &state, const Action &action, int times = 1, std::
             std::this_thread::sleep_for(pause);
         }
     }
-    state.counters["median_ns"] = quantile(nanoseconds, 0.5);
-    state.counters["p99_ns"] = quantile(nanoseconds, 0.99);
+    state.counters[bench::kMedianCounter] = bench::quantile(nanoseconds, 0.5);
+    state.counters[bench::kLateCounter] = bench::quantile(nanoseconds, 0.99);
 }
 
 /** The library as the module uses it, with the handles of the services that are measured. */
@@ -200,6 +194,7 @@ constexpr std::array<Measurement, 8> kMeasurements = {{
 } // namespace
 
 int main(int argc, char **argv) {
+    const bool asTable = bench::takeTableArgument(argc, argv);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 2;
@@ -219,7 +214,7 @@ int main(int argc, char **argv) {
             };
             benchmark::RegisterBenchmark(measurement.name, run)->Iterations(measurement.iterations)->UseManualTime();
         }
-        benchmark::RunSpecifiedBenchmarks();
+        bench::runBenchmarks(asTable, "Calls of the stand-in core library to a simulated camera");
     } catch (const std::exception &error) {
         std::fprintf(stderr, "bench-standin: %s\n", error.what());
         hasFailed = true;

@@ -5,24 +5,33 @@
 # shellcheck disable=SC2034 # used by the commands that source this file
 run_packages=(
     g++ cmake ninja-build
-    libsnmp-dev libboost-dev libboost-thread-dev libboost-system-dev nlohmann-json3-dev libcli11-dev
+    libsnmp-dev libboost-dev libboost-thread-dev libboost-system-dev nlohmann-json3-dev libcli11-dev libfmt-dev
     snmpd snmp snmptrapd
 )
 
 # What the tests need beyond that.
 # shellcheck disable=SC2034
 test_packages=(
-    git binutils
+    git binutils valgrind strace
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev clang-format clang-tidy shellcheck
-    faketime
+    faketime smitools
 )
+
+# To build for AArch64 and to run that here.
+# shellcheck disable=SC2034
+aarch64_packages=(g++-aarch64-linux-gnu qemu-user-static)
+
+# What the benchmarks need beyond what is needed to run the module.
+# shellcheck disable=SC2034
+bench_packages=(binutils libgtest-dev libgmock-dev libbenchmark-dev valgrind)
 
 # What the sysroot for AArch64 holds, as packages of that architecture.
 # shellcheck disable=SC2034
 aarch64_sysroot_packages=(
     libc6-dev libstdc++-12-dev
-    libsnmp-dev libboost-dev libboost-thread-dev libboost-system-dev nlohmann-json3-dev libcli11-dev
+    libsnmp-dev libboost-dev libboost-thread-dev libboost-system-dev nlohmann-json3-dev libcli11-dev libfmt-dev
+    libgtest-dev libgmock-dev libfaketime
     snmpd snmp
 )
 

@@ -1,0 +1,24 @@
+/** @file Writes the instructions that requests take, which tests/budget/ bounds, as lines of the table. */
+#include <cstdio>
+#include <exception>
+
+#include "callgrind_profile.h"
+#include "subjects.h"
+#include "table.h"
+
+int main() {
+    try {
+        const auto counted = budget::countInstructions();
+        bench::printFamily("Instructions of the module's own code for a request", "of the budget");
+        for (const budget::Subject &subject : budget::kSubjects) {
+            const auto own = static_cast<double>(counted.at(std::string(subject.name)).own);
+            char share[16];
+            std::snprintf(share, sizeof share, "%.2f", own / static_cast<double>(subject.limit));
+            bench::printValue(std::string(subject.name), own, "", 0, share);
+        }
+        return 0;
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "bench-instructions: %s\n", error.what());
+        return 1;
+    }
+}

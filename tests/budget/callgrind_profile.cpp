@@ -1,0 +1,107 @@
+#include "callgrind_profile.h"
+
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+#include "process.h"
+#include "temporary_directory.h"
+
+namespace budget {
+
+namespace {
+
+constexpr const char *kAgentLibrary = "/libnetsnmp";
+
+/** What follows a word at the start of a line; null when the line starts otherwise. */
+const char *after(const std::string &word, const std::string &line) {
+    return line.rfind(word, 0) == 0 ? line.c_str() + word.size() : nullptr;
+}
+
+bool isAgentLibrary(const std::string &object) {
+    return object.find(kAgentLibrary) != std::string::npos;
+}
+
+/** Cost of a line "POSITION COST". */
+std::uint64_t costOf(const std::string &line) {
+    const std::size_t blank = line.find(' ');
+    if (blank == std::string::npos) {
+        throw std::runtime_error("not a cost: " + line);
+    }
+    return std::stoull(line.substr(blank + 1));
+}
+
+/**
+ * Reads a profile line by line. Costs of a function's own lines add up to the total. What it takes to call the agent's
+ * library stands behind the line of the call, with all that the library calls in turn, and is not the module's.
+ */
+class Reader {
+public:
+    void take(const std::string &line) {
+        if (const char *name = after("desc: Trigger: Client Request: ", line)) {
+            subject = name;
+        } else if (const char *caller = after("ob=", line)) {
+            object = caller;
+            calledObject = caller; // unless a line names another one
+        } else if (const char *callee = after("cob=", line)) {
+            calledObject = callee;
+        } else if (after("calls=", line) != nullptr) {
+            isCall = true;
+        } else if (!line.empty() && line[0] >= '0' && line[0] <= '9') {
+            takeCost(costOf(line));
+        }
+    }
+
+    std::string subject; ///< empty in the profile of the program's end, which belongs to no request
+    Instructions instructions;
+
+private:
+    void takeCost(std::uint64_t cost) {
+        if (!isCall) {
+            instructions.own += cost;
+            instructions.total += cost;
+        } else if (isAgentLibrary(calledObject) && !isAgentLibrary(object)) {
+            instructions.own -= cost;
+        }
+        if (isCall) {
+            isCall = false;
+            calledObject = object;
+        }
+    }
+
+    std::string object;
+    std::string calledObject;
+    bool isCall = false;
+};
+
+void addProfile(const std::filesystem::path &path, std::map<std::string, Instructions> &result) {
+    std::ifstream file(path);
+    Reader reader;
+    for (std::string line; std::getline(file, line);) {
+        reader.take(line);
+    }
+    if (!reader.subject.empty()) {
+        result[reader.subject] = reader.instructions;
+    }
+}
+
+} // namespace
+
+std::map<std::string, Instructions> countInstructions() {
+    const harness::TemporaryDirectory directory;
+    const std::string program = BUDGET_REQUESTS;
+    const harness::CommandResult run = harness::runCommand(
+        {"valgrind", "--tool=callgrind", "--collect-atstart=no", "--toggle-collect=*CallHandler*",
+         "--compress-strings=no", "--compress-pos=no", "--callgrind-out-file=" + directory.file("profile"), program},
+        {{"LD_BIND_NOW", "1"}}, std::chrono::seconds(120));
+    if (!run.status.clean()) {
+        throw std::runtime_error(program + " under callgrind: " + run.status.describe() + "\n" + run.errors);
+    }
+    std::map<std::string, Instructions> result;
+    for (const auto &entry : std::filesystem::directory_iterator(directory.path())) {
+        addProfile(entry.path(), result);
+    }
+    return result;
+}
+
+} // namespace budget
