@@ -1,0 +1,68 @@
+/**
+ * @file
+ * What tests of the command-line client with a real agent share.
+ */
+#ifndef QUARNSNMP_PTZCTL_CLIENT_H
+#define QUARNSNMP_PTZCTL_CLIENT_H
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "process.h"
+#include "reserved_port.h"
+#include "temporary_directory.h"
+
+namespace ptzctl_client {
+
+using ClientEnvironment = std::map<std::string, std::string>;
+
+// Exit codes of the program.
+inline constexpr int kRefused = 1;
+inline constexpr int kUsage = 2;
+inline constexpr int kNoAnswer = 3;
+inline constexpr int kSomeFailed = 4;
+
+/** The program, with nobody's configuration but what a test writes into its directory. */
+class Client {
+public:
+    harness::CommandResult run(const std::vector<std::string> &arguments, ClientEnvironment environment = {}) const {
+        return harness::runCommand(commandLine(arguments), completed(std::move(environment)));
+    }
+
+    static std::vector<std::string> commandLine(const std::vector<std::string> &arguments) {
+        std::vector<std::string> command = {PTZCTL_PROGRAM};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        return command;
+    }
+
+    ClientEnvironment completed(ClientEnvironment environment) const {
+        environment.insert({{"HOME", directory.path()},
+                            {"SNMPCONFPATH", directory.path()},
+                            {"SNMP_PERSISTENT_DIR", directory.path()}});
+        // An empty variable says nothing, whatever the one who runs the tests has set.
+        for (const char *name : {"HOST", "COMMUNITY", "USER", "LEVEL", "AUTH", "PRIVACY", "SNMP_VERSION", "BYTE_ORDER",
+                                 "AUTH_PASSPHRASE", "PRIVACY_PASSPHRASE"}) {
+            environment.insert({std::string("PTZCTL_") + name, ""});
+        }
+        return environment;
+    }
+
+    harness::TemporaryDirectory directory;
+};
+
+/** Where an agent sends its traps, also before somebody listens there. */
+class TrapAddress {
+protected:
+    std::string traps() const {
+        return "127.0.0.1:" + std::to_string(port_.number());
+    }
+
+private:
+    harness::ReservedPort port_;
+};
+
+} // namespace ptzctl_client
+
+#endif

@@ -1,0 +1,239 @@
+// What the commands read, send and say, with a scripted camera.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "driving.h"
+#include "scripted_camera.h"
+#include "showing.h"
+
+using namespace ptzctl;
+using scripted::Camera;
+using scripted::failure;
+using scripted::report;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+constexpr int kRefused = 1;
+constexpr int kUsage = 2;
+constexpr long kGenErr = 5;
+
+Action stopping(const std::string &which) {
+    return [which](Context &context) { stop(context, which); };
+}
+
+Action switching(int relay, bool on) {
+    return [=](Context &context) { switchRelay(context, relay, on); };
+}
+
+Action automatic(unsigned int feature, bool on) {
+    return [=](Context &context) { setAutomatic(context, feature, on); };
+}
+
+/** A camera that does what it is told and shows it: relays and automatic features too. */
+void followCommands(Camera &camera) {
+    camera.spoil = [&camera](Request request, Reply &reply) {
+        if (request == Request::Set && reply.variables.front().identifier == scripted::id("outputControl")) {
+            camera.put("outputStatus", "\x01");
+        } else if (request == Request::Set &&
+                   reply.variables.front().identifier == scripted::id("systemLensFeatureControl")) {
+            camera.put("systemLensFeatureStatus", "\x40");
+        }
+    };
+}
+
+/** A camera as a visitor finds it. */
+void furnish(Camera &camera) {
+    camera.put("modelName", "QN-4000 Dome");
+    camera.put("serialNumber", "QN\0334711");
+    camera.put("fwVersion", "2.4.1-20260312");
+    camera.put("hwVersion", "B3");
+    camera.put("positionPan", std::string("\x02\x40\x78\x69", 4));
+    camera.put("positionTilt", std::string("\x28\x23\x00\x00", 4));
+    camera.put("systemLensFeatureStatus", "\xC0");
+    camera.put("presetStorePosition", "\x07");
+    camera.put("rangeMaximumPreset", 255);
+    camera.put("temperature", 4294967295);
+    camera.put("alarmStatesTable.3.2", 1);
+    camera.remove("positionZoomLens");
+    camera.failGet("voltage", kGenErr);
+}
+
+} // namespace
+
+TEST(Commands, StatusShowsEverythingAtAGlance) {
+    Camera camera;
+    furnish(camera);
+    EXPECT_EQ(report(camera, showStatus).text,
+              "Camera       QN-4000 Dome, serial QN.4711, firmware 2.4.1-20260312, hardware B3\n"
+              "Pan          to 270.00° at speed 64\n"
+              "Tilt         no command yet; it was at 90.00°\n"
+              "Focus        stop\n"
+              "Iris         stop\n"
+              "Automatic    focus and iris\n"
+              "Presets      last recalled none, last stored preset 7, 255 in all\n"
+              "Temperature  -1 °C\n"
+              "Power        state 0\n"
+              "Voltage      state genErr: the camera could not do it; look at its log, and at `ptzctl status`\n"
+              "Inputs       1 off, 2 on\n"
+              "Relays       1 off\n");
+}
+
+TEST(Commands, VerboseStatusHasTheRawValues) {
+    Camera camera;
+    furnish(camera);
+    Settings settings;
+    settings.verbose = true;
+    const std::string text = report(camera, showStatus, settings).text;
+    EXPECT_THAT(text, HasSubstr("to 270.00° at speed 64 [02 40 78 69]\n"));
+    EXPECT_THAT(text, HasSubstr("-1 °C [4294967295]\n"));
+    EXPECT_THAT(text, HasSubstr("Camera       QN-4000 Dome, serial QN.4711 [51 4E 1B 34 37 31 31],"));
+}
+
+TEST(Commands, StatusForProgramsHasTheNamesOfTheObjects) {
+    Camera camera;
+    furnish(camera);
+    const nlohmann::ordered_json data = report(camera, showStatus).data;
+    EXPECT_EQ(data.at("positionPan").at("degrees"), 270.0);
+    EXPECT_EQ(data.at("modelName"), "QN-4000 Dome");
+    EXPECT_EQ(data.at("alarmStatesTable.3.2"), 1);
+    EXPECT_TRUE(data.at("voltage").contains("problem"));
+    EXPECT_FALSE(data.contains("positionZoomLens"));
+}
+
+TEST(Commands, InputsFallBackToTheBits) {
+    Camera camera;
+    for (const char *column : {"alarmStatesTable.1", "alarmStatesTable.2", "alarmStatesTable.3"}) {
+        camera.remove(column);
+    }
+    camera.put("inputStatus", "\x05");
+    EXPECT_EQ(report(camera, showInputs).text, "Inputs  1 on, 2 off, 3 on, 4 off\n");
+    camera.remove("inputStatus");
+    EXPECT_EQ(failure(camera, showInputs, kRefused), "the camera has none of the objects of alarm inputs");
+}
+
+TEST(Commands, LimitsAreAngles) {
+    Camera camera;
+    camera.put("rangePanRightLimit", 35999);
+    camera.put("rangePanHomePosition", 65535);
+    camera.put("rangeTrueNorthOffset", 65535);
+    camera.put("rangeTiltUpLimit", -30536);
+    camera.put("rangeTiltDownLimit", 27000);
+    camera.put("rangeMinimumPanStepAngle", 1);
+    const std::string text = report(camera, showLimits).text;
+    EXPECT_THAT(text, HasSubstr("left 0.00°, right 359.99°, home none, steps of 0.01°\n"));
+    EXPECT_THAT(text, HasSubstr("up -10.00°, down -90.00°"));
+    EXPECT_THAT(text, HasSubstr("North    offset unknown\n"));
+}
+
+TEST(Commands, GetShowsWhatItCanAndFails) {
+    Camera camera;
+    camera.remove("power");
+    Report result;
+    const Settings settings;
+    Context context{camera, settings, result};
+    EXPECT_THROW(showObjects(context, {"timeoutPan", "power"}), std::runtime_error);
+    EXPECT_EQ(result.text, "timeoutPan  none\npower       the camera does not have it\n");
+}
+
+TEST(Commands, AWriteShowsBeforeSentAndAfter) {
+    Camera camera;
+    const Report written =
+        report(camera, [](Context &context) { drive(context, axisOf("pan"), commandTo(axisOf("pan"), 90, 64)); });
+    EXPECT_EQ(written.text, "             before  sent                   after\n"
+                            "positionPan  stop    to 90.00° at speed 64  to 90.00° at speed 64\n");
+    const nlohmann::ordered_json &data = written.data.at("written").at("positionPan");
+    EXPECT_EQ(data.at("before").at("mode"), "stop");
+    EXPECT_EQ(data.at("sent").at("octets"), "02 40 28 23");
+    EXPECT_EQ(data.at("after").at("octets"), "02 40 28 23");
+    EXPECT_THAT(camera.log, ElementsAre("get positionPan", "set positionPan=02 40 28 23", "get positionPan"));
+}
+
+TEST(Commands, AWriteInTheOtherOrder) {
+    Camera camera;
+    Settings settings;
+    settings.order = ByteOrder::HighFirst;
+    report(
+        camera, [](Context &context) { drive(context, axisOf("pan"), commandTo(axisOf("pan"), 180, 64)); }, settings);
+    EXPECT_THAT(camera.log, Contains("set positionPan=02 40 46 50"));
+}
+
+TEST(Commands, AnAutomaticDriveIsPointedOut) {
+    Camera camera;
+    const Action move = [](Context &context) { drive(context, axisOf("iris"), commandTo(axisOf("iris"), 1, 1)); };
+    EXPECT_THAT(report(camera, move).text, Not(HasSubstr("automatic")));
+    camera.put("systemLensFeatureStatus", "\x80");
+    EXPECT_THAT(report(camera, move).text, HasSubstr("ptzctl auto iris off"));
+}
+
+TEST(Commands, StopSendsThreeAxesInOneRequest) {
+    Camera camera;
+    report(camera, stopping("all"));
+    EXPECT_THAT(camera.log,
+                Contains("set positionPan=00 00 00 00 positionTilt=00 00 00 00 positionZoomLens=00 00 00 00"));
+    report(camera, stopping("iris"));
+    EXPECT_THAT(camera.log, Contains("set positionIrisLens=00 00 00 00"));
+}
+
+TEST(Commands, StopLeavesOutWhatTheCameraDoesNotHave) {
+    Camera camera;
+    camera.remove("positionZoomLens");
+    EXPECT_THAT(report(camera, stopping("all")).text, HasSubstr("The camera does not have positionZoomLens.\n"));
+    EXPECT_THAT(camera.log, Contains("set positionPan=00 00 00 00 positionTilt=00 00 00 00"));
+    camera.failGet("positionPan", kGenErr);
+    report(camera, stopping("pan"));
+    EXPECT_EQ(camera.log.at(camera.log.size() - 2), "set positionPan=00 00 00 00") << "it was not stopped";
+    EXPECT_EQ(failure(camera, stopping("zoom"), kRefused), "the camera has none of these axes");
+}
+
+TEST(Commands, TheAutomaticIsSwitchedAndLookedAt) {
+    Camera camera;
+    followCommands(camera);
+    EXPECT_THAT(report(camera, automatic(kAutomaticFocus, true)).text, HasSubstr("Automatic now: focus\n"));
+    EXPECT_THAT(camera.log, Contains("set systemLensFeatureControl=40 80"));
+    EXPECT_EQ(failure(camera, automatic(kAutomaticIris, true), kRefused),
+              "the camera has taken the command and not carried it out");
+    EXPECT_THAT(camera.log, Contains("set systemLensFeatureControl=80 80"));
+    report(camera, automatic(kAutomaticIris, false));
+    EXPECT_THAT(camera.log, Contains("set systemLensFeatureControl=80 00"));
+}
+
+TEST(Commands, ARelayIsSwitchedAndLookedAt) {
+    Camera camera;
+    followCommands(camera);
+    camera.put("relayStatesTable.3.2", 0);
+    EXPECT_THAT(report(camera, switching(1, true)).text, HasSubstr("Relays now: 1 on, 2 off\n"));
+    EXPECT_THAT(camera.log, Contains("set outputControl=01 80"));
+    EXPECT_EQ(failure(camera, switching(2, true), kRefused),
+              "the camera has taken the command and not switched the relay");
+    EXPECT_EQ(failure(camera, switching(3, true), kUsage), "the camera has relays 1 to 2");
+}
+
+TEST(Commands, APresetIsANumberTheCameraHas) {
+    Camera camera;
+    camera.put("rangeMaximumPreset", 16);
+    EXPECT_THAT(report(camera, [](Context &context) { storePreset(context, 16); }).text, HasSubstr("preset 16"));
+    EXPECT_THAT(camera.log, Contains("set presetStorePosition=16"));
+    EXPECT_EQ(failure(
+                  camera, [](Context &context) { goToPreset(context, 17); }, kUsage),
+              "the camera has presets 1 to 16");
+    EXPECT_THAT(camera.log, Not(Contains(HasSubstr("set presetGoto"))));
+    camera.put("rangeMaximumPreset", 0);
+    report(camera, [](Context &context) { goToPreset(context, 18); });
+    EXPECT_THAT(camera.log, Contains("set presetGotoPosition=18"));
+    camera.remove("rangeMaximumPreset");
+    report(camera, [](Context &context) { goToPreset(context, 17); });
+    EXPECT_THAT(camera.log, Contains("set presetGotoPosition=17"));
+}
+
+TEST(Commands, TimeoutsAndReboot) {
+    Camera camera;
+    report(camera, [](Context &context) { setTimeout(context, "all", 5000); });
+    EXPECT_THAT(camera.log, Contains("set timeoutPan=5000 timeoutTilt=5000 timeoutZoom=5000"));
+    EXPECT_THAT(report(camera, showTimeouts).text, HasSubstr("Pan    5000 ms\n"));
+    report(camera, reboot);
+    EXPECT_THAT(camera.log, Contains("set rebootDevice=1"));
+}

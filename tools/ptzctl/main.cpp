@@ -1,0 +1,44 @@
+/**
+ * @file
+ * The command-line client for cameras.
+ */
+#include <exception>
+#include <iostream>
+
+#include <unistd.h>
+
+#include "command_line.h"
+#include "run.h"
+
+namespace {
+
+int readAndRun(int argc, char **argv) {
+    ptzctl::Invocation invocation;
+    invocation.settings.style.coloured = ptzctl::wantsColours(STDOUT_FILENO);
+    const std::unique_ptr<CLI::App> app = ptzctl::commandLine(invocation);
+    try {
+        app->parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        if (error.get_exit_code() == 0) {
+            return app->exit(error);
+        }
+        std::cerr << "ptzctl: " << ptzctl::complaintOf(*app, error) << "\n  run with --help for more information\n";
+        return static_cast<int>(ptzctl::ExitCode::Usage);
+    } catch (const std::invalid_argument &error) {
+        std::cerr << "ptzctl: " << error.what() << '\n';
+        return static_cast<int>(ptzctl::ExitCode::Usage);
+    }
+    const bool terminal = isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1;
+    return static_cast<int>(ptzctl::run(invocation, std::cin, std::cout, std::cerr, terminal));
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    try {
+        return readAndRun(argc, argv);
+    } catch (const std::exception &error) {
+        std::cerr << "ptzctl: " << error.what() << '\n';
+        return static_cast<int>(ptzctl::ExitCode::BadAnswer);
+    }
+}
