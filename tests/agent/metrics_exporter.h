@@ -1,0 +1,56 @@
+/**
+ * @file
+ * The program that reads a camera for Prometheus, with the modules that the project ships.
+ */
+#ifndef QUARNSNMP_METRICS_EXPORTER_H
+#define QUARNSNMP_METRICS_EXPORTER_H
+
+#include <map>
+#include <string>
+
+#include "process.h"
+#include "temporary_directory.h"
+
+namespace monitoring {
+
+/** What the program answers when it is asked to read a camera. */
+struct Scrape {
+    int status = 0;                       ///< of HTTP: 200, or 500 when the camera could not be read
+    std::string body;                     ///< the metrics, or why there are none
+    std::map<std::string, double> values; ///< by the metric with its labels, as in the body; empty without metrics
+};
+
+/** The values that are a camera's own: without those that say how the reading went, and without sysUpTime. */
+std::map<std::string, double> cameraValues(const Scrape &scrape);
+
+/** The text of a file of the directory monitoring/. @throws std::runtime_error when there is none */
+std::string shippedText(const std::string &name);
+
+/** A running exporter on a free port of the loopback interface. What Process says about threads holds here too. */
+class Exporter {
+public:
+    /**
+     * Starts an exporter and waits until it listens.
+     * @param modules  text of its configuration
+     * @throws std::runtime_error when it does not listen; the text has what it wrote
+     */
+    explicit Exporter(const std::string &modules = shippedText("snmp_quarnsnmp.yml"));
+
+    /**
+     * Lets it read a camera.
+     * @param module  name of a module of the configuration
+     * @param peer    address of the camera's agent, as HOST:PORT
+     * @throws std::runtime_error when it does not answer, or something that is not HTTP
+     */
+    Scrape scrape(const std::string &module, const std::string &peer) const;
+
+private:
+    std::string port() const;
+
+    harness::TemporaryDirectory directory_;
+    harness::Process process_;
+};
+
+} // namespace monitoring
+
+#endif
