@@ -12,6 +12,8 @@ source "$root/scripts/packages.sh"
 
 sysroot=$(readlink -m -- "${1:-$root/build/aarch64-sysroot}")
 state=$sysroot.apt
+# Of the packages in the sysroot, for dpkg's tools.
+database=$sysroot/var/lib/dpkg
 # The file that is written last says that the sysroot is complete, and with what.
 contents=$sysroot/contents
 
@@ -24,8 +26,28 @@ foreign_apt() {
 
 unpack_packages() {
     local archive
+    mkdir -p -- "$database/info" "$database/updates"
+    echo 1 >"$database/info/format"
+    printf '%s\n' "$(dpkg --print-architecture)" arm64 >"$database/arch"
     for archive in "$state"/cache/archives/*.deb; do
         dpkg -x "$archive" "$sysroot"
+        note_package "$archive"
+    done
+}
+
+# Enters an unpacked package into the database, as installed: where its files are here, and what a program that uses its
+# libraries depends on. Usage: note_package ARCHIVE
+note_package() {
+    local archive=$1 name kind
+    name=$(dpkg-deb --field "$archive" Package)
+    if [[ $(dpkg-deb --field "$archive" Multi-Arch) == same ]]; then
+        name+=:arm64
+    fi
+    { echo 'Status: install ok installed' && dpkg-deb --field "$archive" && echo; } >>"$database/status"
+    dpkg-deb --fsys-tarfile "$archive" | tar --list | sed "\\:/$:d; s:^\\./:$sysroot/:" >"$database/info/$name.list"
+    for kind in symbols shlibs; do
+        dpkg-deb --info "$archive" "$kind" >"$database/info/$name.$kind" 2>/dev/null ||
+            rm -- "$database/info/$name.$kind"
     done
 }
 
@@ -39,7 +61,7 @@ make_links_relative() {
 }
 
 command -v apt-get >/dev/null || fail "this machine has no apt-get, which the sysroot is made with"
-if [[ -f $contents && $(cat -- "$contents") == "${aarch64_sysroot_packages[*]}" ]]; then
+if [[ -f $contents && -f $database/status && $(cat -- "$contents") == "${aarch64_sysroot_packages[*]}" ]]; then
     exit 0
 fi
 rm -rf -- "$sysroot" "$state"

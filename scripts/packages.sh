@@ -16,11 +16,18 @@ test_packages=(
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev clang-format clang-tidy shellcheck
     faketime smitools
+    prometheus prometheus-snmp-exporter
 )
 
 # To build for AArch64 and to run that here.
 # shellcheck disable=SC2034
 aarch64_packages=(g++-aarch64-linux-gnu qemu-user-static)
+
+# What makes the Debian packages, and what they are tested with.
+# shellcheck disable=SC2034
+package_packages=(dpkg-dev file)
+# shellcheck disable=SC2034
+package_test_packages=(lintian mmdebstrap systemd binutils)
 
 # What the benchmarks need beyond what is needed to run the module.
 # shellcheck disable=SC2034
@@ -57,6 +64,7 @@ units_of() {
         case $package in
         snmpd) echo snmpd.service ;;
         snmptrapd) echo snmptrapd.service snmptrapd.socket ;;
+        prometheus | prometheus-snmp-exporter) echo "$package.service" ;;
         esac
     done
 }

@@ -1,0 +1,9 @@
+# Run by cpack when everything lies where it will be packed: Debian wants manuals and changelogs compressed, and the
+# rules that install them also serve installations without a package.
+file(GLOB_RECURSE texts
+  ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*/usr/share/man/*.[1-8]
+  ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*/usr/share/doc/*/changelog)
+if(NOT texts)
+  message(FATAL_ERROR "there is no changelog in ${CPACK_TEMPORARY_INSTALL_DIRECTORY}")
+endif()
+execute_process(COMMAND gzip -9 --no-name --force ${texts} COMMAND_ERROR_IS_FATAL ANY)
