@@ -8,13 +8,16 @@
 #include <sys/stat.h>
 
 #include "configured_agent.h"
+#include "identity_objects.h"
 #include "process_information.h"
 #include "trap_receiver.h"
+#include "well_known_objects.h"
 
 namespace {
 
 using namespace configured_agent;
 using namespace harness;
+using namespace identity;
 using nlohmann::json;
 using std::chrono::milliseconds;
 using testing::HasSubstr;
@@ -139,14 +142,14 @@ TEST_F(LabConfiguration, ListensOnTheLoopbackInterfaceOnly) {
 }
 
 TEST_F(LabConfiguration, PublicSeesTheSystemAndTheCameraAndWritesNothing) {
-    expectToSeeOnly(reader_, {kSystem, kNtcip, kVendor});
+    expectToSeeOnly(reader_, {kSystem, kNtcipSubtree, kVendorSubtree});
     expectWrites(reader_, commands(), ErrorStatus::NoAccess);
     expectWrites(reader_, settings(), ErrorStatus::NoAccess);
     expectWrites(reader_, objectsOfTheAgent(), ErrorStatus::NoAccess);
 }
 
 TEST_F(LabConfiguration, PrivateWritesTheCameraAndNothingElse) {
-    expectToSeeOnly(manager_, {kNtcip, kVendor});
+    expectToSeeOnly(manager_, {kNtcipSubtree, kVendorSubtree});
     expectWrites(manager_, commands(), ErrorStatus::None);
     expectWrites(manager_, settings(), ErrorStatus::None);
     expectWrites(manager_, objectsOfTheAgent(), ErrorStatus::NoAccess);
@@ -170,7 +173,7 @@ TEST(LabConfigurationTraps, AreSentAsVersion2) {
 }
 
 TEST_F(FieldConfiguration, TheViewerSeesTheSystemAndTheCameraAndWritesNothing) {
-    expectToSeeOnly(viewer_, {kSystem, kNtcip, kVendor});
+    expectToSeeOnly(viewer_, {kSystem, kNtcipSubtree, kVendorSubtree});
     EXPECT_EQ(valueText(viewer_.get(kModelName).single()), "\"QN-4000 Dome\"");
     expectWrites(viewer_, commands(), ErrorStatus::NoAccess);
     expectWrites(viewer_, settings(), ErrorStatus::NoAccess);
@@ -178,7 +181,7 @@ TEST_F(FieldConfiguration, TheViewerSeesTheSystemAndTheCameraAndWritesNothing) {
 }
 
 TEST_F(FieldConfiguration, TheOperatorWritesTheCameraAndNothingElse) {
-    expectToSeeOnly(operator_, {kSystem, kNtcip, kVendor});
+    expectToSeeOnly(operator_, {kSystem, kNtcipSubtree, kVendorSubtree});
     expectWrites(operator_, commands(), ErrorStatus::None);
     EXPECT_THAT(presets(), IsEmpty());
     expectWrites(operator_, settings(), ErrorStatus::None);

@@ -28,11 +28,6 @@ std::vector<Written> objectsOfTheAgent();
 /** The one that restarts the camera. */
 harness::Variable reboot();
 
-inline constexpr const char *kSystem = ".1.3.6.1.2.1.1";
-inline constexpr const char *kNtcip = ".1.3.6.1.4.1.1206";
-inline constexpr const char *kVendor = ".1.3.6.1.4.1.99999";
-inline constexpr const char *kModelName = ".1.3.6.1.4.1.99999.1.1.2.0.0";
-
 inline const harness::User kViewer = {"viewer", "viewer signs with this", "viewer encrypts with this"};
 inline const harness::User kOperator = {"operator", "operator signs with this", "operator encrypts with this"};
 inline const harness::User kNotifier = {"notifier", "notifier signs with this", "notifier encrypts with this"};

@@ -8,6 +8,7 @@
 #include "camera_agent.h"
 #include "golden_walk.h"
 #include "identity_objects.h"
+#include "well_known_objects.h"
 
 namespace {
 
@@ -99,7 +100,7 @@ TEST(FirstRequest, TheIdentityCannotBeWritten) {
 TEST(FirstRequest, SeveralObjectsInOneRequest) {
     const Camera camera("dome");
     const Agent agent(withModule(camera.directory()));
-    const Result result = Manager(agent.peer()).get(kModelName, ".1.3.6.1.2.1.1.3.0", kModelName, kSerialNumber);
+    const Result result = Manager(agent.peer()).get(kModelName, kUpTime, kModelName, kSerialNumber);
     ASSERT_TRUE(result.ok()) << result;
     ASSERT_EQ(result.variables.size(), 4U);
     EXPECT_EQ(result.variables[0], result.variables[2]);

@@ -19,6 +19,7 @@
 #include "eventually.h"
 #include "process_information.h"
 #include "settings.h"
+#include "well_known_objects.h"
 
 namespace harness {
 namespace {
@@ -26,11 +27,6 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using testing::HasSubstr;
-
-constexpr const char *kSystem = ".1.3.6.1.2.1.1";
-constexpr const char *kDescription = ".1.3.6.1.2.1.1.1.0";
-constexpr const char *kUpTime = ".1.3.6.1.2.1.1.3.0";
-constexpr const char *kContact = ".1.3.6.1.2.1.1.4.0";
 
 TEST(Agent, AnswersAndEndsCleanly) {
     Agent agent;

@@ -5,25 +5,25 @@
 
 #include "camera_agent.h"
 #include "eventually.h"
+#include "identity_objects.h"
 #include "polled_sensors.h"
 #include "trap_receiver.h"
+#include "well_known_objects.h"
 
 namespace {
 
 using namespace harness;
+using namespace identity;
 using nlohmann::json;
 using std::chrono::seconds;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-const std::string kTemperature = ".1.3.6.1.4.1.99999.1.1.7.0";
-const std::string kPower = ".1.3.6.1.4.1.99999.1.1.8.0";
-const std::string kVoltage = ".1.3.6.1.4.1.99999.1.1.9.0";
+const std::string kTemperatureObject = ".1.3.6.1.4.1.99999.1.1.7.0";
+const std::string kPowerObject = ".1.3.6.1.4.1.99999.1.1.8.0";
+const std::string kVoltageObject = ".1.3.6.1.4.1.99999.1.1.9.0";
 const std::string kRebootDevice = ".1.3.6.1.4.1.99999.1.1.100.0";
-constexpr const char *kModelName = ".1.3.6.1.4.1.99999.1.1.2.0.0";
-constexpr const char *kUpTime = ".1.3.6.1.2.1.1.3.0";
-constexpr const char *kTrapOid = ".1.3.6.1.6.3.1.1.4.1.0";
 
 std::string instance(const std::string &oid) {
     return oid + ".0";
@@ -96,28 +96,28 @@ TEST_F(Health, TheSensorsAreReadForEveryRequest) {
     setField(camera_, "power/1", "powerState", 2);
     setField(camera_, "power/1", "voltageState", 3);
     setField(camera_, "temperature/1", "temperature", 42999);
-    EXPECT_EQ(get(instance(kPower)), "2");
-    EXPECT_EQ(get(instance(kVoltage)), "3");
-    EXPECT_EQ(get(instance(kTemperature)), "42");
+    EXPECT_EQ(get(instance(kPowerObject)), "2");
+    EXPECT_EQ(get(instance(kVoltageObject)), "3");
+    EXPECT_EQ(get(instance(kTemperatureObject)), "42");
     setField(camera_, "temperature/1", "temperature", -1500);
-    EXPECT_EQ(manager_.get(instance(kTemperature)).single().number, 4294967295);
-    EXPECT_EQ(manager_.get(instance(kTemperature)).single().type, Type::Gauge32);
+    EXPECT_EQ(manager_.get(instance(kTemperatureObject)).single().number, 4294967295);
+    EXPECT_EQ(manager_.get(instance(kTemperatureObject)).single().type, Type::Gauge32);
 }
 
 TEST_F(Health, AServiceThatFailsFailsTheRequest) {
     control("fail", "power", "get_voltage_state_send", "1");
-    EXPECT_EQ(manager_.get(instance(kVoltage)).error, ErrorStatus::GenErr);
-    EXPECT_EQ(get(instance(kVoltage)), "0");
+    EXPECT_EQ(manager_.get(instance(kVoltageObject)).error, ErrorStatus::GenErr);
+    EXPECT_EQ(get(instance(kVoltageObject)), "0");
     control("down", "temperature");
-    EXPECT_EQ(manager_.get(instance(kTemperature)).error, ErrorStatus::GenErr);
+    EXPECT_EQ(manager_.get(instance(kTemperatureObject)).error, ErrorStatus::GenErr);
     EXPECT_EQ(logged("zorva_api_power_get_voltage_state_send sensor 0 failed"), 1U);
     EXPECT_EQ(logged("zorva_api_temperature_get_temperature_send sensor 0 failed"), 1U);
     control("up", "temperature");
-    EXPECT_EQ(get(instance(kTemperature)), "31");
+    EXPECT_EQ(get(instance(kTemperatureObject)), "31");
 }
 
 TEST_F(Health, NothingCanBeWritten) {
-    for (const std::string &oid : {kPower, kVoltage, kTemperature}) {
+    for (const std::string &oid : {kPowerObject, kVoltageObject, kTemperatureObject}) {
         EXPECT_EQ(manager_.set(instance(oid), Type::Integer, 1).error, ErrorStatus::NotWritable) << oid;
     }
 }
@@ -130,8 +130,8 @@ TEST_F(HealthTraps, EveryChangeOfPowerAndVoltageIsTold) {
     pollWith(kPowerSensor, 1);
     pollWith(kPowerSensor, 2);
     pollWith(kVoltageSensor, 9);
-    EXPECT_TRUE(arrives({kVoltage, 9}));
-    EXPECT_THAT(sent(), ElementsAre(Sent{kPower, 1}, Sent{kPower, 2}, Sent{kVoltage, 9}));
+    EXPECT_TRUE(arrives({kVoltageObject, 9}));
+    EXPECT_THAT(sent(), ElementsAre(Sent{kPowerObject, 1}, Sent{kPowerObject, 2}, Sent{kVoltageObject, 9}));
     EXPECT_EQ(logged("PollPower: trap triggered for power 2 -> 2"), 1U);
     EXPECT_EQ(logged("PollPower: trap triggered for voltage 9 -> 9"), 1U);
 }
@@ -139,13 +139,13 @@ TEST_F(HealthTraps, EveryChangeOfPowerAndVoltageIsTold) {
 TEST_F(HealthTraps, ATrapHasItsVarbindsInOrder) {
     awaitPoll(kPowerSensor);
     pollWith(kPowerSensor, 5);
-    ASSERT_TRUE(arrives({kPower, 5}));
+    ASSERT_TRUE(arrives({kPowerObject, 5}));
     const Trap trap = receiver.traps().back();
     ASSERT_THAT(trap.variables, SizeIs(3)) << trap;
     EXPECT_EQ(trap.variables[0].oid, kUpTime);
     EXPECT_EQ(trap.variables[1].oid, kTrapOid);
-    EXPECT_EQ(trap.variables[1].octets, kPower);
-    EXPECT_EQ(trap.variables[2].oid, kPower) << "the object, without the instance";
+    EXPECT_EQ(trap.variables[1].octets, kPowerObject);
+    EXPECT_EQ(trap.variables[2].oid, kPowerObject) << "the object, without the instance";
     EXPECT_EQ(trap.variables[2].type, Type::Gauge32);
 }
 
@@ -159,10 +159,11 @@ TEST_F(HealthTraps, TheTemperatureIsToldWhenItHasMovedByMoreThanTwoDegrees) {
     pollWith(kTemperatureSensor, -1500);
     pollWith(kTemperatureSensor, 1000);
     pollWith(kTemperatureSensor, 2000);
-    EXPECT_TRUE(arrives({kTemperature, 2}));
+    EXPECT_TRUE(arrives({kTemperatureObject, 2}));
     std::vector<Sent> traps = sent();
     traps.erase(traps.begin(), traps.begin() + static_cast<std::ptrdiff_t>(warming));
-    EXPECT_THAT(traps, ElementsAre(Sent{kTemperature, 43}, Sent{kTemperature, 4294967295}, Sent{kTemperature, 2}));
+    EXPECT_THAT(traps, ElementsAre(Sent{kTemperatureObject, 43}, Sent{kTemperatureObject, 4294967295},
+                                   Sent{kTemperatureObject, 2}));
     EXPECT_EQ(logged("PollTemperature: trap triggered for temp 40 -> 43"), 1U);
     EXPECT_EQ(logged("PollTemperature: trap triggered for temp 43 -> -1"), 1U);
 }
@@ -176,7 +177,7 @@ TEST_F(HealthTraps, WhatCannotBeReadIsNotTold) {
     control("clear");
     awaitPoll(kTemperatureSensor);
     pollWith(kTemperatureSensor, 50000);
-    EXPECT_TRUE(arrives({kTemperature, 50}));
+    EXPECT_TRUE(arrives({kTemperatureObject, 50}));
     EXPECT_THAT(sent(), SizeIs(1));
 }
 
@@ -186,7 +187,7 @@ TEST_F(HealthTraps, AServiceThatWasAwayIsPolledAgain) {
     EXPECT_TRUE(eventually(seconds(20), [&] { return logged("get_power_state_send sensor 0 failed") > 1; }));
     show(kPowerSensor, 4);
     control("up", "power");
-    EXPECT_TRUE(arrives({kPower, 4}));
+    EXPECT_TRUE(arrives({kPowerObject, 4}));
     EXPECT_THAT(sent(), SizeIs(1));
 }
 
@@ -195,18 +196,18 @@ TEST_F(HealthTraps, TheyGoOnAfterAReload) {
     agent_.hup();
     awaitPoll(kPowerSensor);
     pollWith(kPowerSensor, 7);
-    EXPECT_TRUE(arrives({kPower, 7}));
+    EXPECT_TRUE(arrives({kPowerObject, 7}));
     EXPECT_THAT(sent(), SizeIs(1)) << "the first reading after the reload is not told";
 }
 
 TEST_F(DaemonHealthTraps, TheyComeFromADaemonAndAfterItsReload) {
     awaitPoll(kPowerSensor);
     pollWith(kPowerSensor, 1);
-    EXPECT_TRUE(arrives({kPower, 1}));
+    EXPECT_TRUE(arrives({kPowerObject, 1}));
     agent_.hup();
     awaitPoll(kPowerSensor);
     pollWith(kPowerSensor, 2);
-    EXPECT_TRUE(arrives({kPower, 2}));
+    EXPECT_TRUE(arrives({kPowerObject, 2}));
     EXPECT_THAT(sent(), SizeIs(2));
 }
 
@@ -221,10 +222,10 @@ TEST_F(Reboot, TheCameraGoesAwayAndComesBackWhileTheAgentAnswers) {
         EXPECT_EQ(manager_.get(kModelName).single().type, Type::Octets);
         EXPECT_EQ(get(instance(kRebootDevice)), "1");
         ++answered;
-        return manager_.get(instance(kTemperature)).ok();
+        return manager_.get(instance(kTemperatureObject)).ok();
     }));
     EXPECT_GT(answered, 1) << "the camera was away in between";
-    EXPECT_EQ(get(instance(kTemperature)), "31");
+    EXPECT_EQ(get(instance(kTemperatureObject)), "31");
 }
 
 TEST_F(Reboot, OtherNumbersAreKeptAndDoNothing) {

@@ -11,6 +11,7 @@
 #include "identity_objects.h"
 #include "process_information.h"
 #include "settings.h"
+#include "well_known_objects.h"
 
 namespace {
 
@@ -165,7 +166,6 @@ TEST(Lifecycle, NothingOfTheModuleIsCalledAfterItIsUnloaded) {
     Manager manager(agent.peer());
     ASSERT_TRUE(manager.set(statusObject(manager), Type::Integer, kUnload).ok());
     // Two of the poll thread's periods, with all kinds of requests in between.
-    constexpr const char *kUpTime = ".1.3.6.1.2.1.1.3.0";
     constexpr std::int64_t kTwoMinutes = std::int64_t{2} * 60 * 100;
     const std::int64_t start = manager.get(kUpTime).single().number;
     ASSERT_TRUE(eventually(seconds(30), [&] {

@@ -21,6 +21,13 @@ namespace camera::test {
 /** How long anything in a test may take before it counts as failed. */
 inline constexpr std::chrono::seconds kPatience{20};
 
+/** Reading the temperature at the service's socket, and what a camera that was not told otherwise answers. */
+inline const std::string kTemperatureRequest = R"(["get_temperature_send","temperature/1"])";
+inline const std::string kTemperatureAnswer = "[0,31500]";
+
+/** What the control socket answers to a command that was carried out. */
+inline const nlohmann::json kDone = {{"ok", true}};
+
 /** Asks again and again until a condition holds. @return false when it did not in time */
 bool eventually(const std::function<bool()> &condition);
 

@@ -12,14 +12,11 @@ using nlohmann::json;
 
 namespace {
 
-const std::string kRequest = R"(["get_temperature_send","temperature/1"])";
-const std::string kAnswer = "[0,31500]";
-
 class Connections : public testing::Test {
 protected:
     void expectService() {
         LineClient client(directory_, "temperature");
-        EXPECT_EQ(kAnswer, client.ask(kRequest));
+        EXPECT_EQ(kTemperatureAnswer, client.ask(kTemperatureRequest));
     }
 
     TempDirectory root_;
@@ -29,21 +26,22 @@ protected:
 TEST_F(Connections, TakeALineOfTheLargestSize) {
     RunningCamera camera(directory_);
     LineClient client(directory_, "temperature");
-    const std::string longest = kRequest + std::string(wire::kMaximumLine - 1 - kRequest.size(), ' ');
-    EXPECT_EQ(kAnswer, client.ask(longest));
-    EXPECT_EQ(kAnswer, client.ask(longest));
+    const std::string longest =
+        kTemperatureRequest + std::string(wire::kMaximumLine - 1 - kTemperatureRequest.size(), ' ');
+    EXPECT_EQ(kTemperatureAnswer, client.ask(longest));
+    EXPECT_EQ(kTemperatureAnswer, client.ask(longest));
 }
 
 TEST_F(Connections, EndWithALongerLine) {
     RunningCamera camera(directory_);
     LineClient witness(directory_, "temperature");
     LineClient client(directory_, "temperature");
-    client.send(kRequest + std::string(wire::kMaximumLine - kRequest.size(), ' ') + "\n");
+    client.send(kTemperatureRequest + std::string(wire::kMaximumLine - kTemperatureRequest.size(), ' ') + "\n");
     EXPECT_TRUE(client.ends());
     LineClient endless(directory_, "control");
     endless.send(std::string(wire::kMaximumLine, 'x'));
     EXPECT_TRUE(endless.ends());
-    EXPECT_EQ(kAnswer, witness.ask(kRequest));
+    EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
     expectService();
 }
 
@@ -52,9 +50,9 @@ TEST_F(Connections, MayEndInTheMiddleOfALine) {
     LineClient witness(directory_, "temperature");
     for (int i = 0; i < 20; ++i) {
         LineClient client(directory_, "temperature");
-        client.send(kRequest.substr(0, 1 + static_cast<std::size_t>(i)));
+        client.send(kTemperatureRequest.substr(0, 1 + static_cast<std::size_t>(i)));
     }
-    EXPECT_EQ(kAnswer, witness.ask(kRequest));
+    EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
     expectService();
 }
 
@@ -62,13 +60,13 @@ TEST_F(Connections, PutHalfLinesTogether) {
     RunningCamera camera(directory_);
     LineClient witness(directory_, "temperature");
     LineClient client(directory_, "temperature");
-    for (const char octet : kRequest) {
+    for (const char octet : kTemperatureRequest) {
         client.send(std::string(1, octet));
-        ASSERT_EQ(kAnswer, witness.ask(kRequest));
+        ASSERT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
         ASSERT_FALSE(client.readable());
     }
     client.send("\n");
-    EXPECT_EQ(kAnswer, client.readLine().value_or("no answer"));
+    EXPECT_EQ(kTemperatureAnswer, client.readLine().value_or("no answer"));
 }
 
 TEST_F(Connections, MayEndBeforeTheAnswerIsRead) {
@@ -77,7 +75,7 @@ TEST_F(Connections, MayEndBeforeTheAnswerIsRead) {
         LineClient client(directory_, "temperature");
         std::string requests;
         for (int k = 0; k < 100; ++k) {
-            requests += kRequest + "\n";
+            requests += kTemperatureRequest + "\n";
         }
         client.send(requests);
     }
@@ -136,20 +134,21 @@ TEST_F(Connections, OfAFollowerThatDoesNotReadEnd) {
 TEST_F(Connections, AreLimitedInNumber) {
     RunningCamera camera(directory_);
     LineClient witness(directory_, "temperature");
-    EXPECT_EQ(kAnswer, witness.ask(kRequest));
+    EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
     {
         std::vector<std::unique_ptr<LineClient>> clients;
         int refused = 0;
         for (int i = 0; i < 60; ++i) {
             clients.push_back(std::make_unique<LineClient>(directory_, "temperature"));
-            refused += clients.back()->ask(kRequest) == kAnswer ? 0 : 1;
+            refused += clients.back()->ask(kTemperatureRequest) == kTemperatureAnswer ? 0 : 1;
         }
         EXPECT_EQ(13, refused); // 48 are served, and the witness is one of them
-        EXPECT_EQ(kAnswer, witness.ask(kRequest));
+        EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
         LineClient other(directory_, "relay");
         EXPECT_EQ("[0,0]", other.ask(R"(["get_state_send","relay/1"])"));
     }
-    EXPECT_TRUE(eventually([this] { return LineClient(directory_, "temperature").ask(kRequest) == kAnswer; }));
+    EXPECT_TRUE(eventually(
+        [this] { return LineClient(directory_, "temperature").ask(kTemperatureRequest) == kTemperatureAnswer; }));
 }
 
 /** Processor time that a process has used so far, in clock ticks. */
@@ -171,23 +170,23 @@ TEST_F(Connections, WaitWhenTheCameraHasNoFileLeft) {
     constexpr unsigned kFiles = 40;
     RunningCamera camera(directory_, "dome", kFiles);
     LineClient witness(directory_, "temperature");
-    EXPECT_EQ(kAnswer, witness.ask(kRequest));
+    EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
     std::vector<std::unique_ptr<LineClient>> clients;
     for (unsigned i = 0; i < kFiles; ++i) {
         clients.push_back(std::make_unique<LineClient>(directory_, i % 2 == 0 ? "temperature" : "relay"));
         ASSERT_TRUE(clients.back()->connected());
     }
     LineClient waiting(directory_, "temperature");
-    waiting.send(kRequest + "\n");
+    waiting.send(kTemperatureRequest + "\n");
     const auto start = std::chrono::steady_clock::now();
     const long before = ticksOf(camera.process().pid());
     // The camera tries again ten times a second; spinning would use all of this second.
     EXPECT_TRUE(eventually([&] { return std::chrono::steady_clock::now() - start > std::chrono::seconds(1); }));
     EXPECT_LT(ticksOf(camera.process().pid()) - before, sysconf(_SC_CLK_TCK) / 2);
     EXPECT_FALSE(waiting.readable());
-    EXPECT_EQ(kAnswer, witness.ask(kRequest));
+    EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
     clients.clear();
-    EXPECT_EQ(kAnswer, waiting.readLine().value_or("no answer"));
+    EXPECT_EQ(kTemperatureAnswer, waiting.readLine().value_or("no answer"));
 }
 
 } // namespace

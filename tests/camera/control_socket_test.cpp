@@ -10,10 +10,6 @@ using nlohmann::json;
 
 namespace {
 
-const std::string kRequest = R"(["get_temperature_send","temperature/1"])";
-const std::string kAnswer = "[0,31500]";
-const json kDone = {{"ok", true}};
-
 class ControlSocket : public testing::Test {
 protected:
     json order(const std::string &command) {
@@ -81,20 +77,20 @@ TEST_F(ControlSocket, LetsCallsFailOnceSeveralTimesOrAlways) {
     LineClient client(directory_, "temperature");
     EXPECT_EQ(kDone,
               order(R"({"command":"fail","service":"temperature","operation":"get_temperature_send","status":1})"));
-    EXPECT_EQ("[1]", client.ask(kRequest));
-    EXPECT_EQ(kAnswer, client.ask(kRequest));
+    EXPECT_EQ("[1]", client.ask(kTemperatureRequest));
+    EXPECT_EQ(kTemperatureAnswer, client.ask(kTemperatureRequest));
     EXPECT_EQ(kDone, order(R"({"command":"fail","service":"temperature","operation":"*","status":7,"times":3})"));
-    EXPECT_EQ("[7]", client.ask(kRequest));
+    EXPECT_EQ("[7]", client.ask(kTemperatureRequest));
     EXPECT_EQ("[7]", client.ask(R"(["initiator_init",null])"));
-    EXPECT_EQ("[7]", client.ask(kRequest));
-    EXPECT_EQ(kAnswer, client.ask(kRequest));
+    EXPECT_EQ("[7]", client.ask(kTemperatureRequest));
+    EXPECT_EQ(kTemperatureAnswer, client.ask(kTemperatureRequest));
     EXPECT_EQ(kDone,
               order(R"({"command":"fail","service":"temperature","operation":"*","status":-9,"times":"always"})"));
     for (int i = 0; i < 50; ++i) {
-        ASSERT_EQ("[-9]", client.ask(kRequest));
+        ASSERT_EQ("[-9]", client.ask(kTemperatureRequest));
     }
     EXPECT_EQ(kDone, order(R"({"command":"clear","service":"temperature"})"));
-    EXPECT_EQ(kAnswer, client.ask(kRequest));
+    EXPECT_EQ(kTemperatureAnswer, client.ask(kTemperatureRequest));
 }
 
 TEST_F(ControlSocket, LetsTheDirectoryFail) {
@@ -109,12 +105,12 @@ TEST_F(ControlSocket, HoldsBackOneAnswerWhileOthersGoOn) {
     LineClient other(directory_, "temperature");
     EXPECT_EQ(kDone, order(R"({"command":"delay","service":"temperature","operation":"*","milliseconds":300})"));
     const auto start = std::chrono::steady_clock::now();
-    delayed.send(kRequest + "\n");
+    delayed.send(kTemperatureRequest + "\n");
     // The delay is used up as soon as the request is there.
     EXPECT_TRUE(eventually([&] { return order(R"({"command":"state"})")["state"]["delays"].empty(); }));
-    EXPECT_EQ(kAnswer, other.ask(kRequest));
+    EXPECT_EQ(kTemperatureAnswer, other.ask(kTemperatureRequest));
     EXPECT_FALSE(delayed.readable());
-    EXPECT_EQ(kAnswer, delayed.readLine().value_or("no answer"));
+    EXPECT_EQ(kTemperatureAnswer, delayed.readLine().value_or("no answer"));
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(300));
 }
 
@@ -122,16 +118,16 @@ TEST_F(ControlSocket, KeepsTheOrderOfAnswersBehindOneThatIsHeldBack) {
     LineClient client(directory_, "temperature");
     EXPECT_EQ(kDone, order(R"({"command":"delay","service":"temperature","operation":"*","milliseconds":100})"));
     EXPECT_EQ(kDone, order(R"({"command":"fail","service":"temperature","operation":"*","status":5})"));
-    client.send(kRequest + "\n" + kRequest + "\n[]\n");
+    client.send(kTemperatureRequest + "\n" + kTemperatureRequest + "\n[]\n");
     EXPECT_EQ("[5]", client.readLine().value_or("no answer"));
-    EXPECT_EQ(kAnswer, client.readLine().value_or("no answer"));
+    EXPECT_EQ(kTemperatureAnswer, client.readLine().value_or("no answer"));
     EXPECT_EQ("[2]", client.readLine().value_or("no answer"));
 }
 
 TEST_F(ControlSocket, DropsAClientWhoseAnswerIsHeldBackWhenItsServiceGoesDown) {
     LineClient client(directory_, "temperature");
     EXPECT_EQ(kDone, order(R"({"command":"delay","service":"temperature","operation":"*","milliseconds":600000})"));
-    client.send(kRequest + "\n");
+    client.send(kTemperatureRequest + "\n");
     EXPECT_TRUE(eventually([&] { return order(R"({"command":"state"})")["state"]["delays"].empty(); }));
     EXPECT_EQ(kDone, order(R"({"command":"down","service":"temperature"})"));
     EXPECT_TRUE(client.ends());
@@ -143,10 +139,11 @@ TEST_F(ControlSocket, ForgetsClientsThatGiveUpWhileTheirAnswersAreHeldBack) {
     // More than are served at a time.
     for (int i = 0; i < 100; ++i) {
         LineClient client(directory_, "temperature");
-        client.send(kRequest + "\n");
+        client.send(kTemperatureRequest + "\n");
     }
     EXPECT_EQ(kDone, order(R"({"command":"clear"})"));
-    EXPECT_TRUE(eventually([this] { return LineClient(directory_, "temperature").ask(kRequest) == kAnswer; }));
+    EXPECT_TRUE(eventually(
+        [this] { return LineClient(directory_, "temperature").ask(kTemperatureRequest) == kTemperatureAnswer; }));
 }
 
 TEST_F(ControlSocket, TellsFollowersWhatHappens) {

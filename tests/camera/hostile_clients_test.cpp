@@ -12,9 +12,6 @@ using namespace camera::test;
 
 namespace {
 
-const std::string kRequest = R"(["get_temperature_send","temperature/1"])";
-const std::string kAnswer = "[0,31500]";
-
 /** What a client sends to a socket, over connections of its own. */
 struct Hostility {
     const char *name;
@@ -44,13 +41,14 @@ void sendRubbish(const std::string &directory, const std::string &socket) {
 }
 
 void leaveInTheMiddle(const std::string &directory, const std::string &socket) {
-    for (const std::string &half : {std::string(1, '['), kRequest.substr(0, 9), kRequest, rubbish() + kRequest}) {
+    for (const std::string &half : {std::string(1, '['), kTemperatureRequest.substr(0, 9), kTemperatureRequest,
+                                    rubbish() + kTemperatureRequest}) {
         LineClient(directory, socket).send(half);
     }
 }
 
 void leaveBeforeTheAnswer(const std::string &directory, const std::string &socket) {
-    LineClient(directory, socket).send(kRequest + "\n" + kRequest + "\n" + kRequest);
+    LineClient(directory, socket).send(kTemperatureRequest + "\n" + kTemperatureRequest + "\n" + kTemperatureRequest);
 }
 
 void announceALength(const std::string &directory, const std::string &socket) {
@@ -58,7 +56,7 @@ void announceALength(const std::string &directory, const std::string &socket) {
     const std::string binary{static_cast<char>(kAnnounced >> 24U & 0xFFU), static_cast<char>(kAnnounced >> 16U & 0xFFU),
                              '\0', '\0'};
     for (const std::string &length : {binary, std::to_string(kAnnounced) + "\n", std::string(4, '\xff')}) {
-        LineClient(directory, socket).send(length + kRequest);
+        LineClient(directory, socket).send(length + kTemperatureRequest);
     }
 }
 
@@ -106,13 +104,13 @@ TEST_P(HostileClients, HarmNobodyElse) {
     RunningCamera camera(directory);
     LineClient witness(directory, "temperature");
     LineClient control(directory, "control");
-    EXPECT_EQ(kAnswer, witness.ask(kRequest));
+    EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
     const auto services = [&control] { return control.call({{"command", "state"}}).at("state").at("services"); };
     const nlohmann::json state = services();
     const long before = peakMemory(camera.process().pid());
     hostility.commit(directory, socket);
-    EXPECT_EQ(kAnswer, witness.ask(kRequest));
-    EXPECT_EQ(kAnswer, LineClient(directory, "temperature").ask(kRequest));
+    EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
+    EXPECT_EQ(kTemperatureAnswer, LineClient(directory, "temperature").ask(kTemperatureRequest));
     EXPECT_EQ(state, services()) << "something has changed in the camera";
     constexpr long kSomeMemory = 8L << 10U;
     EXPECT_LT(peakMemory(camera.process().pid()) - before, kSomeMemory);

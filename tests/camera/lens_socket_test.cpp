@@ -8,8 +8,6 @@ using nlohmann::json;
 
 namespace {
 
-const json kDone = {{"ok", true}};
-
 class RunningLens : public testing::Test {
 protected:
     void SetUp() override {

@@ -11,8 +11,6 @@ using nlohmann::json;
 
 namespace {
 
-const json kDone = {{"ok", true}};
-
 /** A field that is set, and the call that shows it. */
 struct Shown {
     const char *service;

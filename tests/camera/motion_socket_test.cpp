@@ -10,8 +10,6 @@ using nlohmann::json;
 
 namespace {
 
-const json kDone = {{"ok", true}};
-
 class MovingProcess : public testing::Test {
 protected:
     json axis(const std::string &name) {

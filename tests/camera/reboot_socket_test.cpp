@@ -14,7 +14,6 @@ namespace {
 const std::string kReboot = R"(["reboot_send","device_management/1",2])";
 const std::string kGetTemperature = R"(["get_temperature_send","temperature/1"])";
 const std::string kTemperature = "[0,31500]";
-const json kDone = {{"ok", true}};
 
 class RebootSocket : public testing::Test {
 protected:

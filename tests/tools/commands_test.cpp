@@ -9,6 +9,8 @@
 using namespace ptzctl;
 using scripted::Camera;
 using scripted::failure;
+using scripted::kGenErr;
+using scripted::kRefused;
 using scripted::report;
 using testing::Contains;
 using testing::ElementsAre;
@@ -17,9 +19,7 @@ using testing::Not;
 
 namespace {
 
-constexpr int kRefused = 1;
 constexpr int kUsage = 2;
-constexpr long kGenErr = 5;
 
 Action stopping(const std::string &which) {
     return [which](Context &context) { stop(context, which); };

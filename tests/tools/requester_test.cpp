@@ -9,15 +9,15 @@
 using namespace ptzctl;
 using scripted::Camera;
 using scripted::id;
+using scripted::kGenErr;
+using scripted::kRefused;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
 namespace {
 
-constexpr int kRefused = 1;
 constexpr int kBadAnswer = 5;
 constexpr long kTooBig = 1;
-constexpr long kGenErr = 5;
 constexpr long kNotWritable = 17;
 
 const Action kReadTwo = [](Context &context) { readAll(context.camera, {id("power"), id("voltage")}); };

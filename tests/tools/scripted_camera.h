@@ -16,6 +16,12 @@
 
 namespace scripted {
 
+/** The exit code of a command that the camera refused. */
+inline constexpr int kRefused = 1;
+
+/** The error status genErr. */
+inline constexpr long kGenErr = 5;
+
 /** The identifier of a named object. */
 std::string id(const std::string &name);
 

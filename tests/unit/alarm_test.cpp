@@ -17,7 +17,7 @@ namespace {
 
 const char *const kInputStatus = "1.3.6.1.4.1.1206.4.2.7.7.1.0";
 const char *const kAlarmStatus = "1.3.6.1.4.1.1206.4.2.7.6.1.0.0";
-const char *const kRead = "zorva_api_alarm_get_state_send";
+const char *const kReadAlarm = "zorva_api_alarm_get_state_send";
 
 const LogLine kEnter{7, "handle_inputStatus: Enter."};
 const LogLine kExit{7, "handle_inputStatus: Exit."};
@@ -118,7 +118,7 @@ TEST_F(AlarmTest, AFailedInputIsAnError) {
             states({1});
             lines.push_back(returning(input, "TRUE"));
         }
-        core().once(kRead, {17, {}});
+        core().once(kReadAlarm, {17, {}});
         const Answer answer = get(kInputStatus);
         EXPECT_EQ(answer.returned, SNMP_ERR_GENERR);
         EXPECT_NE(answer.type, ASN_OCTET_STR);
@@ -133,7 +133,7 @@ TEST_F(AlarmTest, InputsBeforeAFailedOneKeepTheirNewState) {
     states({0, 0, 0, 0});
     expectInputs(0);
     states({1, 1});
-    core().once(kRead, {17, {}});
+    core().once(kReadAlarm, {17, {}});
     EXPECT_EQ(get(kInputStatus).returned, SNMP_ERR_GENERR);
     DeinitAlarm();
     UnregisterAll();

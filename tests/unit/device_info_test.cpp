@@ -6,7 +6,7 @@ using testing::IsEmpty;
 
 namespace {
 
-const char *const kRead = "zorva_api_device_information_get_static_information_send";
+const char *const kReadInformation = "zorva_api_device_information_get_static_information_send";
 
 class DeviceInfoTest : public ModuleTest {
 protected:
@@ -17,7 +17,8 @@ protected:
 
     static void camera(const scripted::Value &model, const scripted::Value &firmware, const scripted::Value &hardware,
                        const scripted::Value &serial) {
-        core().answer(kRead, {model, firmware, hardware, serial, "five", nullptr, "seven", "", std::int64_t{1}});
+        core().answer(kReadInformation,
+                      {model, firmware, hardware, serial, "five", nullptr, "seven", "", std::int64_t{1}});
     }
 };
 
@@ -43,12 +44,12 @@ TEST_F(DeviceInfoTest, ReadsTheFirstTargetOnceAndClosesTheService) {
     EXPECT_TRUE(InitDeviceInfo(GetIpcCookie()));
     get("1.3.6.1.4.1.99999.1.1.1.0.0");
     DeinitDeviceInfo();
-    EXPECT_THAT(
-        core().calls(),
-        ElementsAre("getTargetIds(\"device_information\")",
-                    "zorva_api_device_information_initiator_init(ipc, log, &, 0, null)",
-                    std::string(kRead) + "(device_information, \"device_information/1\", &, &, &, &, &, &, &, &, &)",
-                    "zorva_api_device_information_initiator_deinit(device_information)"));
+    EXPECT_THAT(core().calls(),
+                ElementsAre("getTargetIds(\"device_information\")",
+                            "zorva_api_device_information_initiator_init(ipc, log, &, 0, null)",
+                            std::string(kReadInformation) +
+                                "(device_information, \"device_information/1\", &, &, &, &, &, &, &, &, &)",
+                            "zorva_api_device_information_initiator_deinit(device_information)"));
 }
 
 TEST_F(DeviceInfoTest, AnswersEachObject) {
@@ -140,7 +141,7 @@ TEST_F(DeviceInfoTest, AServiceThatDoesNotOpenRegistersNothing) {
 }
 
 TEST_F(DeviceInfoTest, AFailedReadClosesTheServiceAndRegistersNothing) {
-    core().fail(kRead, 5);
+    core().fail(kReadInformation, 5);
     EXPECT_FALSE(InitDeviceInfo(GetIpcCookie()));
     EXPECT_THAT(core().logs(),
                 ElementsAre(scripted::LogLine{3, "InitDeviceInfo: failed dev info:get_static_information"}));

@@ -21,8 +21,8 @@ const char *const kModuleMake = "1.3.6.1.4.1.1206.4.2.6.1.3.1.3.0";
 const char *const kModuleModel = "1.3.6.1.4.1.1206.4.2.6.1.3.1.4.0";
 const char *const kModuleVersion = "1.3.6.1.4.1.1206.4.2.6.1.3.1.5.0";
 const char *const kModuleType = "1.3.6.1.4.1.1206.4.2.6.1.3.1.6.0";
-const char *const kObjects[] = {kMaxModules,  kModuleNumber,  kModuleDeviceNode, kModuleMake,
-                                kModuleModel, kModuleVersion, kModuleType};
+const char *const kModuleObjects[] = {kMaxModules,  kModuleNumber,  kModuleDeviceNode, kModuleMake,
+                                      kModuleModel, kModuleVersion, kModuleType};
 
 class ModuleInfoTest : public ModuleTest {
 protected:
@@ -73,7 +73,7 @@ TEST_F(ModuleInfoTest, TheTextsTellWhatTheModuleIs) {
 TEST_F(ModuleInfoTest, TheDeviceIsNotAskedAgain) {
     start();
     camera("other", "2.0-other");
-    for (const char *instance : kObjects) {
+    for (const char *instance : kModuleObjects) {
         EXPECT_THAT(get(instance), isAccepted());
     }
     EXPECT_THAT(core().calls(), IsEmpty());
@@ -141,7 +141,7 @@ TEST_F(ModuleInfoTest, AFailedReadClosesTheServiceAndRegistersNothing) {
                     "zorva_api_device_information_initiator_init(ipc, log, &, 0, null)",
                     std::string(kRead) + "(device_information, \"device_information/1\", &, &, &, &, &, &, &, &, &)",
                     "zorva_api_device_information_initiator_deinit(device_information)"));
-    for (const char *instance : kObjects) {
+    for (const char *instance : kModuleObjects) {
         EXPECT_EQ(get(instance).type, SNMP_NOSUCHOBJECT) << instance;
     }
 }
@@ -156,7 +156,7 @@ TEST_F(ModuleInfoTest, StandsBesideTheDeviceInformation) {
 
 TEST_F(ModuleInfoTest, OnlyGetIsAnswered) {
     start();
-    for (const char *instance : kObjects) {
+    for (const char *instance : kModuleObjects) {
         EXPECT_EQ(Request(instance, NewValue::text("mine")).run(MODE_SET_RESERVE1).requestError, SNMP_ERR_NOTWRITABLE);
         for (const int mode : modesExcept({MODE_GET})) {
             const Answer answer = Request(instance, NewValue::text("mine")).runOwnHandler(mode);
@@ -169,7 +169,7 @@ TEST_F(ModuleInfoTest, OnlyGetIsAnswered) {
 
 TEST_F(ModuleInfoTest, TheColumnsHaveNoRows) {
     start();
-    for (const char *instance : kObjects) {
+    for (const char *instance : kModuleObjects) {
         const std::string row = std::string(instance, std::strlen(instance) - 1) + "1";
         EXPECT_EQ(get(row).type, SNMP_NOSUCHINSTANCE) << row;
     }

@@ -27,7 +27,7 @@ struct Object {
     unsigned char type;
 };
 
-const Object kObjects[] = {{"rangePanLeftLimit", "1.2", false, ASN_INTEGER},
+const Object kScalars[] = {{"rangePanLeftLimit", "1.2", false, ASN_INTEGER},
                            {"rangePanRightLimit", "1.3", false, ASN_INTEGER},
                            {"rangePanHomePosition", "1.4", false, ASN_INTEGER},
                            {"rangeTrueNorthOffset", "1.5", true, ASN_INTEGER},
@@ -52,8 +52,8 @@ std::string instanceOf(const Object &object) {
 /** The lines of a start, followed by those of the first `count` registrations. */
 std::vector<LogLine> startLines(std::vector<LogLine> first, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
-        first.push_back(logs::debug("registerScalar: Registration for "s + kObjects[i].name + " OID OK"));
-        first.push_back(logs::info("InitPositioning: registerScalar="s + kObjects[i].name));
+        first.push_back(logs::debug("registerScalar: Registration for "s + kScalars[i].name + " OID OK"));
+        first.push_back(logs::info("InitPositioning: registerScalar="s + kScalars[i].name));
     }
     return first;
 }
@@ -61,7 +61,7 @@ std::vector<LogLine> startLines(std::vector<LogLine> first, std::size_t count) {
 /** Exactly the first `count` objects are registered, each with its own name. */
 void expectRegistered(std::size_t count) {
     for (std::size_t i = 0; i < kFull; ++i) {
-        EXPECT_EQ(requests::registeredName(kArc + kObjects[i].end), i < count ? kObjects[i].name : "");
+        EXPECT_EQ(requests::registeredName(kArc + kScalars[i].end), i < count ? kScalars[i].name : "");
     }
 }
 
@@ -91,7 +91,7 @@ TEST_F(PositioningStartTest, RegistersFifteenObjectsInOrder) {
 
 TEST_F(PositioningStartTest, EachObjectIsAnsweredByItsOwnHandler) {
     connect();
-    for (const Object &object : kObjects) {
+    for (const Object &object : kScalars) {
         core().clearRecord();
         const requests::Answer answer = get(instanceOf(object));
         EXPECT_THAT(answer, isAccepted()) << object.name;
@@ -104,7 +104,7 @@ TEST_F(PositioningStartTest, EachObjectIsAnsweredByItsOwnHandler) {
 
 TEST_F(PositioningStartTest, OnlySomeObjectsCanBeSet) {
     connect();
-    for (const Object &object : kObjects) {
+    for (const Object &object : kScalars) {
         const NewValue value = object.type == ASN_INTEGER ? NewValue::integer(0) : NewValue::text(octets({0, 0, 0, 0}));
         EXPECT_THAT(Request(instanceOf(object), value).run(MODE_SET_RESERVE1),
                     isRefused(SNMP_ERR_NOERROR, object.writable ? SNMP_ERR_NOERROR : SNMP_ERR_NOTWRITABLE))
@@ -114,7 +114,7 @@ TEST_F(PositioningStartTest, OnlySomeObjectsCanBeSet) {
 
 TEST_F(PositioningStartTest, TheIdentifierItselfIsNoInstance) {
     connect();
-    for (const Object &object : kObjects) {
+    for (const Object &object : kScalars) {
         EXPECT_NE(get(kArc + object.end).type, object.type) << object.name;
         EXPECT_NE(get(kArc + object.end + ".1").type, object.type) << object.name;
     }
@@ -245,11 +245,11 @@ TEST_F(PositioningStartTest, WithoutAServiceTheObjectsAnswerWhatTheModuleHolds) 
     startWithoutService();
     const long expected[] = {0, 0, 65535, 65535, 1, 0, 0, 0, 0, 1, 0, 0};
     for (std::size_t i = 0; i < kReduced; ++i) {
-        const requests::Answer answer = get(instanceOf(kObjects[i]));
-        EXPECT_THAT(answer, isAccepted()) << kObjects[i].name;
-        EXPECT_EQ(answer.type, kObjects[i].type) << kObjects[i].name;
-        EXPECT_EQ(answer.integer, expected[i]) << kObjects[i].name;
-        EXPECT_EQ(answer.octets, kObjects[i].type == ASN_OCTET_STR ? octets({0, 0, 0, 0}) : "") << kObjects[i].name;
+        const requests::Answer answer = get(instanceOf(kScalars[i]));
+        EXPECT_THAT(answer, isAccepted()) << kScalars[i].name;
+        EXPECT_EQ(answer.type, kScalars[i].type) << kScalars[i].name;
+        EXPECT_EQ(answer.integer, expected[i]) << kScalars[i].name;
+        EXPECT_EQ(answer.octets, kScalars[i].type == ASN_OCTET_STR ? octets({0, 0, 0, 0}) : "") << kScalars[i].name;
     }
     EXPECT_THAT(core().calls(), IsEmpty());
 }

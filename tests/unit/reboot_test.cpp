@@ -10,8 +10,8 @@ using testing::IsEmpty;
 
 namespace {
 
-const char *const kObject = "1.3.6.1.4.1.99999.1.1.100.0";
-const char *const kInstance = "1.3.6.1.4.1.99999.1.1.100.0.0";
+const char *const kRebootObject = "1.3.6.1.4.1.99999.1.1.100.0";
+const char *const kRebootInstance = "1.3.6.1.4.1.99999.1.1.100.0.0";
 const char *const kReboot = "zorva_api_device_management_reboot_send";
 const char *const kRebootCall =
     "zorva_api_device_management_reboot_send(device_management, \"device_management/1\", 2)";
@@ -34,10 +34,10 @@ protected:
     /** One phase on the object's own handler, with the record of this phase only. */
     static Answer phase(int mode, long value) {
         core().clearRecord();
-        return DirtyRequest(kInstance, NewValue::integer(value)).runOwnHandler(mode);
+        return DirtyRequest(kRebootInstance, NewValue::integer(value)).runOwnHandler(mode);
     }
     static void expectValue(long expected) {
-        const Answer answer = get(kInstance);
+        const Answer answer = get(kRebootInstance);
         EXPECT_THAT(answer, isAccepted());
         EXPECT_EQ(answer.type, ASN_INTEGER);
         EXPECT_EQ(answer.integer, expected);
@@ -57,7 +57,7 @@ TEST_F(RebootFreshTest, IsZeroUntilItIsSet) {
 }
 
 TEST_F(RebootTest, OneRebootsTheFirstTargetOnce) {
-    set(kInstance, NewValue::integer(1));
+    set(kRebootInstance, NewValue::integer(1));
     EXPECT_THAT(core().calls(), ElementsAre(kRebootCall));
     EXPECT_THAT(core().logs(), ElementsAre(kRebooting));
     expectValue(1);
@@ -66,19 +66,19 @@ TEST_F(RebootTest, OneRebootsTheFirstTargetOnce) {
 TEST_F(RebootTest, TheLineIsLoggedBeforeTheCall) {
     std::size_t lines = 0;
     core().during(kReboot, [&lines] { lines = core().logs().size(); });
-    set(kInstance, NewValue::integer(1));
+    set(kRebootInstance, NewValue::integer(1));
     EXPECT_EQ(lines, 1U);
 }
 
 TEST_F(RebootTest, EachOneReboots) {
-    set(kInstance, NewValue::integer(1));
-    set(kInstance, NewValue::integer(1));
+    set(kRebootInstance, NewValue::integer(1));
+    set(kRebootInstance, NewValue::integer(1));
     EXPECT_THAT(core().calls(), ElementsAre(kRebootCall, kRebootCall));
 }
 
 TEST_F(RebootTest, OtherNumbersAreOnlyKept) {
     for (const long value : {7L, 0L, 2L, -1L, 256L, 65537L, 2147483647L, -2147483648L}) {
-        set(kInstance, NewValue::integer(value));
+        set(kRebootInstance, NewValue::integer(value));
         expectValue(value);
     }
     EXPECT_THAT(core().calls(), IsEmpty());
@@ -120,7 +120,7 @@ TEST_F(RebootTest, TheLow32BitsOfANumberCount) {
 }
 
 TEST_F(RebootTest, OnlyAnIntegerIsTaken) {
-    reserveEachType(kInstance, NewValue::integer(1), [](int type, const Answer &answer) {
+    reserveEachType(kRebootInstance, NewValue::integer(1), [](int type, const Answer &answer) {
         EXPECT_THAT(answer, isRefused(SNMP_ERR_NOERROR, type == ASN_INTEGER ? SNMP_ERR_NOERROR : SNMP_ERR_WRONGTYPE));
         EXPECT_THAT(core().logs(), IsEmpty());
     });
@@ -128,7 +128,7 @@ TEST_F(RebootTest, OnlyAnIntegerIsTaken) {
 }
 
 TEST_F(RebootTest, AnOctetStringIsRefusedAsTheAgentAsks) {
-    const Answer answer = Request(kInstance, NewValue::text("1")).run(MODE_SET_RESERVE1);
+    const Answer answer = Request(kRebootInstance, NewValue::text("1")).run(MODE_SET_RESERVE1);
     EXPECT_EQ(answer.requestError, SNMP_ERR_WRONGTYPE);
 }
 
@@ -140,14 +140,14 @@ TEST_F(RebootTest, ANewNumberIsAnsweredBeforeTheCommit) {
 }
 
 TEST_F(RebootTest, AnUndoMakesItZeroWhateverItWas) {
-    set(kInstance, NewValue::integer(7));
-    setAndUndo(kInstance, NewValue::integer(1));
+    set(kRebootInstance, NewValue::integer(7));
+    setAndUndo(kRebootInstance, NewValue::integer(1));
     EXPECT_THAT(core().calls(), IsEmpty());
     expectValue(0);
 }
 
 TEST_F(RebootTest, PhasesWithoutWorkDoNothing) {
-    set(kInstance, NewValue::integer(7));
+    set(kRebootInstance, NewValue::integer(7));
     for (const int mode : {MODE_SET_RESERVE2, MODE_SET_FREE}) {
         const Answer answer = phase(mode, 1);
         EXPECT_THAT(answer, isAccepted()) << mode;
@@ -169,6 +169,6 @@ TEST_F(RebootTest, UnknownModesAreLoggedAndGetNextIsOne) {
 }
 
 TEST_F(RebootTest, TheStoredIdentifierIsNoInstance) {
-    EXPECT_EQ(requests::registeredName(kObject), "rebootDevice");
-    EXPECT_NE(get(kObject).type, ASN_INTEGER);
+    EXPECT_EQ(requests::registeredName(kRebootObject), "rebootDevice");
+    EXPECT_NE(get(kRebootObject).type, ASN_INTEGER);
 }

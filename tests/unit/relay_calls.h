@@ -1,6 +1,7 @@
 /**
  * @file
- * Calls of the relay service as the scripted core library records them, and what the service answers to them.
+ * The object that switches relays, and the calls of their service as the scripted core library records them, and what
+ * the service answers to them.
  */
 #ifndef QUARNSNMP_RELAY_CALLS_H
 #define QUARNSNMP_RELAY_CALLS_H
@@ -11,6 +12,8 @@
 #include "scripted_core.h"
 
 namespace relays {
+
+inline const char *const kOutputControl = "1.3.6.1.4.1.1206.4.2.7.8.2.0";
 
 inline const char *const kGetState = "zorva_api_relay_get_state_send";
 inline const char *const kGetConfiguration = "zorva_api_relay_get_configuration_send";

@@ -15,8 +15,6 @@ using testing::IsEmpty;
 
 namespace {
 
-const char *const kOutputControl = "1.3.6.1.4.1.1206.4.2.7.8.2.0";
-
 /** One of the two objects that switch relays. */
 struct Way {
     const char *handler;
@@ -25,7 +23,7 @@ struct Way {
 };
 
 Answer commitCommand(int relay, int state) {
-    DirtyRequest request(kOutputControl,
+    DirtyRequest request(relays::kOutputControl,
                          NewValue::text(octets({static_cast<unsigned int>(relay), state != 0 ? 0x80U : 0U})));
     request.runOwnHandler(MODE_SET_ACTION);
     scripted::core().clearRecord();

@@ -18,7 +18,6 @@ using testing::IsEmpty;
 namespace {
 
 const char *const kOutputStatus = "1.3.6.1.4.1.1206.4.2.7.8.1.0";
-const char *const kOutputControl = "1.3.6.1.4.1.1206.4.2.7.8.2.0";
 
 const LogLine kStatusEnter = {7, "handle_outputStatus: Enter."};
 const LogLine kStatusDone = {7, "handle_outputStatus: Done."};
@@ -52,7 +51,7 @@ protected:
         EXPECT_EQ(answer.octets, octets({bits}));
     }
     static void expectControl(const std::string &value) {
-        const Answer answer = get(kOutputControl);
+        const Answer answer = get(relays::kOutputControl);
         EXPECT_THAT(answer, isAccepted());
         EXPECT_EQ(answer.type, ASN_OCTET_STR);
         EXPECT_EQ(answer.octets, value);
@@ -61,7 +60,7 @@ protected:
     /** One phase on the command's own handler, with the record of this phase only. */
     static Answer phase(int mode, const std::string &value) {
         core().clearRecord();
-        return DirtyRequest(kOutputControl, NewValue::text(value)).runOwnHandler(mode);
+        return DirtyRequest(relays::kOutputControl, NewValue::text(value)).runOwnHandler(mode);
     }
     /** A command that nobody checks: an ACTION and a COMMIT, with the record of the COMMIT only. */
     static Answer commit(const std::string &value) {
@@ -154,7 +153,7 @@ TEST_F(RelayFreshTest, TheCommandIsZeroUntilTheFirst) {
         EXPECT_THAT(core().logs(), ElementsAre(kControlEnter, kControlDone));
         EXPECT_THAT(core().calls(), IsEmpty());
         // Nothing has been committed that an UNDO could bring back.
-        setAndUndo(kOutputControl, NewValue::text(octets({2, 0x80})));
+        setAndUndo(relays::kOutputControl, NewValue::text(octets({2, 0x80})));
         expectControl(octets({0, 0}));
     });
 }
@@ -171,7 +170,7 @@ TEST_F(RelayTest, TheHighestBitOfTheSecondOctetIsTheState) {
     for (const Case &each : cases) {
         SCOPED_TRACE(testing::PrintToString(each.value));
         core().clearRecord();
-        set(kOutputControl, NewValue::text(each.value));
+        set(relays::kOutputControl, NewValue::text(each.value));
         EXPECT_THAT(core().calls(),
                     ElementsAre(relays::readConfiguration(each.relay), relays::switchTo(each.relay, each.state)));
         expectControl(each.value.substr(0, 2));
@@ -180,7 +179,7 @@ TEST_F(RelayTest, TheHighestBitOfTheSecondOctetIsTheState) {
 
 TEST_F(RelayTest, ACommandWithoutItsSecondOctetSwitchesOff) {
     start(2);
-    set(kOutputControl, NewValue::text(octets({2})));
+    set(relays::kOutputControl, NewValue::text(octets({2})));
     EXPECT_THAT(core().calls(), ElementsAre(relays::readConfiguration(2), relays::switchTo(2, 0)));
     expectControl(octets({2, 0}));
 }
@@ -189,7 +188,7 @@ TEST_F(RelayTest, ACommandWithoutOctetsIsForNoRelay) {
     start(2);
     commit(octets({1, 0x80}));
     core().clearRecord();
-    set(kOutputControl, NewValue::text(""));
+    set(relays::kOutputControl, NewValue::text(""));
     EXPECT_THAT(core().calls(), IsEmpty());
     expectControl(octets({0, 0}));
 }
@@ -199,7 +198,7 @@ TEST_F(RelayTest, ACommandForARelayThatIsNotThereSucceedsAndDoesNothing) {
     for (const unsigned int number : {0U, 3U, 5U, 127U, 128U, 255U}) {
         core().clearRecord();
         const std::string value = octets({number, 0x80});
-        set(kOutputControl, NewValue::text(value));
+        set(relays::kOutputControl, NewValue::text(value));
         EXPECT_THAT(core().calls(), IsEmpty()) << number;
         EXPECT_THAT(core().logs(3), IsEmpty()) << number;
         expectControl(value);
@@ -210,7 +209,7 @@ TEST_F(RelayTest, ACommandForARelayThatIsNotThereSucceedsAndDoesNothing) {
 
 TEST_F(RelayTest, OnlyAnOctetStringIsTaken) {
     start(2);
-    reserveEachType(kOutputControl, NewValue::text(octets({2, 0x80})), [](int type, const Answer &answer) {
+    reserveEachType(relays::kOutputControl, NewValue::text(octets({2, 0x80})), [](int type, const Answer &answer) {
         const bool good = type == ASN_OCTET_STR;
         const int expected = good ? SNMP_ERR_NOERROR : SNMP_ERR_WRONGTYPE;
         EXPECT_THAT(answer, isRefused(expected, expected));
@@ -252,7 +251,7 @@ TEST_F(RelayTest, AnUndoTakesTheLastCommittedCommandBack) {
     start(2);
     commit(octets({1, 0x80}));
     core().clearRecord();
-    setAndUndo(kOutputControl, NewValue::text(octets({2, 0})));
+    setAndUndo(relays::kOutputControl, NewValue::text(octets({2, 0})));
     expectControl(octets({1, 0x80}));
     EXPECT_THAT(core().calls(), IsEmpty());
 }
@@ -262,7 +261,7 @@ TEST_F(RelayTest, ACommandThatFailedCountsAsCommitted) {
     core().fail(relays::kSetState, kRefused);
     EXPECT_EQ(commit(octets({1, 0x80})).returned, SNMP_ERR_GENERR);
     expectControl(octets({1, 0x80}));
-    setAndUndo(kOutputControl, NewValue::text(octets({2, 0})));
+    setAndUndo(relays::kOutputControl, NewValue::text(octets({2, 0})));
     expectControl(octets({1, 0x80}));
 }
 

@@ -16,8 +16,8 @@ using testing::IsEmpty;
 
 namespace {
 
-const char *const kObject = "1.3.6.1.4.1.99999.1.1.7.0";
-const char *const kInstance = "1.3.6.1.4.1.99999.1.1.7.0.0";
+const char *const kTemperature = "1.3.6.1.4.1.99999.1.1.7.0";
+const char *const kTemperatureInstance = "1.3.6.1.4.1.99999.1.1.7.0.0";
 const char *const kRead = "zorva_api_temperature_get_temperature_send";
 const char *const kReadCall = "zorva_api_temperature_get_temperature_send(temperature, \"temperature/1\", &)";
 
@@ -76,7 +76,7 @@ TEST_F(TemperatureTest, AGetAnswersWholeDegreesAsTheir32Bits) {
         SCOPED_TRACE(each.thousandths);
         core().clearRecord();
         script(kRead, each.thousandths);
-        const Answer answer = get(kInstance);
+        const Answer answer = get(kTemperatureInstance);
         EXPECT_THAT(answer, isAccepted());
         EXPECT_EQ(answer.type, ASN_UNSIGNED);
         EXPECT_EQ(answer.integer, each.gauge);
@@ -87,7 +87,7 @@ TEST_F(TemperatureTest, AGetAnswersWholeDegreesAsTheir32Bits) {
 
 TEST_F(TemperatureTest, ATemperatureThatCannotBeReadIsAnError) {
     script(kRead, {});
-    const Answer answer = get(kInstance);
+    const Answer answer = get(kTemperatureInstance);
     EXPECT_THAT(answer, isRefused(SNMP_ERR_GENERR, SNMP_ERR_NOERROR));
     EXPECT_EQ(answer.type, ASN_NULL);
     EXPECT_THAT(core().logs(), ElementsAre(kFailure));
@@ -97,7 +97,7 @@ TEST_F(TemperatureTest, TheTemperatureIsReadBeforeTheModeIsLookedAt) {
     script(kRead, 40000);
     for (const int mode : modesExcept({MODE_GET})) {
         core().clearRecord();
-        const Answer answer = Request(kInstance, NewValue::integer(7)).runOwnHandler(mode);
+        const Answer answer = Request(kTemperatureInstance, NewValue::integer(7)).runOwnHandler(mode);
         EXPECT_THAT(answer, isRefused(SNMP_ERR_GENERR, SNMP_ERR_NOERROR)) << mode;
         EXPECT_EQ(answer.integer, 7) << mode;
         EXPECT_THAT(core().calls(), ElementsAre(kReadCall)) << mode;
@@ -106,7 +106,8 @@ TEST_F(TemperatureTest, TheTemperatureIsReadBeforeTheModeIsLookedAt) {
 }
 
 TEST_F(TemperatureTest, ASetIsRefusedWithoutAReading) {
-    EXPECT_EQ(Request(kInstance, NewValue::integer(7)).run(MODE_SET_RESERVE1).requestError, SNMP_ERR_NOTWRITABLE);
+    EXPECT_EQ(Request(kTemperatureInstance, NewValue::integer(7)).run(MODE_SET_RESERVE1).requestError,
+              SNMP_ERR_NOTWRITABLE);
     EXPECT_THAT(core().calls(), IsEmpty());
 }
 
@@ -157,8 +158,8 @@ TEST_F(TemperatureTest, ATrapNamesItsObjectAndCarriesAGauge) {
     record(40000);
     EXPECT_THAT(poll(-10000), ElementsAre(4294967286));
     ASSERT_THAT(traps::gSent, testing::SizeIs(1));
-    EXPECT_EQ(traps::gSent[0].trapOid, requests::identifier(kObject));
-    EXPECT_EQ(traps::gSent[0].valueName, requests::identifier(kObject));
+    EXPECT_EQ(traps::gSent[0].trapOid, requests::identifier(kTemperature));
+    EXPECT_EQ(traps::gSent[0].valueName, requests::identifier(kTemperature));
     EXPECT_EQ(traps::gSent[0].valueType, ASN_UNSIGNED);
 }
 
@@ -179,7 +180,7 @@ TEST_F(TemperatureTest, AFailedPollChangesNothing) {
 TEST_F(TemperatureTest, AGetLeavesThePollsAlone) {
     record(40000);
     script(kRead, 50000);
-    EXPECT_EQ(get(kInstance).integer, 50);
+    EXPECT_EQ(get(kTemperatureInstance).integer, 50);
     EXPECT_THAT(poll(42000), IsEmpty());
 }
 

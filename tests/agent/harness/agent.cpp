@@ -13,14 +13,13 @@
 #include "agent_files.h"
 #include "eventually.h"
 #include "settings.h"
+#include "well_known_objects.h"
 
 namespace harness {
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-constexpr const char *kSystemUpTime = ".1.3.6.1.2.1.1.3.0";
 
 std::chrono::milliseconds since(Clock::time_point start) {
     return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
@@ -184,10 +183,10 @@ bool Agent::answers(std::chrono::milliseconds timeout) const {
     if (!options_.asker) {
         Manager manager(peer(), "public");
         manager.setTimeout(timeout);
-        return manager.get(kSystemUpTime).ok();
+        return manager.get(kUpTime).ok();
     }
     Manager manager(peer(), *options_.asker, timeout);
-    return manager.get(kSystemUpTime).ok();
+    return manager.get(kUpTime).ok();
 }
 
 pid_t Agent::daemonPid() const {

@@ -7,15 +7,12 @@
 #include "agent.h"
 #include "golden_walk.h"
 #include "log_file.h"
+#include "well_known_objects.h"
 
 namespace harness {
 namespace {
 
 using testing::HasSubstr;
-
-constexpr const char *kSystem = ".1.3.6.1.2.1.1";
-constexpr const char *kDescription = ".1.3.6.1.2.1.1.1.0";
-constexpr const char *kUpTime = ".1.3.6.1.2.1.1.3.0";
 
 /** Puts lines of a walk into a file and compares the agent's system group with them. */
 testing::AssertionResult matches(Manager &manager, const TemporaryDirectory &directory,

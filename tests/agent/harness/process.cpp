@@ -44,7 +44,7 @@ private:
 };
 
 int openOrThrow(const std::string &path, int flags) {
-    const int fd = open(path.c_str(), flags | O_CLOEXEC, 0600);
+    const int fd = ::open(path.c_str(), flags | O_CLOEXEC, 0600);
     if (fd < 0) {
         throw std::runtime_error("cannot open " + path + ": " + std::generic_category().message(errno));
     }
@@ -135,7 +135,7 @@ pid_t start(const Launch &launch) {
     }
     writeEnd.reset();
     int error = 0;
-    if (read(readEnd.get(), &error, sizeof error) == static_cast<ssize_t>(sizeof error)) {
+    if (::read(readEnd.get(), &error, sizeof error) == static_cast<ssize_t>(sizeof error)) {
         waitpid(pid, nullptr, 0);
         throw std::runtime_error("cannot start " + arguments[0] + ": " + std::generic_category().message(error));
     }

@@ -8,13 +8,13 @@
 
 #include "eventually.h"
 #include "settings.h"
+#include "well_known_objects.h"
 
 namespace harness {
 
 namespace {
 
 constexpr const char *kLineStart = "TRAP ";
-constexpr const char *kTrapOid = ".1.3.6.1.6.3.1.1.4.1.0";
 
 // Octets in hexadecimal and without line breaks, times as numbers, identifiers in full, tabs between varbinds: only so
 // can a line be taken apart whatever the values are.

@@ -6,13 +6,13 @@
 
 #include "agent.h"
 #include "trap_receiver.h"
+#include "well_known_objects.h"
 
 namespace harness {
 namespace {
 
 using testing::HasSubstr;
 
-constexpr const char *kUpTime = ".1.3.6.1.2.1.1.3.0";
 constexpr const char *kColdStart = ".1.3.6.1.6.3.1.1.5.1";
 
 TEST(TrapReceiver, SeesTheAgentsColdStart) {
