@@ -95,6 +95,18 @@ test_lintian() {
     lintian --allow-root --fail-on error,warning -- "${debs[@]}" || fail "lintian has found something; see above"
 }
 
+# The version is that of the latest change, and of the commands that install the packages.
+test_version() {
+    local name version
+    version=$(sed -n '1s/^quarnsnmp (\([^)]*\)) .*/\1/p' "$root/packaging/changelog")
+    for name in "${names[@]}"; do
+        [[ $(field "$name" amd64 Version) == "$version" ]] ||
+            fail "$name is version $(field "$name" amd64 Version), but packaging/changelog begins with '$version'"
+        grep -qF "./${name}_${version}_amd64.deb" "$root/docs/install.md" ||
+            fail "docs/install.md does not install version $version of $name"
+    done
+}
+
 # Both architectures have the same files, and depend on the same packages.
 test_architectures() {
     local name
@@ -320,6 +332,7 @@ trap stop_programs EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM HUP
 test_lintian
+test_version
 test_architectures
 test_arm64
 make_root

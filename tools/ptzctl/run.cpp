@@ -1,10 +1,12 @@
 #include "run.h"
 
 #include <chrono>
+#include <ctime>
 #include <string>
 
 #include "hosts.h"
 #include "interruption.h"
+#include "screen.h"
 #include "session.h"
 #include "traps.h"
 
@@ -25,31 +27,37 @@ std::vector<Outcome> askAll(const Invocation &invocation) {
     });
 }
 
-void print(const Invocation &invocation, const std::vector<Outcome> &outcomes, std::ostream &output,
-           std::ostream &errors) {
-    if (invocation.json) {
-        // A screen that is repeated is one line each time, so that a program can read line by line.
-        output << outcomesJson(invocation.hosts, outcomes)
-                      .dump(invocation.repeats ? -1 : 2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
-               << std::endl;
-    } else {
-        output << outcomesText(invocation.hosts, outcomes, invocation.settings.style) << std::flush;
+/** A look or a line for programs, as it is written by itself. */
+std::string shown(const Invocation &invocation, const std::vector<Outcome> &outcomes) {
+    if (!invocation.json) {
+        return outcomesText(invocation.hosts, outcomes, invocation.settings.style);
     }
-    errors << errorsText(invocation.hosts, outcomes);
+    // A screen that is repeated is one line each time, so that a program can read line by line.
+    constexpr auto kReplace = nlohmann::ordered_json::error_handler_t::replace;
+    return outcomesJson(invocation.hosts, outcomes).dump(invocation.repeats ? -1 : 2, ' ', false, kReplace) + "\n";
 }
 
 ExitCode watch(const Invocation &invocation, std::ostream &output, std::ostream &errors, bool terminal) {
     const Interruption interruption;
     const auto interval = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::duration<double>(invocation.intervalSeconds));
+    const bool isScreen = terminal && !invocation.json;
+    std::string previous;
     for (int look = 1;; ++look) {
         const std::vector<Outcome> outcomes = askAll(invocation);
         // Ctrl-C has also ended the processes that were asking.
         if (interruption.within(std::chrono::milliseconds(0))) {
             return ExitCode::Done;
         }
-        output << (terminal && !invocation.json ? kClearScreen : "");
-        print(invocation, outcomes, output, errors);
+        const std::string text = shown(invocation, outcomes);
+        if (isScreen) {
+            output << kClearScreen << screenHeading(invocation, std::time(nullptr))
+                   << changesMarked(text, previous, invocation.settings.style) << std::flush;
+        } else {
+            output << text << std::flush;
+        }
+        errors << errorsText(invocation.hosts, outcomes);
+        previous = text;
         if (look == invocation.count) {
             return overallCode(outcomes);
         }
@@ -94,7 +102,8 @@ ExitCode ask(const Invocation &invocation, std::istream &input, std::ostream &ou
     }
     output << std::flush;
     const std::vector<Outcome> outcomes = askAll(invocation);
-    print(invocation, outcomes, output, errors);
+    output << shown(invocation, outcomes) << std::flush;
+    errors << errorsText(invocation.hosts, outcomes);
     return overallCode(outcomes);
 }
 
