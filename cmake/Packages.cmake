@@ -23,7 +23,7 @@ if(QUARNSNMP_BUILD_SIMULATOR)
     DESTINATION /lib/systemd/system COMPONENT simulator EXCLUDE_FROM_ALL)
 endif()
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/quarnsnmp COMPONENT module EXCLUDE_FROM_ALL
-  FILES_MATCHING PATTERN "*.md" PATTERN decisions EXCLUDE)
+  FILES_MATCHING PATTERN "*.md" PATTERN decisions EXCLUDE PATTERN releasing.md EXCLUDE)
 
 # Description and dependencies beyond the shared libraries. The first line of a description is its summary; the project's
 # own, which CPack would put in front, stays out.
