@@ -27,7 +27,7 @@ std::vector<Outcome> askAll(const Invocation &invocation) {
     });
 }
 
-/** A look or a line for programs, as it is written by itself. */
+/** Outcomes as they are written, for people or for programs, with the end of the last line. */
 std::string shown(const Invocation &invocation, const std::vector<Outcome> &outcomes) {
     if (!invocation.json) {
         return outcomesText(invocation.hosts, outcomes, invocation.settings.style);

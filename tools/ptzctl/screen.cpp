@@ -1,6 +1,5 @@
 #include "screen.h"
 
-#include <algorithm>
 #include <sstream>
 #include <vector>
 
