@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /** @file Agents for measurements, tied to their processor. */
 #ifndef QUARNSNMP_BENCH_AGENTS_H
 #define QUARNSNMP_BENCH_AGENTS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /** @file Measurements with real agents; see usage(). */
 #include <array>
 #include <cstdio>

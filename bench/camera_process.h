@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /** @file A simulated camera that runs for the length of a measurement. */
 #ifndef QUARNSNMP_BENCH_CAMERA_PROCESS_H
 #define QUARNSNMP_BENCH_CAMERA_PROCESS_H

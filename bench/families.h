@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /** @file The families of measurements with real agents. Each writes its lines of the table. */
 #ifndef QUARNSNMP_BENCH_FAMILIES_H
 #define QUARNSNMP_BENCH_FAMILIES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /** @file Writes the instructions that requests take, which tests/budget/ bounds, as lines of the table. */
 #include <cstdio>
 #include <exception>

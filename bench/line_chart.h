@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /** @file A chart of a few lines, as an SVG file that is readable on light and on dark pages. */
 #ifndef QUARNSNMP_BENCH_LINE_CHART_H
 #define QUARNSNMP_BENCH_LINE_CHART_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * SNMPv2c messages, encoded once before a measurement and sent as they are, with another request-id each time.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * What the module's conversions and request helpers cost, in the agent's library but without an agent, and on a core

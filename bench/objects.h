@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /** @file Objects that are asked for, with their instances. */
 #ifndef QUARNSNMP_BENCH_OBJECTS_H
 #define QUARNSNMP_BENCH_OBJECTS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /** @file Which processor a process runs on, and for how long. */
 #ifndef QUARNSNMP_BENCH_PROCESSORS_H
 #define QUARNSNMP_BENCH_PROCESSORS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * What the calls of the stand-in library cost, with a simulated camera at the other end. Each benchmark measures every

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /** @file The figures that measurements come down to. */
 #ifndef QUARNSNMP_BENCH_STATISTICS_H
 #define QUARNSNMP_BENCH_STATISTICS_H

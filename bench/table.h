@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /** @file Lines of the one table that all measurements write: Markdown with four columns, to standard output. */
 #ifndef QUARNSNMP_BENCH_TABLE_H
 #define QUARNSNMP_BENCH_TABLE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /** @file What the benchmark library measures, as lines of the table. */
 #ifndef QUARNSNMP_BENCH_TABLE_REPORTER_H
 #define QUARNSNMP_BENCH_TABLE_REPORTER_H

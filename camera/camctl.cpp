@@ -1,18 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The control program of the simulated camera.
  */
-#include "command_text.h"
-#include "control_client.h"
-#include "scenario.h"
-#include "wire.h"
-
 #include <chrono>
 #include <exception>
 #include <iostream>
 #include <optional>
 
 #include <CLI/CLI.hpp>
+
+#include "command_text.h"
+#include "control_client.h"
+#include "scenario.h"
+#include "wire.h"
 
 namespace {
 

@@ -1,13 +1,8 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The simulated camera, a process of its own.
  */
-#include "camera_file.h"
-#include "camera_server.h"
-#include "event_loop.h"
-#include "presets_file.h"
-#include "wire.h"
-
 #include <csignal>
 #include <exception>
 #include <iostream>
@@ -15,6 +10,12 @@
 
 #include <CLI/CLI.hpp>
 #include <boost/asio/signal_set.hpp>
+
+#include "camera_file.h"
+#include "camera_server.h"
+#include "event_loop.h"
+#include "presets_file.h"
+#include "wire.h"
 
 namespace {
 

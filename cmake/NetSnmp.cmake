@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The agent's libraries, as the imported targets netsnmp::agent (what a loadable module uses) and netsnmp::client.
 find_path(NETSNMP_INCLUDE_DIR net-snmp/net-snmp-config.h)
 find_library(NETSNMP_LIBRARY netsnmp)

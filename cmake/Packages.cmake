@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The Debian packages: after a build, `cpack` in its directory makes one for each component that was built.
 # scripts/packages-build.sh makes those of both architectures.
 include(GNUInstallDirs)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Run by cpack when everything lies where it will be packed: Debian wants manuals and changelogs compressed, and the
 # rules that install them also serve installations without a package.
 file(GLOB_RECURSE texts

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Run by cpack before it begins: the environment of the tools that it calls.
 
 # The same build makes the same packages, octet for octet: every date in them is that of the release.

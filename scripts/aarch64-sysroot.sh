@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Makes a sysroot for AArch64 from Debian's packages, for the preset `aarch64`: headers and libraries to build with, and
 # an agent to load the module. The packages are unpacked and not installed, because arm64's development packages cannot
 # be installed beside the native ones. Usage: scripts/aarch64-sysroot.sh [DIRECTORY]

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Builds the Debian packages for amd64 and arm64 in build/packages. Usage: scripts/packages-build.sh
 set -euo pipefail
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Tests the Debian packages: with lintian; installed, used and purged in a root of their own (amd64); unpacked beside
 # what they depend on (arm64). Usage: scripts/packages-test.sh [DIRECTORY]
 # DIRECTORY holds the packages of both architectures; without it they are built. QUARNSNMP_SYSROOT names the sysroot

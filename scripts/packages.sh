@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
 # The Debian packages that the commands of this project need; to be sourced after common.sh.
 

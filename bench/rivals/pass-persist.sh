@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Apache-2.0
 # The one scalar that a module would hold, as a script that the agent keeps running and asks line by line.
 while read -r command; do
     case $command in

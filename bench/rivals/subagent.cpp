@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The one scalar that a module would hold, in a process of its own: a subagent of the agent whose AgentX socket is the

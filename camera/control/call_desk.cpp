@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "call_desk.h"
-
-#include "json_text.h"
-#include "wire.h"
 
 #include <algorithm>
 #include <iterator>
+
+#include "json_text.h"
+#include "wire.h"
 
 namespace camera {
 

@@ -1,6 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "control_client.h"
-
-#include "wire.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -12,6 +11,8 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
+
+#include "wire.h"
 
 namespace camera {
 

@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "control_desk.h"
+
+#include <algorithm>
+#include <limits>
 
 #include "call_desk.h"
 #include "json_text.h"
 #include "wire.h"
-
-#include <algorithm>
-#include <limits>
 
 namespace camera {
 

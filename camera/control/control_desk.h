@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Carries out the commands of the control program.
@@ -5,11 +6,11 @@
 #ifndef QUARNSNMP_CAMERA_CONTROL_DESK_H
 #define QUARNSNMP_CAMERA_CONTROL_DESK_H
 
+#include <stdexcept>
+
 #include "camera_model.h"
 #include "faults.h"
 #include "service_keeper.h"
-
-#include <stdexcept>
 
 namespace camera {
 

@@ -1,10 +1,11 @@
-#include "control_desk.h"
-#include "scenario.h"
-#include "wire.h"
-
+// SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <set>
 #include <utility>
+
+#include "control_desk.h"
+#include "scenario.h"
+#include "wire.h"
 
 namespace camera {
 

@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "scenario.h"
-
-#include "command_text.h"
-#include "json_text.h"
-#include "values.h"
 
 #include <algorithm>
 #include <iomanip>
 #include <ostream>
+
+#include "command_text.h"
+#include "json_text.h"
+#include "values.h"
 
 namespace camera {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Scenarios: control commands that are given to a camera at certain times, from a file.
@@ -5,14 +6,14 @@
 #ifndef QUARNSNMP_CAMERA_SCENARIO_H
 #define QUARNSNMP_CAMERA_SCENARIO_H
 
-#include "json_file.h"
-
 #include <functional>
 #include <iosfwd>
 #include <string>
 #include <vector>
 
 #include <nlohmann/json.hpp>
+
+#include "json_file.h"
 
 namespace camera {
 

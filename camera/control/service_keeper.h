@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Which services run: those that nobody has taken down, while the camera is not away because of a restart.
@@ -5,10 +6,10 @@
 #ifndef QUARNSNMP_CAMERA_SERVICE_KEEPER_H
 #define QUARNSNMP_CAMERA_SERVICE_KEEPER_H
 
+#include <set>
+
 #include "camera_model.h"
 #include "service_switch.h"
-
-#include <set>
 
 namespace camera {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Taking services down and bringing them up, as the control program orders it and the transport does it.

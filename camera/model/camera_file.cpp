@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "camera_file.h"
 
-#include "json_text.h"
-
 #include <utility>
+
+#include "json_text.h"
 
 namespace camera {
 

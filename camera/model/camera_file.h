@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Camera files: which services a camera has, how many targets each of them, and their values at the start.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The simulated camera itself: the services it has, their targets, and what calls do to them. It knows nothing of
@@ -6,11 +7,11 @@
 #ifndef QUARNSNMP_CAMERA_MODEL_H
 #define QUARNSNMP_CAMERA_MODEL_H
 
-#include "events.h"
-#include "service.h"
-
 #include <functional>
 #include <map>
+
+#include "events.h"
+#include "service.h"
 
 namespace camera {
 

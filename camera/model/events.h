@@ -1,11 +1,10 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Events: what happens in the camera, told to whoever wants to know.
  */
 #ifndef QUARNSNMP_CAMERA_EVENTS_H
 #define QUARNSNMP_CAMERA_EVENTS_H
-
-#include "clock.h"
 
 #include <cstdint>
 #include <functional>
@@ -14,6 +13,8 @@
 #include <utility>
 
 #include <nlohmann/json.hpp>
+
+#include "clock.h"
 
 namespace camera {
 

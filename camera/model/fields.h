@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Field records: the one description of a state struct, which serves the reading of a camera file, the printing of the
@@ -9,12 +10,12 @@
 #ifndef QUARNSNMP_CAMERA_FIELDS_H
 #define QUARNSNMP_CAMERA_FIELDS_H
 
-#include "values.h"
-
 #include <functional>
 #include <limits>
 #include <type_traits>
 #include <utility>
+
+#include "values.h"
 
 namespace camera {
 

@@ -1,7 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "json_file.h"
-
-#include "fields.h"
-#include "json_text.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -13,6 +11,9 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "fields.h"
+#include "json_text.h"
 
 namespace camera {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Files that the camera's programs read and write, all of them JSON: finding them by name, reading them with clear
@@ -6,13 +7,13 @@
 #ifndef QUARNSNMP_CAMERA_JSON_FILE_H
 #define QUARNSNMP_CAMERA_JSON_FILE_H
 
-#include "values.h"
-
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include <nlohmann/json.hpp>
+
+#include "values.h"
 
 namespace camera {
 

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "json_text.h"
-
-#include "values.h"
-#include "wire.h"
 
 #include <set>
 #include <vector>
+
+#include "values.h"
+#include "wire.h"
 
 namespace camera {
 

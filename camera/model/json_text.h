@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * JSON texts from outside: files that people write and lines that clients send.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Motion along one axis: position and velocity as functions of time. A motion is planned once, from where the axis is

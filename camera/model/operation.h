@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Operations: the calls of a service as typed handlers. Number, types and ranges of the arguments that arrive as JSON
@@ -6,14 +7,14 @@
 #ifndef QUARNSNMP_CAMERA_OPERATION_H
 #define QUARNSNMP_CAMERA_OPERATION_H
 
-#include "status.h"
-#include "values.h"
-
 #include <functional>
 #include <limits>
 #include <tuple>
 #include <type_traits>
 #include <utility>
+
+#include "status.h"
+#include "values.h"
 
 namespace camera {
 

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "presets_file.h"
-
-#include "json_text.h"
-#include "presets.h"
 
 #include <filesystem>
 #include <utility>
+
+#include "json_text.h"
+#include "presets.h"
 
 namespace camera {
 

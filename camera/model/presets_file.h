@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Presets that outlive the camera: a file of the presets of each target of `presets_tours`.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * A service of the camera: its targets, their fields and its operations.
@@ -5,12 +6,12 @@
 #ifndef QUARNSNMP_CAMERA_SERVICE_H
 #define QUARNSNMP_CAMERA_SERVICE_H
 
+#include <algorithm>
+#include <memory>
+
 #include "clock.h"
 #include "fields.h"
 #include "operation.h"
-
-#include <algorithm>
-#include <memory>
 
 namespace camera {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Checking of JSON values, for camera files, for the control program and for the arguments of calls.

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "camera_server.h"
 
-#include "wire.h"
-
 #include <utility>
+
+#include "wire.h"
 
 namespace camera {
 

@@ -1,13 +1,14 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "line_connection.h"
 
-#include "wire.h"
-
 #include <utility>
+
+#include <sys/socket.h>
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/post.hpp>
 
-#include <sys/socket.h>
+#include "wire.h"
 
 namespace camera {
 

@@ -1,11 +1,10 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * One Unix-domain socket that clients connect to, and its connections.
  */
 #ifndef QUARNSNMP_CAMERA_LINE_SERVER_H
 #define QUARNSNMP_CAMERA_LINE_SERVER_H
-
-#include "line_connection.h"
 
 #include <functional>
 #include <memory>
@@ -16,6 +15,8 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/local/stream_protocol.hpp>
 #include <boost/asio/steady_timer.hpp>
+
+#include "line_connection.h"
 
 namespace camera {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Lets things happen in the camera in time, while nobody asks for them.
@@ -5,10 +6,10 @@
 #ifndef QUARNSNMP_CAMERA_MODEL_TIMER_H
 #define QUARNSNMP_CAMERA_MODEL_TIMER_H
 
-#include "camera_model.h"
-
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/steady_timer.hpp>
+
+#include "camera_model.h"
 
 namespace camera {
 

@@ -1,7 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "socket_directory.h"
-
-#include "service.h"
-#include "wire.h"
 
 #include <cerrno>
 #include <system_error>
@@ -11,6 +9,9 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "service.h"
+#include "wire.h"
 
 namespace camera {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Interface of the camera's core library, `libzorva-core.so`.

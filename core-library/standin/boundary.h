@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * What every function of the interface is wrapped in: the callers are C code, through which no exception may pass.

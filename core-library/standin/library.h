@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * What the library keeps between calls: the handles it has given out and what they stand for.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Log lines of the form `2026-11-20 19:06:13.123456 name level text`, in UTC.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Writes requests. The library neither writes nor reads through whole JSON values, because destroying an array of these

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The calls of all services. What distinguishes one from another is its name and the types of its arguments, so all of

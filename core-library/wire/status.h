@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The statuses of the stand-in library and of the simulated camera. 0 is success; statuses below 100 come from a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What happens to the module and its agent when the camera, or one of its services, is not there.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

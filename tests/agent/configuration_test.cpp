@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
 // The configurations that the project ships, in a real agent: who may do what, and who may do nothing.
 #include <memory>
 #include <stdexcept>
 
+#include <sys/stat.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <sys/stat.h>
 
 #include "configured_agent.h"
 #include "identity_objects.h"

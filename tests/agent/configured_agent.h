@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * What the tests of the shipped configurations share: agents with them, and the objects that they are asked for.

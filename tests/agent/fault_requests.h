@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Every request that a camera's objects take, with the calls that it makes and what a failed one does to its answer.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Sending every request of a camera while its services fail, and judging the answers.

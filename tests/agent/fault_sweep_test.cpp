@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every call of the core library fails, comes late or finds its service gone, while every object is read and written:
 // each request is answered in time, as the users' documents say, and nothing is left behind.
 #include <algorithm>

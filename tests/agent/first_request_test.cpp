@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The first objects, through the whole chain: manager, agent, module, core library, camera process.
 #include <fstream>
 

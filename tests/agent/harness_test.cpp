@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The agents and managers of the harness, with an agent that has no module: what their answers mean must be certain
 // before they judge one.
 #include <chrono>
@@ -6,14 +7,14 @@
 #include <stdexcept>
 #include <thread>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest-spi.h>
-#include <gtest/gtest.h>
-
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest-spi.h>
+#include <gtest/gtest.h>
 
 #include "agent.h"
 #include "eventually.h"

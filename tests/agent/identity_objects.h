@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The objects that every camera answers, for tests that ask whether the module is there.

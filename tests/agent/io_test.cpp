@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Alarm inputs and relay outputs through the whole chain.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lens through the whole chain, on cameras with a motor-driven lens, with stepper motors, and with both.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The module comes and goes with its agent: at start and stop, at a reload, and at run time.
 #include <algorithm>
 #include <iostream>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The program that reads a camera for Prometheus, with the modules that the project ships.

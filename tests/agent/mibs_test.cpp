@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The MIB modules that are shipped, in the programs that managers use: everything that an agent with the module serves
 // and sends has a name, and the names reach it.
 #include <filesystem>

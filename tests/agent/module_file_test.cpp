@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The module as a file: what it needs, and what it must not have.
 #include <array>
 #include <regex>

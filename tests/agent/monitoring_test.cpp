@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What Prometheus gets to see of a camera: the shipped modules in the exporter, and the shipped agent configurations.
 #include <regex>
 #include <set>

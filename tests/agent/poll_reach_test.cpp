@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the poll thread can call of the agent's libraries, which are the agent's own thread's: they have no locks.
 //
 // A test that runs polls sees only the calls of the ways they take. The linker knows all ways: of the module's objects,

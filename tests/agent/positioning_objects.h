@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The objects of pan, tilt and zoom, and the octets of their commands.

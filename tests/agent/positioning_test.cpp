@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pan, tilt and zoom through the whole chain: a manager's SET moves the simulated camera.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

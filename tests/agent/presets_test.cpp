@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Presets through the whole chain: stored, moved to, and looked up by their numbers.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command-line client with SNMPv3, and as a receiver of traps.
 #include <csignal>
 

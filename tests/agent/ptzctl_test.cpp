@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command-line client through the whole chain: what it says and sends, and what the simulated camera does then.
 #include <csignal>
 

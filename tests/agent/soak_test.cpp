@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Two clients, faults, reloads and power cuts, all at the same time and for as long as one likes: the environment's
 // QUARNSNMP_SOAK_SECONDS says how long.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Ten thousand traps that are queued while the agent is busy.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Counts allocations: the conversions run with every move, on the agent's thread, and need no memory.

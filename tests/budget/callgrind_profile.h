@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * How many instructions the module takes for a request, counted by callgrind. They are the same in every run.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Makes each request of the budget twice, the first time to warm up, and lets callgrind write a profile of the second.

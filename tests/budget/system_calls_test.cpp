@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * An object that the module holds costs the agent no system call beyond those of the agent's own objects.

@@ -1,8 +1,8 @@
-#include "operation.h"
-
-#include "test_cameras.h"
-
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
+
+#include "operation.h"
+#include "test_cameras.h"
 
 using namespace camera;
 using nlohmann::json;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Automatic focus, and how it and the focus by hand exclude each other.
 #include "lens_camera.h"
 

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the operations do beyond storing and reading one value.
-#include "test_cameras.h"
-
 #include <gmock/gmock.h>
+
+#include "test_cameras.h"
 
 using namespace camera;
 using nlohmann::json;

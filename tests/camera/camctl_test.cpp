@@ -1,14 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
 // The control program.
-#include "camera_process.h"
-
 #include <csignal>
 #include <cstring>
 #include <thread>
 
-#include <gmock/gmock.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
+
+#include <gmock/gmock.h>
+
+#include "camera_process.h"
 
 using namespace camera::test;
 using nlohmann::json;

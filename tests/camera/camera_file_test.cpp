@@ -1,8 +1,8 @@
-#include "camera_file.h"
-
-#include "test_cameras.h"
-
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
+
+#include "camera_file.h"
+#include "test_cameras.h"
 
 using namespace camera;
 

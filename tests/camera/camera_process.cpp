@@ -1,6 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "camera_process.h"
-
-#include "wire.h"
 
 #include <array>
 #include <cerrno>
@@ -9,7 +8,6 @@
 #include <thread>
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -17,6 +15,10 @@
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "wire.h"
 
 namespace camera::test {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Running the simulated camera and its control program in tests.
@@ -5,16 +6,17 @@
 #ifndef QUARNSNMP_TEST_CAMERA_PROCESS_H
 #define QUARNSNMP_TEST_CAMERA_PROCESS_H
 
-#include "temp_directory.h"
-
 #include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include <nlohmann/json.hpp>
 #include <sys/types.h>
+
+#include <nlohmann/json.hpp>
+
+#include "temp_directory.h"
 
 namespace camera::test {
 

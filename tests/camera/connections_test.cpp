@@ -1,11 +1,11 @@
+// SPDX-License-Identifier: Apache-2.0
 // Clients that misbehave, and how little the others notice of them.
-#include "camera_process.h"
-
-#include "wire.h"
-
 #include <fstream>
 
 #include <gmock/gmock.h>
+
+#include "camera_process.h"
+#include "wire.h"
 
 using namespace camera::test;
 using nlohmann::json;

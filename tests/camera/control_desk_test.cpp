@@ -1,10 +1,10 @@
-#include "control_desk.h"
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
 
+#include "control_desk.h"
 #include "noted_services.h"
 #include "test_cameras.h"
 #include "wire.h"
-
-#include <gmock/gmock.h>
 
 using namespace camera;
 using camera::test::NotedServices;

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: Apache-2.0
 // The control socket of a running camera, and what its commands do to the clients of the services.
-#include "camera_process.h"
-
 #include <filesystem>
 
 #include <gmock/gmock.h>
+
+#include "camera_process.h"
 
 using namespace camera::test;
 using nlohmann::json;

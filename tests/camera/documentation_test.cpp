@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reference of camera files in the users' documentation against the field records.
-#include "service.h"
-
 #include <fstream>
 
 #include <gmock/gmock.h>
+
+#include "service.h"
 
 using namespace camera;
 

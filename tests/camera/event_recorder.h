@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Collecting the events of a camera in tests.
@@ -5,12 +6,12 @@
 #ifndef QUARNSNMP_TEST_EVENT_RECORDER_H
 #define QUARNSNMP_TEST_EVENT_RECORDER_H
 
-#include "events.h"
-
 #include <algorithm>
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include "events.h"
 
 namespace camera::test {
 

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+
 #include "event_recorder.h"
 #include "test_cameras.h"
-
-#include <gmock/gmock.h>
 
 using namespace camera;
 using nlohmann::json;

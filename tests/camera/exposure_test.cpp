@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Automatic exposure, which drives the iris, and how it and the iris by hand exclude each other.
 #include "lens_camera.h"
 

@@ -1,10 +1,10 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+
 #include "call_desk.h"
 #include "faults.h"
-#include "wire.h"
-
 #include "test_cameras.h"
-
-#include <gmock/gmock.h>
+#include "wire.h"
 
 using namespace camera;
 using nlohmann::json;

@@ -1,8 +1,9 @@
-#include "test_cameras.h"
-
+// SPDX-License-Identifier: Apache-2.0
 #include <regex>
 
 #include <gmock/gmock.h>
+
+#include "test_cameras.h"
 
 using namespace camera;
 using nlohmann::json;

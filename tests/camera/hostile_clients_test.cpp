@@ -1,12 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
 // Clients that do not speak the protocol at all, at each kind of socket: the others notice nothing.
-#include "camera_process.h"
-
-#include "wire.h"
-
 #include <fstream>
 #include <random>
 
 #include <gmock/gmock.h>
+
+#include "camera_process.h"
+#include "wire.h"
 
 using namespace camera::test;
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * A camera whose lens has round numbers, for tests of what moves in it.

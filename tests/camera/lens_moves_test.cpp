@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: Apache-2.0
 // Moves of the drives in the lens by hand.
-#include "lens_camera.h"
-
 #include <limits>
+
+#include "lens_camera.h"
 
 using namespace camera;
 using nlohmann::json;

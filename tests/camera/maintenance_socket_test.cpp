@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: Apache-2.0
 // Inputs, outputs, sensors and presets of a running camera: what the control program sets is what clients read.
-#include "camera_process.h"
-
 #include <csignal>
 #include <filesystem>
 
 #include <gmock/gmock.h>
+
+#include "camera_process.h"
 
 using namespace camera::test;
 using nlohmann::json;

@@ -1,10 +1,10 @@
+// SPDX-License-Identifier: Apache-2.0
 // The timer that lets things happen in the camera, on its own event loop and the real time.
-#include "model_timer.h"
+#include <gmock/gmock.h>
 
 #include "event_recorder.h"
+#include "model_timer.h"
 #include "test_cameras.h"
-
-#include <gmock/gmock.h>
 
 using namespace camera;
 using nlohmann::json;

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: Apache-2.0
 // A running camera that moves.
-#include "camera_process.h"
-
 #include <cmath>
 
 #include <gmock/gmock.h>
+
+#include "camera_process.h"
 
 using namespace camera::test;
 using nlohmann::json;

@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
 // Planned motions against a simulation in small steps, and against what must hold for each of them.
-#include "motion.h"
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <random>
 
 #include <gtest/gtest.h>
+
+#include "motion.h"
 
 using namespace camera;
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a camera tells of its moves, and when it says that something will happen.
 #include "moving_camera.h"
 

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
 // Moves of pan, tilt and zoom to positions, and what ends or changes them.
-#include "moving_camera.h"
-
 #include <cmath>
 #include <limits>
+
+#include "moving_camera.h"
 
 using namespace camera;
 using nlohmann::json;

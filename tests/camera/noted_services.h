@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Services without sockets for tests of what switches them.
@@ -5,9 +6,9 @@
 #ifndef QUARNSNMP_TEST_NOTED_SERVICES_H
 #define QUARNSNMP_TEST_NOTED_SERVICES_H
 
-#include "service_switch.h"
-
 #include <set>
+
+#include "service_switch.h"
 
 namespace camera::test {
 

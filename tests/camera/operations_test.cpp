@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: Apache-2.0
 // The operations of the model against the calls that the core library declares.
-#include "test_cameras.h"
-
 #include <map>
 #include <utility>
 
 #include <gmock/gmock.h>
+
+#include "test_cameras.h"
 
 using namespace camera;
 using nlohmann::json;

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: Apache-2.0
 // Scenarios that the control program plays on a running camera.
-#include "camera_process.h"
-
 #include <csignal>
 
 #include <gmock/gmock.h>
+
+#include "camera_process.h"
 
 using namespace camera::test;
 using nlohmann::json;

@@ -1,13 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
 // The file that keeps presets.
-#include "presets_file.h"
-
-#include "event_recorder.h"
-#include "temp_directory.h"
-#include "test_cameras.h"
-
 #include <filesystem>
 
 #include <gmock/gmock.h>
+
+#include "event_recorder.h"
+#include "presets_file.h"
+#include "temp_directory.h"
+#include "test_cameras.h"
 
 using namespace camera;
 using nlohmann::json;

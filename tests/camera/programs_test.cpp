@@ -1,11 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
 // Start and end of the camera's process.
-#include "camera_process.h"
-
 #include <csignal>
 #include <filesystem>
 
-#include <gmock/gmock.h>
 #include <sys/stat.h>
+
+#include <gmock/gmock.h>
+
+#include "camera_process.h"
 
 using namespace camera::test;
 

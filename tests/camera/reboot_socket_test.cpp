@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: Apache-2.0
 // Restarts of a running camera, as its clients see them.
-#include "camera_process.h"
-
 #include <csignal>
 #include <set>
 
 #include <gmock/gmock.h>
+
+#include "camera_process.h"
 
 using namespace camera::test;
 using nlohmann::json;

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a restart does to the camera's model, on a clock that the tests set.
+#include <gmock/gmock.h>
+
 #include "event_recorder.h"
 #include "test_cameras.h"
-
-#include <gmock/gmock.h>
 
 using namespace camera;
 using nlohmann::json;

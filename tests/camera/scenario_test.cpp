@@ -1,17 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
 // Scenario files: reading, checking for a camera, and playing.
-#include "scenario.h"
-
-#include "control_desk.h"
-#include "noted_services.h"
-#include "test_cameras.h"
-#include "wire.h"
-
 #include <cstdlib>
 #include <map>
 #include <set>
 #include <sstream>
 
 #include <gmock/gmock.h>
+
+#include "control_desk.h"
+#include "noted_services.h"
+#include "scenario.h"
+#include "test_cameras.h"
+#include "wire.h"
 
 using namespace camera;
 using nlohmann::json;

@@ -1,11 +1,11 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which services run, with restarts and the control program both at work.
-#include "service_keeper.h"
+#include <gmock/gmock.h>
 
 #include "event_recorder.h"
 #include "noted_services.h"
+#include "service_keeper.h"
 #include "test_cameras.h"
-
-#include <gmock/gmock.h>
 
 using namespace camera;
 using nlohmann::json;

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: Apache-2.0
 // Calls over the sockets of a running camera.
-#include "camera_process.h"
-
 #include <gmock/gmock.h>
+
+#include "camera_process.h"
 
 using namespace camera::test;
 using nlohmann::json;

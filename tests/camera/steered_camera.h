@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * A camera with a clock that tests set.
@@ -5,10 +6,10 @@
 #ifndef QUARNSNMP_TEST_STEERED_CAMERA_H
 #define QUARNSNMP_TEST_STEERED_CAMERA_H
 
+#include <gmock/gmock.h>
+
 #include "event_recorder.h"
 #include "test_cameras.h"
-
-#include <gmock/gmock.h>
 
 namespace camera::test {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pan, tilt and zoom at velocities: limits, stops and time-outs.
 #include "moving_camera.h"
 

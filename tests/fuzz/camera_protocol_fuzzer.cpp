@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Lines of clients to a simulated camera: what comes on the sockets of its services, its directory and its control.

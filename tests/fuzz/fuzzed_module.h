@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The module with all of its features, in the agent's library and on the scripted core library.

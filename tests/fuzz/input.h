@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * A fuzzer's input as numbers and octets, in the order of its octets: seeds can be written by hand.

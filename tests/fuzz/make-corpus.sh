@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Writes the seeds of the fuzzers. The comments at the top of each fuzzer say how its inputs are read.
 set -euo pipefail
 

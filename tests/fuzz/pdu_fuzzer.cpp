@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Requests to the agent with the module in it, from the parsed PDU to the encoded response.

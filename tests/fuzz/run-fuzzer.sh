@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Runs a fuzzer from its seeds, with the limits that its test has.
 # Usage: run-fuzzer.sh BUILD-DIRECTORY NAME SECONDS [LIBFUZZER-ARGUMENT...]
 # The corpus that it finds is left in BUILD-DIRECTORY/fuzz/NAME, and an input that makes it fail too, as NAME-*.

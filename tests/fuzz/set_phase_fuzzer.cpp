@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The module's own handlers, called mode by mode as the agent calls them.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The objects and notifications of the MIB modules, against the users' reference, which is held to the code by a test
 // of its own, and against recorded walks of agents.
 #include <algorithm>

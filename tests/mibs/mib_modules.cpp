@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "mib_modules.h"
 
 #include <algorithm>
@@ -8,7 +9,6 @@
 #include <stdexcept>
 
 #include <net-snmp/net-snmp-config.h>
-
 #include <net-snmp/net-snmp-includes.h>
 
 namespace mibs {

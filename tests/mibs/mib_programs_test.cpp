@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The MIB modules in programs of others: they load without a word on a machine that has no other module, names and
 // identifiers lead to each other, and a checker finds only what cannot be otherwise.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "every_call.h"
 
 #include <type_traits>

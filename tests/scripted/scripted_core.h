@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * A core library for unit tests: it answers as the test says, and records every call and every log line.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * A core library that has nothing to say: every call succeeds at once, and no log line is wanted. What is left of a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /** @file The time that the kernel sees, also when the tests run with a preloaded library that lets time pass faster. */
 #ifndef QUARNSNMP_STANDIN_KERNEL_CLOCK_H
 #define QUARNSNMP_STANDIN_KERNEL_CLOCK_H

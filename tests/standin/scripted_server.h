@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * A service that answers as a test tells it to: also too late, in pieces, wrongly or not at all.

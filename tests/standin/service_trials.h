@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * All service calls as objects, so that what holds for every call can be tested on every call.

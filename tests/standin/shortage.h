@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Makes memory or buffers run out. Linking this in replaces functions of the C and C++ libraries, also for the library

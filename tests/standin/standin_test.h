@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /** @file What the tests of the stand-in library have in common. */
 #ifndef QUARNSNMP_STANDIN_STANDIN_TEST_H
 #define QUARNSNMP_STANDIN_STANDIN_TEST_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /** @file A directory for the sockets and files of one test. */
 #ifndef QUARNSNMP_STANDIN_TEMPORARY_DIRECTORY_H
 #define QUARNSNMP_STANDIN_TEMPORARY_DIRECTORY_H

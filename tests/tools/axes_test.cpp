@@ -1,10 +1,10 @@
+// SPDX-License-Identifier: Apache-2.0
 // Axes: people's units, the words for directions, and what the octets mean.
-#include "axes.h"
-
 #include <stdexcept>
 
 #include <gtest/gtest.h>
 
+#include "axes.h"
 #include "octets_text.h"
 
 using namespace ptzctl;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the commands read, send and say, with a scripted camera.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The manual page and the completion against the commands and options that the program has.
 #include <array>
 #include <cstdio>

@@ -1,12 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
 // The names of the objects, against the users' reference of them.
-#include "objects.h"
-
 #include <algorithm>
 #include <set>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
 
+#include "objects.h"
 #include "objects_document.h"
 
 using namespace ptzctl;

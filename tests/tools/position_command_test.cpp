@@ -1,11 +1,11 @@
+// SPDX-License-Identifier: Apache-2.0
 // The four octets, over their whole range and in both orders.
-#include "position_command.h"
-
 #include <stdexcept>
 
 #include <gtest/gtest.h>
 
 #include "octets_text.h"
+#include "position_command.h"
 
 using namespace ptzctl;
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What surrounds the commands: outcomes of several cameras, exit codes, texts, the command line itself.
 #include <algorithm>
 #include <csignal>

@@ -1,9 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reading and writing a camera that answers well, badly, or something else.
-#include "requester.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "requester.h"
 #include "scripted_camera.h"
 
 using namespace ptzctl;

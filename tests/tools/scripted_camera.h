@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * A camera that answers from a table, and as wrongly as a test wants.

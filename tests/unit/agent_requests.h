@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Requests to registered objects through the agent library's own structures and handler chains, phase by phase, as the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "gpio_table_test.h"
 #include "handler_checks.h"
 #include "snmp_utils.h"

@@ -1,5 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "module_test.h"
-
 #include "poll_thread.h"
 #include "snmp_utils.h"
 #include "trap_sender.h"

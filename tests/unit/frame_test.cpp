@@ -1,8 +1,8 @@
-#include "module_test.h"
-
+// SPDX-License-Identifier: Apache-2.0
 #include <climits>
 #include <stdexcept>
 
+#include "module_test.h"
 #include "snmp_utils.h"
 #include "zorva_api_exception.h"
 

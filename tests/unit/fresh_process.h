@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Checks of what the module holds before anything has happened: earlier tests of the same process leave traces. The

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // SETs of what lies in a table and is no cell of it, together with a cell.
 #include "gpio_table_test.h"
 

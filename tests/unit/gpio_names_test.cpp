@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The tables' cells when MIB files give their identifiers names, and when the agent's configuration has identifiers

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Requests with several variables of one object or table, as the agent hands them over: in one list, phase by phase.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The two vendor tables, one row per input or output: what their tests share, and what differs between them.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * What the tests of all handlers share: requests through the phases of a SET, and what is expected of an answer and in
@@ -6,10 +7,10 @@
 #ifndef QUARNSNMP_HANDLER_REQUESTS_H
 #define QUARNSNMP_HANDLER_REQUESTS_H
 
-#include "module_test.h"
-
 #include <initializer_list>
 #include <limits>
+
+#include "module_test.h"
 
 namespace logs {
 

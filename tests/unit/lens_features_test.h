@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The two sets of lens feature objects as records, and a fixture for tests of both.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Single commands of single drives: worked examples, and behaviour that looks wrong and is kept.

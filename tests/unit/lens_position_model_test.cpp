@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Positions of all commands over the whole range of the 16 bits, against a model of their arithmetic.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Features that want the same objects: the two kinds of focus, and the zoom of positioning and of the zoom stepper.

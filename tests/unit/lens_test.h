@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * What the tests of the lens share: a camera with one drive, phases on the objects' own handlers, and a record of log

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Fixture of the unit tests: the module's code in an agent library without a network, on a scripted core library.

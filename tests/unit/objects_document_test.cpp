@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The users' reference of objects against what the module registers, answers and calls.
 #include <algorithm>
 #include <set>

@@ -1,9 +1,8 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The poll thread, with its minute cut to a tenth of a second.
  */
-#include "module_test.h"
-
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
@@ -21,6 +20,7 @@
 #include <boost/thread/exceptions.hpp>
 
 #include "eventually.h"
+#include "module_test.h"
 #include "poll_thread.h"
 
 using testing::Contains;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The service's calls as operators know them from the log of failures, blanks included.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * What the conversions of positioning must give, said in another way than the module says it: bands between corner

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The three position objects as a table, and a fixture for tests of all of them.

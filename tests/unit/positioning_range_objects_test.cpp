@@ -1,11 +1,11 @@
-#include "range_objects.h"
-
+// SPDX-License-Identifier: Apache-2.0
 #include <climits>
 #include <ostream>
 #include <string>
 
 #include "positioning_call_texts.h"
 #include "positioning_test.h"
+#include "range_objects.h"
 
 using namespace std::string_literals;
 

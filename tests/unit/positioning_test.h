@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * What the tests of pan, tilt and zoom share: a positioning service of plausible limits, and the texts of its calls as

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Power and voltage: two states of one service, read for each request and watched by the poll thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * What the tests of the presets share: the service's calls as the scripted core library records them, and what differs

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The object that switches relays, and the calls of their service as the scripted core library records them, and what

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * SETs of the relays' table. The module keeps one relay and one state for a whole request.

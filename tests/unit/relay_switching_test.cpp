@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * How a relay is switched, by the NTCIP command as by the table: it is set up first if nobody has done so yet.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The relays' NTCIP objects: the bit map of the first two, and the command for any of them.

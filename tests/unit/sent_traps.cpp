@@ -1,9 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sent_traps.h"
-
-#include <gtest/gtest.h>
 
 #include <sys/select.h>
 
+#include <gtest/gtest.h>
 #include <net-snmp/library/fd_event_manager.h>
 
 namespace traps {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Traps that the module handed to the agent, which has nowhere to send to in a unit test.

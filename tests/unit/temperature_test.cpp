@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The temperature: read in thousandths for each request, and watched by the poll thread in whole degrees.

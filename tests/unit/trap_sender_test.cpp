@@ -1,5 +1,4 @@
-#include "module_test.h"
-
+// SPDX-License-Identifier: Apache-2.0
 #include <atomic>
 #include <cstdlib>
 #include <iostream>
@@ -9,6 +8,7 @@
 #include <unistd.h>
 
 #include "fresh_process.h"
+#include "module_test.h"
 #include "sent_traps.h"
 #include "trap_sender.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Who asks: protocol version, community or user, from the command line, the environment and the user's snmp.conf.

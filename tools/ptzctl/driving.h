@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Commands that move the camera, switch something, or change a setting. All of them throw Failure.

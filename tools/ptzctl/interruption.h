@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Being ended by Ctrl-C in an orderly way.
@@ -6,7 +7,6 @@
 #define PTZCTL_INTERRUPTION_H
 
 #include <chrono>
-
 #include <csignal>
 
 namespace ptzctl {

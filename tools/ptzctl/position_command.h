@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The four octets of a position object: a command to one axis, in either order of its position octets.

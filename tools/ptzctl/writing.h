@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Writing objects, and showing what they held before, what was sent, and what they hold then.

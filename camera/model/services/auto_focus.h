@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Automatic focus: what brings a focus drive to where the picture is sharp, and keeps it there while the mode is

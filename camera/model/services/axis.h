@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * An axis of pan, tilt and zoom: a drive with limits of the user's beside those of the mechanics.

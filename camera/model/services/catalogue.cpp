@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <map>
+
 #include "device.h"
 #include "lens.h"
 #include "positioning.h"
 #include "presets.h"
-
-#include <map>
 
 namespace camera {
 

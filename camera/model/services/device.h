@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The services around the device: what it is, its restart, its inputs and outputs, its power and temperature.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * A drive: something that goes along one line, to a position or at a velocity until a limit or a time-out ends it.
@@ -6,11 +7,11 @@
 #ifndef QUARNSNMP_CAMERA_DRIVE_H
 #define QUARNSNMP_CAMERA_DRIVE_H
 
+#include <algorithm>
+
 #include "clock.h"
 #include "fields.h"
 #include "motion.h"
-
-#include <algorithm>
 
 namespace camera {
 

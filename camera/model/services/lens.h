@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The services that drive the lens: `focus_stepper`, `zoom_stepper`, `lens_focus`, `iris` and, for who drives the iris,

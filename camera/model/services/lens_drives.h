@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The drives in a lens, written once for the services that have them: motors with one speed, and stepper motors.

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "positioning.h"
-
-#include "camera_model.h"
 
 #include <cmath>
 #include <utility>
+
+#include "camera_model.h"
 
 namespace camera {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The service `positioning`: pan, tilt and zoom.
@@ -5,10 +6,10 @@
 #ifndef QUARNSNMP_CAMERA_POSITIONING_H
 #define QUARNSNMP_CAMERA_POSITIONING_H
 
+#include <array>
+
 #include "axis.h"
 #include "service.h"
-
-#include <array>
 
 namespace camera {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The service `presets_tours`: positions that are kept under a number and come back on demand.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The module's one connection to the core library: start, end, and the two handles that every feature uses.

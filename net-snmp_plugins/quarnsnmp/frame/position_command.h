@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The four octets that the position objects carry: mode, speed (signed), and a 16-bit position with its low-order octet

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * What every feature uses to serve objects: the record of a scalar, its registration, and the shared request routines.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The way of a trap from any thread to the agent's own thread, the only one that may use the agent library.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Arithmetic on 32-bit integers that wraps instead of overflowing: what a service answers may be any number.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "zorva_api_exception.h"
 
 #include "core_utils.h"

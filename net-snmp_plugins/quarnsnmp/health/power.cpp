@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Power and voltage: two states, of which a change is sent as a trap.

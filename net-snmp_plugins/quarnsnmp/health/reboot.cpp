@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Remote reboot: writing 1 restarts the camera, any other number is only kept.

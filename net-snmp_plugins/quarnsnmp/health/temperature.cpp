@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The camera's temperature, of which a change by more than two degrees is sent as a trap.

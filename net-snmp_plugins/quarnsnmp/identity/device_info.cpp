@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The camera's identity as vendor scalars. It is read once at start: a new firmware shows when the module is reloaded,

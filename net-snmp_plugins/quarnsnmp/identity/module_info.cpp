@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The camera as the one module of NTCIP 1201's module table. The columns are scalars, as there is but one row; like the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Alarm inputs: a bit map of the first four, and a table of all of them. States are read when they are asked for.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The vendor's tables of alarm inputs and relay outputs: a row for each target of the service, counted from 1, whose

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Relay outputs: a bit map of the first two, a command for any of them, and a table of all of them.

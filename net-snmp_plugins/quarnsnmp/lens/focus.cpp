@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The focus of a motor-driven lens. It also serves the lens feature objects, unless the camera has none of this kind.

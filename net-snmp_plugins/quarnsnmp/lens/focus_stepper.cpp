@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The focus of a lens with a stepper motor. The motor goes to positions only: nothing stops it on its way, and there is

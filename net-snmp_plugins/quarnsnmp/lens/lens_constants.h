@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The range and time-out objects of the lens. The drives have no such settings, so all of them are 0 for ever; a SET of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The lens position objects, of which focus, iris and zoom steppers have one each: a SET of exactly four octets is a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The zoom of a lens with a stepper motor, for cameras whose positioning has no zoom: where it has, its objects are

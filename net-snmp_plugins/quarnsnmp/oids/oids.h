@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Object identifiers, `oid_<objectName>` each. They are stored as they are registered, without the instance. Those of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Commands to one axis of the camera. A call that the service refuses is logged here; managers are not told, as NTCIP

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The objects that move the camera: `positionPan`, `positionTilt` and `positionZoomLens`.

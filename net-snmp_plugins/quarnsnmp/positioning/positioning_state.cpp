@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "positioning_state.h"
 
 #include "core_utils.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * What the objects of pan, tilt and zoom share: the connection to the positioning service and the values that the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The range objects. Pan and tilt limits are read from the service at every request; the others are the module's own.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The time-out objects of continuous moves. The service has one time-out for all axes, so a SET of any of the three

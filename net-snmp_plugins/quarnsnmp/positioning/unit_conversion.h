@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * NTCIP units against the positioning service's: hundredths of a degree against millidegrees, zoom 0 to 65535 against

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Presets: NTCIP numbers them 0 to 255, the camera's service knows them by identifiers of its own. Every command asks

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A module of the tests: a SET of its one object lets another thread hand that many traps to the trap sender while the
 // agent's thread is busy with the SET.
 #include <thread>

@@ -1,14 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parts of the harness that need no agent.
 #include <chrono>
 #include <csignal>
 #include <fstream>
 #include <stdexcept>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "agent.h"
 #include "eventually.h"

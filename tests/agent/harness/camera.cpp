@@ -1,12 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "camera.h"
 
-#include <cstring>
-#include <stdexcept>
-#include <utility>
-
 #include <csignal>
+#include <cstring>
 #include <filesystem>
 #include <iostream>
+#include <stdexcept>
+#include <utility>
 
 #include <sys/socket.h>
 #include <sys/un.h>

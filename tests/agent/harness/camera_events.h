@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * What happens in a simulated camera, and what it holds, as a test sees it.

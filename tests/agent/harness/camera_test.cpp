@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The simulated camera as the harness starts and ends it.
 #include <csignal>
 #include <stdexcept>

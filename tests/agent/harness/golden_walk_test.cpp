@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The comparison with recorded walks: it must see every way in which a walk can differ.
 #include <utility>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * What the kernel tells about a running process. A function throws std::runtime_error when the process is gone or

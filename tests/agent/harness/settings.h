@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Where the programs and libraries of the tests lie: fixed by the build, some of them changeable by the environment.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The receiver of traps: every varbind that is sent must come out as it went in.
 #include <chrono>
 

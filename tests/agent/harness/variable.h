@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * Object identifiers and values, independent of the SNMP library's own types.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * The feature table with nothing but its polls. The real one also names what starts and ends every feature, which the
