@@ -212,20 +212,16 @@ TEST_F(FrameTest, AFailedCallIsNamedAsItIsWritten) {
     core().fail("zorva_api_iris_set_velocity_send", 9);
     void *gApiCookie = nullptr;
     try {
-        // clang-format off
         ZORVA_API_CALL(zorva_api_iris_set_velocity_send( gApiCookie, "iris/1", 0 ,
                                                          1));
-        // clang-format on
         FAIL() << "no exception";
     } catch (const std::exception &error) {
         EXPECT_STREQ(error.what(), "Failed zorva api call: zorva_api_iris_set_velocity_send( gApiCookie, \"iris/1\", "
                                    "0 , 1) (status 9)");
     }
     try {
-        // clang-format off
         ZORVA_API_CALL(zorva_api_iris_set_velocity_send(
             gApiCookie, "iris/1", 0, 1));
-        // clang-format on
         FAIL() << "no exception";
     } catch (const std::exception &error) {
         EXPECT_STREQ(error.what(), "Failed zorva api call: zorva_api_iris_set_velocity_send( gApiCookie, \"iris/1\", "

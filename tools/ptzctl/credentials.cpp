@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "credentials.h"
 
-// clang-format off
 #include <net-snmp/net-snmp-config.h>
 #include <net-snmp/net-snmp-includes.h>
-// clang-format on
 
 #include "failure.h"
 

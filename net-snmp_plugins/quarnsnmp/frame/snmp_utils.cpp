@@ -86,7 +86,7 @@ bool NamesCell(const netsnmp_variable_list &variable, netsnmp_handler_registrati
  * variable, but when the request has others in the table, they go on with it nevertheless, and read beyond the end of
  * its name. As the whole request fails, the other variables need not reach the helpers either.
  */
-int HandOnCells(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+int RejectNonCells(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
                 netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
     bool allNameCells = true;
     if (MODE_IS_SET(reqinfo->mode)) {
@@ -100,9 +100,9 @@ int HandOnCells(netsnmp_mib_handler *handler, netsnmp_handler_registration *regi
     return allNameCells ? netsnmp_call_next_handler(handler, reginfo, reqinfo, requests) : SNMP_ERR_NOERROR;
 }
 
-/** Puts HandOnCells() before the helpers of a registered table. @return whether there was memory for it */
+/** Puts RejectNonCells() before the helpers of a registered table. @return whether there was memory for it */
 bool GuardTable(netsnmp_handler_registration *table) {
-    netsnmp_mib_handler *guard = netsnmp_create_handler("quarnsnmp_cells", HandOnCells);
+    netsnmp_mib_handler *guard = netsnmp_create_handler("quarnsnmp_cells", RejectNonCells);
     if (guard != nullptr && netsnmp_inject_handler(table, guard) == SNMPERR_SUCCESS) {
         return true;
     }

@@ -39,9 +39,10 @@ void LogFailure(const std::exception &failure);
 /**
  * Makes a core-library call and throws ZorvaApiException when its status is not 0.
  *
- * The exception's text holds the call as it is written, with every run of blanks and line breaks as one blank: the
- * argument names show in the camera's log, and a break right after the opening parenthesis shows there as a blank.
- * Operators of the log search for these texts, so such calls keep their layout (clang-format is off around them).
+ * The exception's text holds the call as the source has it, with each run of blanks and line breaks as one blank. The
+ * argument names show in the camera's log, and a line break after the opening parenthesis shows there as a blank.
+ * Operators' log filters match these texts, so such calls keep their layout. clang-format does not touch them, see
+ * WhitespaceSensitiveMacros in .clang-format.
  */
 #define ZORVA_API_CALL(call)                                                                                           \
     do {                                                                                                               \

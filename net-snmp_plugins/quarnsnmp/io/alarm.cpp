@@ -110,12 +110,10 @@ int handle_alarmStates(netsnmp_mib_handler * /*handler*/, netsnmp_handler_regist
     return SNMP_ERR_NOERROR;
 }
 
-// clang-format off
 const snmp_variable kObjects[] = {
     {"alarmStatus", handle_alarmStatus, oid_alarmStatus, OID_LENGTH(oid_alarmStatus), HANDLER_CAN_GETANDGETNEXT},
     {"inputStatus", handle_inputStatus, oid_inputStatus, OID_LENGTH(oid_inputStatus), HANDLER_CAN_GETANDGETNEXT},
 };
-// clang-format on
 
 const Service kService = {"alarm", "no zorva API alarms", "alarm",
                           gAlarms, gAlarmApiCookie,       zorva_api_alarm_initiator_init};

@@ -23,10 +23,8 @@ int32_t gMaxFocusPosition = 0;
 void ReadRange(const char *function) {
     int32_t dummy = 0;
     try {
-        // clang-format off
         ZORVA_API_CALL(zorva_api_lens_focus_get_manual_focus_position_send(gFocusApiCookie,
             gFocuses[kDefaultIndex].c_str(), &dummy, &gMinFocusPosition, &gMaxFocusPosition));
-        // clang-format on
         zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: get_manual_focus_position, current=%d, min=%d, max=%d",
                                function, dummy, gMinFocusPosition, gMaxFocusPosition);
     } catch (const std::exception &failure) {
@@ -70,10 +68,8 @@ void StartAutoFocus() {
 
 bool ReadManualFocus() {
     uint8_t manualMode = 0;
-    // clang-format off
     ZORVA_API_CALL(zorva_api_lens_focus_get_manual_mode_enable_send(
         gFocusApiCookie, gFocuses[kDefaultIndex].c_str(), &manualMode));
-    // clang-format on
     return manualMode != 0;
 }
 
@@ -145,7 +141,7 @@ const lens::LensFeature kFeature = {
 } // namespace
 
 bool InitFocus(void *ipcCookie) {
-    lens::FindTargetsPatiently(kFeature.service);
+    lens::WaitForTargets(kFeature.service);
     const bool started = lens::StartLens(__func__, ipcCookie, kFeature);
     lens::OpenExposure(__func__, ipcCookie, gFeatureSet.exposure);
     return started;

@@ -25,10 +25,8 @@ int32_t gMaxFocusSpeed = 0;
 int32_t gFocusSpeed = 0; // of every move
 
 void ReadLimits() {
-    // clang-format off
     ZORVA_API_CALL(zorva_api_focus_stepper_get_limits_send(gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str(),
         &gMinFocusPosition, &gMaxFocusPosition, &gMinFocusSpeed, &gMaxFocusSpeed));
-    // clang-format on
 }
 
 void ReadRange(const char *function) {
@@ -62,10 +60,8 @@ void StartAutoFocus() {
 
 bool ReadManualFocus() {
     uint8_t manualMode = 0;
-    // clang-format off
     ZORVA_API_CALL(zorva_api_focus_stepper_get_manual_mode_enable_send(
         gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str(), &manualMode));
-    // clang-format on
     return manualMode != 0;
 }
 
@@ -145,7 +141,7 @@ const lens::LensFeature kFeature = {{"focus_stepper", "no zorva API focuses", "f
 } // namespace
 
 bool InitFocusStepper(void *ipcCookie) {
-    lens::FindTargetsPatiently(kFeature.service);
+    lens::WaitForTargets(kFeature.service);
     const bool started = lens::StartLens(__func__, ipcCookie, kFeature);
     lens::OpenExposure(__func__, ipcCookie, gFeatureSet.exposure);
     return started;

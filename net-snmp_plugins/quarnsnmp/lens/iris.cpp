@@ -25,10 +25,8 @@ constexpr int8_t kIrisLimit = 0;
 void ReadRange(const char *function) {
     uint32_t dummy = 0;
     try {
-        // clang-format off
         ZORVA_API_CALL(zorva_api_iris_get_position_send(gApiCookie, gIrises[kDefaultIndex].c_str(), &dummy,
             &gMinIrisPosition, &gMaxIrisPosition));
-        // clang-format on
         zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: get_iris_position, current=%d, min=%d, max=%d", function,
                                static_cast<int>(dummy), static_cast<int>(gMinIrisPosition),
                                static_cast<int>(gMaxIrisPosition));
@@ -114,7 +112,7 @@ const lens::LensFeature kFeature = {
 } // namespace
 
 bool InitIris(void *ipcCookie) {
-    lens::FindTargetsPatiently(kFeature.service);
+    lens::WaitForTargets(kFeature.service);
     return lens::StartLens(__func__, ipcCookie, kFeature);
 }
 

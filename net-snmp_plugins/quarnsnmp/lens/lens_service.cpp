@@ -15,7 +15,7 @@ constexpr unsigned int kSecondsBetween = 2;
 
 } // namespace
 
-void FindTargetsPatiently(const Service &service) {
+void WaitForTargets(const Service &service) {
     service.cookie = nullptr; // closed when the feature ended
     service.targets.clear();
     bool found = zorva::core::getTargetIds(service.name, service.targets);

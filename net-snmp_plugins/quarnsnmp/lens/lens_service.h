@@ -24,7 +24,7 @@ struct LensFeature {
  * Finds a service's targets. A lens homes at power-up and its service comes late, so a service that is not there is
  * waited for: at most 6 discoveries, 2 seconds apart. It blocks for as long.
  */
-void FindTargetsPatiently(const Service &service);
+void WaitForTargets(const Service &service);
 
 /**
  * Opens the service of a feature whose targets are known, reads its range and registers its objects.

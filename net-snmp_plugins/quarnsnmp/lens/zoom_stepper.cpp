@@ -24,10 +24,8 @@ int32_t gMinZoomSpeed = 0;
 int32_t gMaxZoomSpeed = 0; // of every move
 
 void ReadLimits() {
-    // clang-format off
     ZORVA_API_CALL(zorva_api_zoom_stepper_get_limits_send(gApiCookie, gZoomSteppers[kDefaultIndex].c_str(),
         &gMinZoomPosition, &gMaxZoomPosition, &gMinZoomSpeed, &gMaxZoomSpeed));
-    // clang-format on
 }
 
 void ReadRange(const char *function) {

@@ -68,10 +68,8 @@ AxisValues ReadNtcipPosition(const char *function) {
     int32_t panFUZZMillidegrees = 0;
     int32_t tiltFUZZMillidegrees = 0;
     int32_t zoomFUZZDeciX = 0;
-    // clang-format off
     ZORVA_API_CALL(zorva_api_positioning_get_position_send(gApiCookie, gPositionings[kDefaultIndex].c_str(),
         &panFUZZMillidegrees, &tiltFUZZMillidegrees, &zoomFUZZDeciX));
-    // clang-format on
     zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: get_position FUZZ, %d=pan,%d=tilt,%d=zoom", function,
                            panFUZZMillidegrees, tiltFUZZMillidegrees, zoomFUZZDeciX);
     const AxisValues ntcip = {convertZorvaToNTCIPPan(panFUZZMillidegrees),
@@ -83,10 +81,8 @@ AxisValues ReadNtcipPosition(const char *function) {
 
 /** Lets any velocity limits of the user go and reads where the camera is, as every move to a position starts. */
 AxisValues PrepareMove(const char *function) {
-    // clang-format off
     ZORVA_API_CALL(zorva_api_positioning_clear_velocity_limits_send(gApiCookie, gPositionings[kDefaultIndex].c_str(),
         1, 1, 1));
-    // clang-format on
     return ReadNtcipPosition(function);
 }
 
@@ -109,13 +105,11 @@ void MoveToPosition(const char *function, Axis axis, signed char speed, int ntci
     const bool isZoomEnabled = axis == kZoomAxis;
     const auto [newFUZZPanPosition, newFUZZTiltPosition, newFUZZZoomPosition] = position;
     const auto [panSpeedPercentage, tiltSpeedPercentage, zoomSpeedPercentage] = fraction;
-    // clang-format off
     ZORVA_API_CALL(zorva_api_positioning_move_to_position_with_speed_percentage_send(
         gApiCookie, gPositionings[kDefaultIndex].c_str(),
         isPanEnabled, newFUZZPanPosition, panSpeedPercentage,
         isTiltEnabled, newFUZZTiltPosition, tiltSpeedPercentage,
         isZoomEnabled, newFUZZZoomPosition, zoomSpeedPercentage, kPositioningPriorityLow));
-    // clang-format on
 }
 
 /** Where a delta move ends, in NTCIP units: the speed's sign says which way a positive delta goes. */
@@ -138,7 +132,6 @@ void SendVelocity(const char *function, Axis axis, int velocity, uint32_t timeou
     const int tiltFuzzSpeed = isTiltEnabled ? velocity : 0;
     const int zoomFuzzSpeed = isZoomEnabled ? velocity : 0;
     try {
-        // clang-format off
         if (timeout != 0) {
             ZORVA_API_CALL(zorva_api_positioning_set_velocity_with_timeout_send(
                 gApiCookie, gPositionings[kDefaultIndex].c_str(), isPanEnabled, panFuzzSpeed, isTiltEnabled,
@@ -148,7 +141,6 @@ void SendVelocity(const char *function, Axis axis, int velocity, uint32_t timeou
                 gApiCookie, gPositionings[kDefaultIndex].c_str(), isPanEnabled, panFuzzSpeed , isTiltEnabled,
                 tiltFuzzSpeed, isZoomEnabled, zoomFuzzSpeed, kPositioningPriorityLow, 0xFFFFFFFF));
         }
-        // clang-format on
     } catch (const std::exception &failure) {
         if (timeout != 0) {
             zorva_core_logging_log(
@@ -178,10 +170,8 @@ void stopMovement(Axis axis) {
     const bool isTiltEnabled = axis == kTiltAxis;
     const bool isZoomEnabled = axis == kZoomAxis;
     try {
-        // clang-format off
         ZORVA_API_CALL(zorva_api_positioning_set_velocity_send(gApiCookie, gPositionings[kDefaultIndex].c_str(),
             isPanEnabled, 0, isTiltEnabled, 0, isZoomEnabled, 0, kPositioningPriorityLow));
-        // clang-format on
     } catch (const std::exception &failure) {
         LogFailure(failure);
     }

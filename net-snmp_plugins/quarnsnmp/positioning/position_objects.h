@@ -28,12 +28,7 @@ extern PositionOctets gNewZoomPosition;
 /** Forgets the values, so that the first request reads the position anew. */
 void ResetPositionObjects();
 
-int handle_positionPan(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                       netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
-int handle_positionTilt(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                        netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
-int handle_positionZoomLens(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                            netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
+Netsnmp_Node_Handler handle_positionPan, handle_positionTilt, handle_positionZoomLens;
 
 } // namespace positioning
 

@@ -49,10 +49,8 @@ const Service kService = {"positioning", "no zorva API positionings",         "p
 void ReadTimeout(const char *function) {
     const uint32_t before = gLastPanTimeout;
     try {
-        // clang-format off
         ZORVA_API_CALL(zorva_api_positioning_get_velocity_command_timeout_send(gApiCookie,
             gPositionings[kDefaultIndex].c_str(), &gLastPanTimeout));
-        // clang-format on
         zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: get_velocity_command_timeout, %d milliseconds", function,
                                static_cast<int>(gLastPanTimeout));
     } catch (const std::exception &failure) {

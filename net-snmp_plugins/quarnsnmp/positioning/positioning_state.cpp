@@ -26,13 +26,11 @@ PositionLimits ReadSoftPositionLimits() {
     uint8_t ptzEnableZoomEnable = 0;
     int32_t ptzPositionLimitsZoomMinDeciX = 0;
     int32_t ptzPositionLimitsZoomMaxDeciX = 0;
-    // clang-format off
     ZORVA_API_CALL(zorva_api_positioning_get_soft_position_limits_send(gApiCookie,
         gPositionings[kDefaultIndex].c_str(),
         &ptzEnablePanEnable, &ptzPositionLimitsPanMinMillidegrees, &ptzPositionLimitsPanMaxMillidegrees,
         &ptzEnableTiltEnable, &ptzPositionLimitsTiltMinMillidegrees, &ptzPositionLimitsTiltMaxMillidegrees,
         &ptzEnableZoomEnable, &ptzPositionLimitsZoomMinDeciX, &ptzPositionLimitsZoomMaxDeciX));
-    // clang-format on
     return {ptzEnablePanEnable != 0,  ptzPositionLimitsPanMinMillidegrees,  ptzPositionLimitsPanMaxMillidegrees,
             ptzEnableTiltEnable != 0, ptzPositionLimitsTiltMinMillidegrees, ptzPositionLimitsTiltMaxMillidegrees,
             ptzEnableZoomEnable != 0, ptzPositionLimitsZoomMinDeciX,        ptzPositionLimitsZoomMaxDeciX};

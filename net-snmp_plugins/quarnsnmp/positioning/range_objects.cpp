@@ -109,13 +109,11 @@ TiltRange ReadImplementationTiltRange() {
     int32_t ptzPositionLimitsTiltMaxMillidegrees = 0;
     int32_t ptzPositionLimitsZoomMinDeciX = 0;
     int32_t ptzPositionLimitsZoomMaxDeciX = 0;
-    // clang-format off
     ZORVA_API_CALL(zorva_api_positioning_get_implementation_position_limits_send(
         gApiCookie, gPositionings[kDefaultIndex].c_str(),
         &ptzPositionLimitsPanMinMillidegrees, &ptzPositionLimitsPanMaxMillidegrees,
         &ptzPositionLimitsTiltMinMillidegrees, &ptzPositionLimitsTiltMaxMillidegrees,
         &ptzPositionLimitsZoomMinDeciX, &ptzPositionLimitsZoomMaxDeciX));
-    // clang-format on
     return {ptzPositionLimitsTiltMinMillidegrees, ptzPositionLimitsTiltMaxMillidegrees};
 }
 

@@ -28,24 +28,9 @@ extern int16_t gTiltDownLimit;
 /** Sets all of these values as they are before the first request. */
 void ResetRangeObjects();
 
-int handle_rangePanLeftLimit(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                             netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
-int handle_rangePanRightLimit(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                              netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
-int handle_rangePanHomePosition(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                                netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
-int handle_rangeTrueNorthOffset(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                                netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
-int handle_rangeMinimumPanStepAngle(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                                    netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
-int handle_rangeMinimumTiltStepAngle(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                                     netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
-int handle_rangeTiltUpLimit(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                            netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
-int handle_rangeTiltDownLimit(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                              netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
-int handle_rangeZoomLimit(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                          netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
+Netsnmp_Node_Handler handle_rangePanLeftLimit, handle_rangePanRightLimit, handle_rangePanHomePosition,
+    handle_rangeTrueNorthOffset, handle_rangeMinimumPanStepAngle, handle_rangeMinimumTiltStepAngle,
+    handle_rangeTiltUpLimit, handle_rangeTiltDownLimit, handle_rangeZoomLimit;
 
 } // namespace positioning
 

@@ -16,12 +16,7 @@ extern uint16_t gNewPanTimeout;
 extern uint16_t gNewTiltTimeout;
 extern uint16_t gNewZoomTimeout;
 
-int handle_timeoutPan(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                      netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
-int handle_timeoutTilt(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                       netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
-int handle_timeoutZoom(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                       netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
+Netsnmp_Node_Handler handle_timeoutPan, handle_timeoutTilt, handle_timeoutZoom;
 
 } // namespace positioning
 

@@ -41,11 +41,9 @@ int32_t ReadOpticalMaximum(int32_t softMinimum) {
     int32_t ptzPositionLimitsZoomMaxDeciX = 0;
     int32_t ptzPositionLimitsZoomDigitalMaxDeciX = 0;
     int32_t ptzPositionLimitsZoomCombinedMaxDeciX = 0;
-    // clang-format off
     ZORVA_API_CALL(zorva_api_positioning_get_max_optical_and_digital_zoom_send(
         gApiCookie, gPositionings[kDefaultIndex].c_str(),
         &ptzPositionLimitsZoomMaxDeciX, &ptzPositionLimitsZoomDigitalMaxDeciX, &ptzPositionLimitsZoomCombinedMaxDeciX));
-    // clang-format on
     // The first number is what operators' log filters know, though it is not the optical maximum.
     zorva_core_logging_log(GetLogCookie(), kLogNotice, "%s: get_max_optical_and_digital_zoom optical/digital=(%d,%d)",
                            "convertNTCIPToZorvaZoom", softMinimum, ptzPositionLimitsZoomDigitalMaxDeciX);
@@ -54,10 +52,8 @@ int32_t ReadOpticalMaximum(int32_t softMinimum) {
 
 bool ReadDigitalZoomEnable() {
     uint8_t isDigitalZoomEnabled = 0;
-    // clang-format off
     ZORVA_API_CALL(zorva_api_positioning_get_digital_zoom_enable_send(gApiCookie, gPositionings[kDefaultIndex].c_str(),
         &isDigitalZoomEnabled));
-    // clang-format on
     return isDigitalZoomEnabled != 0;
 }
 
@@ -93,14 +89,14 @@ std::optional<VelocityLimits> ApplySoftVelocityLimits(unsigned int maxPanSpeed) 
     const auto tiltMax = static_cast<int32_t>(maxPanSpeed / 2);
     bool known = false;
     try {
-        // clang-format off
         ZORVA_API_CALL(zorva_api_positioning_get_soft_velocity_limits_send(
             gApiCookie, gPositionings[kDefaultIndex].c_str(),
             &ptzEnablePanEnable, &ptz_velocity_limits_pan_min_millidegrees, &ptz_velocity_limits_pan_max_millidegrees,
             &ptzEnableTiltEnable, &ptz_velocity_limits_tilt_min_millidegrees, &ptz_velocity_limits_tilt_max_millidegrees,
             &ptzEnableZoomEnable, &ptz_velocity_limits_zoom_min_deciX, &ptz_velocity_limits_zoom_max_deciX));
         known = true;
-        if (ptz_velocity_limits_pan_max_millidegrees != panMax || ptz_velocity_limits_tilt_max_millidegrees != tiltMax) {
+        if (ptz_velocity_limits_pan_max_millidegrees != panMax ||
+            ptz_velocity_limits_tilt_max_millidegrees != tiltMax) {
             ptz_velocity_limits_pan_max_millidegrees = panMax;
             ptz_velocity_limits_tilt_max_millidegrees = tiltMax;
             ZORVA_API_CALL(zorva_api_positioning_set_soft_velocity_limits_send(gApiCookie,
@@ -109,7 +105,6 @@ std::optional<VelocityLimits> ApplySoftVelocityLimits(unsigned int maxPanSpeed) 
                 1, ptz_velocity_limits_tilt_min_millidegrees, ptz_velocity_limits_tilt_max_millidegrees,
                 1, ptz_velocity_limits_zoom_min_deciX, ptz_velocity_limits_zoom_max_deciX));
         }
-        // clang-format on
     } catch (const std::exception &failure) {
         LogFailure(failure);
     }
@@ -130,13 +125,11 @@ std::optional<VelocityLimits> ReadImplementationVelocityLimits() {
     int32_t ptz_velocity_limits_zoom_min_deciX = 0;
     int32_t ptz_velocity_limits_zoom_max_deciX = 0;
     try {
-        // clang-format off
         ZORVA_API_CALL(zorva_api_positioning_get_implementation_velocity_limits_send(
             gApiCookie, gPositionings[kDefaultIndex].c_str(),
             &ptz_velocity_limits_pan_min_millidegrees, &ptz_velocity_limits_pan_max_millidegrees,
             &ptz_velocity_limits_tilt_min_millidegrees, &ptz_velocity_limits_tilt_max_millidegrees,
             &ptz_velocity_limits_zoom_min_deciX, &ptz_velocity_limits_zoom_max_deciX));
-        // clang-format on
     } catch (const std::exception &failure) {
         LogFailure(failure);
         return std::nullopt;

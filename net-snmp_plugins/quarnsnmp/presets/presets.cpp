@@ -52,20 +52,16 @@ bool IsEmpty(const PresetId &id) {
 /** The identifier that the service has for newGoToPresetNumber. @throws zorva::core::ZorvaApiException */
 PresetId FindGoToPreset() {
     char *preset_id = nullptr;
-    // clang-format off
     ZORVA_API_CALL(zorva_api_presets_tours_get_preset_id_for_quarnapi_id_send(gApiCookie,
         gPresets[kDefaultIndex].c_str(), newGoToPresetNumber, &preset_id));
-    // clang-format on
     return PresetId(preset_id);
 }
 
 /** The identifier that the service has for newStorePresetNumber. @throws zorva::core::ZorvaApiException */
 PresetId FindStorePreset() {
     char *preset_id = nullptr;
-    // clang-format off
     ZORVA_API_CALL(zorva_api_presets_tours_get_preset_id_for_quarnapi_id_send(gApiCookie,
         gPresets[kDefaultIndex].c_str(), newStorePresetNumber, &preset_id));
-    // clang-format on
     return PresetId(preset_id);
 }
 
@@ -76,10 +72,8 @@ void GoToPreset(const char *function) {
         return;
     }
     const char *preset_id = id.get();
-    // clang-format off
     ZORVA_API_CALL(zorva_api_presets_tours_move_to_preset_send(gApiCookie, gPresets[kDefaultIndex].c_str(),
         preset_id, 1.0, kPresetsToursPriorityNormal, 1));
-    // clang-format on
     zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: move_to_preset_by_number, %d ", function,
                            newGoToPresetNumber);
 }
@@ -108,10 +102,8 @@ void StorePreset(const char *function) {
     const char *preset_id = id.get();
     const std::string preset_name =
         "Preset " + boost::lexical_cast<std::string>(static_cast<uint32_t>(newStorePresetNumber));
-    // clang-format off
     ZORVA_API_CALL(zorva_api_presets_tours_set_preset_with_current_position_send(gApiCookie,
         gPresets[kDefaultIndex].c_str(), preset_id, preset_name.c_str(), newStorePresetNumber, 1));
-    // clang-format on
     zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: set_preset_with_current_position for preset %d ", function,
                            newStorePresetNumber);
 }
@@ -194,10 +186,8 @@ uint32_t ReadMaximum(const char *function) {
     uint32_t maxPresets = 0;
     try {
         if (gApiCookie != nullptr) {
-            // clang-format off
             ZORVA_API_CALL(zorva_api_presets_tours_get_max_presets_send(
                 gApiCookie, gPresets[kDefaultIndex].c_str(), &maxPresets));
-            // clang-format on
         }
     } catch (const std::exception &failure) {
         LogFailure(failure);
