@@ -3,22 +3,23 @@
  * @file
  * Interface of the camera's core library, `libzorva-core.so`.
  *
- * This header is the only declaration of that interface. The module calls it; the stand-in library that drives the
- * simulated camera and the scripted library of the unit tests implement it. Any library with the SONAME
- * `libzorva-core.so` that has these symbols can take their place, so a change here is a change of ABI.
+ * This header is the only declaration of the interface. The module calls it. The stand-in library, which drives the
+ * simulated camera, and the scripted library of the unit tests implement it. Any library with the SONAME
+ * `libzorva-core.so` and these symbols can replace them, so a change here is an ABI change.
  *
- * Conventions, unless a function says otherwise:
- *  - Every call returns a zorva_core_status: 0 is success, anything else is a failure that
- *    zorva::core::statusToString() names. After a failure the outputs hold nothing defined: initialise them before
- *    the call and do not read them after a failed one.
- *  - A cookie is an opaque handle that an init call fills and the matching deinit call ends. It is never dereferenced.
- *  - A target names one instance of a service, as getTargetIds() lists it. It is a NUL-terminated text, owned by the
- *    caller, and need not outlive the call.
- *  - A flag is a uint8_t: 0 is off, anything else is on.
- *  - A text output (`char **`) is allocated by the library with malloc() and freed by the caller with free(); it may be
- *    null.
- *  - Calls may come from two threads at a time. A call may block for as long as its service takes to answer, and fails
- *    when the service is gone.
+ * Conventions, unless a function states otherwise:
+ *  - Every call returns a zorva_core_status: 0 on success, any other value on failure. zorva::core::statusToString()
+ *    describes it. Outputs are undefined after a failure: initialise them before the call, and do not read them after
+ *    a failed one.
+ *  - A cookie is an opaque handle, created by an init call and released by the matching deinit call. It is never
+ *    dereferenced.
+ *  - A target identifies one instance of a service, as listed by getTargetIds(). It is a NUL-terminated string, owned
+ *    by the caller, and used only during the call.
+ *  - A flag is a uint8_t: 0 is off, any other value is on.
+ *  - A text output (`char **`) is allocated by the library with malloc() and released by the caller with free(). It may
+ *    be null.
+ *  - Calls may come from two threads at a time. A call may block until its service responds, and fails when the service
+ *    is gone.
  *
  * Units: "millidegrees" are thousandths of a degree; zoom positions in "deciX" are tenths of a magnification step;
  * velocities are per second.
@@ -34,7 +35,7 @@
 #define ZORVA_CORE_PRINTF(formatIndex, firstArgument)
 #endif
 
-/** Outcome of a call: 0 is success. */
+/** Result of a call; 0 is success. */
 typedef int32_t zorva_core_status;
 
 #ifdef __cplusplus
@@ -43,16 +44,16 @@ extern "C" {
 
 /* ---- Connection and logging ---- */
 
-/** Starts the library. Every other call needs it. */
+/** Starts the library; required before any other call. */
 zorva_core_status zorva_core_init(void);
 
-/** Ends what zorva_core_init() started. Handles that are still open become invalid. */
+/** Ends the use of the library started by zorva_core_init(). Open handles become invalid. */
 zorva_core_status zorva_core_deinit(void);
 
 /**
  * Opens a logging context.
- * @param name       text that marks the lines of this context; copied
- * @param logCookie  output: the handle, ended with zorva_core_logging_deinit()
+ * @param name       name in the lines of this context; copied
+ * @param logCookie  output: the handle, released with zorva_core_logging_deinit()
  */
 zorva_core_status zorva_core_logging_init(const char *name, void **logCookie);
 
@@ -61,17 +62,17 @@ zorva_core_status zorva_core_logging_deinit(void *logCookie);
 
 /**
  * Writes one log line.
- * @param logCookie  handle of the logging context; a null or closed one drops the line
+ * @param logCookie  handle of the logging context; with a null or closed handle the line is dropped
  * @param level      syslog severity: 3 error, 5 notice, 6 info, 7 debug
- * @param format     printf format without a trailing newline, followed by its arguments
+ * @param format     printf format without a trailing newline, followed by the arguments
  */
 void zorva_core_logging_log(void *logCookie, int level, const char *format, ...) ZORVA_CORE_PRINTF(3, 4);
 
 /**
- * Opens the inter-process communication that the service initiators use.
- * @param logCookie  logging context for what the communication itself has to say
+ * Opens the inter-process communication used by the service initiators.
+ * @param logCookie  logging context for messages about the communication itself
  * @param reserved   null
- * @param ipcCookie  output: the handle, ended with zorva_core_ipc_deinit()
+ * @param ipcCookie  output: the handle, released with zorva_core_ipc_deinit()
  */
 zorva_core_status zorva_core_ipc_initiator_init(void *logCookie, void *reserved, void **ipcCookie);
 
@@ -81,11 +82,10 @@ zorva_core_status zorva_core_ipc_deinit(void *ipcCookie);
 /* ---- Service initiators ---- */
 
 /**
- * Declares the pair that opens and closes the client side of one service.
+ * Declares the functions that open and close the client side of a service.
  *
- * `initiator_init` takes the handles of zorva_core_ipc_initiator_init() and zorva_core_logging_init(), writes the
- * service's handle to `apiCookie`, and takes 0 and null for the two reserved arguments. `initiator_deinit` ends that
- * handle.
+ * `initiator_init` takes the handles from zorva_core_ipc_initiator_init() and zorva_core_logging_init(), and 0 and null
+ * for the two reserved arguments. It writes the service's handle to `apiCookie`; `initiator_deinit` releases it.
  */
 #define ZORVA_DECLARE_INITIATOR(service)                                                                               \
     zorva_core_status zorva_api_##service##_initiator_init(void *ipcCookie, void *logCookie, void **apiCookie,         \
@@ -108,18 +108,18 @@ ZORVA_DECLARE_INITIATOR(zoom_stepper);
 
 /* ---- alarm: discrete inputs, one target per input ---- */
 
-/** Reads the input's state: 0 inactive, 1 active; other values are the service's own. */
+/** Gets the state of the input: 0 inactive, 1 active; other values are service-specific. */
 zorva_core_status zorva_api_alarm_get_state_send(void *cookie, const char *target, int32_t *state);
 
 /* ---- device_information ---- */
 
 /**
- * Reads what does not change while the camera runs.
+ * Gets the properties that do not change while the camera runs.
  * @param t1    output: model name
  * @param t2    output: firmware version
  * @param t3    output: hardware version
  * @param t4    output: serial number
- * @param t5,t6,t7,t8,flag  outputs: further texts and a flag that only the library's maker defines
+ * @param t5,t6,t7,t8,flag  outputs: further texts and a flag, vendor-specific
  */
 zorva_core_status zorva_api_device_information_get_static_information_send(void *cookie, const char *target, char **t1,
                                                                            char **t2, char **t3, char **t4, char **t5,
@@ -128,71 +128,71 @@ zorva_core_status zorva_api_device_information_get_static_information_send(void 
 
 /* ---- device_management ---- */
 
-/** Restarts the camera. @param kind 2 is the ordinary restart */
+/** Restarts the camera. @param kind 2 is the normal restart */
 zorva_core_status zorva_api_device_management_reboot_send(void *cookie, const char *target, int32_t kind);
 
-/* ---- exposure: who drives the iris ---- */
+/* ---- exposure: manual or automatic control of the iris ---- */
 
-/** Reads whether the exposure is manual (on) or automatic (off). */
+/** Gets the exposure mode: manual (on) or automatic (off). */
 zorva_core_status zorva_api_exposure_get_manual_mode_enable_send(void *cookie, const char *target, uint8_t *manualMode);
 
-/** Makes the exposure manual (1) or automatic (0). */
+/** Sets the exposure mode: manual (1) or automatic (0). */
 zorva_core_status zorva_api_exposure_set_manual_mode_enable_send(void *cookie, const char *target, uint8_t enable);
 
-/* ---- focus_stepper: focus driven by a stepper motor, positions in steps, speeds in steps per second ---- */
+/* ---- focus_stepper: focus with a stepper motor, positions in steps, speeds in steps per second ---- */
 
-/** Reads the range of positions and of speeds. */
+/** Gets the ranges of position and speed. */
 zorva_core_status zorva_api_focus_stepper_get_limits_send(void *cookie, const char *target, int32_t *minPosition,
                                                           int32_t *maxPosition, int32_t *minSpeed, int32_t *maxSpeed);
 
-/** Reads whether the focus is manual (on) or automatic (off). */
+/** Gets the focus mode: manual (on) or automatic (off). */
 zorva_core_status zorva_api_focus_stepper_get_manual_mode_enable_send(void *cookie, const char *target,
                                                                       uint8_t *manualMode);
 
-/** Reads the position. @param second output: a second position that only the library's maker defines */
+/** Gets the position. @param second output: a second position, vendor-specific */
 zorva_core_status zorva_api_focus_stepper_get_position_send(void *cookie, const char *target, int32_t *current,
                                                             int32_t *second);
 
-/** Makes the focus manual (1) or automatic (0). */
+/** Sets the focus mode: manual (1) or automatic (0). */
 zorva_core_status zorva_api_focus_stepper_set_manual_mode_enable_send(void *cookie, const char *target, uint8_t enable);
 
-/** Starts a move to a position at a speed; returns before it ends. */
+/** Starts a move to a position at a speed; returns before the move ends. */
 zorva_core_status zorva_api_focus_stepper_set_position_send(void *cookie, const char *target, int32_t position,
                                                             int32_t speed);
 
-/** Starts one short automatic focus run; returns before it ends. */
+/** Starts one short automatic focus run; returns before the run ends. */
 zorva_core_status zorva_api_focus_stepper_start_quick_auto_focus_send(void *cookie, const char *target);
 
 /* ---- iris: positions in device units ---- */
 
-/** Reads the position and its range. */
+/** Gets the position and its range. */
 zorva_core_status zorva_api_iris_get_position_send(void *cookie, const char *target, uint32_t *current, uint32_t *min,
                                                    uint32_t *max);
 
-/** Starts a move to a position; returns before it ends. */
+/** Starts a move to a position; returns before the move ends. */
 zorva_core_status zorva_api_iris_set_position_send(void *cookie, const char *target, uint32_t position);
 
-/** Moves or halts the iris. @param direction 0 or 1, the two ways @param run 1 moves, 0 halts */
+/** Moves or halts the iris. @param direction 0 or 1, one for each way @param run 1 moves, 0 halts */
 zorva_core_status zorva_api_iris_set_velocity_send(void *cookie, const char *target, int32_t direction, int32_t run);
 
-/* ---- lens_focus: focus driven by a direct-current motor, positions in device units ---- */
+/* ---- lens_focus: focus with a direct-current motor, positions in device units ---- */
 
-/** Starts one automatic focus run; returns before it ends. */
+/** Starts one automatic focus run; returns before the run ends. */
 zorva_core_status zorva_api_lens_focus_do_auto_focus_send(void *cookie, const char *target);
 
-/** Reads the position and its range. */
+/** Gets the position and its range. */
 zorva_core_status zorva_api_lens_focus_get_manual_focus_position_send(void *cookie, const char *target,
                                                                       int32_t *current, int32_t *min, int32_t *max);
 
-/** Reads whether the focus is manual (on) or automatic (off). */
+/** Gets the focus mode: manual (on) or automatic (off). */
 zorva_core_status zorva_api_lens_focus_get_manual_mode_enable_send(void *cookie, const char *target,
                                                                    uint8_t *manualMode);
 
-/** Starts a move to a position; returns before it ends. */
+/** Starts a move to a position; returns before the move ends. */
 zorva_core_status zorva_api_lens_focus_set_manual_focus_position_send(void *cookie, const char *target,
                                                                       int32_t position);
 
-/** Makes the focus manual (1) or automatic (0). */
+/** Sets the focus mode: manual (1) or automatic (0). */
 zorva_core_status zorva_api_lens_focus_set_manual_mode_enable_send(void *cookie, const char *target, uint8_t enable);
 
 /** Moves or halts the focus. @param direction 0 far, 1 near @param run 1 moves, 0 halts */
@@ -201,54 +201,54 @@ zorva_core_status zorva_api_lens_focus_set_velocity_send(void *cookie, const cha
 
 /* ---- positioning: pan and tilt in millidegrees (tilt positive upwards), zoom in deciX ---- */
 
-/** Ends the soft velocity limits of the axes whose flag is on. */
+/** Clears the soft velocity limits of the axes whose flag is on. */
 zorva_core_status zorva_api_positioning_clear_velocity_limits_send(void *cookie, const char *target, uint8_t pan,
                                                                    uint8_t tilt, uint8_t zoom);
 
-/** Reads whether zooming goes on digitally beyond the optical range. */
+/** Gets the state of digital zoom: on when zooming continues beyond the optical range. */
 zorva_core_status zorva_api_positioning_get_digital_zoom_enable_send(void *cookie, const char *target,
                                                                      uint8_t *isEnabled);
 
-/** Reads the positions that the mechanics can reach. */
+/** Gets the mechanical position limits. */
 zorva_core_status zorva_api_positioning_get_implementation_position_limits_send(void *cookie, const char *target,
                                                                                 int32_t *panMin, int32_t *panMax,
                                                                                 int32_t *tiltMin, int32_t *tiltMax,
                                                                                 int32_t *zoomMin, int32_t *zoomMax);
 
-/** Reads the velocities that the mechanics can reach, in millidegrees or deciX per second. */
+/** Gets the mechanical velocity limits, in millidegrees or deciX per second. */
 zorva_core_status zorva_api_positioning_get_implementation_velocity_limits_send(void *cookie, const char *target,
                                                                                 int32_t *panMin, int32_t *panMax,
                                                                                 int32_t *tiltMin, int32_t *tiltMax,
                                                                                 int32_t *zoomMin, int32_t *zoomMax);
 
-/** Reads the ends of the optical, the digital and the combined zoom range. */
+/** Gets the upper ends of the optical, the digital and the combined zoom range. */
 zorva_core_status zorva_api_positioning_get_max_optical_and_digital_zoom_send(void *cookie, const char *target,
                                                                               int32_t *opticalMax, int32_t *digitalMax,
                                                                               int32_t *combinedMax);
 
-/** Reads the position of all axes. */
+/** Gets the position of all axes. */
 zorva_core_status zorva_api_positioning_get_position_send(void *cookie, const char *target, int32_t *pan, int32_t *tilt,
                                                           int32_t *zoom);
 
-/** Reads the position limits set by the user, with a flag per axis that says whether they are in force. */
+/** Gets the position limits set by the user; the flag of an axis is on while its limits are in force. */
 zorva_core_status zorva_api_positioning_get_soft_position_limits_send(
     void *cookie, const char *target, uint8_t *panEnable, int32_t *panMin, int32_t *panMax, uint8_t *tiltEnable,
     int32_t *tiltMin, int32_t *tiltMax, uint8_t *zoomEnable, int32_t *zoomMin, int32_t *zoomMax);
 
-/** Reads the velocity limits set by the user, with a flag per axis that says whether they are in force. */
+/** Gets the velocity limits set by the user; the flag of an axis is on while its limits are in force. */
 zorva_core_status zorva_api_positioning_get_soft_velocity_limits_send(
     void *cookie, const char *target, uint8_t *panEnable, int32_t *panMin, int32_t *panMax, uint8_t *tiltEnable,
     int32_t *tiltMin, int32_t *tiltMax, uint8_t *zoomEnable, int32_t *zoomMin, int32_t *zoomMax);
 
-/** Reads how long a velocity command lasts without a new one; 0 is for ever. */
+/** Gets the time-out of a velocity command that is not renewed; 0 is unlimited. */
 zorva_core_status zorva_api_positioning_get_velocity_command_timeout_send(void *cookie, const char *target,
                                                                           uint32_t *milliseconds);
 
 /**
- * Starts a move of the enabled axes to a position; returns before it ends.
- * @param panFraction,tiltFraction,zoomFraction  speed as a fraction of the axis's range of velocities, 0.0 to 1.0; more
- *                                               is as fast as the axis can go
- * @param priority  the lower the number, the more urgent; what that means against other clients is the service's matter
+ * Starts a move of the enabled axes to a position; returns before the move ends.
+ * @param panFraction,tiltFraction,zoomFraction  speed as a fraction of the axis's velocity range, 0.0 to 1.0; a higher
+ *                                               value selects full speed
+ * @param priority  lower numbers are more urgent; the service decides between clients
  */
 zorva_core_status zorva_api_positioning_move_to_position_with_speed_percentage_send(
     void *cookie, const char *target, uint8_t panEnable, int32_t pan, double panFraction, uint8_t tiltEnable,
@@ -261,16 +261,16 @@ zorva_core_status zorva_api_positioning_set_soft_velocity_limits_send(void *cook
                                                                       int32_t tiltMax, uint8_t zoomEnable,
                                                                       int32_t zoomMin, int32_t zoomMax);
 
-/** Sets how long a velocity command lasts without a new one, on all axes; 0 is for ever. */
+/** Sets the time-out of a velocity command that is not renewed, for all axes; 0 is unlimited. */
 zorva_core_status zorva_api_positioning_set_velocity_command_timeout_send(void *cookie, const char *target,
                                                                           uint32_t milliseconds);
 
-/** Moves the enabled axes at a velocity (0 halts), for as long as the velocity command time-out says. */
+/** Moves the enabled axes at a velocity (0 halts) until the velocity command time-out expires. */
 zorva_core_status zorva_api_positioning_set_velocity_send(void *cookie, const char *target, uint8_t panEnable,
                                                           int32_t pan, uint8_t tiltEnable, int32_t tilt,
                                                           uint8_t zoomEnable, int32_t zoom, int32_t priority);
 
-/** As set_velocity, with a time-out of its own; 0xFFFFFFFF is for ever. */
+/** Like set_velocity, with a time-out for this command; 0xFFFFFFFF is unlimited. */
 zorva_core_status zorva_api_positioning_set_velocity_with_timeout_send(void *cookie, const char *target,
                                                                        uint8_t panEnable, int32_t pan,
                                                                        uint8_t tiltEnable, int32_t tilt,
@@ -279,18 +279,18 @@ zorva_core_status zorva_api_positioning_set_velocity_with_timeout_send(void *coo
 
 /* ---- power ---- */
 
-/** Reads the state of the power supply; the service defines the numbers. */
+/** Gets the state of the power supply; the values are service-specific. */
 zorva_core_status zorva_api_power_get_power_state_send(void *cookie, const char *target, uint8_t *state);
 
-/** Reads the state of the supply voltage; the service defines the numbers. */
+/** Gets the state of the supply voltage; the values are service-specific. */
 zorva_core_status zorva_api_power_get_voltage_state_send(void *cookie, const char *target, uint8_t *state);
 
 /* ---- presets_tours ---- */
 
-/** Reads how many presets the camera can hold. */
+/** Gets the maximum number of presets. */
 zorva_core_status zorva_api_presets_tours_get_max_presets_send(void *cookie, const char *target, uint32_t *maxPresets);
 
-/** Finds the preset of a number. @param presetId output: its identifier, empty when there is none */
+/** Finds a preset by its number. @param presetId output: its identifier, empty when the preset does not exist */
 zorva_core_status zorva_api_presets_tours_get_preset_id_for_quarnapi_id_send(void *cookie, const char *target,
                                                                              int32_t number, char **presetId);
 
@@ -298,22 +298,22 @@ zorva_core_status zorva_api_presets_tours_get_preset_id_for_quarnapi_id_send(voi
 zorva_core_status zorva_api_presets_tours_move_to_preset_send(void *cookie, const char *target, const char *presetId,
                                                               double speed, int32_t priority, int32_t flag);
 
-/** Stores the present position under an identifier, a name and a number. @param flag 1 */
+/** Stores the current position as a preset with an identifier, a name and a number. @param flag 1 */
 zorva_core_status zorva_api_presets_tours_set_preset_with_current_position_send(void *cookie, const char *target,
                                                                                 const char *presetId, const char *name,
                                                                                 int32_t number, int32_t flag);
 
 /* ---- relay: outputs, one target per relay ---- */
 
-/** Reads the configuration. @param c1 output: 0 while the relay has not been set up; the others are the maker's own */
+/** Gets the configuration. @param c1 output: 0 until the relay is configured; the other fields are vendor-specific */
 zorva_core_status zorva_api_relay_get_configuration_send(void *cookie, const char *target, uint8_t *c1, uint8_t *c2,
                                                          int32_t *c3, uint8_t *c4, int32_t *c5, int32_t *c6,
                                                          int32_t *c7);
 
-/** Reads the state: bit 0 is on while the relay is energised. */
+/** Gets the state: bit 0 is on while the relay is energised. */
 zorva_core_status zorva_api_relay_get_state_send(void *cookie, const char *target, uint8_t *state);
 
-/** Writes the configuration, fields as zorva_api_relay_get_configuration_send() reads them. */
+/** Sets the configuration; the fields are those of zorva_api_relay_get_configuration_send(). */
 zorva_core_status zorva_api_relay_set_configuration_send(void *cookie, const char *target, uint8_t c1, uint8_t c2,
                                                          int32_t c3, uint8_t c4, int32_t c5, int32_t c6, int32_t c7);
 
@@ -322,20 +322,20 @@ zorva_core_status zorva_api_relay_set_state_send(void *cookie, const char *targe
 
 /* ---- temperature ---- */
 
-/** Reads the temperature in thousandths of a degree Celsius. */
+/** Gets the temperature in thousandths of a degree Celsius. */
 zorva_core_status zorva_api_temperature_get_temperature_send(void *cookie, const char *target,
                                                              int32_t *thousandthsOfDegree);
 
-/* ---- zoom_stepper: zoom driven by a stepper motor, positions in steps, speeds in steps per second ---- */
+/* ---- zoom_stepper: zoom with a stepper motor, positions in steps, speeds in steps per second ---- */
 
-/** Reads the range of positions and of speeds. */
+/** Gets the ranges of position and speed. */
 zorva_core_status zorva_api_zoom_stepper_get_limits_send(void *cookie, const char *target, int32_t *minPosition,
                                                          int32_t *maxPosition, int32_t *minSpeed, int32_t *maxSpeed);
 
-/** Reads the position. */
+/** Gets the position. */
 zorva_core_status zorva_api_zoom_stepper_get_position_send(void *cookie, const char *target, int32_t *current);
 
-/** Starts a move to a position at a speed; returns before it ends. */
+/** Starts a move to a position at a speed; returns before the move ends. */
 zorva_core_status zorva_api_zoom_stepper_set_position_send(void *cookie, const char *target, int32_t position,
                                                            int32_t speed);
 
@@ -353,12 +353,12 @@ namespace core {
 /**
  * Lists the running instances of a service.
  * @param serviceName  name of the service, such as "alarm"
- * @param targetIds    the identifiers are appended here; what the list holds already stays
- * @return false when the service cannot be asked; true otherwise, also when there was nothing to append
+ * @param targetIds    output: the identifiers are appended
+ * @return false when the query fails; true otherwise, even if the service has no instances
  */
 bool getTargetIds(const char *serviceName, std::vector<std::string> &targetIds);
 
-/** Names a status. Never null; the text belongs to the library and stays valid. */
+/** Describes a status. Never returns null; the library owns the string, which stays valid. */
 const char *statusToString(zorva_core_status status);
 
 } // namespace core

@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/**
- * @file
- * What every function of the interface is wrapped in: the callers are C code, through which no exception may pass.
- */
+/** @file Exception barrier around the functions of the interface, whose callers may be C code. */
 #ifndef QUARNSNMP_STANDIN_BOUNDARY_H
 #define QUARNSNMP_STANDIN_BOUNDARY_H
 
@@ -12,7 +9,7 @@
 
 namespace standin {
 
-/** Runs `body`, which returns a status, and makes a status of what it throws. */
+/** Runs `body`, which returns a status, and converts an exception into a status. */
 template <typename Body>
 zorva_core_status guarded(const Body &body) noexcept {
     try {

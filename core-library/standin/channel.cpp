@@ -10,7 +10,6 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
-#include "log.h"
 #include "status.h"
 #include "wire.h"
 
@@ -18,58 +17,64 @@ namespace standin {
 
 namespace {
 
-// An answer usually comes sooner than a sleeping thread could be woken, so the receiver stays awake this long.
+// A response usually arrives sooner than a sleeping thread could be woken, so the receiver polls this long.
 constexpr std::chrono::microseconds kSpin{50};
 constexpr std::chrono::milliseconds kFarewellLimit{100};
-constexpr std::size_t kFirstBufferSize = 1024;
+constexpr std::size_t kInitialBufferSize = 1024;
 
-/** Makes the socket's next blocking receive or send end at the deadline. @return false when it has come already */
+/** Sets the time-out of the next blocking receive or send. @return false when the deadline has passed already */
 bool limitWait(int descriptor, int option, const Deadline &deadline) noexcept {
-    timeval left{};
-    return deadline.left(left) && ::setsockopt(descriptor, SOL_SOCKET, option, &left, sizeof left) == 0;
+    timeval timeout{};
+    return deadline.remaining(timeout) && ::setsockopt(descriptor, SOL_SOCKET, option, &timeout, sizeof timeout) == 0;
 }
 
 bool wouldBlock(int error) noexcept {
     return error == EAGAIN || error == EWOULDBLOCK;
 }
 
+/** Returns the context if it is open and debug lines are logged, otherwise null. */
+std::shared_ptr<const LogContext> debugLog(const std::weak_ptr<const LogContext> &log) noexcept {
+    return isLogged(kDebug) ? log.lock() : nullptr;
+}
+
 } // namespace
 
-/** The turn of one exchange. Unless the exchange is declared complete, the connection ends with it. */
-class Channel::Use {
+/** Scope of one exchange, which holds the lock. Ends the connection unless the exchange was finished with success. */
+class Channel::ExchangeScope {
 public:
-    explicit Use(Channel &used) noexcept : channel(used) {}
-    Use(const Use &) = delete;
-    Use &operator=(const Use &) = delete;
+    /** Adopts the lock that the caller has taken. */
+    explicit ExchangeScope(Channel &channel) noexcept : channel_(channel) {}
+    ExchangeScope(const ExchangeScope &) = delete;
+    ExchangeScope &operator=(const ExchangeScope &) = delete;
 
-    ~Use() {
-        if (channel.socket.isOpen() && (!complete || channel.ended)) {
-            channel.drop(reason);
+    ~ExchangeScope() {
+        if (channel_.socket_.isOpen() && (!isComplete_ || channel_.isClosed_)) {
+            channel_.disconnect(reason_);
         }
-        channel.turn.giveBack();
+        channel_.lock_.unlock();
     }
 
     void finish(zorva_core_status status) noexcept {
-        complete = status == wire::kSuccess;
-        reason = zorva::core::statusToString(status);
+        isComplete_ = status == wire::kSuccess;
+        reason_ = zorva::core::statusToString(status);
     }
 
 private:
-    Channel &channel;
-    bool complete = false;
-    const char *reason = "interrupted";
+    Channel &channel_;
+    bool isComplete_ = false;
+    const char *reason_ = "interrupted";
 };
 
-Channel::Channel(std::string socketPath, void *cookie)
-    : path(std::move(socketPath)), logCookie(cookie), generation(SocketDescriptor::generation()),
-      buffer(kFirstBufferSize) {}
+Channel::Channel(std::string path, std::weak_ptr<const LogContext> log)
+    : path_(std::move(path)), log_(std::move(log)), generation_(SocketDescriptor::generation()),
+      buffer_(kInitialBufferSize) {}
 
-zorva_core_status Channel::exchange(std::string_view request, const Deadline &deadline, const AnswerReader &reader) {
-    if (!turn.take(deadline)) {
+zorva_core_status Channel::exchange(std::string_view request, const Deadline &deadline, const ResponseReader &reader) {
+    if (!lock_.lockUntil(deadline)) {
         return wire::kTimedOut;
     }
-    Use use(*this);
-    if (ended) {
+    ExchangeScope scope(*this);
+    if (isClosed_) {
         return wire::kInvalidHandle;
     }
     std::string_view line;
@@ -78,57 +83,57 @@ zorva_core_status Channel::exchange(std::string_view request, const Deadline &de
         status = receive(deadline, line);
     }
     if (status != wire::kSuccess) {
-        use.finish(status);
+        scope.finish(status);
         return status;
     }
-    const zorva_core_status outcome = reader(line);
-    // A service's refusal is an answer like any other.
-    use.finish(outcome == wire::kBadAnswer ? wire::kBadAnswer : wire::kSuccess);
-    return outcome;
+    const zorva_core_status result = reader(line);
+    // An error status from the service is a valid response.
+    scope.finish(result == wire::kBadResponse ? wire::kBadResponse : wire::kSuccess);
+    return result;
 }
 
-void Channel::leave(std::string_view farewell, const Deadline &deadline) noexcept {
-    if (!turn.take(deadline)) {
+void Channel::close(std::string_view farewell, const Deadline &deadline) noexcept {
+    if (!lock_.lockUntil(deadline)) {
         abort();
         return;
     }
-    const Use use(*this);
-    if (ended.exchange(true)) {
+    const ExchangeScope scope(*this);
+    if (isClosed_.exchange(true)) {
         return;
     }
-    dropIfUnusable();
-    const Deadline goodbye(kFarewellLimit);
+    disconnectIfUnusable();
+    const Deadline farewellDeadline(kFarewellLimit);
     std::string_view line;
-    if (socket.isOpen() && send(farewell, goodbye) == wire::kSuccess) {
+    if (socket_.isOpen() && send(farewell, farewellDeadline) == wire::kSuccess) {
         try {
-            receive(goodbye, line);
+            receive(farewellDeadline, line);
         } catch (...) {
-            // The answer to a goodbye changes nothing.
+            // The response to a farewell has no effect.
             return;
         }
     }
 }
 
 void Channel::abort() noexcept {
-    ended = true;
-    socket.shutDown();
-    if (turn.tryTake()) {
-        const Use use(*this);
+    isClosed_ = true;
+    socket_.shutDown();
+    if (lock_.tryLock()) {
+        const ExchangeScope scope(*this);
     }
 }
 
 zorva_core_status Channel::transmit(std::string_view request, const Deadline &deadline) {
     zorva_core_status status = wire::kSuccess;
     for (int attempt = 0; attempt < 2; ++attempt) {
-        dropIfUnusable();
-        status = socket.isOpen() ? wire::kSuccess : connect(deadline);
+        disconnectIfUnusable();
+        status = socket_.isOpen() ? wire::kSuccess : connect(deadline);
         if (status == wire::kSuccess) {
             status = send(request, deadline);
         }
         if (status != wire::kConnectionLost) {
             return status;
         }
-        drop("the peer has gone");
+        disconnect("the peer has gone");
     }
     return status;
 }
@@ -136,27 +141,28 @@ zorva_core_status Channel::transmit(std::string_view request, const Deadline &de
 zorva_core_status Channel::connect(const Deadline &deadline) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof address.sun_path) {
+    if (path_.size() >= sizeof address.sun_path) {
         return wire::kUnreachable;
     }
-    std::memcpy(address.sun_path, path.data(), path.size());
-    if (!socket.open()) {
+    std::memcpy(address.sun_path, path_.data(), path_.size());
+    if (!socket_.open()) {
         return wire::kNoMemory;
     }
-    hasSurplus = false;
+    hasSurplus_ = false;
     for (;;) {
-        // A full backlog makes connect() wait, within the limit for sending.
-        if (!limitWait(socket.number(), SO_SNDTIMEO, deadline)) {
+        // connect() waits while the backlog is full, limited by the send time-out.
+        if (!limitWait(socket_.number(), SO_SNDTIMEO, deadline)) {
             return wire::kTimedOut;
         }
-        // The generic address type is how the socket interface spells every address.
-        if (::connect(socket.number(), reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0) {
-            log(logCookie, kDebug, "core library: connected to %s", path.c_str());
+        if (::connect(socket_.number(), reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0) {
+            if (const auto log = debugLog(log_)) {
+                log->write(kDebug, "core library: connected to %s", path_.c_str());
+            }
             return wire::kSuccess;
         }
         if (errno != EINTR) {
             const bool late = wouldBlock(errno);
-            socket.close();
+            socket_.close();
             return late ? wire::kTimedOut : wire::kUnreachable;
         }
     }
@@ -166,10 +172,10 @@ zorva_core_status Channel::send(std::string_view request, const Deadline &deadli
     std::size_t sent = 0;
     int flags = MSG_NOSIGNAL | MSG_DONTWAIT;
     while (sent < request.size()) {
-        if ((flags & MSG_DONTWAIT) == 0 && !limitWait(socket.number(), SO_SNDTIMEO, deadline)) {
+        if ((flags & MSG_DONTWAIT) == 0 && !limitWait(socket_.number(), SO_SNDTIMEO, deadline)) {
             return wire::kTimedOut;
         }
-        const ssize_t count = ::send(socket.number(), request.data() + sent, request.size() - sent, flags);
+        const ssize_t count = ::send(socket_.number(), request.data() + sent, request.size() - sent, flags);
         if (count >= 0) {
             sent += static_cast<std::size_t>(count);
         } else if (wouldBlock(errno)) {
@@ -186,24 +192,24 @@ zorva_core_status Channel::receive(const Deadline &deadline, std::string_view &l
     std::size_t used = 0;
     int flags = MSG_DONTWAIT;
     for (;;) {
-        if (used == buffer.size()) {
+        if (used == buffer_.size()) {
             if (used >= wire::kMaximumLine) {
-                return wire::kBadAnswer;
+                return wire::kBadResponse;
             }
-            buffer.resize(std::min(2 * used, wire::kMaximumLine));
+            buffer_.resize(std::min(2 * used, wire::kMaximumLine));
         }
-        if (flags == 0 && !limitWait(socket.number(), SO_RCVTIMEO, deadline)) {
+        if (flags == 0 && !limitWait(socket_.number(), SO_RCVTIMEO, deadline)) {
             return wire::kTimedOut;
         }
-        const ssize_t count = ::recv(socket.number(), buffer.data() + used, buffer.size() - used, flags);
+        const ssize_t count = ::recv(socket_.number(), buffer_.data() + used, buffer_.size() - used, flags);
         if (count > 0) {
-            const char *const begin = buffer.data();
+            const char *const begin = buffer_.data();
             const char *const end = begin + used + count;
             const char *const newline = std::find(begin + used, end, '\n');
             used += static_cast<std::size_t>(count);
             if (newline != end) {
                 line = std::string_view(begin, static_cast<std::size_t>(newline - begin));
-                hasSurplus = newline + 1 != end;
+                hasSurplus_ = newline + 1 != end;
                 return wire::kSuccess;
             }
         } else if (count == 0 || (errno != EINTR && !wouldBlock(errno))) {
@@ -216,22 +222,23 @@ zorva_core_status Channel::receive(const Deadline &deadline, std::string_view &l
     }
 }
 
-/** Gives up a connection that the peer has closed, or on which something lies that nobody asked for. */
-void Channel::dropIfUnusable() noexcept {
-    if (!socket.isOpen()) {
+/** Ends a connection that the peer has closed or that holds unrequested data. */
+void Channel::disconnectIfUnusable() noexcept {
+    if (!socket_.isOpen()) {
         return;
     }
     char stray = 0;
-    const ssize_t count = ::recv(socket.number(), &stray, sizeof stray, MSG_DONTWAIT);
-    if (hasSurplus || count >= 0 || !wouldBlock(errno)) {
-        drop(count == 0 ? "the peer has gone" : "the peer speaks out of turn");
+    const ssize_t count = ::recv(socket_.number(), &stray, sizeof stray, MSG_DONTWAIT);
+    if (hasSurplus_ || count >= 0 || !wouldBlock(errno)) {
+        disconnect(count == 0 ? "the peer has gone" : "the peer speaks out of turn");
     }
 }
 
-void Channel::drop(const char *reason) noexcept {
-    socket.close();
-    if (!ended) {
-        log(logCookie, kDebug, "core library: disconnected from %s: %s", path.c_str(), reason);
+void Channel::disconnect(const char *reason) noexcept {
+    socket_.close();
+    const auto log = isClosed_ ? nullptr : debugLog(log_);
+    if (log != nullptr) {
+        log->write(kDebug, "core library: disconnected from %s: %s", path_.c_str(), reason);
     }
 }
 

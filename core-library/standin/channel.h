@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/**
- * @file
- * A connection to one of the camera's sockets.
- */
+/** @file Connection to one of the camera's sockets. */
 #ifndef QUARNSNMP_STANDIN_CHANNEL_H
 #define QUARNSNMP_STANDIN_CHANNEL_H
 
@@ -15,78 +12,81 @@
 #include <vector>
 
 #include "deadline.h"
+#include "log.h"
 #include "socket_descriptor.h"
-#include "turn.h"
+#include "timed_lock.h"
 #include "zorva-core.h"
 
 namespace standin {
 
-/** Reads an answer (without its newline) and gives the status of the call; kBadAnswer ends the connection. */
-using AnswerReader = std::function<zorva_core_status(std::string_view answer)>;
+/** Parses a response (without its newline) and returns the status of the call; kBadResponse ends the connection. */
+using ResponseReader = std::function<zorva_core_status(std::string_view response)>;
 
 /**
- * The client's side of one socket: it connects when it is first used and again after the connection was lost. Any
- * number of threads may use it; one exchange takes place at a time.
+ * Client side of one socket. Connects at the first use, and again after a lost connection. Thread-safe; exchanges are
+ * serialised.
  */
 class Channel {
 public:
     /**
-     * @param path       path of the socket
-     * @param logCookie  logging context that is told about connections made and lost (at level debug)
+     * @param path  path of the socket
+     * @param log   context for messages about connecting and disconnecting, at level debug; used while it is open
      */
-    Channel(std::string path, void *logCookie);
+    Channel(std::string path, std::weak_ptr<const LogContext> log);
 
     /**
-     * Sends a request and reads its answer. A request that cannot have been processed is sent again, once; one that may
-     * have been is not, because a move must not be made twice.
+     * Sends a request and reads the response. Repeats the request once if the peer cannot have processed it. A request
+     * that may have been processed is never repeated, because a move must not be executed twice.
      * @param request   line with its newline
-     * @param deadline  when to give up; the connection then ends, lest the late answer be taken for the next one
-     * @param reader    called with the answer while no other exchange takes place
-     * @return what `reader` returned, or why it was not called
+     * @param deadline  time limit; an expired exchange ends the connection, so that a late response is not mistaken
+     *                  for the next one
+     * @param reader    called with the response, before any other exchange starts
+     * @return the result of `reader`, or the reason why it was not called
      */
-    zorva_core_status exchange(std::string_view request, const Deadline &deadline, const AnswerReader &reader);
+    zorva_core_status exchange(std::string_view request, const Deadline &deadline, const ResponseReader &reader);
 
     /**
-     * Waits for an exchange under way, says goodbye if there is a connection, and ends the channel for good. The answer
-     * to the goodbye is awaited for a tenth of a second at most, so that a hanging camera does not hold up the agent's
-     * end once per service.
+     * Waits for a running exchange, sends a farewell if there is a connection, and closes the channel permanently.
+     * Waits for the response no longer than a tenth of a second, so that a hanging camera does not delay the agent's
+     * shutdown once per service.
      */
-    void leave(std::string_view farewell, const Deadline &deadline) noexcept;
+    void close(std::string_view farewell, const Deadline &deadline) noexcept;
 
-    /** Ends the channel for good and at once; an exchange under way fails. */
+    /** Closes the channel permanently and at once; a running exchange fails. */
     void abort() noexcept;
 
-    /** True in a forked child, for a channel of its parent: it may be in the middle of anything and must be replaced.
+    /**
+     * Detects, in a forked child, a channel of the parent. Such a channel may be in any state and must be replaced.
      */
     bool isStale() const noexcept {
-        return generation != SocketDescriptor::generation();
+        return generation_ != SocketDescriptor::generation();
     }
 
-    /** A new channel to the same socket. */
+    /** Creates a new channel to the same socket. */
     std::shared_ptr<Channel> replacement() const {
-        return std::make_shared<Channel>(path, logCookie);
+        return std::make_shared<Channel>(path_, log_);
     }
 
 private:
-    class Use;
+    class ExchangeScope;
 
     zorva_core_status transmit(std::string_view request, const Deadline &deadline);
     zorva_core_status connect(const Deadline &deadline);
     zorva_core_status send(std::string_view request, const Deadline &deadline) noexcept;
     zorva_core_status receive(const Deadline &deadline, std::string_view &line);
-    void dropIfUnusable() noexcept;
-    void drop(const char *reason) noexcept;
+    void disconnectIfUnusable() noexcept;
+    void disconnect(const char *reason) noexcept;
 
-    const std::string path;
-    void *const logCookie;
-    const std::uint64_t generation;
-    std::atomic<bool> ended{false};
-    Turn turn;
+    const std::string path_;
+    const std::weak_ptr<const LogContext> log_;
+    const std::uint64_t generation_;
+    std::atomic<bool> isClosed_{false};
+    TimedLock lock_;
 
-    // What only the thread whose turn it is may touch.
-    SocketDescriptor socket;
-    std::vector<char> buffer;
-    bool hasSurplus = false; ///< the peer sent more than the answer
+    // Protected by lock_; abort() may shut the socket down without it.
+    SocketDescriptor socket_;
+    std::vector<char> buffer_;
+    bool hasSurplus_ = false; ///< the peer sent more than the response
 };
 
 } // namespace standin

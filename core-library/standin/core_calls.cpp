@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/**
- * @file
- * The functions of the interface that belong to no service.
- */
+/** @file Functions of the interface that belong to no service. */
 #include <iterator>
 
-#include "answer.h"
 #include "boundary.h"
 #include "library.h"
 #include "request_line.h"
+#include "response.h"
 #include "status.h"
 
 using standin::guarded;
@@ -35,14 +32,17 @@ extern "C" zorva_core_status zorva_core_logging_deinit(void *logCookie) {
 }
 
 extern "C" void zorva_core_logging_log(void *logCookie, int level, const char *format, ...) {
-    // First of all, because most lines end here.
-    if (!standin::isLogged(level)) {
+    // The level comes first, because it drops most lines.
+    if (!standin::isLogged(level) || format == nullptr) {
         return;
     }
-    va_list arguments;
-    va_start(arguments, format);
-    standin::logArguments(logCookie, level, format, arguments);
-    va_end(arguments);
+    const auto context = library().findLog(logCookie);
+    if (context != nullptr) {
+        va_list arguments;
+        va_start(arguments, format);
+        context->writeArguments(level, format, arguments);
+        va_end(arguments);
+    }
 }
 
 extern "C" zorva_core_status zorva_core_ipc_initiator_init(void *logCookie, void *reserved, void **ipcCookie) {
@@ -75,8 +75,9 @@ bool zorva::core::getTargetIds(const char *serviceName, std::vector<std::string>
                    return wire::kInvalidArgument;
                }
                std::vector<std::string> found;
-               status = channel->exchange(
-                   line, deadline, [&found](std::string_view answer) { return standin::readTargetIds(answer, found); });
+               status = channel->exchange(line, deadline, [&found](std::string_view response) {
+                   return standin::readTargetIds(response, found);
+               });
                if (status == wire::kSuccess) {
                    targetIds.insert(targetIds.end(), std::make_move_iterator(found.begin()),
                                     std::make_move_iterator(found.end()));

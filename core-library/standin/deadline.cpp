@@ -14,16 +14,16 @@ Instant now() noexcept {
     return Instant(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
 }
 
-Deadline::Deadline(std::chrono::microseconds limit) noexcept : end(now() + limit) {}
+Deadline::Deadline(std::chrono::microseconds limit) noexcept : end_(now() + limit) {}
 
-bool Deadline::left(timeval &left) const noexcept {
-    const auto microseconds = std::chrono::duration_cast<std::chrono::microseconds>(end - now()).count();
-    // A time-out of nought would mean none at all.
+bool Deadline::remaining(timeval &timeout) const noexcept {
+    const auto microseconds = std::chrono::duration_cast<std::chrono::microseconds>(end_ - now()).count();
+    // The kernel treats a time-out of zero as no time-out.
     if (microseconds <= 0) {
         return false;
     }
-    left.tv_sec = microseconds / 1000000;
-    left.tv_usec = microseconds % 1000000;
+    timeout.tv_sec = microseconds / 1000000;
+    timeout.tv_usec = microseconds % 1000000;
     return true;
 }
 

@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/**
- * @file
- * The time that one call may take in all.
- */
+/** @file Time limit of a call. */
 #ifndef QUARNSNMP_STANDIN_DEADLINE_H
 #define QUARNSNMP_STANDIN_DEADLINE_H
 
@@ -14,30 +11,30 @@ namespace standin {
 
 using Instant = std::chrono::steady_clock::time_point;
 
-/** Longest duration of a call: waiting for another thread's call, connecting, sending and receiving together. */
+/** Longest duration of a call, including the wait for another thread's call and the time to connect. */
 inline constexpr std::chrono::milliseconds kCallLimit{2000};
 
 /**
- * The kernel's monotonic clock. It is asked for without the C library, because a preloaded library may let the process
- * see a faster clock, while the time-outs of sockets always run on the kernel's.
+ * Reads the kernel's monotonic clock. Bypasses the C library, because a preloaded library may present a faster clock to
+ * the process, while socket time-outs always follow the kernel's.
  */
 Instant now() noexcept;
 
-/** A moment after which a call waits no longer. */
+/** The moment at which a call gives up. */
 class Deadline {
 public:
-    /** A deadline that lies `limit` ahead. */
+    /** Sets the deadline to `limit` from now. */
     explicit Deadline(std::chrono::microseconds limit) noexcept;
 
     Instant instant() const noexcept {
-        return end;
+        return end_;
     }
 
-    /** The time left as a socket time-out. @return false when none is left; `left` is not written then */
-    bool left(timeval &left) const noexcept;
+    /** Converts the remaining time to a socket time-out. @return false, with `timeout` unchanged, when none is left */
+    bool remaining(timeval &timeout) const noexcept;
 
 private:
-    Instant end;
+    Instant end_;
 };
 
 } // namespace standin

@@ -11,7 +11,7 @@
 
 #include <pthread.h>
 
-#include "answer.h"
+#include "response.h"
 #include "status.h"
 #include "wire.h"
 
@@ -24,7 +24,7 @@ constexpr std::array kServiceNames = {
 #include "service_calls.def"
 };
 
-// Ready-made, so that a handle can be closed when memory has run out.
+// Constants, because closing a handle must not allocate memory.
 constexpr std::string_view kGreeting = "[\"initiator_init\",null]\n";
 constexpr std::string_view kFarewell = "[\"initiator_deinit\",null]\n";
 
@@ -33,8 +33,8 @@ const char *nameOf(Service service) noexcept {
 }
 
 /**
- * The library outlives its static destruction, because a thread may still be in a call while the process ends. What it
- * holds is closed then; an empty library owns no memory.
+ * Storage whose instance is never destroyed, because a thread may still be in a call while the process exits. Static
+ * destruction only closes everything; an empty library owns no memory.
  */
 union Storage {
     Storage() noexcept : instance() {}
@@ -46,27 +46,27 @@ union Storage {
 
 Storage storage; // NOLINT(cert-err58-cpp)
 
-void holdForFork() {
-    library().holdForFork();
-    SocketDescriptor::holdForFork();
+void prepareFork() {
+    library().lockForFork();
+    SocketDescriptor::lockForFork();
 }
 
-void resumeInParent() {
-    SocketDescriptor::resumeInParent();
-    library().resumeAfterFork();
+void afterForkInParent() {
+    SocketDescriptor::unlockInParent();
+    library().unlockAfterFork();
 }
 
-void resumeInChild() {
-    SocketDescriptor::resumeInChild();
-    library().resumeAfterFork();
+void afterForkInChild() {
+    SocketDescriptor::closeAllInChild();
+    library().unlockAfterFork();
 }
 
-// Registered when the library is loaded, before whoever uses it can register handlers: a child then comes to ours
-// first, and theirs may use the library.
-const int forkWatchError = ::pthread_atfork(&holdForFork, &resumeInParent, &resumeInChild);
+// Registered at load time, before any user can register handlers of its own: handlers run in the child in the order of
+// their registration, so a user's handler may already call the library.
+const int forkHandlerError = ::pthread_atfork(&prepareFork, &afterForkInParent, &afterForkInChild);
 
 std::string environment(const char *name) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): read once, when the agent loads its modules and has no threads yet
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): read once, while the agent loads its modules and has no threads
     const char *const value = std::getenv(name);
     return value != nullptr ? value : "";
 }
@@ -76,20 +76,11 @@ std::uintptr_t toHandle(void *cookie) noexcept {
 }
 
 void *toCookie(std::uintptr_t handle) noexcept {
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): nothing lies there; the pointer is a number in disguise
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a handle is a number, never dereferenced
     return reinterpret_cast<void *>(handle);
 }
 
-void writeNow(const LogContext &context, int level, const char *format, ...) ZORVA_CORE_PRINTF(3, 4);
-
-void writeNow(const LogContext &context, int level, const char *format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    context.write(level, format, arguments);
-    va_end(arguments);
-}
-
-/** Sets up the log as the environment says. */
+/** Sets up the log from the environment. */
 std::shared_ptr<LogSink> openSink() {
     const std::string path = environment("QUARNSNMP_LOG_FILE");
     int error = 0;
@@ -98,12 +89,12 @@ std::shared_ptr<LogSink> openSink() {
     if (error != 0) {
         std::array<char, 128> text{};
         const char *const reason = ::strerror_r(error, text.data(), text.size());
-        writeNow(context, kError, "cannot open the log file %s: %s; logging to standard error", path.c_str(), reason);
+        context.write(kError, "cannot open the log file %s: %s; logging to standard error", path.c_str(), reason);
     }
     const std::string word = environment("QUARNSNMP_LOG_LEVEL");
     const int level = word.empty() ? kInfo : parseLevel(word);
     if (level < 0) {
-        writeNow(context, kWarning, "QUARNSNMP_LOG_LEVEL is '%s', which is not a level; using info", word.c_str());
+        context.write(kWarning, "QUARNSNMP_LOG_LEVEL is '%s', which is not a level; using info", word.c_str());
     }
     setLogThreshold(level < 0 ? kInfo : level);
     return sink;
@@ -116,31 +107,31 @@ Library &library() noexcept {
 }
 
 zorva_core_status Library::start() {
-    const std::lock_guard<std::mutex> lock(mutex);
-    if (forkWatchError != 0) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (forkHandlerError != 0) {
         return wire::kNoMemory;
     }
-    if (users == 0) {
-        state.directory = wire::socketDirectory();
-        state.directoryChannel = makeChannel(wire::kDirectorySocket, nullptr);
-        state.sink = openSink();
+    if (users_ == 0) {
+        state_.directory = wire::socketDirectory();
+        state_.directoryChannel = makeChannel(wire::kDirectorySocket, {});
+        state_.sink = openSink();
     }
-    ++users;
+    ++users_;
     return wire::kSuccess;
 }
 
 zorva_core_status Library::stop() {
     State closing;
     {
-        const std::lock_guard<std::mutex> lock(mutex);
-        if (users == 0) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        if (users_ == 0) {
             return wire::kNotInitialised;
         }
-        if (--users > 0) {
+        if (--users_ > 0) {
             return wire::kSuccess;
         }
         setLogThreshold(-1);
-        std::swap(closing, state);
+        std::swap(closing, state_);
     }
     abortChannels(closing);
     return wire::kSuccess;
@@ -149,17 +140,17 @@ zorva_core_status Library::stop() {
 void Library::closeAll() noexcept {
     State closing;
     {
-        const std::lock_guard<std::mutex> lock(mutex);
-        users = 0;
+        const std::lock_guard<std::mutex> lock(mutex_);
+        users_ = 0;
         setLogThreshold(-1);
-        std::swap(closing, state);
+        std::swap(closing, state_);
     }
     abortChannels(closing);
 }
 
 void Library::abortChannels(const State &state) noexcept {
     for (const auto &[handle, open] : state.services) {
-        // A stale one may have been left in mid-call by a thread that exists in the parent only.
+        // A thread that exists only in the parent may hold the lock of a stale channel.
         if (!open.channel->isStale()) {
             open.channel->abort();
         }
@@ -169,62 +160,58 @@ void Library::abortChannels(const State &state) noexcept {
     }
 }
 
-bool Library::isOpenLog(void *cookie) const {
-    return state.logs.count(toHandle(cookie)) != 0;
-}
-
 zorva_core_status Library::openLog(const char *name, void **cookie) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    if (users == 0) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (users_ == 0) {
         return wire::kNotInitialised;
     }
-    state.logs.emplace(lastHandle + 1, std::make_shared<const LogContext>(name, state.sink));
-    *cookie = toCookie(++lastHandle);
+    state_.logs.emplace(lastHandle_ + 1, std::make_shared<const LogContext>(name, state_.sink));
+    *cookie = toCookie(++lastHandle_);
     return wire::kSuccess;
 }
 
 zorva_core_status Library::closeLog(void *cookie) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    if (users == 0) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (users_ == 0) {
         return wire::kNotInitialised;
     }
-    return state.logs.erase(toHandle(cookie)) != 0 ? wire::kSuccess : wire::kInvalidHandle;
+    return state_.logs.erase(toHandle(cookie)) != 0 ? wire::kSuccess : wire::kInvalidHandle;
 }
 
 std::shared_ptr<const LogContext> Library::findLog(void *cookie) noexcept {
-    const std::lock_guard<std::mutex> lock(mutex);
-    const auto found = state.logs.find(toHandle(cookie));
-    return found != state.logs.end() ? found->second : nullptr;
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return lookUpLog(cookie);
 }
 
 zorva_core_status Library::openIpc(void *logCookie, void **cookie) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    if (users == 0) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (users_ == 0) {
         return wire::kNotInitialised;
     }
-    if (logCookie != nullptr && !isOpenLog(logCookie)) {
+    const std::shared_ptr<const LogContext> log = lookUpLog(logCookie);
+    if (logCookie != nullptr && log == nullptr) {
         return wire::kInvalidHandle;
     }
-    state.communications.emplace(lastHandle + 1, logCookie);
-    *cookie = toCookie(++lastHandle);
+    state_.communications.emplace(lastHandle_ + 1, log);
+    *cookie = toCookie(++lastHandle_);
     return wire::kSuccess;
 }
 
 zorva_core_status Library::closeIpc(void *cookie) {
     State closing;
     {
-        const std::lock_guard<std::mutex> lock(mutex);
-        if (users == 0) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        if (users_ == 0) {
             return wire::kNotInitialised;
         }
         const Handle ipc = toHandle(cookie);
-        if (state.communications.erase(ipc) == 0) {
+        if (state_.communications.erase(ipc) == 0) {
             return wire::kInvalidHandle;
         }
-        for (auto open = state.services.begin(); open != state.services.end();) {
+        for (auto open = state_.services.begin(); open != state_.services.end();) {
             const auto next = std::next(open);
             if (open->second.ipc == ipc) {
-                closing.services.insert(state.services.extract(open));
+                closing.services.insert(state_.services.extract(open));
             }
             open = next;
         }
@@ -238,28 +225,28 @@ zorva_core_status Library::openService(Service service, void *ipcCookie, void *l
     const Handle ipc = toHandle(ipcCookie);
     std::shared_ptr<Channel> channel;
     {
-        const std::lock_guard<std::mutex> lock(mutex);
-        if (users == 0) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        if (users_ == 0) {
             return wire::kNotInitialised;
         }
-        const auto communication = state.communications.find(ipc);
-        if (communication == state.communications.end() || (logCookie != nullptr && !isOpenLog(logCookie))) {
+        const auto communication = state_.communications.find(ipc);
+        if (communication == state_.communications.end() || (logCookie != nullptr && lookUpLog(logCookie) == nullptr)) {
             return wire::kInvalidHandle;
         }
         channel = makeChannel(nameOf(service), communication->second);
     }
-    const zorva_core_status status =
-        channel->exchange(kGreeting, deadline, [](std::string_view answer) { return readAnswer(answer, nullptr, 0); });
+    const zorva_core_status status = channel->exchange(
+        kGreeting, deadline, [](std::string_view response) { return readResponse(response, nullptr, 0); });
     if (status != wire::kSuccess) {
         return status;
     }
-    const std::lock_guard<std::mutex> lock(mutex);
-    // Another thread may have closed it meanwhile.
-    if (state.communications.count(ipc) == 0) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    // Another thread may have closed the communication in the meantime.
+    if (state_.communications.count(ipc) == 0) {
         return wire::kInvalidHandle;
     }
-    state.services.emplace(lastHandle + 1, OpenService{service, ipc, std::move(channel)});
-    *cookie = toCookie(++lastHandle);
+    state_.services.emplace(lastHandle_ + 1, OpenService{service, ipc, std::move(channel)});
+    *cookie = toCookie(++lastHandle_);
     return wire::kSuccess;
 }
 
@@ -267,49 +254,59 @@ zorva_core_status Library::closeService(Service service, void *cookie) {
     const Deadline deadline(kCallLimit);
     std::shared_ptr<Channel> channel;
     {
-        const std::lock_guard<std::mutex> lock(mutex);
-        if (users == 0) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        if (users_ == 0) {
             return wire::kNotInitialised;
         }
-        const auto found = state.services.find(toHandle(cookie));
-        if (found == state.services.end() || found->second.service != service) {
+        OpenService *const found = lookUpService(service, cookie);
+        if (found == nullptr) {
             return wire::kInvalidHandle;
         }
-        channel = std::move(found->second.channel);
-        state.services.erase(found);
+        channel = std::move(found->channel);
+        state_.services.erase(toHandle(cookie));
     }
     if (!channel->isStale()) {
-        channel->leave(kFarewell, deadline);
+        channel->close(kFarewell, deadline);
     }
     return wire::kSuccess;
 }
 
 zorva_core_status Library::findService(Service service, void *cookie, std::shared_ptr<Channel> &channel) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    if (users == 0) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (users_ == 0) {
         return wire::kNotInitialised;
     }
-    const auto found = state.services.find(toHandle(cookie));
-    if (found == state.services.end() || found->second.service != service) {
+    OpenService *const found = lookUpService(service, cookie);
+    if (found == nullptr) {
         return wire::kInvalidHandle;
     }
-    replaceIfStale(found->second.channel);
-    channel = found->second.channel;
+    replaceIfStale(found->channel);
+    channel = found->channel;
     return wire::kSuccess;
 }
 
 zorva_core_status Library::findDirectory(std::shared_ptr<Channel> &channel) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    if (users == 0) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (users_ == 0) {
         return wire::kNotInitialised;
     }
-    replaceIfStale(state.directoryChannel);
-    channel = state.directoryChannel;
+    replaceIfStale(state_.directoryChannel);
+    channel = state_.directoryChannel;
     return wire::kSuccess;
 }
 
-std::shared_ptr<Channel> Library::makeChannel(const char *name, void *logCookie) const {
-    return std::make_shared<Channel>(wire::socketPath(state.directory, name), logCookie);
+std::shared_ptr<const LogContext> Library::lookUpLog(void *cookie) const noexcept {
+    const auto found = state_.logs.find(toHandle(cookie));
+    return found != state_.logs.end() ? found->second : nullptr;
+}
+
+Library::OpenService *Library::lookUpService(Service service, void *cookie) noexcept {
+    const auto found = state_.services.find(toHandle(cookie));
+    return found != state_.services.end() && found->second.service == service ? &found->second : nullptr;
+}
+
+std::shared_ptr<Channel> Library::makeChannel(const char *name, const std::weak_ptr<const LogContext> &log) const {
+    return std::make_shared<Channel>(wire::socketPath(state_.directory, name), log);
 }
 
 void Library::replaceIfStale(std::shared_ptr<Channel> &channel) {
@@ -318,12 +315,12 @@ void Library::replaceIfStale(std::shared_ptr<Channel> &channel) {
     }
 }
 
-void Library::holdForFork() noexcept {
-    mutex.lock();
+void Library::lockForFork() noexcept {
+    mutex_.lock();
 }
 
-void Library::resumeAfterFork() noexcept {
-    mutex.unlock();
+void Library::unlockAfterFork() noexcept {
+    mutex_.unlock();
 }
 
 } // namespace standin

@@ -15,8 +15,6 @@
 #include <pthread.h>
 #include <unistd.h>
 
-#include "library.h"
-
 namespace standin {
 
 namespace {
@@ -28,38 +26,40 @@ constexpr std::int64_t kSecondsPerDay = 86400;
 
 std::atomic<int> threshold{-1};
 
-/** Keeps SIGPIPE from the thread that writes to a pipe nobody reads; the agent does not ignore that signal. */
-class SigpipeShield {
+/** Blocks SIGPIPE in the current thread: the agent does not ignore it, and the log may be a pipe without a reader. */
+class SigpipeBlocker {
 public:
-    SigpipeShield() noexcept {
-        sigemptyset(&pipeSignal);
-        sigaddset(&pipeSignal, SIGPIPE);
-        pthread_sigmask(SIG_BLOCK, &pipeSignal, &before);
+    SigpipeBlocker() noexcept {
+        sigemptyset(&sigpipe_);
+        sigaddset(&sigpipe_, SIGPIPE);
+        pthread_sigmask(SIG_BLOCK, &sigpipe_, &previousMask_);
     }
-    SigpipeShield(const SigpipeShield &) = delete;
-    SigpipeShield &operator=(const SigpipeShield &) = delete;
+    SigpipeBlocker(const SigpipeBlocker &) = delete;
+    SigpipeBlocker &operator=(const SigpipeBlocker &) = delete;
 
-    ~SigpipeShield() {
-        pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    ~SigpipeBlocker() {
+        pthread_sigmask(SIG_SETMASK, &previousMask_, nullptr);
     }
 
-    void discardRaised() const noexcept {
+    /** Discards the pending signal of a failed write. */
+    void discardPending() const noexcept {
         const timespec noWait{};
-        while (sigtimedwait(&pipeSignal, nullptr, &noWait) == SIGPIPE) {
+        while (sigtimedwait(&sigpipe_, nullptr, &noWait) == SIGPIPE) {
         }
     }
 
 private:
-    sigset_t pipeSignal{};
-    sigset_t before{};
+    sigset_t sigpipe_{};
+    sigset_t previousMask_{};
 };
 
-/** Collects the octets of one line. */
+/** Buffer for one log line. */
 class LineBuffer {
 public:
+    /** Appends a text. @param isComplete  false when the caller already had to truncate the text */
     void append(std::string_view text, bool isComplete = true) noexcept {
         for (const char character : text) {
-            if (cut || !appendCharacter(character)) {
+            if (isCut_ || !appendCharacter(character)) {
                 break;
             }
         }
@@ -68,16 +68,17 @@ public:
         }
     }
 
+    /** Terminates the line and returns it. */
     std::string_view finish() noexcept {
-        octets[used++] = '\n';
-        return {octets.data(), used};
+        octets_[used_++] = '\n';
+        return {octets_.data(), used_};
     }
 
 private:
     static constexpr std::size_t kRoom = kMaximumLogLine - kCutMark.size() - 1;
 
     bool appendCharacter(char character) noexcept {
-        // A control character could end the line, or act on the terminal that the log is read on.
+        // A raw control character could end the line or control the reader's terminal.
         const auto code = static_cast<unsigned char>(character);
         if (code >= 0x20 && code != 0x7f) {
             return put({&character, 1});
@@ -91,37 +92,37 @@ private:
     }
 
     bool put(std::string_view piece) noexcept {
-        if (piece.size() > kRoom - used) {
+        if (piece.size() > kRoom - used_) {
             markCut();
             return false;
         }
-        std::copy(piece.begin(), piece.end(), octets.begin() + used);
-        used += piece.size();
+        std::copy(piece.begin(), piece.end(), octets_.begin() + used_);
+        used_ += piece.size();
         return true;
     }
 
     void markCut() noexcept {
-        if (cut) {
+        if (isCut_) {
             return;
         }
-        cut = true;
-        // Half a UTF-8 character must not stay; whether the last one is whole is not worth finding out.
-        while (used > 0 && (static_cast<unsigned char>(octets[used - 1]) & 0xc0U) == 0x80U) {
-            --used;
+        isCut_ = true;
+        // Drop the last UTF-8 character if it is a multi-byte one: it may be incomplete.
+        while (used_ > 0 && (static_cast<unsigned char>(octets_[used_ - 1]) & 0xc0U) == 0x80U) {
+            --used_;
         }
-        if (used > 0 && static_cast<unsigned char>(octets[used - 1]) >= 0xc0U) {
-            --used;
+        if (used_ > 0 && static_cast<unsigned char>(octets_[used_ - 1]) >= 0xc0U) {
+            --used_;
         }
-        std::copy(kCutMark.begin(), kCutMark.end(), octets.begin() + used);
-        used += kCutMark.size();
+        std::copy(kCutMark.begin(), kCutMark.end(), octets_.begin() + used_);
+        used_ += kCutMark.size();
     }
 
-    std::array<char, kMaximumLogLine> octets;
-    std::size_t used = 0;
-    bool cut = false;
+    std::array<char, kMaximumLogLine> octets_;
+    std::size_t used_ = 0;
+    bool isCut_ = false;
 };
 
-/** Appends the time. The C library's conversion takes a lock, which a fork could leave taken in the child. */
+/** Appends the time. Avoids gmtime_r(), whose lock a fork could leave locked in the child. */
 void appendTime(LineBuffer &line) noexcept {
     timespec time{};
     ::clock_gettime(CLOCK_REALTIME, &time);
@@ -155,7 +156,7 @@ std::shared_ptr<LogSink> LogSink::open(const std::string &path, int &error) {
     int descriptor = -1;
     error = 0;
     if (!path.empty()) {
-        // Not blocking, because a pipe that nobody reads must not hold up the agent.
+        // O_NONBLOCK: a named pipe without a reader must not block the agent.
         descriptor = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0600);
         error = descriptor < 0 ? errno : 0;
     }
@@ -170,36 +171,46 @@ std::shared_ptr<LogSink> LogSink::open(const std::string &path, int &error) {
 }
 
 LogSink::~LogSink() {
-    if (descriptor >= 0) {
-        ::close(descriptor);
+    if (descriptor_ >= 0) {
+        ::close(descriptor_);
     }
 }
 
 void LogSink::write(std::string_view line) const noexcept {
-    const int target = descriptor >= 0 ? descriptor : STDERR_FILENO;
-    const SigpipeShield shield;
+    const int target = descriptor_ >= 0 ? descriptor_ : STDERR_FILENO;
+    const SigpipeBlocker blocker;
     ssize_t written = -1;
     do {
         written = ::write(target, line.data(), line.size());
     } while (written < 0 && errno == EINTR);
     if (written < 0 && errno == EPIPE) {
-        shield.discardRaised();
+        blocker.discardPending();
     }
 }
 
-void LogContext::write(int level, const char *format, va_list arguments) const noexcept {
+void LogContext::write(int level, const char *format, ...) const noexcept {
+    va_list arguments;
+    va_start(arguments, format);
+    writeArguments(level, format, arguments);
+    va_end(arguments);
+}
+
+void LogContext::writeArguments(int level, const char *format, va_list arguments) const noexcept {
+    // The caller may report an error before it evaluates errno.
+    const int savedErrno = errno;
     std::array<char, kMaximumLogLine> text; // NOLINT(cppcoreguidelines-pro-type-member-init): vsnprintf() fills it
     const int length = std::vsnprintf(text.data(), text.size(), format, arguments);
     const bool isComplete = length < static_cast<int>(text.size());
 
     LineBuffer line;
     appendTime(line);
-    line.append(name);
+    line.append(name_);
     line.append(" ");
     line.append(kLevelWords[static_cast<std::size_t>(std::clamp(level, 0, static_cast<int>(kDebug)))]);
     line.append(" ");
     line.append(length < 0 ? std::string_view("[cannot be formatted]") : std::string_view(text.data()), isComplete);
-    sink->write(line.finish());
+    sink_->write(line.finish());
+    errno = savedErrno;
 }
 
 int parseLevel(std::string_view text) noexcept {
@@ -216,26 +227,6 @@ void setLogThreshold(int level) noexcept {
 
 bool isLogged(int level) noexcept {
     return level <= threshold.load(std::memory_order_relaxed);
-}
-
-void logArguments(void *logCookie, int level, const char *format, va_list arguments) noexcept {
-    // A caller that logs on its way out of a failure may still need this.
-    const int errorBefore = errno;
-    const std::shared_ptr<const LogContext> context = format != nullptr ? library().findLog(logCookie) : nullptr;
-    if (context != nullptr) {
-        context->write(level, format, arguments);
-    }
-    errno = errorBefore;
-}
-
-void log(void *logCookie, int level, const char *format, ...) noexcept {
-    if (!isLogged(level)) {
-        return;
-    }
-    va_list arguments;
-    va_start(arguments, format);
-    logArguments(logCookie, level, format, arguments);
-    va_end(arguments);
 }
 
 } // namespace standin

@@ -18,19 +18,19 @@ std::string encoded(const nlohmann::json &scalar) {
 } // namespace
 
 RequestLine::RequestLine(const char *operation) {
-    line.reserve(kUsualLength);
-    line += '[';
-    line += encoded(operation);
+    line_.reserve(kUsualLength);
+    line_ += '[';
+    line_ += encoded(operation);
 }
 
 void RequestLine::add(std::int32_t number) {
-    line += ',';
-    line += std::to_string(number);
+    line_ += ',';
+    line_ += std::to_string(number);
 }
 
 void RequestLine::add(std::uint32_t number) {
-    line += ',';
-    line += std::to_string(number);
+    line_ += ',';
+    line_ += std::to_string(number);
 }
 
 void RequestLine::add(std::uint8_t number) {
@@ -38,20 +38,20 @@ void RequestLine::add(std::uint8_t number) {
 }
 
 void RequestLine::add(double number) {
-    // JSON has no word for the others.
-    isValid = isValid && std::isfinite(number);
-    line += ',';
-    line += encoded(number);
+    // JSON has no notation for infinities and NaN.
+    isValid_ = isValid_ && std::isfinite(number);
+    line_ += ',';
+    line_ += encoded(number);
 }
 
 void RequestLine::add(const char *text) {
-    line += ',';
-    line += text != nullptr ? encoded(text) : "null";
+    line_ += ',';
+    line_ += text != nullptr ? encoded(text) : "null";
 }
 
 std::string_view RequestLine::finish() {
-    line += "]\n";
-    return isValid && line.size() <= wire::kMaximumLine ? std::string_view(line) : std::string_view();
+    line_ += "]\n";
+    return isValid_ && line_.size() <= wire::kMaximumLine ? std::string_view(line_) : std::string_view();
 }
 
 } // namespace standin

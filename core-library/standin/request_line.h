@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Writes requests. The library neither writes nor reads through whole JSON values, because destroying an array of these
- * needs memory, and ends the process when there is none.
+ * Encoder for requests. The library avoids nlohmann::json arrays, because their destructor allocates memory and
+ * terminates the process when that fails.
  */
 #ifndef QUARNSNMP_STANDIN_REQUEST_LINE_H
 #define QUARNSNMP_STANDIN_REQUEST_LINE_H
@@ -13,26 +13,29 @@
 
 namespace standin {
 
-/** A request `[operation, target, argument...]` in the making. */
+/** Builder for a request `[operation, target, argument...]`. */
 class RequestLine {
 public:
-    /** Begins with the operation. */
+    /** Starts with the operation. */
     explicit RequestLine(const char *operation);
 
     void add(std::int32_t number);
     void add(std::uint32_t number);
     void add(std::uint8_t number);
-    /** Adds a number with all its digits; one that is not finite makes the request invalid. */
+    /** Appends a number with full precision; an infinite number or NaN invalidates the request. */
     void add(double number);
-    /** Adds a text, or null. Octets that are not UTF-8 are replaced. */
+    /** Appends a text or null. Replaces octets that are not valid UTF-8. */
     void add(const char *text);
 
-    /** The line with its newline; empty when the request is invalid or longer than a line may be. To be called once. */
+    /**
+     * Completes the line with its newline; must be called once only.
+     * @return empty when the request is invalid or exceeds the length limit
+     */
     std::string_view finish();
 
 private:
-    std::string line;
-    bool isValid = true;
+    std::string line_;
+    bool isValid_ = true;
 };
 
 } // namespace standin

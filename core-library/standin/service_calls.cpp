@@ -1,31 +1,31 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The calls of all services. What distinguishes one from another is its name and the types of its arguments, so all of
- * them are instances of one template.
+ * Functions of all services. They differ only in their names and the types of their arguments, so all of them are
+ * instances of one template.
  */
 #include <array>
 
-#include "answer.h"
 #include "boundary.h"
 #include "library.h"
 #include "request_line.h"
+#include "response.h"
 #include "status.h"
 
 namespace standin {
 
 namespace {
 
-/** What a call sends and where its results go. */
+/** Request of a call and the destinations of its results. */
 class Exchange {
 public:
-    Exchange(const char *operation, const char *target) : request(operation), isValid(target != nullptr) {
-        request.add(target);
+    Exchange(const char *operation, const char *target) : request_(operation), isValid_(target != nullptr) {
+        request_.add(target);
     }
 
     template <typename Input>
     void add(Input input) {
-        request.add(input);
+        request_.add(input);
     }
     void add(std::int32_t *output) {
         addOutput(output);
@@ -41,26 +41,26 @@ public:
     }
 
     zorva_core_status perform(Channel &channel, const Deadline &deadline) {
-        const std::string_view line = isValid ? request.finish() : std::string_view();
+        const std::string_view line = isValid_ ? request_.finish() : std::string_view();
         if (line.empty()) {
             return wire::kInvalidArgument;
         }
-        return channel.exchange(line, deadline, [this](std::string_view answer) {
-            return readAnswer(answer, outputs.data(), outputCount);
+        return channel.exchange(line, deadline, [this](std::string_view response) {
+            return readResponse(response, outputs_.data(), outputCount_);
         });
     }
 
 private:
     template <typename Result>
     void addOutput(Result *output) {
-        isValid = isValid && output != nullptr;
-        outputs[outputCount++] = output;
+        isValid_ = isValid_ && output != nullptr;
+        outputs_[outputCount_++] = output;
     }
 
-    RequestLine request;
-    std::array<Output, kMaximumOutputs> outputs;
-    std::size_t outputCount = 0;
-    bool isValid;
+    RequestLine request_;
+    std::array<Output, kMaximumOutputs> outputs_;
+    std::size_t outputCount_ = 0;
+    bool isValid_;
 };
 
 template <typename... Arguments>

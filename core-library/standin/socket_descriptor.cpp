@@ -11,8 +11,8 @@ namespace standin {
 
 namespace {
 
-// Guards the list and every change of a descriptor, so that a fork finds each socket in the list exactly while it is
-// open. Nothing that blocks happens under it.
+// Protects the list and every change of a descriptor, so that a fork finds each open socket in the list. No blocking
+// operation runs while it is locked.
 std::mutex listMutex;
 SocketDescriptor *first = nullptr;
 std::atomic<std::uint64_t> forks{0};
@@ -28,52 +28,52 @@ void closeNumber(int &descriptor) noexcept {
 
 SocketDescriptor::SocketDescriptor() noexcept {
     const std::lock_guard<std::mutex> lock(listMutex);
-    next = first;
+    next_ = first;
     if (first != nullptr) {
-        first->previous = this;
+        first->previous_ = this;
     }
     first = this;
 }
 
 SocketDescriptor::~SocketDescriptor() {
     const std::lock_guard<std::mutex> lock(listMutex);
-    closeNumber(descriptor);
-    (previous != nullptr ? previous->next : first) = next;
-    if (next != nullptr) {
-        next->previous = previous;
+    closeNumber(descriptor_);
+    (previous_ != nullptr ? previous_->next_ : first) = next_;
+    if (next_ != nullptr) {
+        next_->previous_ = previous_;
     }
 }
 
 bool SocketDescriptor::open() noexcept {
     const std::lock_guard<std::mutex> lock(listMutex);
-    closeNumber(descriptor);
-    descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    return descriptor >= 0;
+    closeNumber(descriptor_);
+    descriptor_ = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    return descriptor_ >= 0;
 }
 
 void SocketDescriptor::close() noexcept {
     const std::lock_guard<std::mutex> lock(listMutex);
-    closeNumber(descriptor);
+    closeNumber(descriptor_);
 }
 
 void SocketDescriptor::shutDown() noexcept {
     const std::lock_guard<std::mutex> lock(listMutex);
-    if (descriptor >= 0) {
-        ::shutdown(descriptor, SHUT_RDWR);
+    if (descriptor_ >= 0) {
+        ::shutdown(descriptor_, SHUT_RDWR);
     }
 }
 
-void SocketDescriptor::holdForFork() noexcept {
+void SocketDescriptor::lockForFork() noexcept {
     listMutex.lock();
 }
 
-void SocketDescriptor::resumeInParent() noexcept {
+void SocketDescriptor::unlockInParent() noexcept {
     listMutex.unlock();
 }
 
-void SocketDescriptor::resumeInChild() noexcept {
-    for (SocketDescriptor *socket = first; socket != nullptr; socket = socket->next) {
-        closeNumber(socket->descriptor);
+void SocketDescriptor::closeAllInChild() noexcept {
+    for (SocketDescriptor *socket = first; socket != nullptr; socket = socket->next_) {
+        closeNumber(socket->descriptor_);
     }
     forks.fetch_add(1, std::memory_order_relaxed);
     listMutex.unlock();

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Sockets that stay with the process that opened them.
+ * Sockets that belong to one process.
  *
- * The agent forks to become a daemon and to run helper programs. A child that kept using its parent's connection would
- * get the parent's answers, so a fork closes all of these sockets in the child, wherever they are held.
+ * The agent forks to become a daemon and to run helper programs. A child that used its parent's connection would read
+ * its parent's responses, so a fork closes all these sockets in the child, wherever they are stored.
  */
 #ifndef QUARNSNMP_STANDIN_SOCKET_DESCRIPTOR_H
 #define QUARNSNMP_STANDIN_SOCKET_DESCRIPTOR_H
@@ -13,7 +13,7 @@
 
 namespace standin {
 
-/** A Unix-domain stream socket, or none. One thread at a time may use it; shutDown() may be called beside that. */
+/** Unix-domain stream socket, open or closed. Not thread-safe, except for shutDown(). */
 class SocketDescriptor {
 public:
     SocketDescriptor() noexcept;
@@ -21,40 +21,40 @@ public:
     SocketDescriptor(const SocketDescriptor &) = delete;
     SocketDescriptor &operator=(const SocketDescriptor &) = delete;
 
-    /** Opens a socket; one that is open already is closed. @return false with errno set when there is none to be had */
+    /** Opens a socket, after closing an open one. @return false, with errno set, on failure */
     bool open() noexcept;
 
-    /** Closes the socket, if there is one. */
+    /** Closes the socket if it is open. */
     void close() noexcept;
 
-    /** Ends the connection under a thread that may be using it; that thread's receive and send return at once. */
+    /** Shuts the connection down; a receive or send of another thread returns at once. */
     void shutDown() noexcept;
 
     bool isOpen() const noexcept {
-        return descriptor >= 0;
+        return descriptor_ >= 0;
     }
 
-    /** The descriptor; -1 when not open. */
+    /** Returns the descriptor, or -1 when closed. */
     int number() const noexcept {
-        return descriptor;
+        return descriptor_;
     }
 
-    /** To be called before a fork: no socket opens or closes until one of the next two is called. */
-    static void holdForFork() noexcept;
+    /** Blocks opening and closing of sockets; called before a fork. */
+    static void lockForFork() noexcept;
 
-    /** To be called in the parent after a fork. */
-    static void resumeInParent() noexcept;
+    /** Ends lockForFork() in the parent. */
+    static void unlockInParent() noexcept;
 
-    /** To be called in the child after a fork: closes all sockets and raises the generation. */
-    static void resumeInChild() noexcept;
+    /** Ends lockForFork() in the child, closes all sockets and increments the generation. */
+    static void closeAllInChild() noexcept;
 
-    /** Number of forks between the process that loaded the library and this one. */
+    /** Returns the number of forks between the process that loaded the library and this one. */
     static std::uint64_t generation() noexcept;
 
 private:
-    int descriptor = -1;
-    SocketDescriptor *previous = nullptr;
-    SocketDescriptor *next = nullptr;
+    int descriptor_ = -1;
+    SocketDescriptor *previous_ = nullptr;
+    SocketDescriptor *next_ = nullptr;
 };
 
 } // namespace standin

@@ -28,7 +28,7 @@ const char *zorva::core::statusToString(zorva_core_status status) {
         return "no answer in time";
     case wire::kConnectionLost:
         return "connection lost";
-    case wire::kBadAnswer:
+    case wire::kBadResponse:
         return "answer not understood";
     case wire::kNoMemory:
         return "out of memory";

@@ -6,7 +6,7 @@
 namespace wire {
 
 std::string socketDirectory() {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): nobody changes the environment while threads run
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): the environment does not change while threads run
     const char *directory = std::getenv("QUARNSNMP_CAMERA_DIR");
     return directory != nullptr && *directory != '\0' ? directory : "/run/quarnsnmp-camera";
 }

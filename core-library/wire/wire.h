@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The line protocol between the stand-in library and the simulated camera.
+ * Line protocol between the stand-in library and the simulated camera.
  *
  * A message is one JSON array on one line. On a service's socket a request is `[operation, target, argument...]` and
- * its answer `[status, result...]`; flags travel as numbers, texts as strings (null for a null text). On the directory
- * socket `["get_target_ids", service]` answers `[status, id...]`: status 0 without an id is a service that the camera
- * does not have, any other status one that it has but that does not answer now. Answers come in the order of requests.
+ * its response `[status, result...]`; flags are numbers, texts are strings, and a null text is null. On the directory
+ * socket, `["get_target_ids", service]` returns `[status, id...]`: status 0 without an id means that the camera does
+ * not have the service, any other status that the service exists but does not respond. Responses follow the order of
+ * the requests.
  *
- * Text was chosen over a binary encoding because both cost the same here (a call is two context switches), and lines
- * can be read in a trace and typed by hand.
+ * The protocol is text, because a binary encoding would be no faster here (two context switches dominate a call), and
+ * lines can be read in a trace and typed by hand.
  */
 #ifndef QUARNSNMP_WIRE_H
 #define QUARNSNMP_WIRE_H
@@ -22,25 +23,25 @@
 
 namespace wire {
 
-/** Longest message in octets, its newline included; a longer one ends the connection. */
+/** Longest message in octets, including its newline; a longer one ends the connection. */
 inline constexpr std::size_t kMaximumLine = 65536;
 
-/** Socket that tells which targets a service has. */
+/** Name of the socket that lists the targets of the services. */
 inline constexpr const char *kDirectorySocket = "directory";
 
-/** Socket of the camera's control program. */
+/** Name of the control program's socket. */
 inline constexpr const char *kControlSocket = "control";
 
-/** Directory of the camera's sockets: the environment's QUARNSNMP_CAMERA_DIR, or /run/quarnsnmp-camera. */
+/** Returns the directory of the camera's sockets: $QUARNSNMP_CAMERA_DIR, or /run/quarnsnmp-camera by default. */
 std::string socketDirectory();
 
-/** Path of a service's, the directory's or the control socket. */
+/** Returns the path of a socket. @param name  a service, kDirectorySocket or kControlSocket */
 std::string socketPath(const std::string &directory, std::string_view name);
 
-/** Writes a message as one line, newline included; octets that are not UTF-8 are replaced. */
+/** Encodes a message as one line, including its newline. Replaces octets that are not valid UTF-8. */
 std::string encode(const nlohmann::json &message);
 
-/** Reads a line without its newline. Never throws; the value is_discarded() when the line is not JSON. */
+/** Decodes a line without its newline. Never throws; a line that is not JSON yields a value that is_discarded(). */
 nlohmann::json decode(std::string_view line);
 
 } // namespace wire

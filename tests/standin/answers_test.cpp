@@ -58,7 +58,7 @@ TEST_F(AnswersTest, MalformedOnesEndTheConnection) {
                                                 std::string(20000, '[')};
     unsigned connections = 1;
     for (const std::string &answer : malformed) {
-        EXPECT_EQ(wire::kBadAnswer, callAnsweredWith(answer + "\n")) << answer;
+        EXPECT_EQ(wire::kBadResponse, callAnsweredWith(answer + "\n")) << answer;
         EXPECT_EQ(kUntouched, current) << answer;
         EXPECT_EQ(kUntouched, second) << answer;
         EXPECT_TRUE(clientSockets(directory()).empty()) << answer;
@@ -74,7 +74,7 @@ TEST_F(AnswersTest, MayBeAsLongAsALineMayBe) {
     const std::string answer = "[0,1,2]";
     EXPECT_EQ(wire::kSuccess, callAnsweredWith(answer + std::string(65536 - answer.size() - 1, ' ') + "\n"));
     EXPECT_EQ(1, current);
-    EXPECT_EQ(wire::kBadAnswer, callAnsweredWith(answer + std::string(65536 - answer.size(), ' ') + "\n"));
+    EXPECT_EQ(wire::kBadResponse, callAnsweredWith(answer + std::string(65536 - answer.size(), ' ') + "\n"));
     EXPECT_EQ(kUntouched, current);
 }
 

@@ -136,7 +136,7 @@ TEST_F(ConnectionTest, ConnectionsMadeAndLostAreLogged) {
     const std::string path = temporary.file("zoom_stepper.sock");
     EXPECT_TRUE(logSays(" SNMP debug core library: connected to " + path));
     server->setHandler([](Peer &peer, const std::string &) { peer.send("nonsense\n"); });
-    EXPECT_EQ(wire::kBadAnswer, readPosition());
+    EXPECT_EQ(wire::kBadResponse, readPosition());
     EXPECT_TRUE(logSays(" SNMP debug core library: disconnected from " + path + ": answer not understood"));
 }
 

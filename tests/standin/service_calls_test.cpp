@@ -65,15 +65,15 @@ TEST_P(ServiceCallTest, PassesOnTheServicesRefusal) {
 
 TEST_P(ServiceCallTest, WritesNothingUnlessAllResultsFit) {
     const std::unique_ptr<Trial> trial = GetParam().trial(0);
-    const auto misfits = trial->misfits();
-    ASSERT_EQ(trial->results().size(), misfits.size());
-    for (std::size_t output = 0; output < misfits.size(); ++output) {
-        for (const json &misfit : misfits[output]) {
+    const auto badResponses = trial->badResponses();
+    ASSERT_EQ(trial->results().size(), badResponses.size());
+    for (std::size_t output = 0; output < badResponses.size(); ++output) {
+        for (const json &badResponse : badResponses[output]) {
             json results = trial->results();
-            results[output] = misfit;
+            results[output] = badResponse;
             answerWith(withStatus(0, results));
-            EXPECT_EQ(wire::kBadAnswer, trial->run(cookie, kTarget)) << output << ": " << misfit;
-            EXPECT_EQ(untouched(*trial), trial->outputs()) << output << ": " << misfit;
+            EXPECT_EQ(wire::kBadResponse, trial->run(cookie, kTarget)) << output << ": " << badResponse;
+            EXPECT_EQ(untouched(*trial), trial->outputs()) << output << ": " << badResponse;
         }
     }
 }
@@ -83,12 +83,12 @@ TEST_P(ServiceCallTest, WantsTheRightNumberOfResults) {
     json results = trial->results();
     results.push_back(0);
     answerWith(withStatus(0, results));
-    EXPECT_EQ(wire::kBadAnswer, trial->run(cookie, kTarget));
+    EXPECT_EQ(wire::kBadResponse, trial->run(cookie, kTarget));
     if (results.size() > 1) {
         results.erase(results.size() - 1);
         results.erase(results.size() - 1);
         answerWith(withStatus(0, results));
-        EXPECT_EQ(wire::kBadAnswer, trial->run(cookie, kTarget));
+        EXPECT_EQ(wire::kBadResponse, trial->run(cookie, kTarget));
     }
     EXPECT_EQ(untouched(*trial), trial->outputs());
 }

@@ -57,7 +57,7 @@ public:
     }
     void addResult(json & /*list*/) const {}
     void addOutput(json & /*list*/) const {}
-    void addMisfits(std::vector<std::vector<json>> & /*list*/) const {}
+    void addBadResponses(std::vector<std::vector<json>> & /*list*/) const {}
     static constexpr bool kIsOutput = false;
 
 private:
@@ -99,7 +99,7 @@ public:
     void addOutput(json &list) const {
         list.push_back(storage == untouched ? json("untouched") : json(storage));
     }
-    void addMisfits(std::vector<std::vector<json>> &list) const {
+    void addBadResponses(std::vector<std::vector<json>> &list) const {
         using Limits = std::numeric_limits<Number>;
         list.push_back({std::int64_t{Limits::min()} - 1, std::int64_t{Limits::max()} + 1, 1.5, 1.0, "1", true, nullptr,
                         json::array(), json::object(), std::numeric_limits<std::uint64_t>::max(),
@@ -139,7 +139,7 @@ public:
     void addOutput(json &list) const {
         list.push_back(storage == &untouched ? json("untouched") : toJson(static_cast<const char *>(storage)));
     }
-    void addMisfits(std::vector<std::vector<json>> &list) const {
+    void addBadResponses(std::vector<std::vector<json>> &list) const {
         list.push_back({1, 0, 1.5, true, json::array({"text"}), json::object(), std::string("with \0 in it", 12)});
     }
     static constexpr bool kIsOutput = true;
@@ -168,9 +168,9 @@ public:
     json outputs() const override {
         return collect([](const auto &slot, json &list) { slot.addOutput(list); });
     }
-    std::vector<std::vector<json>> misfits() const override {
+    std::vector<std::vector<json>> badResponses() const override {
         std::vector<std::vector<json>> list;
-        std::apply([&](const auto &...slot) { (slot.addMisfits(list), ...); }, slots);
+        std::apply([&](const auto &...slot) { (slot.addBadResponses(list), ...); }, slots);
         return list;
     }
     zorva_core_status run(void *cookie, const char *target, std::optional<std::size_t> nullOutput) override {

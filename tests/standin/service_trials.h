@@ -27,7 +27,7 @@ public:
     /** The values that the outputs shall get, in order. */
     virtual nlohmann::json results() const = 0;
     /** Per output, values that do not fit it. */
-    virtual std::vector<std::vector<nlohmann::json>> misfits() const = 0;
+    virtual std::vector<std::vector<nlohmann::json>> badResponses() const = 0;
     /** Calls the function. @param nullOutput index of an output to pass as null */
     virtual zorva_core_status run(void *cookie, const char *target, std::optional<std::size_t> nullOutput = {}) = 0;
     /** What the outputs hold now; an output that was not written gives the text "untouched". */

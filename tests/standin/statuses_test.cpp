@@ -24,7 +24,7 @@ TEST(Statuses, HaveTexts) {
         {wire::kUnreachable, "service cannot be reached"},
         {wire::kTimedOut, "no answer in time"},
         {wire::kConnectionLost, "connection lost"},
-        {wire::kBadAnswer, "answer not understood"},
+        {wire::kBadResponse, "answer not understood"},
         {wire::kNoMemory, "out of memory"},
     };
     for (const auto &[status, text] : texts) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "answer.h"
+#include "response.h"
 
 #include <array>
 #include <cstdlib>
@@ -15,16 +15,16 @@ namespace standin {
 
 namespace {
 
-/** What an answer may consist of; no output has room for a number beyond 64 bits with a sign. */
+/** A value in a response. No output holds more than a signed 64-bit number. */
 using Value = std::variant<std::nullptr_t, std::int64_t, std::string>;
 
-/** Takes the values from the parser, and stops it at whatever no answer has. */
+/** Collects the values from the parser, and stops it at anything that is not allowed in a response. */
 class ValueCollector {
 public:
-    explicit ValueCollector(std::vector<Value> &collected) : values(collected) {}
+    explicit ValueCollector(std::vector<Value> &values) : values_(values) {}
 
     bool start_array(std::size_t /*size*/) {
-        return std::exchange(depth, 1) == 0;
+        return !std::exchange(isInArray_, true);
     }
     bool end_array() {
         return true;
@@ -40,7 +40,7 @@ public:
                add(static_cast<std::int64_t>(number));
     }
     bool string(std::string &text) {
-        // No C text can hold a NUL.
+        // A C string cannot hold a NUL.
         return text.find('\0') == std::string::npos && add(std::move(text));
     }
     bool boolean(bool /*value*/) {
@@ -67,15 +67,15 @@ public:
 
 private:
     bool add(Value value) {
-        if (depth == 0) {
+        if (!isInArray_) {
             return false;
         }
-        values.push_back(std::move(value));
+        values_.push_back(std::move(value));
         return true;
     }
 
-    std::vector<Value> &values;
-    int depth = 0;
+    std::vector<Value> &values_;
+    bool isInArray_ = false;
 };
 
 template <typename Integer>
@@ -85,14 +85,14 @@ bool isNumberFor(const Value &value) {
            *number <= std::int64_t{std::numeric_limits<Integer>::max()};
 }
 
-/** Reads an answer's values. @return its status, or kBadAnswer; `values` holds all values, the status first */
-zorva_core_status readValues(std::string_view answer, std::vector<Value> &values) {
+/** Parses a response. @param values output: all values, the status first @return the status, or kBadResponse */
+zorva_core_status readValues(std::string_view response, std::vector<Value> &values) {
     ValueCollector collector(values);
-    // The parser would take a NUL for the end.
-    if (answer.find('\0') != std::string_view::npos ||
-        !nlohmann::json::sax_parse(answer.begin(), answer.end(), &collector) || values.empty() ||
+    // The parser treats a NUL as the end of its input.
+    if (response.find('\0') != std::string_view::npos ||
+        !nlohmann::json::sax_parse(response.begin(), response.end(), &collector) || values.empty() ||
         !isNumberFor<zorva_core_status>(values[0])) {
-        return wire::kBadAnswer;
+        return wire::kBadResponse;
     }
     return static_cast<zorva_core_status>(std::get<std::int64_t>(values[0]));
 }
@@ -104,6 +104,7 @@ struct Free {
 };
 using Text = std::unique_ptr<char, Free>;
 
+/** Checks that an output can hold a value. */
 struct Accepts {
     const Value &value;
 
@@ -116,6 +117,7 @@ struct Accepts {
     }
 };
 
+/** Writes a value, or the copied text, to an output. */
 struct Store {
     const Value &value;
     Text &text;
@@ -131,22 +133,22 @@ struct Store {
 
 } // namespace
 
-zorva_core_status readAnswer(std::string_view answer, const Output *outputs, std::size_t count) {
+zorva_core_status readResponse(std::string_view response, const Output *outputs, std::size_t count) {
     std::vector<Value> values;
     values.reserve(kMaximumOutputs + 1);
-    const zorva_core_status status = readValues(answer, values);
+    const zorva_core_status status = readValues(response, values);
     if (status != wire::kSuccess) {
         return status;
     }
     if (values.size() != count + 1 || count > kMaximumOutputs) {
-        return wire::kBadAnswer;
+        return wire::kBadResponse;
     }
     for (std::size_t i = 0; i < count; ++i) {
         if (!std::visit(Accepts{values[i + 1]}, outputs[i])) {
-            return wire::kBadAnswer;
+            return wire::kBadResponse;
         }
     }
-    // Texts are allocated before anything is written, as the last thing that can fail.
+    // Allocation is the last step that can fail, so it precedes all writing.
     std::array<Text, kMaximumOutputs> texts;
     for (std::size_t i = 0; i < count; ++i) {
         if (const auto *const text = std::get_if<std::string>(&values[i + 1])) {
@@ -162,9 +164,9 @@ zorva_core_status readAnswer(std::string_view answer, const Output *outputs, std
     return wire::kSuccess;
 }
 
-zorva_core_status readTargetIds(std::string_view answer, std::vector<std::string> &targetIds) {
+zorva_core_status readTargetIds(std::string_view response, std::vector<std::string> &targetIds) {
     std::vector<Value> values;
-    const zorva_core_status status = readValues(answer, values);
+    const zorva_core_status status = readValues(response, values);
     if (status != wire::kSuccess) {
         return status;
     }
@@ -173,7 +175,7 @@ zorva_core_status readTargetIds(std::string_view answer, std::vector<std::string
     for (std::size_t i = 1; i < values.size(); ++i) {
         auto *const text = std::get_if<std::string>(&values[i]);
         if (text == nullptr) {
-            return wire::kBadAnswer;
+            return wire::kBadResponse;
         }
         targetIds.push_back(std::move(*text));
     }
