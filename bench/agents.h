@@ -21,7 +21,7 @@ std::unique_ptr<harness::Agent> startAgent(const harness::AgentOptions &options)
 struct CameraAgent {
     explicit CameraAgent(const std::string &cameraName);
 
-    harness::Camera camera;
+    support::Camera camera;
     std::unique_ptr<harness::Agent> agent;
 };
 

@@ -24,9 +24,9 @@ constexpr std::int64_t kLoad = 4;
 constexpr std::int64_t kUnload = 5;
 
 double strippedKibibytes() {
-    const harness::TemporaryDirectory directory;
+    const support::TemporaryDirectory directory;
     const std::string stripped = directory.file("module.so");
-    if (!harness::runCommand({"strip", "-o", stripped, harness::modulePath()}).status.clean()) {
+    if (!support::runCommand({"strip", "-o", stripped, harness::modulePath()}).status.clean()) {
         throw std::runtime_error("strip failed");
     }
     return static_cast<double>(std::filesystem::file_size(stripped)) / 1024;
@@ -35,7 +35,7 @@ double strippedKibibytes() {
 double residentKibibytes(const AgentOptions &options) {
     const Agent agent(options);
     Manager(agent.peer()).get(kModelName);
-    return static_cast<double>(harness::residentKilobytes(agent.pid()));
+    return static_cast<double>(support::residentKilobytes(agent.pid()));
 }
 
 void measureMemory(const AgentOptions &options, const Effort &effort) {
@@ -77,7 +77,7 @@ void measureLoading(AgentOptions options, const Effort &effort) {
 } // namespace
 
 void measureFootprint(const Effort &effort) {
-    const harness::Camera camera("dome");
+    const support::Camera camera("dome");
     const AgentOptions options = agentOptions(camera.directory());
     printFamily("What the module costs while nobody asks");
     printValue("size of the module, stripped", strippedKibibytes(), "KiB", 0);

@@ -98,7 +98,7 @@ void measureRows(const Effort &effort) {
         return microseconds({agents[i].get()}, message, effort) / static_cast<double>(kRows.at(i));
     });
     measureSizes(memory, effort, "KiB",
-                 [&](std::size_t i) { return static_cast<double>(harness::residentKilobytes(agents[i]->pid())); });
+                 [&](std::size_t i) { return static_cast<double>(support::residentKilobytes(agents[i]->pid())); });
 }
 
 void measureVariables(const Effort &effort) {

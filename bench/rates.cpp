@@ -32,7 +32,7 @@ public:
         tie(subagent.pid(), kAgentProcessor);
         Manager manager(agent->peer());
         for (const char *scalar : {kSubagentScalar, kScriptScalar, kExtendScalar}) {
-            if (!harness::eventually(std::chrono::seconds(10), [&] { return hasValue(manager.get(scalar)); })) {
+            if (!support::eventually(std::chrono::seconds(10), [&] { return hasValue(manager.get(scalar)); })) {
                 throw std::runtime_error(std::string("the agent has no ") + scalar);
             }
         }
@@ -60,9 +60,9 @@ private:
         return result.ok() && static_cast<unsigned>(result.single().type) < 0x80;
     }
 
-    harness::TemporaryDirectory directory;
+    support::TemporaryDirectory directory;
     std::unique_ptr<harness::Agent> agent;
-    harness::Process subagent;
+    support::Process subagent;
 };
 
 /** What is sent. */

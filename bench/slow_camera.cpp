@@ -23,7 +23,7 @@ namespace {
 constexpr std::array<int, 8> kDelays = {0, 1, 2, 5, 10, 20, 50, 100};
 constexpr int kLeastAnswers = 10; // of a measurement, however late they are
 
-void order(const harness::Camera &camera, int delay) {
+void order(const support::Camera &camera, int delay) {
     const bool obeyed =
         camera.control("clear").status.clean() &&
         (delay == 0 || camera.control("delay", "temperature", "get_temperature_send", std::to_string(delay), "--always")

@@ -16,7 +16,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "camera_process.h"
+#include "camera.h"
 #include "statistics.h"
 #include "table_reporter.h"
 #include "zorva-core.h"
@@ -202,7 +202,7 @@ int main(int argc, char **argv) {
     }
     bool hasFailed = false;
     try {
-        const CameraProcess camera(CAMERA_PROGRAM);
+        const support::Camera camera;
         for (const Measurement &measurement : kMeasurements) {
             const auto run = [&camera, &hasFailed, measurement](benchmark::State &state) {
                 try {

@@ -13,7 +13,7 @@
 
 namespace monitoring {
 
-using harness::LogFile;
+using support::LogFile;
 using std::chrono::seconds;
 
 namespace {
@@ -62,7 +62,7 @@ Exporter::Exporter(const std::string &modules)
            "/dev/null",
            directory_.file("log")}) {
     const LogFile log(directory_.file("log"));
-    harness::eventually(seconds(20), [&] { return log.count(kListening) > 0 || !process_.running(); });
+    support::eventually(seconds(20), [&] { return log.count(kListening) > 0 || !process_.running(); });
     if (log.count(kListening) == 0) {
         throw std::runtime_error(std::string(kProgram) + " does not start\n" + log.text());
     }
@@ -76,7 +76,7 @@ std::string Exporter::port() const {
 
 Scrape Exporter::scrape(const std::string &module, const std::string &peer) const {
     boost::asio::ip::tcp::iostream connection;
-    connection.expires_after(harness::patient(seconds(60)));
+    connection.expires_after(support::patient(seconds(60)));
     connection.connect("127.0.0.1", port());
     // Version 1.0, so that the answer comes in one piece and ends with the connection.
     connection << "GET /snmp?module=" << module << "&target=" << peer << " HTTP/1.0\r\n\r\n" << std::flush;

@@ -48,8 +48,8 @@ public:
 private:
     std::string port() const;
 
-    harness::TemporaryDirectory directory_;
-    harness::Process process_;
+    support::TemporaryDirectory directory_;
+    support::Process process_;
 };
 
 } // namespace monitoring

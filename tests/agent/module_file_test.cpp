@@ -18,7 +18,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 std::string readelf(const std::string &option, const std::string &file) {
-    const harness::CommandResult result = harness::runCommand({"readelf", "-W", option, file});
+    const support::CommandResult result = support::runCommand({"readelf", "-W", option, file});
     EXPECT_TRUE(result.status.clean()) << result.errors;
     EXPECT_NE(result.output, "");
     return result.output;

@@ -21,7 +21,7 @@ using testing::UnorderedElementsAre;
 
 /** The names that a library expects from others. */
 std::set<std::string> expectedNames(const std::string &library) {
-    const harness::CommandResult result = harness::runCommand({"nm", "--dynamic", "--undefined-only", "-j", library});
+    const support::CommandResult result = support::runCommand({"nm", "--dynamic", "--undefined-only", "-j", library});
     EXPECT_TRUE(result.status.clean()) << result.errors;
     std::set<std::string> names;
     std::istringstream lines(result.output);

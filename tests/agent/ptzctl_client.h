@@ -28,8 +28,8 @@ inline constexpr int kSomeFailed = 4;
 /** The program, with nobody's configuration but what a test writes into its directory. */
 class Client {
 public:
-    harness::CommandResult run(const std::vector<std::string> &arguments, ClientEnvironment environment = {}) const {
-        return harness::runCommand(commandLine(arguments), completed(std::move(environment)));
+    support::CommandResult run(const std::vector<std::string> &arguments, ClientEnvironment environment = {}) const {
+        return support::runCommand(commandLine(arguments), completed(std::move(environment)));
     }
 
     static std::vector<std::string> commandLine(const std::vector<std::string> &arguments) {
@@ -50,7 +50,7 @@ public:
         return environment;
     }
 
-    harness::TemporaryDirectory directory;
+    support::TemporaryDirectory directory;
 };
 
 /** Where an agent sends its traps, also before somebody listens there. */

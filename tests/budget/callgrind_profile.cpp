@@ -89,9 +89,9 @@ void addProfile(const std::filesystem::path &path, std::map<std::string, Instruc
 } // namespace
 
 std::map<std::string, Instructions> countInstructions() {
-    const harness::TemporaryDirectory directory;
+    const support::TemporaryDirectory directory;
     const std::string program = BUDGET_REQUESTS;
-    const harness::CommandResult run = harness::runCommand(
+    const support::CommandResult run = support::runCommand(
         {"valgrind", "--tool=callgrind", "--collect-atstart=no", "--toggle-collect=*CallHandler*",
          "--compress-strings=no", "--compress-pos=no", "--callgrind-out-file=" + directory.file("profile"), program},
         {{"LD_BIND_NOW", "1"}}, std::chrono::seconds(120));

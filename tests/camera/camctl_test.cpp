@@ -1,40 +1,36 @@
 // SPDX-License-Identifier: Apache-2.0
 // The control program.
 #include <csignal>
-#include <cstring>
-#include <thread>
-
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include <gmock/gmock.h>
 
 #include "camera_process.h"
+#include "scripted_server.h"
 
 using namespace camera::test;
+using namespace support;
 using nlohmann::json;
 
 namespace {
 
 class Camctl : public testing::Test {
 protected:
-    Ended control(const std::vector<std::string> &arguments) {
-        std::vector<std::string> command = {QUARNSNMP_CAMCTL, "--directory", directory_};
+    CommandResult control(const std::vector<std::string> &arguments) {
+        std::vector<std::string> command = {controlPath(), "--directory", directory_};
         command.insert(command.end(), arguments.begin(), arguments.end());
-        return run(command);
+        return runCommand(command);
     }
 
     void expectDone(const std::vector<std::string> &arguments, const std::string &output) {
-        const Ended ended = control(arguments);
-        EXPECT_EQ(0, ended.status);
+        const CommandResult ended = control(arguments);
+        EXPECT_EQ(0, ended.status.code);
         EXPECT_EQ(output + "\n", ended.output);
         EXPECT_EQ("", ended.errors);
     }
 
     void expectRefused(const std::vector<std::string> &arguments, const std::string &error) {
-        const Ended ended = control(arguments);
-        EXPECT_EQ(1, ended.status);
+        const CommandResult ended = control(arguments);
+        EXPECT_EQ(1, ended.status.code);
         EXPECT_EQ("", ended.output);
         EXPECT_EQ("quarnsnmp-camctl: " + error + "\n", ended.errors);
     }
@@ -47,14 +43,14 @@ protected:
         return state()["services"][service]["targets"][id];
     }
 
-    TempDirectory root_;
-    std::string directory_ = root_ / "sockets";
+    TemporaryDirectory root_;
+    std::string directory_ = root_.file("sockets");
 };
 
 TEST_F(Camctl, PrintsTheStateAsReadableJson) {
     RunningCamera camera(directory_, "minimal");
-    const Ended ended = control({"state"});
-    EXPECT_EQ(0, ended.status);
+    const CommandResult ended = control({"state"});
+    EXPECT_EQ(0, ended.status.code);
     EXPECT_EQ("", ended.errors);
     EXPECT_THAT(ended.output, testing::StartsWith("{\n  \"camera\": \"minimal\",\n"));
     EXPECT_EQ("QN-100 Minimal",
@@ -82,7 +78,7 @@ TEST_F(Camctl, TakesWhatIsNotJsonAsAText) {
     const std::vector<std::pair<std::string, std::string>> texts = {
         {"QN 5", "QN 5"}, {"\"17\"", "17"}, {"", ""}, {"2.4.1-1", "2.4.1-1"}, {"[x", "[x"}};
     for (const auto &[value, stored] : texts) {
-        EXPECT_EQ(0, control({"set", "device_information/1", "serial", value}).status) << value;
+        EXPECT_EQ(0, control({"set", "device_information/1", "serial", value}).status.code) << value;
         EXPECT_EQ(stored, target("device_information", "device_information/1")["serial"]);
     }
     expectRefused({"set", "device_information/1", "serial", "17"},
@@ -142,23 +138,19 @@ TEST_F(Camctl, DoesNotSetWhatFollowsFromCommands) {
 
 TEST_F(Camctl, FollowsUntilTheCameraEnds) {
     RunningCamera camera(directory_);
-    Process follow({QUARNSNMP_CAMCTL, "--directory", directory_, "follow"});
+    Process follow({{controlPath(), "--directory", directory_, "follow"}});
     // Events before the follower is there are not told, so the first may take several attempts.
-    std::optional<std::string> line;
-    Process setter({"/bin/sh", "-c",
-                    std::string("i=0; while [ $i -lt 1000 ]; do i=$((i+1)); \"$0\" --directory \"$1\" set alarm/1 "
-                                "state $i >/dev/null || exit; done"),
-                    QUARNSNMP_CAMCTL, directory_});
-    line = follow.nextLine();
-    setter.signal(SIGKILL);
-    ASSERT_TRUE(line);
-    const json event = json::parse(*line);
+    int state = 0;
+    ASSERT_TRUE(eventually([&] {
+        control({"set", "alarm/1", "state", std::to_string(++state)});
+        return follow.output().size() > 0;
+    }));
+    const json event = json::parse(follow.output().awaitLine(0));
     EXPECT_EQ("changed", event["event"]);
     EXPECT_EQ("alarm/1", event["target"]);
-    camera.process().signal(SIGTERM);
-    EXPECT_EQ(0, camera.process().wait().status);
-    const Ended ended = follow.wait();
-    EXPECT_EQ(1, ended.status);
+    EXPECT_TRUE(camera.stop().clean());
+    const CommandResult ended = follow.result();
+    EXPECT_EQ(1, ended.status.code);
     EXPECT_EQ("quarnsnmp-camctl: the camera in " + directory_ + " has ended\n", ended.errors);
 }
 
@@ -166,49 +158,19 @@ TEST_F(Camctl, SaysThatNoCameraIsThere) {
     expectRefused({"state"}, "no camera answers in " + directory_ + ": No such file or directory");
     {
         RunningCamera camera(directory_);
-        camera.process().signal(SIGKILL);
-        camera.process().wait();
+        camera.kill();
     }
     expectRefused({"follow"}, "no camera answers in " + directory_ + ": Connection refused");
 }
 
 TEST_F(Camctl, DoesNotWaitForEverForACamera) {
     RunningCamera camera(directory_);
-    camera.process().signal(SIGSTOP);
+    camera.signal(SIGSTOP);
     const auto start = std::chrono::steady_clock::now();
     expectRefused({"state"}, "the camera in " + directory_ + " does not answer");
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
-    camera.process().signal(SIGCONT);
+    camera.signal(SIGCONT);
 }
-
-/** A socket that plays the control socket of a broken camera: it sends one text to its first client, and ends. */
-class BrokenCamera {
-public:
-    BrokenCamera(const std::string &path, std::string text) : socket_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
-        EXPECT_EQ(0, bind(socket_, reinterpret_cast<const sockaddr *>(&address), sizeof address));
-        EXPECT_EQ(0, listen(socket_, 1));
-        thread_ = std::thread([this, sent = std::move(text)] {
-            const int client = accept(socket_, nullptr, nullptr);
-            char request[4096];
-            EXPECT_GT(recv(client, request, sizeof request, 0), 0);
-            EXPECT_EQ(static_cast<ssize_t>(sent.size()), send(client, sent.data(), sent.size(), MSG_NOSIGNAL));
-            close(client);
-        });
-    }
-    BrokenCamera(const BrokenCamera &) = delete;
-    BrokenCamera &operator=(const BrokenCamera &) = delete;
-    ~BrokenCamera() {
-        thread_.join();
-        close(socket_);
-    }
-
-private:
-    int socket_;
-    std::thread thread_;
-};
 
 TEST_F(Camctl, SaysWhenAnAnswerCannotBeUnderstood) {
     for (const auto &[text, error] :
@@ -216,9 +178,11 @@ TEST_F(Camctl, SaysWhenAnAnswerCannotBeUnderstood) {
           {"[1]\n", "sent an answer that cannot be understood"},
           {"{\"ok\":", "ended the connection without an answer"}}) {
         directory_ = root_.path();
-        const BrokenCamera camera(root_ / "control.sock", text);
+        const ScriptedServer camera(directory_, "control", [sent = text](Peer &peer, const std::string &) {
+            peer.send(sent);
+            peer.hangUp();
+        });
         expectRefused({"state"}, "the camera in " + directory_ + " " + error);
-        unlink((root_ / "control.sock").c_str());
     }
 }
 
@@ -237,8 +201,8 @@ TEST_F(Camctl, RefusesWrongUsage) {
         {"state", "follow"},
     };
     for (const std::vector<std::string> &arguments : wrong) {
-        const Ended ended = control(arguments);
-        EXPECT_EQ(2, ended.status) << testing::PrintToString(arguments);
+        const CommandResult ended = control(arguments);
+        EXPECT_EQ(2, ended.status.code) << testing::PrintToString(arguments);
         EXPECT_EQ("", ended.output);
         EXPECT_THAT(ended.errors, testing::StartsWith("quarnsnmp-camctl: "));
     }

@@ -8,6 +8,7 @@
 #include "wire.h"
 
 using namespace camera::test;
+using namespace support;
 using nlohmann::json;
 
 namespace {
@@ -19,8 +20,8 @@ protected:
         EXPECT_EQ(kTemperatureAnswer, client.ask(kTemperatureRequest));
     }
 
-    TempDirectory root_;
-    std::string directory_ = root_ / "sockets";
+    TemporaryDirectory root_;
+    std::string directory_ = root_.file("sockets");
 };
 
 TEST_F(Connections, TakeALineOfTheLargestSize) {
@@ -179,10 +180,10 @@ TEST_F(Connections, WaitWhenTheCameraHasNoFileLeft) {
     LineClient waiting(directory_, "temperature");
     waiting.send(kTemperatureRequest + "\n");
     const auto start = std::chrono::steady_clock::now();
-    const long before = ticksOf(camera.process().pid());
+    const long before = ticksOf(camera.pid());
     // The camera tries again ten times a second; spinning would use all of this second.
     EXPECT_TRUE(eventually([&] { return std::chrono::steady_clock::now() - start > std::chrono::seconds(1); }));
-    EXPECT_LT(ticksOf(camera.process().pid()) - before, sysconf(_SC_CLK_TCK) / 2);
+    EXPECT_LT(ticksOf(camera.pid()) - before, sysconf(_SC_CLK_TCK) / 2);
     EXPECT_FALSE(waiting.readable());
     EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
     clients.clear();

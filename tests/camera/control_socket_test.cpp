@@ -7,6 +7,7 @@
 #include "camera_process.h"
 
 using namespace camera::test;
+using namespace support;
 using nlohmann::json;
 
 namespace {
@@ -17,8 +18,8 @@ protected:
         return control_.call(json::parse(command));
     }
 
-    TempDirectory root_;
-    std::string directory_ = root_ / "sockets";
+    TemporaryDirectory root_;
+    std::string directory_ = root_.file("sockets");
     RunningCamera camera_{directory_};
     LineClient control_{directory_, "control"};
 };

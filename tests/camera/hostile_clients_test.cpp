@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 // Clients that do not speak the protocol at all, at each kind of socket: the others notice nothing.
-#include <fstream>
 #include <random>
 
 #include <gmock/gmock.h>
 
 #include "camera_process.h"
+#include "process_information.h"
 #include "wire.h"
 
 using namespace camera::test;
+using namespace support;
 
 namespace {
 
@@ -34,7 +35,7 @@ std::string rubbish() {
 }
 
 void sendRubbish(const std::string &directory, const std::string &socket) {
-    const LineClient client(directory, socket);
+    LineClient client(directory, socket);
     client.send(rubbish());
     client.finish();
     EXPECT_TRUE(client.ends());
@@ -64,7 +65,7 @@ void announceALength(const std::string &directory, const std::string &socket) {
 void sendAnEndlessLine(const std::string &directory, const std::string &socket) {
     constexpr std::size_t kEndless = 100U << 20U;
     const std::string part(wire::kMaximumLine, '[');
-    const LineClient client(directory, socket);
+    LineClient client(directory, socket);
     std::size_t sent = 0;
     EXPECT_TRUE(eventually([&] {
         const std::optional<std::size_t> count = client.sendWhatFits(part);
@@ -82,38 +83,25 @@ const Hostility kHostilities[] = {
     {"AnEndlessLine", sendAnEndlessLine},
 };
 
-/** The most memory that a process has had, in kilobytes. */
-long peakMemory(pid_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/status");
-    const std::string field = "VmHWM:";
-    for (std::string line; std::getline(file, line);) {
-        if (line.rfind(field, 0) == 0) {
-            return std::stol(line.substr(field.size()));
-        }
-    }
-    ADD_FAILURE() << "the kernel does not tell";
-    return 0;
-}
-
 class HostileClients : public testing::TestWithParam<std::tuple<const char *, Hostility>> {};
 
 TEST_P(HostileClients, HarmNobodyElse) {
     const auto &[socket, hostility] = GetParam();
-    const TempDirectory root;
-    const std::string directory = root / "sockets";
+    const TemporaryDirectory root;
+    const std::string directory = root.file("sockets");
     RunningCamera camera(directory);
     LineClient witness(directory, "temperature");
     LineClient control(directory, "control");
     EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
     const auto services = [&control] { return control.call({{"command", "state"}}).at("state").at("services"); };
     const nlohmann::json state = services();
-    const long before = peakMemory(camera.process().pid());
+    const std::size_t before = peakKilobytes(camera.pid());
     hostility.commit(directory, socket);
     EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
     EXPECT_EQ(kTemperatureAnswer, LineClient(directory, "temperature").ask(kTemperatureRequest));
     EXPECT_EQ(state, services()) << "something has changed in the camera";
-    constexpr long kSomeMemory = 8L << 10U;
-    EXPECT_LT(peakMemory(camera.process().pid()) - before, kSomeMemory);
+    constexpr std::size_t kSomeMemory = 8U << 10U;
+    EXPECT_LT(peakKilobytes(camera.pid()), before + kSomeMemory);
 }
 
 INSTANTIATE_TEST_SUITE_P(Sockets, HostileClients,

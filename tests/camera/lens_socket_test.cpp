@@ -5,6 +5,7 @@
 #include "camera_process.h"
 
 using namespace camera::test;
+using namespace support;
 using nlohmann::json;
 
 namespace {
@@ -38,8 +39,8 @@ protected:
         return events;
     }
 
-    TempDirectory root_;
-    std::string directory_ = root_ / "sockets";
+    TemporaryDirectory root_;
+    std::string directory_ = root_.file("sockets");
     RunningCamera camera_{directory_, "twinfocus"};
     LineClient control_{directory_, "control"};
     LineClient follower_{directory_, "control"};

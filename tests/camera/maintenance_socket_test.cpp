@@ -8,6 +8,7 @@
 #include "camera_process.h"
 
 using namespace camera::test;
+using namespace support;
 using nlohmann::json;
 
 namespace {
@@ -28,8 +29,8 @@ void PrintTo(const Shown &shown, std::ostream *out) {
 
 class EachField : public testing::TestWithParam<Shown> {
 protected:
-    TempDirectory root_;
-    std::string directory_ = root_ / "sockets";
+    TemporaryDirectory root_;
+    std::string directory_ = root_.file("sockets");
     RunningCamera camera_{directory_};
     LineClient control_{directory_, "control"};
 };
@@ -94,11 +95,11 @@ INSTANTIATE_TEST_SUITE_P(
 class EachService : public testing::TestWithParam<std::pair<const char *, json>> {};
 
 TEST_P(EachService, FailsAndIsLateOnCommand) {
-    const TempDirectory root;
-    const RunningCamera camera(root / "sockets");
-    LineClient control(root / "sockets", "control");
+    const TemporaryDirectory root;
+    const RunningCamera camera(root.file("sockets"));
+    LineClient control(root.file("sockets"), "control");
     const auto &[service, call] = GetParam();
-    LineClient client(root / "sockets", service);
+    LineClient client(root.file("sockets"), service);
     json order = {{"command", "fail"}, {"service", service}, {"operation", call[0]}, {"status", 77}};
     EXPECT_EQ(kDone, control.call(order));
     EXPECT_EQ(json::array({77}), client.call(call));
@@ -121,60 +122,54 @@ INSTANTIATE_TEST_SUITE_P(OfTheDome, EachService,
 /** A camera that keeps its presets in a file. */
 class PresetsOfAProcess : public testing::Test {
 protected:
-    std::unique_ptr<Process> start() {
-        auto camera = std::make_unique<Process>(
-            std::vector<std::string>{QUARNSNMP_CAMERA, "--directory", directory_, "--presets", file_});
-        EXPECT_EQ("camera dome ready in " + directory_, camera->nextLine().value_or(""));
-        return camera;
+    std::unique_ptr<Camera> start() {
+        return std::make_unique<Camera>("dome", CameraOptions{directory_, {}, {"--presets", file_}});
     }
 
     json callPresets(const json &call) {
         return LineClient(directory_, "presets_tours").call(call);
     }
 
-    TempDirectory root_;
-    std::string directory_ = root_ / "sockets";
-    std::string file_ = root_ / "presets.json";
+    TemporaryDirectory root_;
+    std::string directory_ = root_.file("sockets");
+    std::string file_ = root_.file("presets.json");
     const json store_ = {"set_preset_with_current_position_send", "presets_tours/1", "gate", "Gate", 0, 1};
     const json find_ = {"get_preset_id_for_quarnapi_id_send", "presets_tours/1", 0};
 };
 
 TEST_F(PresetsOfAProcess, OutliveEvenAKilledCamera) {
     for (const int signal : {SIGKILL, SIGTERM}) {
-        const std::unique_ptr<Process> camera = start();
+        const std::unique_ptr<Camera> camera = start();
         EXPECT_EQ(json::array({0}), callPresets(store_));
-        camera->signal(signal);
-        camera->wait();
-        const std::unique_ptr<Process> next = start();
+        camera->stop(signal);
+        const std::unique_ptr<Camera> next = start();
         EXPECT_EQ((json{0, "gate"}), callPresets(find_));
-        next->signal(SIGTERM);
-        EXPECT_EQ(0, next->wait().status);
+        EXPECT_TRUE(next->stop().clean());
         std::filesystem::remove(file_);
     }
 }
 
 TEST_F(PresetsOfAProcess, AreStoredForNowWhereTheFileCannotBeWritten) {
-    std::filesystem::create_directory(root_ / "store");
-    file_ = root_ / "store/presets.json";
-    const std::unique_ptr<Process> camera = start();
-    std::filesystem::remove_all(root_ / "store");
+    std::filesystem::create_directory(root_.file("store"));
+    file_ = root_.file("store/presets.json");
+    const std::unique_ptr<Camera> camera = start();
+    std::filesystem::remove_all(root_.file("store"));
     EXPECT_EQ(json::array({0}), callPresets(store_));
     EXPECT_EQ((json{0, "gate"}), callPresets(find_));
-    camera->signal(SIGTERM);
-    const Ended ended = camera->wait();
-    EXPECT_EQ(0, ended.status);
-    EXPECT_THAT(ended.errors, testing::MatchesRegex("quarnsnmp-camera: .*/store/presets.json: cannot be written: No "
-                                                    "such file or directory\n"));
+    EXPECT_TRUE(camera->stop().clean());
+    EXPECT_THAT(camera->errors().text(),
+                testing::MatchesRegex("quarnsnmp-camera: .*/store/presets.json: cannot be written: No "
+                                      "such file or directory\n"));
 }
 
 TEST_F(PresetsOfAProcess, AreRefusedWithTheCameraWhenTheFileIsWrong) {
     writeFile(file_, R"({"presets_tours/1": [{"id": "a", "number": 256}]})");
-    const Ended ended = run({QUARNSNMP_CAMERA, "--directory", directory_, "--presets", file_});
-    EXPECT_EQ(1, ended.status);
+    const CommandResult ended = runCommand({cameraPath(), "--directory", directory_, "--presets", file_});
+    EXPECT_EQ(1, ended.status.code);
     EXPECT_THAT(ended.errors, testing::MatchesRegex("quarnsnmp-camera: .*/presets.json: presets_tours/1\\[0\\].number: "
                                                     "expected an integer from 0 to 255, found 256\n"));
     EXPECT_FALSE(std::filesystem::exists(directory_));
-    EXPECT_EQ(2, run({QUARNSNMP_CAMERA, "--directory", directory_, "--presets", ""}).status);
+    EXPECT_EQ(2, runCommand({cameraPath(), "--directory", directory_, "--presets", ""}).status.code);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "camera_process.h"
 
 using namespace camera::test;
+using namespace support;
 using nlohmann::json;
 
 namespace {
@@ -26,8 +27,8 @@ protected:
                               .dump());
     }
 
-    TempDirectory root_;
-    std::string directory_ = root_ / "sockets";
+    TemporaryDirectory root_;
+    std::string directory_ = root_.file("sockets");
     RunningCamera camera_{directory_};
     LineClient control_{directory_, "control"};
 };

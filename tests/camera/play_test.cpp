@@ -7,6 +7,7 @@
 #include "camera_process.h"
 
 using namespace camera::test;
+using namespace support;
 using nlohmann::json;
 using testing::HasSubstr;
 
@@ -15,24 +16,24 @@ namespace {
 class Play : public testing::Test {
 protected:
     std::vector<std::string> command(const std::string &scenario, const std::string &speed = "1") const {
-        return {QUARNSNMP_CAMCTL, "--directory", directory_, "play", scenario, "--speed", speed};
+        return {controlPath(), "--directory", directory_, "play", scenario, "--speed", speed};
     }
 
     std::string write(const std::string &steps) const {
-        std::string path = root_ / "own.json";
+        std::string path = root_.file("own.json");
         writeFile(path, R"({"name": "own", "description": "Mine", "steps": )" + steps + "}");
         return path;
     }
 
     void expectRefused(const std::vector<std::string> &arguments, const std::string &error) {
-        const Ended ended = run(arguments);
-        EXPECT_EQ(1, ended.status);
+        const CommandResult ended = runCommand(arguments);
+        EXPECT_EQ(1, ended.status.code);
         EXPECT_EQ("", ended.output);
         EXPECT_EQ("quarnsnmp-camctl: " + error + "\n", ended.errors);
     }
 
-    TempDirectory root_;
-    std::string directory_ = root_ / "sockets";
+    TemporaryDirectory root_;
+    std::string directory_ = root_.file("sockets");
 };
 
 /** Collects the events of a camera. */
@@ -64,15 +65,15 @@ TEST_F(Play, GivesTheStepsInTimeAndOrder) {
     const auto elapsed = [start] {
         return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     };
-    Process player(command(path, "10000"));
+    Process player({command(path, "10000")});
     EXPECT_EQ(1, follower.next()["fields"]["state"]);
     EXPECT_EQ("service_down", follower.next()["event"]);
     EXPECT_GE(elapsed(), 0.3);
     EXPECT_EQ("service_up", follower.next()["event"]);
     EXPECT_EQ(0, follower.next()["fields"]["state"]);
     EXPECT_GE(elapsed(), 0.6);
-    const Ended ended = player.wait();
-    EXPECT_EQ(0, ended.status);
+    const CommandResult ended = player.result();
+    EXPECT_EQ(0, ended.status.code);
     EXPECT_EQ("", ended.errors);
     EXPECT_EQ("own: Mine\n"
               "      0.0 s  alarm/1 state is 1\n"
@@ -91,32 +92,30 @@ TEST_F(Play, GivesTheStepsInTimeAndOrder) {
 
 TEST_F(Play, PrintsEachStepWhenItIsPlayedAndEndsOnAnInterrupt) {
     RunningCamera camera(directory_);
-    Process player(command(write(R"([{"at": 0, "down": "iris"}, {"at": 3600, "up": "iris"}])")));
-    EXPECT_EQ("own: Mine", player.nextLine().value_or(""));
-    EXPECT_EQ("      0.0 s  iris is down", player.nextLine().value_or(""));
+    Process player({command(write(R"([{"at": 0, "down": "iris"}, {"at": 3600, "up": "iris"}])"))});
+    EXPECT_EQ("      0.0 s  iris is down", player.output().awaitLine(1));
     player.signal(SIGINT);
-    const Ended ended = player.wait();
-    EXPECT_EQ(128 + SIGINT, ended.status);
-    EXPECT_EQ("", ended.output);
+    const CommandResult ended = player.result();
+    EXPECT_EQ(128 + SIGINT, ended.status.code);
+    EXPECT_EQ("own: Mine\n      0.0 s  iris is down\n", ended.output);
     EXPECT_FALSE(LineClient(directory_, "iris").connected());
 }
 
 TEST_F(Play, EndsWithTheCamera) {
     RunningCamera camera(directory_);
-    Process player(command(write(R"([{"at": 0, "down": "iris"}, {"at": 3600, "up": "iris"}])")));
-    EXPECT_TRUE(player.nextLine());
-    EXPECT_TRUE(player.nextLine());
-    camera.process().signal(SIGTERM);
-    const Ended ended = player.wait();
-    EXPECT_EQ(1, ended.status);
+    Process player({command(write(R"([{"at": 0, "down": "iris"}, {"at": 3600, "up": "iris"}])"))});
+    ASSERT_NE("", player.output().awaitLine(1));
+    camera.stop();
+    const CommandResult ended = player.result();
+    EXPECT_EQ(1, ended.status.code);
     EXPECT_EQ("quarnsnmp-camctl: the camera in " + directory_ + " has ended\n", ended.errors);
 }
 
 TEST_F(Play, ChecksTheWholeFileFirst) {
     const std::string path = write(R"([{"at": 0, "down": "iris"}, {"at": 1, "set": {"alarm/9": {"state": 1}}}])");
     RunningCamera camera(directory_, "dome");
-    const Ended ended = run(command(path));
-    EXPECT_EQ(1, ended.status);
+    const CommandResult ended = runCommand(command(path));
+    EXPECT_EQ(1, ended.status.code);
     EXPECT_EQ("", ended.output);
     EXPECT_THAT(ended.errors, testing::StartsWith("quarnsnmp-camctl: " + path +
                                                   ": steps[1]: alarm/9: unknown target; expected one of: alarm/1, "));
@@ -124,9 +123,9 @@ TEST_F(Play, ChecksTheWholeFileFirst) {
 }
 
 TEST_F(Play, NeedsAFileAndACamera) {
-    expectRefused(command(root_ / "none.json"), (root_ / "none.json") + ": No such file or directory");
-    const Ended unknown = run(command("cool-down"));
-    EXPECT_EQ(1, unknown.status);
+    expectRefused(command(root_.file("none.json")), root_.file("none.json") + ": No such file or directory");
+    const CommandResult unknown = runCommand(command("cool-down"));
+    EXPECT_EQ(1, unknown.status.code);
     EXPECT_THAT(unknown.errors,
                 testing::MatchesRegex("quarnsnmp-camctl: no scenario 'cool-down' in .*/share/quarnsnmp/scenarios; "
                                       "there are: drop-services, warm-up\n"));
@@ -146,32 +145,32 @@ TEST_F(Play, StopsWhereTheCameraRefusesAStep) {
                                   {"value", 3600}})["ok"]);
     EXPECT_EQ("[0]", LineClient(directory_, "device_management").ask(R"(["reboot_send","device_management/1",2])"));
     EXPECT_TRUE(eventually([&] { return control.call({{"command", "state"}})["state"]["rebooting"] == true; }));
-    const Ended ended = run(command(path));
-    EXPECT_EQ(1, ended.status);
+    const CommandResult ended = runCommand(command(path));
+    EXPECT_EQ(1, ended.status.code);
     EXPECT_EQ("own: Mine\n      0.0 s  iris is down\n", ended.output);
     EXPECT_EQ("quarnsnmp-camctl: " + path + ": steps[1]: cannot bring up iris: the camera restarts\n", ended.errors);
 }
 
 TEST_F(Play, RefusesSpeedsThatAreNone) {
     for (const char *speed : {"0", "-1", "nan", "inf", "1e7", "fast"}) {
-        const Ended ended = run(command("warm-up", speed));
-        EXPECT_EQ(2, ended.status) << speed;
+        const CommandResult ended = runCommand(command("warm-up", speed));
+        EXPECT_EQ(2, ended.status.code) << speed;
         EXPECT_THAT(ended.errors, testing::StartsWith("quarnsnmp-camctl: "));
         EXPECT_THAT(ended.errors, HasSubstr("--speed"));
     }
-    EXPECT_EQ(2, run({QUARNSNMP_CAMCTL, "play"}).status);
+    EXPECT_EQ(2, runCommand({controlPath(), "play"}).status.code);
 }
 
 class EachScenario : public testing::TestWithParam<const char *> {};
 
 TEST_P(EachScenario, PlaysToItsEndOnEachCameraThatFits) {
     for (const char *name : {"dome", "stepper"}) {
-        const TempDirectory root;
-        const RunningCamera camera(root / "sockets", name);
-        Follower follower(root / "sockets");
-        const Ended ended =
-            run({QUARNSNMP_CAMCTL, "--directory", root / "sockets", "play", GetParam(), "--speed", "100000"});
-        EXPECT_EQ(0, ended.status) << name;
+        const TemporaryDirectory root;
+        const RunningCamera camera(root.file("sockets"), name);
+        Follower follower(root.file("sockets"));
+        const CommandResult ended =
+            runCommand({controlPath(), "--directory", root.file("sockets"), "play", GetParam(), "--speed", "100000"});
+        EXPECT_EQ(0, ended.status.code) << name;
         EXPECT_EQ("", ended.errors) << name;
         EXPECT_THAT(ended.output, testing::EndsWith(std::string(GetParam()) + " has been played\n")) << name;
         EXPECT_NE("", follower.next().value("event", "")) << "something has happened to " << name;
@@ -186,13 +185,13 @@ INSTANTIATE_TEST_SUITE_P(Shipped, EachScenario, testing::Values("drop-services",
                          });
 
 TEST(DropServices, TakesEachOfTheDomesServicesDownAndUp) {
-    const TempDirectory root;
-    const RunningCamera camera(root / "sockets");
-    Follower follower(root / "sockets");
-    ASSERT_EQ(
-        0,
-        run({QUARNSNMP_CAMCTL, "--directory", root / "sockets", "play", "drop-services", "--speed", "100000"}).status);
-    LineClient control(root / "sockets", "control");
+    const TemporaryDirectory root;
+    const RunningCamera camera(root.file("sockets"));
+    Follower follower(root.file("sockets"));
+    ASSERT_EQ(0, runCommand(
+                     {controlPath(), "--directory", root.file("sockets"), "play", "drop-services", "--speed", "100000"})
+                     .status.code);
+    LineClient control(root.file("sockets"), "control");
     const json state = control.call({{"command", "state"}})["state"];
     ASSERT_EQ(11U, state["services"].size());
     for (const auto &item : state["services"].items()) {

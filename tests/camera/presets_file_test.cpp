@@ -6,7 +6,7 @@
 
 #include "event_recorder.h"
 #include "presets_file.h"
-#include "temp_directory.h"
+#include "temporary_directory.h"
 #include "test_cameras.h"
 
 using namespace camera;
@@ -66,8 +66,8 @@ protected:
         return "no error";
     }
 
-    test::TempDirectory root_;
-    std::string file_ = root_ / "presets.json";
+    support::TemporaryDirectory root_;
+    std::string file_ = root_.file("presets.json");
     std::vector<std::string> complaints_;
     std::unique_ptr<CameraModel> camera_;
     std::unique_ptr<PresetsFile> presets_;
@@ -92,7 +92,7 @@ TEST_F(KeptPresets, ComeBackWithTheCamera) {
     const json gate = camera_->state("presets_tours/1")["presets"][0];
     EXPECT_EQ(json::parse(R"({"id": "gate", "name": "Preset gate", "number": 0, "pan": 500, "tilt": 0, "zoom": 10})"),
               gate);
-    EXPECT_THAT(test::entriesOf(root_.path()), testing::ElementsAre("presets.json"));
+    EXPECT_THAT(support::entriesOf(root_.path()), testing::ElementsAre("presets.json"));
 }
 
 TEST_F(KeptPresets, IncludeThoseOfTheControlProgram) {
@@ -110,33 +110,33 @@ TEST_F(KeptPresets, OutliveARestart) {
 }
 
 TEST_F(KeptPresets, AreThoseOfTheFileAfterARestart) {
-    test::writeFile(file_, R"({"presets_tours/1": []})");
+    support::writeFile(file_, R"({"presets_tours/1": []})");
     start();
     reboot();
     EXPECT_THAT(ids(), testing::IsEmpty());
 }
 
 TEST_F(KeptPresets, AreThoseOfTheCameraWhereTheFileDoesNotMentionThem) {
-    test::writeFile(file_, R"({"presets_tours/2": [{"id": "yard", "number": 9}]})");
+    support::writeFile(file_, R"({"presets_tours/2": [{"id": "yard", "number": 9}]})");
     start();
     EXPECT_THAT(ids(), testing::ElementsAre("start"));
     EXPECT_THAT(ids("presets_tours/2"), testing::ElementsAre("yard"));
 }
 
 TEST_F(KeptPresets, AreReplacedBehindALink) {
-    std::filesystem::create_directory(root_ / "store");
-    std::filesystem::create_symlink(root_ / "store/real.json", file_);
+    std::filesystem::create_directory(root_.file("store"));
+    std::filesystem::create_symlink(root_.file("store/real.json"), file_);
     start();
     ASSERT_EQ(wire::kSuccess, store("gate", 0));
     EXPECT_TRUE(std::filesystem::is_symlink(file_));
-    EXPECT_EQ(2U, json::parse(readTextFile(root_ / "store/real.json"))["presets_tours/1"].size());
+    EXPECT_EQ(2U, json::parse(readTextFile(root_.file("store/real.json")))["presets_tours/1"].size());
 }
 
 TEST_F(KeptPresets, OverwriteWhatAKilledCameraLeft) {
-    test::writeFile(file_ + ".new", "{ half of");
+    support::writeFile(file_ + ".new", "{ half of");
     start();
     EXPECT_EQ(2U, written().size());
-    EXPECT_THAT(test::entriesOf(root_.path()), testing::ElementsAre("presets.json"));
+    EXPECT_THAT(support::entriesOf(root_.path()), testing::ElementsAre("presets.json"));
 }
 
 TEST_F(KeptPresets, FailNoCallWhenTheFileCannotBeWritten) {
@@ -172,7 +172,7 @@ TEST_F(KeptPresets, AreNotWrittenForOtherChanges) {
 }
 
 TEST_F(KeptPresets, NeedAPlace) {
-    file_ = root_ / "nowhere/presets.json";
+    file_ = root_.file("nowhere/presets.json");
     EXPECT_EQ(std::filesystem::canonical(root_.path()).string() +
                   "/nowhere/presets.json: cannot be written: No such file or directory",
               errorOfStart());
@@ -193,7 +193,7 @@ void PrintTo(const BadPresets &bad, std::ostream *out) {
 class BadPresetsFiles : public KeptPresets, public testing::WithParamInterface<BadPresets> {};
 
 TEST_P(BadPresetsFiles, AreRefusedWithOneClearLineAndLeftAlone) {
-    test::writeFile(file_, GetParam().text);
+    support::writeFile(file_, GetParam().text);
     EXPECT_EQ(std::filesystem::canonical(file_).string() + ": " + GetParam().error, errorOfStart());
     EXPECT_EQ(GetParam().text, readTextFile(file_));
 }

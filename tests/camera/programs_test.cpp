@@ -10,13 +10,14 @@
 #include "camera_process.h"
 
 using namespace camera::test;
+using namespace support;
 
 namespace {
 
-Ended start(const std::vector<std::string> &arguments) {
-    std::vector<std::string> command = {QUARNSNMP_CAMERA};
+CommandResult start(const std::vector<std::string> &arguments) {
+    std::vector<std::string> command = {cameraPath()};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    return run(command);
+    return runCommand(command);
 }
 
 mode_t permissionsOf(const std::string &path) {
@@ -27,8 +28,8 @@ mode_t permissionsOf(const std::string &path) {
 
 class Program : public testing::Test {
 protected:
-    TempDirectory root_;
-    std::string directory_ = root_ / "sockets";
+    TemporaryDirectory root_;
+    std::string directory_ = root_.file("sockets");
 };
 
 TEST_F(Program, IsForItsOwnerOnly) {
@@ -42,14 +43,14 @@ TEST_F(Program, IsForItsOwnerOnly) {
 TEST_F(Program, IsForItsOwnerOnlyWhereEverythingIsForEverybody) {
     std::filesystem::create_directory(directory_);
     std::filesystem::permissions(directory_, std::filesystem::perms::all);
-    Process camera({"/bin/sh", "-c", "umask 0; exec \"$0\" --directory \"$1\"", QUARNSNMP_CAMERA, directory_});
-    ASSERT_EQ("camera dome ready in " + directory_, camera.nextLine().value_or(""));
+    Process camera({{"/bin/sh", "-c", "umask 0; exec \"$0\" --directory \"$1\"", cameraPath(), directory_}});
+    ASSERT_EQ("camera dome ready in " + directory_, camera.output().awaitLine(0));
     for (const std::string &entry : entriesOf(directory_)) {
         EXPECT_EQ(0600U, permissionsOf(directory_ + "/" + entry)) << entry;
     }
-    const Ended brought = run({QUARNSNMP_CAMCTL, "--directory", directory_, "down", "alarm"});
-    EXPECT_EQ(0, brought.status) << brought.errors;
-    EXPECT_EQ(0, run({QUARNSNMP_CAMCTL, "--directory", directory_, "up", "alarm"}).status);
+    const CommandResult brought = runCommand({controlPath(), "--directory", directory_, "down", "alarm"});
+    EXPECT_EQ(0, brought.status.code) << brought.errors;
+    EXPECT_EQ(0, runCommand({controlPath(), "--directory", directory_, "up", "alarm"}).status.code);
     EXPECT_EQ(0600U, permissionsOf(directory_ + "/alarm.sock")) << "opened again";
 }
 
@@ -57,10 +58,8 @@ TEST_F(Program, LeavesNothingBehind) {
     for (const int signal : {SIGTERM, SIGINT}) {
         RunningCamera camera(directory_);
         LineClient client(directory_, "alarm");
-        camera.process().signal(signal);
-        const Ended ended = camera.process().wait();
-        EXPECT_EQ(0, ended.status);
-        EXPECT_EQ("", ended.errors);
+        EXPECT_TRUE(camera.stop(signal).clean());
+        EXPECT_EQ("", camera.errors().text());
         EXPECT_FALSE(std::filesystem::exists(directory_));
         EXPECT_TRUE(client.ends());
     }
@@ -68,7 +67,7 @@ TEST_F(Program, LeavesNothingBehind) {
 
 TEST_F(Program, SurvivesAReaderOfItsOutputThatIsGone) {
     RunningCamera camera(directory_);
-    camera.process().signal(SIGPIPE);
+    camera.signal(SIGPIPE);
     LineClient client(directory_, "temperature");
     EXPECT_EQ("[0,31500]", client.ask(R"(["get_temperature_send","temperature/1"])"));
 }
@@ -76,24 +75,21 @@ TEST_F(Program, SurvivesAReaderOfItsOutputThatIsGone) {
 TEST_F(Program, LeavesADirectoryThatWasThere) {
     std::filesystem::create_directory(directory_);
     RunningCamera camera(directory_);
-    camera.process().signal(SIGTERM);
-    EXPECT_EQ(0, camera.process().wait().status);
+    EXPECT_TRUE(camera.stop().clean());
     EXPECT_TRUE(std::filesystem::is_empty(directory_));
 }
 
 TEST_F(Program, LeavesTheFilesOfOthers) {
     RunningCamera camera(directory_);
     writeFile(directory_ + "/notes", "x");
-    camera.process().signal(SIGTERM);
-    EXPECT_EQ(0, camera.process().wait().status);
+    EXPECT_TRUE(camera.stop().clean());
     EXPECT_THAT(entriesOf(directory_), testing::ElementsAre("notes"));
 }
 
 TEST_F(Program, StartsAgainAfterAKilledOne) {
     {
         RunningCamera camera(directory_);
-        camera.process().signal(SIGKILL);
-        EXPECT_EQ(128 + SIGKILL, camera.process().wait().status);
+        camera.kill();
         EXPECT_TRUE(std::filesystem::exists(directory_ + "/positioning.sock"));
     }
     RunningCamera camera(directory_, "minimal");
@@ -101,16 +97,15 @@ TEST_F(Program, StartsAgainAfterAKilledOne) {
     // Sockets of services that the new camera does not have would pretend that it had.
     EXPECT_FALSE(std::filesystem::exists(directory_ + "/positioning.sock"));
     EXPECT_TRUE(LineClient(directory_, "device_information").connected());
-    camera.process().signal(SIGTERM);
-    EXPECT_EQ(0, camera.process().wait().status);
+    EXPECT_TRUE(camera.stop().clean());
     // The directory is still the camera's own.
     EXPECT_FALSE(std::filesystem::exists(directory_));
 }
 
 TEST_F(Program, IsRefusedWhereAnotherOneRuns) {
     RunningCamera camera(directory_);
-    const Ended second = start({"--directory", directory_});
-    EXPECT_EQ(1, second.status);
+    const CommandResult second = start({"--directory", directory_});
+    EXPECT_EQ(1, second.status.code);
     EXPECT_EQ("", second.output);
     EXPECT_EQ("quarnsnmp-camera: another camera runs in " + directory_ + "\n", second.errors);
     LineClient client(directory_, "temperature");
@@ -119,25 +114,25 @@ TEST_F(Program, IsRefusedWhereAnotherOneRuns) {
 
 TEST_F(Program, RunsBesideAnotherOneElsewhere) {
     RunningCamera first(directory_);
-    RunningCamera second(root_ / "more", "stepper");
+    RunningCamera second(root_.file("more"), "stepper");
     EXPECT_TRUE(LineClient(directory_, "positioning").connected());
-    EXPECT_TRUE(LineClient(root_ / "more", "zoom_stepper").connected());
+    EXPECT_TRUE(LineClient(root_.file("more"), "zoom_stepper").connected());
 }
 
 TEST_F(Program, RefusesADirectoryThatItCannotUse) {
     writeFile(directory_, "");
-    const Ended file = start({"--directory", directory_});
-    EXPECT_EQ(1, file.status);
+    const CommandResult file = start({"--directory", directory_});
+    EXPECT_EQ(1, file.status.code);
     EXPECT_EQ("quarnsnmp-camera: cannot open " + directory_ + "/camera.lock: Not a directory\n", file.errors);
 
-    const Ended missing = start({"--directory", root_ / "a/b"});
-    EXPECT_EQ(1, missing.status);
-    EXPECT_EQ("quarnsnmp-camera: cannot create the directory " + (root_ / "a/b") + ": No such file or directory\n",
+    const CommandResult missing = start({"--directory", root_.file("a/b")});
+    EXPECT_EQ(1, missing.status.code);
+    EXPECT_EQ("quarnsnmp-camera: cannot create the directory " + root_.file("a/b") + ": No such file or directory\n",
               missing.errors);
 
-    const std::string longName = root_ / std::string(100, 'd');
-    const Ended tooLong = start({"--directory", longName});
-    EXPECT_EQ(1, tooLong.status);
+    const std::string longName = root_.file(std::string(100, 'd'));
+    const CommandResult tooLong = start({"--directory", longName});
+    EXPECT_EQ(1, tooLong.status.code);
     EXPECT_EQ("quarnsnmp-camera: cannot listen on " + longName +
                   "/alarm.sock: a socket's path has at most 107 octets\n",
               tooLong.errors);
@@ -147,42 +142,42 @@ TEST_F(Program, RefusesADirectoryThatItCannotUse) {
 TEST_F(Program, DoesNotRemoveAFileInTheWay) {
     std::filesystem::create_directory(directory_);
     writeFile(directory_ + "/alarm.sock", "precious");
-    const Ended ended = start({"--directory", directory_});
-    EXPECT_EQ(1, ended.status);
+    const CommandResult ended = start({"--directory", directory_});
+    EXPECT_EQ(1, ended.status.code);
     EXPECT_EQ("quarnsnmp-camera: " + directory_ + "/alarm.sock is in the way: it is not a socket\n", ended.errors);
     EXPECT_THAT(entriesOf(directory_), testing::ElementsAre("alarm.sock"));
 }
 
 TEST_F(Program, PlaysTheCameraOfAFile) {
-    writeFile(root_ / "own.json",
+    writeFile(root_.file("own.json"),
               R"({"name": "own", "services": {"temperature": {"targets": [{"temperature": -1}]}}})");
-    RunningCamera camera(directory_, root_ / "own.json");
+    RunningCamera camera(directory_, root_.file("own.json"));
     EXPECT_EQ("camera own ready in " + directory_, camera.readyLine());
     LineClient client(directory_, "temperature");
     EXPECT_EQ("[0,-1]", client.ask(R"(["get_temperature_send","temperature/1"])"));
 }
 
 TEST_F(Program, NamesAMistakeInACameraFile) {
-    writeFile(root_ / "own.json",
+    writeFile(root_.file("own.json"),
               "{\n\"name\": \"own\",\n\"services\": {\"alarm\": {\"targets\": [{\"state\": true}]}}}");
-    const Ended wrong = start({"--camera", root_ / "own.json", "--directory", directory_});
-    EXPECT_EQ(1, wrong.status);
-    EXPECT_EQ("quarnsnmp-camera: " + (root_ / "own.json") +
+    const CommandResult wrong = start({"--camera", root_.file("own.json"), "--directory", directory_});
+    EXPECT_EQ(1, wrong.status.code);
+    EXPECT_EQ("quarnsnmp-camera: " + root_.file("own.json") +
                   ": services.alarm.targets[0].state: expected an integer from -2147483648 to 2147483647, found true\n",
               wrong.errors);
     EXPECT_FALSE(std::filesystem::exists(directory_));
 }
 
 TEST_F(Program, NamesTheCamerasThatThereAre) {
-    const Ended ended = start({"--camera", "cube", "--directory", directory_});
-    EXPECT_EQ(1, ended.status);
+    const CommandResult ended = start({"--camera", "cube", "--directory", directory_});
+    EXPECT_EQ(1, ended.status.code);
     EXPECT_THAT(ended.errors, testing::MatchesRegex("quarnsnmp-camera: no camera 'cube' in .*/share/quarnsnmp/cameras; "
                                                     "there are: dome, minimal, stepper, twinfocus\n"));
 }
 
 TEST_F(Program, ListsItsCameras) {
-    const Ended ended = start({"--list"});
-    EXPECT_EQ(0, ended.status);
+    const CommandResult ended = start({"--list"});
+    EXPECT_EQ(0, ended.status.code);
     EXPECT_EQ("dome       A dome with pan, tilt and zoom, presets, 4 alarm inputs and 2 relays\n"
               "minimal    A camera that only says who it is\n"
               "stepper    A fixed camera whose focus and zoom are driven by stepper motors\n"
@@ -191,12 +186,12 @@ TEST_F(Program, ListsItsCameras) {
 }
 
 TEST_F(Program, TellsItsVersionAndItsOptions) {
-    for (const char *program : {QUARNSNMP_CAMERA, QUARNSNMP_CAMCTL}) {
-        const Ended version = run({program, "--version"});
-        EXPECT_EQ(0, version.status);
+    for (const std::string &program : {cameraPath(), controlPath()}) {
+        const CommandResult version = runCommand({program, "--version"});
+        EXPECT_EQ(0, version.status.code);
         EXPECT_THAT(version.output, testing::MatchesRegex("quarnsnmp-cam[a-z]+ [0-9]+\\.[0-9]+\\.[0-9]+\n"));
-        const Ended help = run({program, "--help"});
-        EXPECT_EQ(0, help.status);
+        const CommandResult help = runCommand({program, "--help"});
+        EXPECT_EQ(0, help.status.code);
         EXPECT_THAT(help.output, testing::HasSubstr("--directory"));
     }
 }
@@ -204,18 +199,19 @@ TEST_F(Program, TellsItsVersionAndItsOptions) {
 TEST_F(Program, RefusesWrongUsage) {
     for (const std::vector<std::string> &wrong :
          {std::vector<std::string>{"--colour"}, {"dome"}, {"--camera"}, {"--directory"}}) {
-        const Ended ended = start(wrong);
-        EXPECT_EQ(2, ended.status) << wrong.front();
+        const CommandResult ended = start(wrong);
+        EXPECT_EQ(2, ended.status.code) << wrong.front();
         EXPECT_EQ("", ended.output);
         EXPECT_THAT(ended.errors, testing::StartsWith("quarnsnmp-camera: "));
     }
 }
 
 TEST_F(Program, TakesItsDirectoryFromTheEnvironment) {
-    Process camera({"/usr/bin/env", "QUARNSNMP_CAMERA_DIR=" + directory_, QUARNSNMP_CAMERA, "--camera", "minimal"});
-    EXPECT_EQ("camera minimal ready in " + directory_, camera.nextLine().value_or(""));
-    const Ended control = run({"/usr/bin/env", "QUARNSNMP_CAMERA_DIR=" + directory_, QUARNSNMP_CAMCTL, "state"});
-    EXPECT_EQ(0, control.status);
+    const std::map<std::string, std::string> environment = {{"QUARNSNMP_CAMERA_DIR", directory_}};
+    Process camera({{cameraPath(), "--camera", "minimal"}, environment});
+    EXPECT_EQ("camera minimal ready in " + directory_, camera.output().awaitLine(0));
+    const CommandResult control = runCommand({controlPath(), "state"}, environment);
+    EXPECT_EQ(0, control.status.code);
     EXPECT_THAT(control.output, testing::HasSubstr("\"camera\": \"minimal\""));
 }
 

@@ -8,6 +8,7 @@
 #include "camera_process.h"
 
 using namespace camera::test;
+using namespace support;
 using nlohmann::json;
 
 namespace {
@@ -70,8 +71,8 @@ protected:
         return names;
     }
 
-    TempDirectory root_;
-    std::string directory_ = root_ / "sockets";
+    TemporaryDirectory root_;
+    std::string directory_ = root_.file("sockets");
     RunningCamera camera_{directory_};
     LineClient control_{directory_, "control"};
     LineClient follower_{directory_, "control"};
@@ -159,10 +160,8 @@ TEST_F(RebootSocket, EndsCleanlyMeanwhile) {
     expectRebootSeconds(3600);
     reboot();
     await("service_down", allServices());
-    camera_.process().signal(SIGTERM);
-    const Ended ended = camera_.process().wait();
-    EXPECT_EQ(0, ended.status);
-    EXPECT_EQ("", ended.errors);
+    EXPECT_TRUE(camera_.stop().clean());
+    EXPECT_EQ("", camera_.errors().text());
 }
 
 TEST_F(RebootSocket, SaysWhichServiceDoesNotComeBack) {
@@ -172,10 +171,10 @@ TEST_F(RebootSocket, SaysWhichServiceDoesNotComeBack) {
     await("service_down", others);
     writeFile(directory_ + "/iris.sock", "");
     await("service_not_up", {"iris"});
-    camera_.process().signal(SIGTERM);
+    EXPECT_TRUE(camera_.stop().clean());
     EXPECT_EQ("quarnsnmp-camera: cannot bring up iris: cannot listen on " + directory_ +
                   "/iris.sock: Address already in use\n",
-              camera_.process().wait().errors);
+              camera_.errors().text());
 }
 
 } // namespace

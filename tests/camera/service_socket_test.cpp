@@ -5,14 +5,15 @@
 #include "camera_process.h"
 
 using namespace camera::test;
+using namespace support;
 using nlohmann::json;
 
 namespace {
 
 class Camera : public testing::Test {
 protected:
-    TempDirectory root_;
-    std::string directory_ = root_ / "sockets";
+    TemporaryDirectory root_;
+    std::string directory_ = root_.file("sockets");
     RunningCamera camera_{directory_};
 };
 
@@ -116,12 +117,12 @@ TEST(EachShippedCamera, HasASocketForEachOfItsServices) {
     const std::map<std::string, std::size_t> services = {
         {"dome", 11}, {"minimal", 2}, {"stepper", 6}, {"twinfocus", 7}};
     for (const auto &[name, count] : services) {
-        const TempDirectory root;
-        RunningCamera camera(root / "sockets", name);
-        EXPECT_EQ("camera " + name + " ready in " + (root / "sockets"), camera.readyLine());
+        const TemporaryDirectory root;
+        RunningCamera camera(root.file("sockets"), name);
+        EXPECT_EQ("camera " + name + " ready in " + root.file("sockets"), camera.readyLine());
         // Two sockets more, and the lock.
-        EXPECT_EQ(count + 3, entriesOf(root / "sockets").size());
-        LineClient client(root / "sockets", "device_information");
+        EXPECT_EQ(count + 3, entriesOf(root.file("sockets")).size());
+        LineClient client(root.file("sockets"), "device_information");
         EXPECT_EQ(10U, client.call({"get_static_information_send", "device_information/1"}).size());
     }
 }

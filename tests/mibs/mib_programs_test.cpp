@@ -21,14 +21,14 @@ using testing::UnorderedElementsAreArray;
 
 /** Output of a command, all of it. */
 std::string outputOf(const std::vector<std::string> &command, const std::map<std::string, std::string> &environment) {
-    const harness::CommandResult result = harness::runCommand(command, environment);
+    const support::CommandResult result = support::runCommand(command, environment);
     return result.errors + result.output;
 }
 
 /** Runs snmptranslate with modules of the project, without the configuration of the machine. */
 std::string translated(const std::string &modules, const std::vector<std::string> &arguments) {
     // The program says so when it makes this directory.
-    const harness::TemporaryDirectory persistent;
+    const support::TemporaryDirectory persistent;
     std::filesystem::create_directories(persistent.file("cert_indexes"));
     std::vector<std::string> command{"snmptranslate", "-M", directory(), "-m", modules};
     command.insert(command.end(), arguments.begin(), arguments.end());

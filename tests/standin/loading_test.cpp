@@ -15,9 +15,12 @@
 
 #include <gtest/gtest.h>
 
+#include "eventually.h"
 #include "scripted_server.h"
 #include "temporary_directory.h"
 #include "zorva-core.h"
+
+using namespace support;
 
 namespace {
 

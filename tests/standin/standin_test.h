@@ -11,11 +11,14 @@
 
 #include <gtest/gtest.h>
 
+#include "eventually.h"
 #include "kernel_clock.h"
 #include "scripted_server.h"
 #include "status.h"
 #include "temporary_directory.h"
 #include "zorva-core.h"
+
+using namespace support;
 
 /** Signature of every initiator_init. */
 using OpenFunction = zorva_core_status (*)(void *, void *, void **, int32_t, void *);

@@ -14,6 +14,8 @@
 #include "eventually.h"
 #include "handler_requests.h"
 
+using support::eventually;
+
 namespace {
 
 struct Watched {

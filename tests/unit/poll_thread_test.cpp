@@ -23,6 +23,7 @@
 #include "module_test.h"
 #include "poll_thread.h"
 
+using support::eventually;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;

@@ -24,6 +24,8 @@
 
 namespace harness {
 
+using namespace support;
+
 /** How to start an agent. */
 struct AgentOptions {
     std::string module;                   ///< path of the module to load; empty loads none

@@ -14,16 +14,10 @@ namespace harness {
 
 namespace {
 
-constexpr const char *kFile = "events";
-
 bool matches(const nlohmann::json &event, const nlohmann::json &pattern) {
     return std::all_of(pattern.items().begin(), pattern.items().end(), [&event](const auto &item) {
         return event.contains(item.key()) && event[item.key()] == item.value();
     });
-}
-
-Launch follow(const Camera &camera, const TemporaryDirectory &directory) {
-    return {{controlPath(), "--directory", camera.directory(), "follow"}, {}, directory.file(kFile), "/dev/null"};
 }
 
 } // namespace
@@ -42,7 +36,8 @@ void setField(const Camera &camera, const std::string &target, const std::string
     EXPECT_TRUE(result.status.clean()) << result.errors;
 }
 
-CameraEvents::CameraEvents(const Camera &camera) : process_(follow(camera, directory_)) {
+CameraEvents::CameraEvents(const Camera &camera)
+    : process_({{controlPath(), "--directory", camera.directory(), "follow"}}) {
     // Nothing says when the camera has begun to tell, but a change that shows.
     int change = 0;
     const bool told = eventually(std::chrono::seconds(10), [&] {
@@ -56,7 +51,7 @@ CameraEvents::CameraEvents(const Camera &camera) : process_(follow(camera, direc
 }
 
 std::vector<nlohmann::json> CameraEvents::all() const {
-    const std::vector<std::string> lines = log().lines();
+    const std::vector<std::string> lines = process_.output().lines();
     std::vector<nlohmann::json> events;
     std::transform(lines.begin(), lines.end(), std::back_inserter(events),
                    [](const std::string &line) { return nlohmann::json::parse(line); });
@@ -73,10 +68,6 @@ std::vector<nlohmann::json> CameraEvents::matching(const nlohmann::json &pattern
 
 bool CameraEvents::waitFor(const nlohmann::json &pattern, std::chrono::milliseconds deadline) const {
     return eventually(deadline, [&] { return !matching(pattern).empty(); });
-}
-
-LogFile CameraEvents::log() const {
-    return LogFile(directory_.file(kFile));
 }
 
 } // namespace harness

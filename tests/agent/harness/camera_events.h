@@ -16,6 +16,8 @@
 
 namespace harness {
 
+using namespace support;
+
 /** The fields of a target, such as "positioning/1". @throws std::runtime_error when the camera does not tell */
 nlohmann::json targetState(const Camera &camera, const std::string &target);
 
@@ -38,9 +40,6 @@ public:
     bool waitFor(const nlohmann::json &pattern, std::chrono::milliseconds deadline = std::chrono::seconds(10)) const;
 
 private:
-    LogFile log() const;
-
-    TemporaryDirectory directory_;
     Process process_;
 };
 

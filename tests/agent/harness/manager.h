@@ -17,6 +17,8 @@
 
 namespace harness {
 
+using namespace support;
+
 /** Error statuses of an answer that tests look for; an answer may have others of the protocol too. */
 enum class ErrorStatus : long {
     None = 0,

@@ -42,14 +42,6 @@ std::string modulePath() {
     return environmentOr("QUARNSNMP_MODULE", HARNESS_MODULE);
 }
 
-std::string cameraPath() {
-    return HARNESS_CAMERA;
-}
-
-std::string controlPath() {
-    return HARNESS_CONTROL;
-}
-
 std::string coreLibraryPath() {
     return HARNESS_CORE_LIBRARY;
 }

@@ -24,12 +24,6 @@ std::string trapReceiverPath();
 /** The module: the environment's QUARNSNMP_MODULE, or the one of this build; empty when this build has none. */
 std::string modulePath();
 
-/** The simulated camera of this build; empty when it has none. */
-std::string cameraPath();
-
-/** The simulated camera's control program of this build; empty when it has none. */
-std::string controlPath();
-
 /** The stand-in core library of this build; empty when it has none. */
 std::string coreLibraryPath();
 

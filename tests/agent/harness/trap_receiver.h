@@ -22,6 +22,8 @@
 
 namespace harness {
 
+using namespace support;
+
 /** One notification. */
 struct Trap {
     std::string kind;                ///< what the receiver says of it, such as "TRAP2, SNMP v2c, community public"

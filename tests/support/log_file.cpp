@@ -9,9 +9,7 @@
 #include <system_error>
 #include <utility>
 
-#include "eventually.h"
-
-namespace harness {
+namespace support {
 
 LogFile::LogFile(std::string path) : path_(std::move(path)) {}
 
@@ -55,6 +53,15 @@ bool LogFile::waitFor(const std::string &part, std::chrono::milliseconds deadlin
     return eventually(deadline, [this, &part] { return count(part) > 0; });
 }
 
+std::string LogFile::awaitLine(std::size_t index) const {
+    std::vector<std::string> all;
+    const bool complete = eventually([&] {
+        all = lines();
+        return all.size() > index;
+    });
+    return complete ? all[index] : "";
+}
+
 std::string LogFile::tail(std::size_t lineCount) const {
     const std::vector<std::string> all = lines();
     std::string result;
@@ -64,4 +71,4 @@ std::string LogFile::tail(std::size_t lineCount) const {
     return result;
 }
 
-} // namespace harness
+} // namespace support

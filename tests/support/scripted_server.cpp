@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstring>
 #include <system_error>
 
@@ -13,7 +12,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include "kernel_clock.h"
+namespace support {
 
 namespace {
 
@@ -208,13 +207,4 @@ void ScriptedServer::handle(int descriptor, const std::string &line) {
     react(peer, line);
 }
 
-bool eventually(const std::function<bool()> &condition) {
-    const auto end = kernelTime() + std::chrono::seconds(10);
-    while (!condition()) {
-        if (kernelTime() > end) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
-}
+} // namespace support

@@ -10,7 +10,7 @@
 
 #include <arpa/inet.h>
 
-namespace harness {
+namespace support {
 
 namespace {
 
@@ -20,7 +20,7 @@ std::string procPath(pid_t pid, const std::string &name) {
     return "/proc/" + std::to_string(pid) + "/" + name;
 }
 
-/** A line of the process's status without the field's name; empty when there is none. */
+/** Returns a line of the process's status without the field's name; empty if there is none. */
 std::string statusField(pid_t pid, const std::string &field) {
     std::ifstream stream(procPath(pid, "status"));
     for (std::string line; std::getline(stream, line);) {
@@ -39,7 +39,7 @@ std::size_t statusNumber(pid_t pid, const std::string &field) {
     return std::stoul(text);
 }
 
-/** An address as the kernel's tables have it: 32-bit words in hexadecimal, each in the order of this machine. */
+/** Decodes an address of the kernel's tables: 32-bit words in hexadecimal, each in the machine's byte order. */
 std::string addressText(const std::string &words, int family) {
     constexpr std::size_t kDigitsOfAWord = 8;
     std::array<std::uint32_t, 4> address{};
@@ -61,6 +61,10 @@ bool runs(pid_t pid) {
 
 std::size_t residentKilobytes(pid_t pid) {
     return statusNumber(pid, "VmRSS");
+}
+
+std::size_t peakKilobytes(pid_t pid) {
+    return statusNumber(pid, "VmHWM");
 }
 
 std::size_t threadCount(pid_t pid) {
@@ -111,4 +115,4 @@ std::vector<std::string> udpAddresses(std::uint16_t port) {
     return addresses;
 }
 
-} // namespace harness
+} // namespace support

@@ -11,18 +11,17 @@
 
 #include <gtest/gtest.h>
 
-#include "settings.h"
-
-namespace harness {
+namespace support {
 
 bool testHasFailed() {
     const testing::TestInfo *test = testing::UnitTest::GetInstance()->current_test_info();
     return test != nullptr && test->result()->Failed();
 }
 
-TemporaryDirectory::TemporaryDirectory() : path_(environmentOr("TMPDIR", "/tmp") + "/quarnsnmp-XXXXXX") {
+TemporaryDirectory::TemporaryDirectory()
+    : path_((std::filesystem::temp_directory_path() / "quarnsnmp-XXXXXX").string()) {
     if (mkdtemp(path_.data()) == nullptr) {
-        throw std::system_error(errno, std::generic_category(), "cannot make " + path_);
+        throw std::system_error(errno, std::generic_category(), "cannot create " + path_);
     }
     path_ = std::filesystem::canonical(path_).string();
 }
@@ -48,13 +47,25 @@ std::string TemporaryDirectory::file(const std::string &name) const {
 }
 
 std::string TemporaryDirectory::write(const std::string &name, const std::string &content) const {
-    std::ofstream stream(file(name), std::ios::binary | std::ios::trunc);
-    stream << content;
-    stream.close();
-    if (!stream) {
-        throw std::runtime_error("cannot write " + file(name));
-    }
+    writeFile(file(name), content);
     return file(name);
 }
 
-} // namespace harness
+void writeFile(const std::string &path, const std::string &content) {
+    std::ofstream stream(path, std::ios::binary | std::ios::trunc);
+    stream << content;
+    stream.close();
+    if (!stream) {
+        throw std::runtime_error("cannot write " + path);
+    }
+}
+
+std::vector<std::string> entriesOf(const std::string &directory) {
+    std::vector<std::string> names;
+    for (const auto &entry : std::filesystem::directory_iterator(directory)) {
+        names.push_back(entry.path().filename().string());
+    }
+    return names;
+}
+
+} // namespace support

@@ -3,8 +3,8 @@
  * @file
  * A service that answers as a test tells it to: also too late, in pieces, wrongly or not at all.
  */
-#ifndef QUARNSNMP_STANDIN_SCRIPTED_SERVER_H
-#define QUARNSNMP_STANDIN_SCRIPTED_SERVER_H
+#ifndef QUARNSNMP_SUPPORT_SCRIPTED_SERVER_H
+#define QUARNSNMP_SUPPORT_SCRIPTED_SERVER_H
 
 #include <atomic>
 #include <functional>
@@ -15,6 +15,8 @@
 #include <string_view>
 #include <thread>
 #include <vector>
+
+namespace support {
 
 /** The server's end of one connection. */
 class Peer {
@@ -91,7 +93,6 @@ private:
     std::thread thread;
 };
 
-/** Waits until a condition holds. @return false when it did not within ten seconds */
-bool eventually(const std::function<bool()> &condition);
+} // namespace support
 
 #endif
