@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "snmp_utils.h"
 
+#include <algorithm>
 #include <cmath>
 #include <exception>
 #include <limits>
@@ -87,7 +88,7 @@ bool NamesCell(const netsnmp_variable_list &variable, netsnmp_handler_registrati
  * its name. As the whole request fails, the other variables need not reach the helpers either.
  */
 int RejectNonCells(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+                   netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
     bool allNameCells = true;
     if (MODE_IS_SET(reqinfo->mode)) {
         for (netsnmp_request_info *request = requests; request != nullptr; request = request->next) {
@@ -188,6 +189,13 @@ int SetRequestValue(netsnmp_request_info *request, unsigned char asnType, const 
                                                                                      : SNMP_ERR_GENERR;
 }
 
+void CopyRequestOctets(const netsnmp_request_info *request, uint8_t *octets, std::size_t size) {
+    const netsnmp_variable_list *value = request->requestvb;
+    if (value->val.string != nullptr) {
+        std::copy_n(value->val.string, std::min(size, value->val_len), octets);
+    }
+}
+
 int RefuseRequest(netsnmp_request_info *request, int error, int returned) {
     netsnmp_set_request_error(request->agent_req_info, request, error);
     return returned;
@@ -196,6 +204,11 @@ int RefuseRequest(netsnmp_request_info *request, int error, int returned) {
 int CheckRequestType(netsnmp_request_info *request, unsigned char asnType) {
     return request->requestvb->type == asnType ? SNMP_ERR_NOERROR
                                                : RefuseRequest(request, SNMP_ERR_WRONGTYPE, SNMP_ERR_NOERROR);
+}
+
+int RequireRequestType(netsnmp_request_info *request, unsigned char asnType) {
+    return request->requestvb->type == asnType ? SNMP_ERR_NOERROR
+                                               : RefuseRequest(request, SNMP_ERR_WRONGTYPE, SNMP_ERR_WRONGTYPE);
 }
 
 int LogUnknownMode(const char *function, int mode) {

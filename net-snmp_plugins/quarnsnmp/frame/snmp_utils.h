@@ -6,10 +6,12 @@
 #ifndef QUARNSNMP_SNMP_UTILS_H
 #define QUARNSNMP_SNMP_UTILS_H
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <type_traits>
 
+#include "core_utils.h"
 #include "net_snmp.h"
 
 /**
@@ -80,14 +82,44 @@ int SetRequestInteger(netsnmp_request_info *request, Value value) {
     return SetRequestValue(request, ASN_INTEGER, &value, sizeof value);
 }
 
+/** Answers a request with an OCTET STRING of fixed length. @return as SetRequestValue() */
+template <std::size_t size>
+int SetRequestOctets(netsnmp_request_info *request, const std::array<uint8_t, size> &octets) {
+    return SetRequestValue(request, ASN_OCTET_STR, octets.data(), octets.size());
+}
+
+/** Copies the first `size` octets of a request's OCTET STRING, or as many as it has, to `octets`. */
+void CopyRequestOctets(const netsnmp_request_info *request, uint8_t *octets, std::size_t size);
+
+/** Returns the first octets of a request's OCTET STRING, with 0 for missing ones. */
+template <std::size_t size>
+std::array<uint8_t, size> OctetsOf(const netsnmp_request_info *request) {
+    std::array<uint8_t, size> octets{};
+    CopyRequestOctets(request, octets.data(), octets.size());
+    return octets;
+}
+
 /**
- * Marks a request with an SNMP error, which is what the manager gets.
- * @return `returned`, which need not be the same error
+ * Marks a request with an SNMP error, which the manager gets.
+ * @return `returned`, which may be another error
  */
 int RefuseRequest(netsnmp_request_info *request, int error, int returned);
 
 /** Marks a request with wrongType unless its value has the type. @return SNMP_ERR_NOERROR in either case */
 int CheckRequestType(netsnmp_request_info *request, unsigned char asnType);
+
+/** As CheckRequestType(). @return SNMP_ERR_NOERROR, or SNMP_ERR_WRONGTYPE after the mark */
+int RequireRequestType(netsnmp_request_info *request, unsigned char asnType);
+
+/** Logs the start of a handler at debug level. */
+inline void LogEnter(const char *function) {
+    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", function);
+}
+
+/** Logs the end of a handler. */
+inline void LogDone(const char *function, LogLevel level = kLogDebug) {
+    zorva_core_logging_log(GetLogCookie(), level, "%s: Done.", function);
+}
 
 /** Logs a mode that a handler does not serve. @return SNMP_ERR_GENERR */
 int LogUnknownMode(const char *function, int mode);

@@ -7,6 +7,7 @@
 #include "feature_modules.h"
 #include "oids.h"
 #include "service.h"
+#include "set_phases.h"
 #include "snmp_utils.h"
 
 namespace {
@@ -18,9 +19,14 @@ std::vector<std::string> gDeviceManagers;
 void *gDeviceManagementApiCookie = nullptr;
 int32_t gRebootDevice = 0;
 
-int Commit(const char *function, netsnmp_request_info *request) {
+using RebootDevice = const WritableObject<int32_t>;
+
+RebootDevice kRebootValue = {"handle_rebootDevice", gRebootDevice, gRebootDevice};
+
+int Commit(RebootDevice &object, netsnmp_request_info *request) {
     if (gRebootDevice == kReboot) {
-        zorva_core_logging_log(GetLogCookie(), kLogError, "%s: snmpset reboot - rebooting system now!!!!", function);
+        zorva_core_logging_log(GetLogCookie(), kLogError, "%s: snmpset reboot - rebooting system now!!!!",
+                               object.handlerName);
         if (zorva_api_device_management_reboot_send(gDeviceManagementApiCookie, gDeviceManagers[kDefaultIndex].c_str(),
                                                     kRebootKind) != 0) {
             gRebootDevice = 0;
@@ -29,27 +35,22 @@ int Commit(const char *function, netsnmp_request_info *request) {
     return SetRequestInteger(request, gRebootDevice);
 }
 
+/** Sets 0, as there is no former value to restore. */
+int Undo(RebootDevice & /*object*/, netsnmp_request_info * /*request*/) {
+    gRebootDevice = 0;
+    return SNMP_ERR_NOERROR;
+}
+
+constexpr SetPhases<RebootDevice> kPhases = {
+    AnswerCurrent, MarkOtherTypes<ASN_INTEGER>, DoNothing, KeepPending, Commit, Undo, LogOtherMode};
+
 int handle_rebootDevice(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
                         netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
-    switch (reqinfo->mode) {
-    case MODE_GET:
-        return SetRequestInteger(requests, gRebootDevice);
-    case MODE_SET_RESERVE1:
-        return CheckRequestType(requests, ASN_INTEGER);
-    case MODE_SET_RESERVE2:
-    case MODE_SET_FREE:
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_ACTION:
-        gRebootDevice = static_cast<int32_t>(*requests->requestvb->val.integer);
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_COMMIT:
-        return Commit(__func__, requests);
-    case MODE_SET_UNDO:
-        gRebootDevice = 0;
-        return SNMP_ERR_NOERROR;
-    default:
+    if (reqinfo->mode == MODE_GETNEXT) {
+        // Unknown to this object, in contrast to all others. The agent's scalar helper makes a GET of it anyway.
         return LogUnknownMode(__func__, reqinfo->mode);
     }
+    return ServePhase<kPhases>(kRebootValue, reqinfo->mode, requests);
 }
 
 const snmp_variable kRebootDevice = {"rebootDevice", handle_rebootDevice, oid_rebootDevice,

@@ -49,7 +49,7 @@ bool ReadBitmap() {
 /** Serves a bit map. @param refresh brings it up to date; false makes the request fail */
 int HandleBitmap(const char *function, const uint8_t &bitmap, bool (*refresh)(),
                  const netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", function);
+    LogEnter(function);
     if (reqinfo->mode != MODE_GET && reqinfo->mode != MODE_GETNEXT) {
         return LogUnknownMode(function, reqinfo->mode);
     }

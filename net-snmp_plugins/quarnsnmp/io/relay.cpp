@@ -3,7 +3,6 @@
  * @file
  * Relay outputs: a bit map of the first two, a command for any of them, and a table of all of them.
  */
-#include <algorithm>
 #include <array>
 #include <iterator>
 
@@ -12,18 +11,17 @@
 #include "gpio_table.h"
 #include "oids.h"
 #include "service.h"
+#include "set_phases.h"
 
 namespace {
 
 constexpr std::size_t kRelaysInBitmap = 2;
 constexpr uint8_t kOnBit = 0x80;
 
-using OutputControl = std::array<uint8_t, 2>;
-
 std::vector<std::string> gRelays;
 void *gRelayApiCookie = nullptr;
-OutputControl outputControlValue{};
-OutputControl savedOutputControlValue{};
+std::array<uint8_t, 2> outputControlValue{};
+std::array<uint8_t, 2> savedOutputControlValue{};
 
 // One of each for a whole request: a SET that writes several rows switches the last one of them only.
 int32_t relayStateIndex = 0; // from 0
@@ -67,7 +65,7 @@ bool Switch(const char *function, std::size_t relay, uint8_t state) {
 
 int handle_outputStatus(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
                         netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", __func__);
+    LogEnter(__func__);
     if (reqinfo->mode != MODE_GET && reqinfo->mode != MODE_GETNEXT) {
         return LogUnknownMode(__func__, reqinfo->mode);
     }
@@ -82,71 +80,60 @@ int handle_outputStatus(netsnmp_mib_handler * /*handler*/, netsnmp_handler_regis
         bitmap = static_cast<uint8_t>(bitmap | (state & 1U) << relay);
     }
     const int returned = SetRequestValue(requests, ASN_OCTET_STR, &bitmap, sizeof bitmap);
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", __func__);
+    LogDone(__func__);
     return returned;
 }
 
-/** The first two octets of a request's value; those that it does not have are 0. */
-OutputControl OutputControlOf(const netsnmp_request_info *request) {
-    OutputControl octets{};
-    const netsnmp_variable_list *value = request->requestvb;
-    if (value->val.string != nullptr) {
-        std::copy_n(value->val.string, std::min(octets.size(), value->val_len), octets.begin());
-    }
-    return octets;
+using OutputControl = const WritableObject<std::array<uint8_t, 2>>;
+
+OutputControl kOutputControl = {"handle_outputControl", savedOutputControlValue, outputControlValue};
+
+/** GET: answers the pending value, which is the current one outside a SET. */
+int AnswerOutputControl(OutputControl &object, netsnmp_request_info *request) {
+    return SetRequestOctets(request, object.pending);
 }
 
-int CommitOutputControl(const char *function, netsnmp_request_info *request) {
-    savedOutputControlValue = outputControlValue;
-    const auto [number, order] = OutputControlOf(request);
-    // Neither relay 0 nor one beyond the last exists, and NTCIP wants such a command to succeed.
+int CommitOutputControl(OutputControl &object, netsnmp_request_info *request) {
+    object.current = object.pending;
+    const auto [number, order] = OctetsOf<2>(request);
+    // NTCIP wants a command for relay 0, or for one beyond the last, to succeed.
     if (!gpio::HasTarget(number, gRelays)) {
         return SNMP_ERR_NOERROR;
     }
-    if (!Switch(function, number - 1U, (order & kOnBit) != 0 ? 1 : 0)) {
+    if (!Switch(object.handlerName, number - 1U, (order & kOnBit) != 0 ? 1 : 0)) {
         return SNMP_ERR_GENERR;
     }
-    return SetRequestValue(request, ASN_OCTET_STR, outputControlValue.data(), outputControlValue.size());
+    return SetRequestOctets(request, object.pending);
 }
 
-int AnswerOutputControl(const char *function, int mode, netsnmp_request_info *request) {
-    switch (mode) {
-    case MODE_GET:
-        return SetRequestValue(request, ASN_OCTET_STR, outputControlValue.data(), outputControlValue.size());
-    case MODE_GETNEXT:
-    case MODE_SET_RESERVE2:
-    case MODE_SET_FREE:
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_RESERVE1:
-        return request->requestvb->type == ASN_OCTET_STR
-                   ? SNMP_ERR_NOERROR
-                   : RefuseRequest(request, SNMP_ERR_WRONGTYPE, SNMP_ERR_WRONGTYPE);
-    case MODE_SET_ACTION:
-        outputControlValue = OutputControlOf(request);
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_COMMIT:
-        return CommitOutputControl(function, request);
-    case MODE_SET_UNDO:
-        outputControlValue = savedOutputControlValue;
-        return SNMP_ERR_NOERROR;
-    default:
-        return RefuseRequest(request, SNMP_ERR_GENERR, SNMP_ERR_GENERR);
-    }
+int RefuseMode(OutputControl & /*object*/, netsnmp_request_info *request, int /*mode*/) {
+    return RefuseRequest(request, SNMP_ERR_GENERR, SNMP_ERR_GENERR);
 }
+
+constexpr SetPhases<OutputControl> kOutputControlPhases = {
+    AnswerOutputControl, RefuseOtherTypes<ASN_OCTET_STR>, DoNothing, KeepPending, CommitOutputControl, RestorePending,
+    RefuseMode};
 
 int handle_outputControl(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
                          netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", __func__);
-    const int returned = AnswerOutputControl(__func__, reqinfo->mode, requests);
+    LogEnter(__func__);
+    const int returned = ServePhase<kOutputControlPhases>(kOutputControl, reqinfo->mode, requests);
     if (returned == SNMP_ERR_NOERROR) {
-        zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", __func__);
+        LogDone(__func__);
     }
     return returned;
 }
 
-int AnswerCell(const char *function, netsnmp_request_info *request, int row, int col) {
+using RelayState = const WritableObject<uint8_t>;
+
+RelayState kRelayState = {"handle_relayStates", savedRelayState, newRelayState};
+
+int AnswerCell(RelayState &object, netsnmp_request_info *request) {
+    int row = 0;
+    int col = 0;
+    GetRowAndColFromRequest(request, row, col);
     if (col > static_cast<int>(gpio::kState)) {
-        zorva_core_logging_log(GetLogCookie(), kLogError, "%s: unknown colnum (%d)", function, col);
+        zorva_core_logging_log(GetLogCookie(), kLogError, "%s: unknown colnum (%d)", object.handlerName, col);
         return SNMP_ERR_NOERROR;
     }
     if (col != static_cast<int>(gpio::kState)) {
@@ -163,67 +150,45 @@ int AnswerCell(const char *function, netsnmp_request_info *request, int row, int
     return SNMP_ERR_NOERROR;
 }
 
-void CheckStateType(const char *function, netsnmp_request_info *request) {
+int CheckStateType(RelayState &object, netsnmp_request_info *request) {
     if (request->requestvb->type != ASN_INTEGER) {
-        zorva_core_logging_log(GetLogCookie(), kLogError, "%s: MODE_SET_RESERVE1 fail", function);
+        zorva_core_logging_log(GetLogCookie(), kLogError, "%s: MODE_SET_RESERVE1 fail", object.handlerName);
         RefuseRequest(request, SNMP_ERR_WRONGTYPE, SNMP_ERR_WRONGTYPE);
     }
+    return SNMP_ERR_NOERROR;
 }
 
-int SelectRelay(const char *function, int row) {
-    if (gpio::HasTarget(row, gRelays)) {
-        relayStateIndex = row - 1;
-        if (ReadState(static_cast<std::size_t>(relayStateIndex), savedRelayState)) {
-            return SNMP_ERR_NOERROR;
-        }
-    }
-    zorva_core_logging_log(GetLogCookie(), kLogError, "%s: MODE_SET_RESERVE2 fail", function);
-    return SNMP_ERR_GENERR;
-}
-
-int CommitState(const char *function, netsnmp_request_info *request) {
-    const auto relay = static_cast<std::size_t>(relayStateIndex);
-    if (relay >= gRelays.size() || !Switch(function, relay, newRelayState)) {
-        return SNMP_ERR_GENERR;
-    }
-    return snmp_set_var_typed_integer(request->requestvb, ASN_INTEGER, newRelayState) == 0 ? SNMP_ERR_NOERROR
-                                                                                           : SNMP_ERR_GENERR;
-}
-
-int AnswerTableMode(const char *function, int mode, netsnmp_request_info *request) {
+/** RESERVE2: selects the relay for the later phases and reads its state. */
+int SelectRelay(RelayState &object, netsnmp_request_info *request) {
     int row = 0;
     int col = 0;
     GetRowAndColFromRequest(request, row, col);
-    switch (mode) {
-    case MODE_GET:
-        return AnswerCell(function, request, row, col);
-    case MODE_SET_RESERVE1:
-        CheckStateType(function, request);
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_RESERVE2:
-        return SelectRelay(function, row);
-    case MODE_SET_ACTION:
-        newRelayState = static_cast<uint8_t>(*request->requestvb->val.integer);
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_COMMIT:
-        return CommitState(function, request);
-    case MODE_SET_FREE:
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_UNDO:
-        newRelayState = savedRelayState;
-        return SNMP_ERR_NOERROR;
-    default:
-        return LogUnknownMode(function, mode);
+    if (gpio::HasTarget(row, gRelays)) {
+        relayStateIndex = row - 1;
+        if (ReadState(static_cast<std::size_t>(relayStateIndex), object.current)) {
+            return SNMP_ERR_NOERROR;
+        }
     }
+    zorva_core_logging_log(GetLogCookie(), kLogError, "%s: MODE_SET_RESERVE2 fail", object.handlerName);
+    return SNMP_ERR_GENERR;
 }
+
+int CommitState(RelayState &object, netsnmp_request_info *request) {
+    const auto relay = static_cast<std::size_t>(relayStateIndex);
+    if (relay >= gRelays.size() || !Switch(object.handlerName, relay, object.pending)) {
+        return SNMP_ERR_GENERR;
+    }
+    return snmp_set_var_typed_integer(request->requestvb, ASN_INTEGER, object.pending) == 0 ? SNMP_ERR_NOERROR
+                                                                                            : SNMP_ERR_GENERR;
+}
+
+constexpr SetPhases<RelayState> kRelayPhases = {AnswerCell,  CheckStateType, SelectRelay, KeepPending,
+                                                CommitState, RestorePending, LogOtherMode};
 
 int handle_relayStates(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
                        netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
-    if (reqinfo->mode == MODE_GETNEXT) {
-        return SNMP_ERR_NOERROR;
-    }
     for (netsnmp_request_info *request = requests; request != nullptr; request = request->next) {
-        const int returned = AnswerTableMode(__func__, reqinfo->mode, request);
+        const int returned = ServePhase<kRelayPhases>(kRelayState, reqinfo->mode, request);
         if (returned != SNMP_ERR_NOERROR) {
             return returned;
         }

@@ -77,18 +77,15 @@ const lens::Drive kDrive = {
     "handle_positionFocusLens", "focus", "Focus",     FocusRange,  ReadFocusPosition, lens::ClampToRange, MoveFocus,
     SetFocusVelocity,           true,    "focus far", "focus near"};
 lens::LensPosition gPosition = {kDrive};
-lens::LensFeatureSet gFeatureSet = {"handle_systemLensEquipped1",
-                                    "handle_systemLensFeatureControl1",
-                                    "handle_systemLensFeatureStatus1",
-                                    "starting auto-focus",
-                                    SetManualFocus,
-                                    StartAutoFocus,
-                                    ReadManualFocus,
-                                    {},
-                                    {},
-                                    {},
-                                    {},
-                                    {}};
+
+const lens::LensFeatureDrive kFeatureDrive = {"handle_systemLensEquipped1",
+                                              "handle_systemLensFeatureControl1",
+                                              "handle_systemLensFeatureStatus1",
+                                              "starting auto-focus",
+                                              SetManualFocus,
+                                              StartAutoFocus,
+                                              ReadManualFocus};
+lens::LensFeatureSet gFeatureSet = {kFeatureDrive};
 
 int handle_rangeFocusLimit(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
                            netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {

@@ -77,18 +77,15 @@ const lens::Drive kDrive = {"handle_positionFocusStepperLens",
                             nullptr,
                             nullptr};
 lens::LensPosition gPosition = {kDrive};
-lens::LensFeatureSet gFeatureSet = {"handle_systemLensEquipped2",
-                                    "handle_systemLensFeatureControl2",
-                                    "handle_systemLensFeatureStatus2",
-                                    "starting quick auto-focus",
-                                    SetManualFocus,
-                                    StartAutoFocus,
-                                    ReadManualFocus,
-                                    {},
-                                    {},
-                                    {},
-                                    {},
-                                    {}};
+
+const lens::LensFeatureDrive kFeatureDrive = {"handle_systemLensEquipped2",
+                                              "handle_systemLensFeatureControl2",
+                                              "handle_systemLensFeatureStatus2",
+                                              "starting quick auto-focus",
+                                              SetManualFocus,
+                                              StartAutoFocus,
+                                              ReadManualFocus};
+lens::LensFeatureSet gFeatureSet = {kFeatureDrive};
 
 int handle_rangeFocusStepperLimit(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
                                   netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {

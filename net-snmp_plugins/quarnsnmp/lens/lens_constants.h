@@ -21,7 +21,7 @@ namespace lens {
 template <typename Value>
 int HandleConstant(const char *handlerName, const char *shownAs, const char *shownEnd, Value value,
                    const netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", handlerName);
+    LogEnter(handlerName);
     if (reqinfo->mode != MODE_GET && reqinfo->mode != MODE_GETNEXT) {
         return LogUnknownMode(handlerName, reqinfo->mode);
     }
@@ -29,7 +29,7 @@ int HandleConstant(const char *handlerName, const char *shownAs, const char *sho
         zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: %s=%d%s", handlerName, shownAs, value, shownEnd);
     }
     const int returned = SetRequestInteger(requests, value);
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", handlerName);
+    LogDone(handlerName);
     return returned;
 }
 

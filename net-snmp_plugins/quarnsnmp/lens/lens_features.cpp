@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lens_features.h"
 
-#include <algorithm>
-
 #include "core_utils.h"
+#include "set_phases.h"
 #include "zorva_api_exception.h"
 
 namespace lens {
@@ -12,82 +11,41 @@ namespace {
 
 constexpr uint8_t kIrisBit = 0x80;
 constexpr uint8_t kFocusBit = 0x40;
-constexpr uint8_t kNoFeatureBits = 0x3F;
+constexpr uint8_t kReservedFeatureBits = 0x3F;
 constexpr uint8_t kAutomaticBit = 0x80;
-constexpr uint8_t kNoOrderBits = 0x7F;
-
-/** The octets of a request's value, whose length RESERVE1 has checked; missing ones are 0. */
-template <std::size_t size>
-std::array<uint8_t, size> OctetsOf(const netsnmp_request_info *request) {
-    std::array<uint8_t, size> octets{};
-    const netsnmp_variable_list *value = request->requestvb;
-    if (value->val.string != nullptr) {
-        std::copy_n(value->val.string, std::min(size, value->val_len), octets.begin());
-    }
-    return octets;
-}
-
-template <std::size_t size>
-int AnswerOctets(netsnmp_request_info *request, const std::array<uint8_t, size> &octets) {
-    return SetRequestValue(request, ASN_OCTET_STR, octets.data(), octets.size());
-}
+constexpr uint8_t kReservedOrderBits = 0x7F;
 
 int RefuseValue(netsnmp_request_info *request) {
     return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_WRONGVALUE);
 }
 
-/** @param text  of the object in the log line of a wrong length */
-int CheckLength(const char *handlerName, const char *text, std::size_t length, netsnmp_request_info *request) {
-    const netsnmp_variable_list *value = request->requestvb;
-    if (value->type != ASN_OCTET_STR) {
-        return RefuseRequest(request, SNMP_ERR_WRONGTYPE, SNMP_ERR_WRONGTYPE);
-    }
-    if (value->val_len != length) {
-        zorva_core_logging_log(GetLogCookie(), kLogError, "%s: %s not %zu-bytes, val_len=%zu", handlerName, text,
-                               length, value->val_len);
-        return RefuseValue(request);
-    }
-    return SNMP_ERR_NOERROR;
+using Equipped = const WritableObject<std::array<uint8_t, 1>>;
+
+int CheckEquippedLength(Equipped &object, netsnmp_request_info *request) {
+    return CheckOctets(object.handlerName, "systemLensEquipped", "", object.pending.size(), request);
 }
 
-int CommitEquipped(LensFeatureSet &set, netsnmp_request_info *request) {
-    set.equipped = set.pendingEquipped;
+int CheckEquipped(Equipped & /*object*/, netsnmp_request_info *request) {
+    return (OctetsOf<1>(request)[0] & kReservedFeatureBits) != 0 ? RefuseValue(request) : SNMP_ERR_NOERROR;
+}
+
+int CommitEquipped(Equipped &object, netsnmp_request_info *request) {
+    object.current = object.pending;
     // Central systems in the field expect eight octets in the answer to a SET, of which only the first means something.
     std::array<uint8_t, 8> answer{};
-    answer[0] = set.equipped[0];
-    return AnswerOctets(request, answer);
+    answer[0] = object.current[0];
+    return SetRequestOctets(request, answer);
 }
 
-int AnswerEquipped(LensFeatureSet &set, int mode, netsnmp_request_info *request) {
-    switch (mode) {
-    case MODE_GET:
-        return AnswerOctets(request, set.equipped);
-    case MODE_GETNEXT:
-    case MODE_SET_FREE:
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_RESERVE1:
-        return CheckLength(set.equippedHandler, "systemLensEquipped", set.equipped.size(), request);
-    case MODE_SET_RESERVE2:
-        return (OctetsOf<1>(request)[0] & kNoFeatureBits) != 0 ? RefuseValue(request) : SNMP_ERR_NOERROR;
-    case MODE_SET_ACTION:
-        set.pendingEquipped = OctetsOf<1>(request);
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_COMMIT:
-        return CommitEquipped(set, request);
-    case MODE_SET_UNDO:
-        set.pendingEquipped = set.equipped;
-        return SNMP_ERR_NOERROR;
-    default:
-        return LogUnknownMode(set.equippedHandler, mode);
-    }
-}
+constexpr SetPhases<Equipped> kEquippedPhases = {AnswerCurrent,  CheckEquippedLength, CheckEquipped, KeepPending,
+                                                 CommitEquipped, RestorePending,      LogOtherMode};
 
-void SwitchFocus(const LensFeatureSet &set, bool automatic) {
-    set.setManualFocus(automatic ? 0 : 1);
-    zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: %s", set.controlHandler,
-                           automatic ? set.autoFocusText : "disabling auto-focus");
+void SwitchFocus(const LensFeatureDrive &drive, bool automatic) {
+    drive.setManualFocus(automatic ? 0 : 1);
+    zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: %s", drive.controlHandler,
+                           automatic ? drive.autoFocusText : "disabling auto-focus");
     if (automatic) {
-        set.startAutoFocus();
+        drive.startAutoFocus();
     }
 }
 
@@ -97,52 +55,44 @@ void SwitchIris(const LensFeatureSet &set, bool automatic) {
     }
     zorva_api_exposure_set_manual_mode_enable_send(set.exposure.cookie, set.exposure.targets[kDefaultIndex].c_str(),
                                                    automatic ? 0 : 1);
-    zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: %s", set.controlHandler,
+    zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: %s", set.drive.controlHandler,
                            automatic ? "starting auto-iris" : "stopping auto-iris");
 }
 
-int CommitControl(LensFeatureSet &set, const netsnmp_request_info *request) {
-    set.control = set.pendingControl;
+/** `systemLensFeatureControl` of a set. */
+struct Control {
+    const char *handlerName;
+    const LensFeatureSet &set;
+    std::array<uint8_t, 2> &current;
+    std::array<uint8_t, 2> &pending;
+};
+
+int CheckControlLength(const Control &object, netsnmp_request_info *request) {
+    // The object is not an iris position; operators' log filters match this text.
+    return CheckOctets(object.handlerName, "iris", " position", object.pending.size(), request);
+}
+
+int CheckControl(const Control & /*object*/, netsnmp_request_info *request) {
+    const auto [features, order] = OctetsOf<2>(request);
+    const bool isReserved = (features & kReservedFeatureBits) != 0 || (order & kReservedOrderBits) != 0;
+    return isReserved ? RefuseValue(request) : SNMP_ERR_NOERROR;
+}
+
+int CommitControl(const Control &object, netsnmp_request_info *request) {
+    object.current = object.pending;
     const auto [features, order] = OctetsOf<2>(request);
     const bool automatic = (order & kAutomaticBit) != 0;
     if ((features & kFocusBit) != 0) {
-        SwitchFocus(set, automatic);
+        SwitchFocus(object.set.drive, automatic);
     }
     if ((features & kIrisBit) != 0) {
-        SwitchIris(set, automatic);
+        SwitchIris(object.set, automatic);
     }
     return SNMP_ERR_NOERROR;
 }
 
-int CheckControl(netsnmp_request_info *request) {
-    const auto [features, order] = OctetsOf<2>(request);
-    return (features & kNoFeatureBits) != 0 || (order & kNoOrderBits) != 0 ? RefuseValue(request) : SNMP_ERR_NOERROR;
-}
-
-int AnswerControl(LensFeatureSet &set, int mode, netsnmp_request_info *request) {
-    switch (mode) {
-    case MODE_GET:
-        return AnswerOctets(request, set.control);
-    case MODE_GETNEXT:
-    case MODE_SET_FREE:
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_RESERVE1:
-        // The log of this object has always spoken of the iris, and is filtered for that.
-        return CheckLength(set.controlHandler, "iris position", set.control.size(), request);
-    case MODE_SET_RESERVE2:
-        return CheckControl(request);
-    case MODE_SET_ACTION:
-        set.pendingControl = OctetsOf<2>(request);
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_COMMIT:
-        return CommitControl(set, request);
-    case MODE_SET_UNDO:
-        set.pendingControl = set.control;
-        return SNMP_ERR_NOERROR;
-    default:
-        return LogUnknownMode(set.controlHandler, mode);
-    }
-}
+constexpr SetPhases<const Control> kControlPhases = {AnswerCurrent, CheckControlLength, CheckControl, KeepPending,
+                                                     CommitControl, RestorePending,     LogOtherMode};
 
 /** @throws zorva::core::ZorvaApiException */
 bool ReadManualExposure(const Exposure &exposure) {
@@ -171,37 +121,35 @@ bool IsAutomatic(ReadManual readManual) {
 } // namespace
 
 int HandleLensEquipped(LensFeatureSet &set, const netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", set.equippedHandler);
-    const int returned = AnswerEquipped(set, reqinfo->mode, requests);
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", set.equippedHandler);
-    return returned;
+    Equipped object = {set.drive.equippedHandler, set.equipped, set.pendingEquipped};
+    return ServeLoggedPhase<kEquippedPhases>(object.handlerName, object, reqinfo->mode, requests);
 }
 
 int HandleLensFeatureControl(LensFeatureSet &set, const netsnmp_agent_request_info *reqinfo,
                              netsnmp_request_info *requests) {
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", set.controlHandler);
-    const int returned = AnswerControl(set, reqinfo->mode, requests);
-    // A level above the other handlers', so that the end of a switch shows in a log without debug lines.
-    zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: Done.", set.controlHandler);
-    return returned;
+    const Control object = {set.drive.controlHandler, set, set.control, set.pendingControl};
+    // The last line has a level above that of other handlers, so that a log without debug lines shows the end of a
+    // switch.
+    return ServeLoggedPhase<kControlPhases>(object.handlerName, object, reqinfo->mode, requests, kLogInfo);
 }
 
 int HandleLensFeatureStatus(const LensFeatureSet &set, const netsnmp_agent_request_info *reqinfo,
                             netsnmp_request_info *requests) {
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", set.statusHandler);
+    const char *function = set.drive.statusHandler;
+    LogEnter(function);
     if (reqinfo->mode != MODE_GET && reqinfo->mode != MODE_GETNEXT) {
-        zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: unknown mode (%d)", set.statusHandler, reqinfo->mode);
+        zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: unknown mode (%d)", function, reqinfo->mode);
         return SNMP_ERR_GENERR;
     }
-    const bool autoFocus = IsAutomatic(set.readManualFocus);
+    const bool autoFocus = IsAutomatic(set.drive.readManualFocus);
     const bool autoIris =
         set.exposure.cookie != nullptr && IsAutomatic([&set] { return ReadManualExposure(set.exposure); });
-    zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: autoIris=%s,autoFocus=%s", set.statusHandler,
+    zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: autoIris=%s,autoFocus=%s", function,
                            autoIris ? "TRUE" : "FALSE", autoFocus ? "TRUE" : "FALSE");
     const std::array<uint8_t, 1> status = {
         static_cast<uint8_t>((autoIris ? kIrisBit : 0U) | (autoFocus ? kFocusBit : 0U))};
-    const int returned = AnswerOctets(requests, status);
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", set.statusHandler);
+    const int returned = SetRequestOctets(requests, status);
+    LogDone(function);
     return returned;
 }
 

@@ -16,20 +16,25 @@
 
 namespace lens {
 
-/** A set of the three objects: how it drives the focus, and what its objects hold. */
-struct LensFeatureSet {
-    const char *equippedHandler; ///< names of its handlers
+/** Constants of a set: the names of its handlers, and the calls of its focus drive. */
+struct LensFeatureDrive {
+    const char *equippedHandler;
     const char *controlHandler;
     const char *statusHandler;
     const char *autoFocusText;              ///< logged when the automatic focus starts
     void (*setManualFocus)(uint8_t enable); ///< 0 automatic, 1 manual
     void (*startAutoFocus)();               ///< one run
     bool (*readManualFocus)();              ///< throws zorva::core::ZorvaApiException
-    Exposure exposure;                      ///< switches the automatic iris
-    std::array<uint8_t, 1> pendingEquipped;
-    std::array<uint8_t, 1> equipped;
-    std::array<uint8_t, 2> pendingControl;
-    std::array<uint8_t, 2> control;
+};
+
+/** A set of the three objects. */
+struct LensFeatureSet {
+    const LensFeatureDrive &drive;
+    Exposure exposure{}; ///< switches the automatic iris
+    std::array<uint8_t, 1> equipped{};
+    std::array<uint8_t, 1> pendingEquipped{};
+    std::array<uint8_t, 2> control{};
+    std::array<uint8_t, 2> pendingControl{};
 };
 
 /** Serves `systemLensEquipped`: one octet that is only kept. */

@@ -2,6 +2,8 @@
 #include "lens_position.h"
 
 #include "core_utils.h"
+#include "lens_service.h"
+#include "set_phases.h"
 #include "snmp_utils.h"
 #include "wrapping.h"
 
@@ -23,32 +25,24 @@ uint32_t AsNumber(const PositionOctets &octets) {
     return number;
 }
 
-int CheckLength(const Drive &drive, netsnmp_request_info *request) {
-    const netsnmp_variable_list *value = request->requestvb;
-    if (value->type != ASN_OCTET_STR) {
-        return RefuseRequest(request, SNMP_ERR_WRONGTYPE, SNMP_ERR_WRONGTYPE);
-    }
-    if (value->val_len != std::tuple_size_v<PositionOctets>) {
-        zorva_core_logging_log(GetLogCookie(), kLogError, "%s: %s position not 4-bytes, val_len=%zu", drive.handlerName,
-                               drive.name, value->val_len);
-        return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_WRONGVALUE);
-    }
-    return SNMP_ERR_NOERROR;
+int CheckType(LensPosition &object, netsnmp_request_info *request) {
+    return CheckOctets(object.drive.handlerName, object.drive.name, " position", object.pending.size(), request);
 }
 
-void LogMode(const Drive &drive, int mode) {
+void LogCommandMode(const Drive &drive, int mode) {
     zorva_core_logging_log(GetLogCookie(), kLogError, "%s: unknown %s mode (%d)", drive.handlerName, drive.name, mode);
 }
 
-int CheckCommand(const Drive &drive, netsnmp_request_info *request) {
-    const PositionCommand command = DecodePositionCommand(PositionOctetsOf(request));
+int CheckCommand(LensPosition &object, netsnmp_request_info *request) {
+    const Drive &drive = object.drive;
+    const PositionCommand command = PositionCommandOf(request);
     if (command.mode == kStop && command.speed != 0) {
         zorva_core_logging_log(GetLogCookie(), kLogError, "%s: stop movement speed not zero(%d)", drive.handlerName,
                                command.speed);
         return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_WRONGVALUE);
     }
     if (command.mode > kContinuous) {
-        LogMode(drive, command.mode);
+        LogCommandMode(drive, command.mode);
         return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_GENERR);
     }
     return SNMP_ERR_NOERROR;
@@ -106,8 +100,8 @@ void Run(const Drive &drive, const PositionCommand &command) {
 }
 
 int Commit(LensPosition &object, netsnmp_request_info *request) {
-    object.committed = object.pending;
-    const PositionCommand command = DecodePositionCommand(PositionOctetsOf(request));
+    object.current = object.pending;
+    const PositionCommand command = PositionCommandOf(request);
     int returned = SNMP_ERR_NOERROR;
     switch (command.mode) {
     case kStop:
@@ -123,37 +117,20 @@ int Commit(LensPosition &object, netsnmp_request_info *request) {
         Run(object.drive, command);
         break;
     default:
-        LogMode(object.drive, command.speed);
+        LogCommandMode(object.drive, command.speed);
         returned = SNMP_ERR_GENERR;
         break;
     }
-    const int answered = SetRequestValue(request, ASN_OCTET_STR, object.pending.data(), object.pending.size());
+    const int answered = SetRequestOctets(request, object.pending);
     return returned != SNMP_ERR_NOERROR ? returned : answered;
 }
 
-int AnswerMode(LensPosition &object, int mode, netsnmp_request_info *request) {
-    switch (mode) {
-    case MODE_GET:
-        return SetRequestValue(request, ASN_OCTET_STR, object.committed.data(), object.committed.size());
-    case MODE_GETNEXT:
-    case MODE_SET_FREE:
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_RESERVE1:
-        return CheckLength(object.drive, request);
-    case MODE_SET_RESERVE2:
-        return CheckCommand(object.drive, request);
-    case MODE_SET_ACTION:
-        object.pending = PositionOctetsOf(request);
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_COMMIT:
-        return Commit(object, request);
-    case MODE_SET_UNDO:
-        object.pending = object.committed;
-        return SNMP_ERR_NOERROR;
-    default:
-        return LogUnknownMode(object.drive.handlerName, mode);
-    }
+int LogMode(LensPosition &object, netsnmp_request_info * /*request*/, int mode) {
+    return LogUnknownMode(object.drive.handlerName, mode);
 }
+
+constexpr SetPhases<LensPosition> kPhases = {AnswerCurrent, CheckType,      CheckCommand, KeepPending,
+                                             Commit,        RestorePending, LogMode};
 
 } // namespace
 
@@ -166,10 +143,7 @@ int32_t ClampToRange(int32_t target, const Range &range, uint32_t /*command*/) {
 
 int HandleLensPosition(LensPosition &object, const netsnmp_agent_request_info *reqinfo,
                        netsnmp_request_info *requests) {
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", object.drive.handlerName);
-    const int returned = AnswerMode(object, reqinfo->mode, requests);
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", object.drive.handlerName);
-    return returned;
+    return ServeLoggedPhase<kPhases>(object.drive.handlerName, object, reqinfo->mode, requests);
 }
 
 } // namespace lens

@@ -41,8 +41,8 @@ struct Drive {
 /** A lens position object with what it holds. */
 struct LensPosition {
     const Drive &drive;
+    PositionOctets current{};
     PositionOctets pending{};
-    PositionOctets committed{};
 };
 
 /** Keeps a target within a range. */

@@ -46,6 +46,15 @@ struct StepperLimits {
  */
 void ReadStepperLimits(const char *function, void (*read)(), const StepperLimits &limits);
 
+/**
+ * Checks the type and length of an OCTET STRING that a manager sets. A wrong length is logged and refused with
+ * wrongValue.
+ * @param name,noun  name of the object in the log, in two parts
+ * @return SNMP_ERR_NOERROR, or the error that the request is marked with
+ */
+int CheckOctets(const char *function, const char *name, const char *noun, std::size_t length,
+                netsnmp_request_info *request);
+
 /** Closes the service if it was opened. The handle stays as it is: the next start sets it. */
 void StopLens(const LensFeature &feature);
 

@@ -5,6 +5,7 @@
 
 #include "core_utils.h"
 #include "motion_commands.h"
+#include "set_phases.h"
 #include "snmp_utils.h"
 
 namespace positioning {
@@ -26,9 +27,9 @@ struct PositionObject {
     const char *axisName;
     Axis axis;
     bool isAngle; ///< positions end with the circle, and the object exists without a connection too
-    PositionOctets &last;
-    PositionOctets &next;
-    bool filled; ///< whether `last` holds anything yet
+    PositionOctets &current;
+    PositionOctets &pending;
+    bool filled; ///< `current` holds a value
 };
 
 PositionObject gPan = {"handle_positionPan", "pan", kPanAxis, true, gLastPanPosition, gNewPanPosition, false};
@@ -46,13 +47,13 @@ void FillOnFirstUse(PositionObject &object) {
     }
     object.filled = true;
     const uint32_t position = getInitialPosition(object.axis);
-    for (std::size_t i = 0; i < object.last.size(); ++i) {
-        object.last.at(i) = static_cast<uint8_t>(position >> 8U * i);
+    for (std::size_t i = 0; i < object.current.size(); ++i) {
+        object.current.at(i) = static_cast<uint8_t>(position >> 8U * i);
     }
 }
 
-int CheckCommand(const PositionObject &object, netsnmp_request_info *request) {
-    const PositionCommand command = DecodePositionCommand(PositionOctetsOf(request));
+int CheckCommand(PositionObject &object, netsnmp_request_info *request) {
+    const PositionCommand command = PositionCommandOf(request);
     switch (command.mode) {
     case kStop:
         if (command.speed != 0) {
@@ -97,47 +98,26 @@ void Move(Axis axis, const PositionCommand &command) {
     }
 }
 
-int Answer(netsnmp_request_info *request, const PositionOctets &octets) {
-    return SetRequestValue(request, ASN_OCTET_STR, octets.data(), octets.size());
-}
-
-int Commit(const PositionObject &object, netsnmp_request_info *request) {
-    const PositionCommand command = DecodePositionCommand(PositionOctetsOf(request));
-    object.last = object.next;
+int Commit(PositionObject &object, netsnmp_request_info *request) {
+    const PositionCommand command = PositionCommandOf(request);
+    object.current = object.pending;
     Move(object.axis, command);
-    return object.isAngle ? Answer(request, object.next) : SNMP_ERR_NOERROR;
+    return object.isAngle ? SetRequestOctets(request, object.pending) : SNMP_ERR_NOERROR;
 }
 
-int AnswerMode(const PositionObject &object, int mode, netsnmp_request_info *request) {
-    switch (mode) {
-    case MODE_GET:
-        return Answer(request, object.last);
-    case MODE_GETNEXT:
-    case MODE_SET_FREE:
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_RESERVE1:
-        return CheckRequestType(request, ASN_OCTET_STR);
-    case MODE_SET_RESERVE2:
-        return CheckCommand(object, request);
-    case MODE_SET_ACTION:
-        object.next = PositionOctetsOf(request);
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_COMMIT:
-        return Commit(object, request);
-    case MODE_SET_UNDO:
-        object.next = object.last;
-        return SNMP_ERR_NOERROR;
-    default:
-        LogUnknownMode(object.handlerName, mode);
-        return object.isAngle ? RefuseRequest(request, SNMP_ERR_GENERR, SNMP_ERR_GENERR) : SNMP_ERR_GENERR;
-    }
+/** Refuses an unknown mode. Without the mark a manager gets genErr as well. */
+int RefuseMode(PositionObject &object, netsnmp_request_info *request, int mode) {
+    return object.isAngle ? MarkOtherMode(object, request, mode) : LogOtherMode(object, request, mode);
 }
+
+constexpr SetPhases<PositionObject> kPhases = {
+    AnswerCurrent, MarkOtherTypes<ASN_OCTET_STR>, CheckCommand, KeepPending, Commit, RestorePending, RefuseMode};
 
 int HandlePosition(PositionObject &object, const netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", object.handlerName);
+    LogEnter(object.handlerName);
     FillOnFirstUse(object);
-    const int returned = AnswerMode(object, reqinfo->mode, requests);
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", object.handlerName);
+    const int returned = ServePhase<kPhases>(object, reqinfo->mode, requests);
+    LogDone(object.handlerName);
     return returned;
 }
 
@@ -145,8 +125,8 @@ int HandlePosition(PositionObject &object, const netsnmp_agent_request_info *req
 
 void ResetPositionObjects() {
     for (PositionObject *object : {&gPan, &gTilt, &gZoom}) {
-        object->last = {};
-        object->next = {};
+        object->current = {};
+        object->pending = {};
         object->filled = false;
     }
 }

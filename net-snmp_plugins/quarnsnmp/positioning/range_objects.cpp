@@ -2,6 +2,7 @@
 #include "range_objects.h"
 
 #include "core_utils.h"
+#include "set_phases.h"
 #include "snmp_utils.h"
 #include "zorva_api_exception.h"
 
@@ -33,7 +34,7 @@ namespace {
 template <typename Value, typename Refresh>
 int HandleReadOnly(const char *function, const Value &value, Refresh refresh, const netsnmp_agent_request_info *reqinfo,
                    netsnmp_request_info *requests) {
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", function);
+    LogEnter(function);
     int returned = SNMP_ERR_GENERR;
     if (reqinfo->mode == MODE_GET || reqinfo->mode == MODE_GETNEXT) {
         refresh();
@@ -41,7 +42,7 @@ int HandleReadOnly(const char *function, const Value &value, Refresh refresh, co
     } else {
         LogUnknownMode(function, reqinfo->mode);
     }
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", function);
+    LogDone(function);
     return returned;
 }
 
@@ -131,34 +132,23 @@ int16_t TiltDownLimit(const PositionLimits &limits) {
     return Low16Bits(WrappedTiltLimit(limits.tiltEnabled ? limits.tiltMin : ReadImplementationTiltRange().min));
 }
 
-int SetTrueNorthOffset(const char *function, int mode, netsnmp_request_info *request) {
-    const netsnmp_variable_list *value = request->requestvb;
-    switch (mode) {
-    case MODE_GET:
-        return SetRequestInteger(request, gTrueNorthOffset);
-    case MODE_GETNEXT:
-    case MODE_SET_COMMIT:
-    case MODE_SET_FREE:
-    case MODE_SET_UNDO:
+using TrueNorthOffset = const WritableObject<int32_t>;
+
+// The value counts from ACTION on: when another varbind of the request fails then, it stays.
+TrueNorthOffset kTrueNorthOffset = {"handle_rangeTrueNorthOffset", gTrueNorthOffset, gTrueNorthOffset};
+
+int CheckTrueNorthOffset(TrueNorthOffset &object, netsnmp_request_info *request) {
+    const long offset = *request->requestvb->val.integer;
+    if (offset == 0 || offset == kUnknown) {
         return SNMP_ERR_NOERROR;
-    case MODE_SET_RESERVE1:
-        return CheckRequestType(request, ASN_INTEGER);
-    case MODE_SET_RESERVE2:
-        if (*value->val.integer != 0 && *value->val.integer != kUnknown) {
-            zorva_core_logging_log(GetLogCookie(), kLogError, "%s: true north offset(%ld) can only be 0 or 65535",
-                                   function, *value->val.integer);
-            return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_GENERR);
-        }
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_ACTION:
-        // From here on it counts: when another variable of the request fails now, the value is not taken back.
-        gTrueNorthOffset = static_cast<int32_t>(*value->val.integer);
-        return SNMP_ERR_NOERROR;
-    default:
-        LogUnknownMode(function, mode);
-        return RefuseRequest(request, SNMP_ERR_GENERR, SNMP_ERR_GENERR);
     }
+    zorva_core_logging_log(GetLogCookie(), kLogError, "%s: true north offset(%ld) can only be 0 or 65535",
+                           object.handlerName, offset);
+    return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_GENERR);
 }
+
+constexpr SetPhases<TrueNorthOffset> kTrueNorthPhases = {
+    AnswerCurrent, MarkOtherTypes<ASN_INTEGER>, CheckTrueNorthOffset, KeepPending, DoNothing, DoNothing, MarkOtherMode};
 
 } // namespace
 
@@ -218,10 +208,7 @@ int handle_rangeZoomLimit(netsnmp_mib_handler * /*handler*/, netsnmp_handler_reg
 
 int handle_rangeTrueNorthOffset(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
                                 netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", __func__);
-    const int returned = SetTrueNorthOffset(__func__, reqinfo->mode, requests);
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", __func__);
-    return returned;
+    return ServeLoggedPhase<kTrueNorthPhases>(__func__, kTrueNorthOffset, reqinfo->mode, requests);
 }
 
 } // namespace positioning

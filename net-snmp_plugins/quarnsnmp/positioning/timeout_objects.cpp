@@ -2,6 +2,7 @@
 #include "timeout_objects.h"
 
 #include "core_utils.h"
+#include "set_phases.h"
 #include "snmp_utils.h"
 #include "zorva_api_exception.h"
 
@@ -20,8 +21,8 @@ struct TimeoutObject {
     const char *handlerName;
     const char *axisName;
     const char *argument; ///< of the service's call, as the failure text shows it
-    uint32_t &last;
-    uint16_t &next;
+    uint32_t &current;
+    uint16_t &pending;
 };
 
 const TimeoutObject kPan = {"handle_timeoutPan", "pan", "newPanTimeout", gLastPanTimeout, gNewPanTimeout};
@@ -30,7 +31,7 @@ const TimeoutObject kZoom = {"handle_timeoutZoom", "zoom", "newZoomTimeout", gLa
 
 /** Tells the service. Where 0 stands for no time-out here, the service gets the longest one. */
 void SendTimeout(const TimeoutObject &object) {
-    const uint32_t milliseconds = object.next == 0 ? static_cast<uint32_t>(kLongestTimeout) : object.next;
+    const uint32_t milliseconds = object.pending == 0 ? static_cast<uint32_t>(kLongestTimeout) : object.pending;
     const zorva_core_status status = zorva_api_positioning_set_velocity_command_timeout_send(
         gApiCookie, gPositionings[kDefaultIndex].c_str(), milliseconds);
     if (status == 0) {
@@ -55,41 +56,20 @@ int CheckTimeout(const TimeoutObject &object, netsnmp_request_info *request) {
     return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_GENERR);
 }
 
-int AnswerMode(const TimeoutObject &object, int mode, netsnmp_request_info *request) {
-    switch (mode) {
-    case MODE_GET:
-        return SetRequestInteger(request, object.last);
-    case MODE_GETNEXT:
-    case MODE_SET_FREE:
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_RESERVE1:
-        return CheckRequestType(request, ASN_INTEGER);
-    case MODE_SET_RESERVE2:
-        return CheckTimeout(object, request);
-    case MODE_SET_ACTION:
-        object.next = static_cast<uint16_t>(*request->requestvb->val.integer);
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_COMMIT:
-        object.last = object.next;
-        if (IsConnected()) {
-            SendTimeout(object);
-        }
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_UNDO:
-        object.next = static_cast<uint16_t>(object.last);
-        return SNMP_ERR_NOERROR;
-    default:
-        LogUnknownMode(object.handlerName, mode);
-        return RefuseRequest(request, SNMP_ERR_GENERR, SNMP_ERR_GENERR);
+int Commit(const TimeoutObject &object, netsnmp_request_info * /*request*/) {
+    object.current = object.pending;
+    if (IsConnected()) {
+        SendTimeout(object);
     }
+    return SNMP_ERR_NOERROR;
 }
+
+constexpr SetPhases<const TimeoutObject> kPhases = {
+    AnswerCurrent, MarkOtherTypes<ASN_INTEGER>, CheckTimeout, KeepPending, Commit, RestorePending, MarkOtherMode};
 
 int HandleTimeout(const TimeoutObject &object, const netsnmp_agent_request_info *reqinfo,
                   netsnmp_request_info *requests) {
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", object.handlerName);
-    const int returned = AnswerMode(object, reqinfo->mode, requests);
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", object.handlerName);
-    return returned;
+    return ServeLoggedPhase<kPhases>(object.handlerName, object, reqinfo->mode, requests);
 }
 
 } // namespace

@@ -21,6 +21,7 @@
 #include "feature_modules.h"
 #include "oids.h"
 #include "service.h"
+#include "set_phases.h"
 #include "snmp_utils.h"
 #include "zorva_api_exception.h"
 
@@ -112,7 +113,7 @@ void StorePreset(const char *function) {
 struct PresetCommand {
     const char *handlerName;
     uint8_t &current; ///< last number that was committed
-    int32_t &next;    ///< number being set
+    int32_t &pending; ///< number being set
     void (*carryOut)(const char *function);
 };
 
@@ -120,9 +121,9 @@ const PresetCommand kGoTo = {"handle_presetGotoPosition", currentGoToPresetNumbe
 const PresetCommand kStore = {"handle_presetStorePosition", currentStorePresetNumber, newStorePresetNumber,
                               StorePreset};
 
-int CheckType(netsnmp_request_info *request) {
-    return request->requestvb->type == ASN_INTEGER ? SNMP_ERR_NOERROR
-                                                   : RefuseRequest(request, SNMP_ERR_WRONGTYPE, SNMP_ERR_WRONGTYPE);
+/** A GET answers an octet, though a SET takes an INTEGER. */
+int AnswerNumber(const PresetCommand &command, netsnmp_request_info *request) {
+    return SetRequestValue(request, ASN_OCTET_STR, &command.current, sizeof command.current);
 }
 
 int CheckNumber(const PresetCommand &command, netsnmp_request_info *request) {
@@ -136,49 +137,25 @@ int CheckNumber(const PresetCommand &command, netsnmp_request_info *request) {
     return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_GENERR);
 }
 
-void Commit(const PresetCommand &command) {
-    command.current = static_cast<uint8_t>(command.next);
+int Commit(const PresetCommand &command, netsnmp_request_info * /*request*/) {
+    command.current = static_cast<uint8_t>(command.pending);
     if (gApiCookie == nullptr) {
-        return;
+        return SNMP_ERR_NOERROR;
     }
     try {
         command.carryOut(command.handlerName);
     } catch (const std::exception &failure) {
         LogFailure(failure);
     }
+    return SNMP_ERR_NOERROR;
 }
 
-int AnswerMode(const PresetCommand &command, int mode, netsnmp_request_info *request) {
-    switch (mode) {
-    case MODE_GET:
-        return SetRequestValue(request, ASN_OCTET_STR, &command.current, sizeof command.current);
-    case MODE_GETNEXT:
-    case MODE_SET_FREE:
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_RESERVE1:
-        return CheckType(request);
-    case MODE_SET_RESERVE2:
-        return CheckNumber(command, request);
-    case MODE_SET_ACTION:
-        command.next = static_cast<int32_t>(*request->requestvb->val.integer);
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_COMMIT:
-        Commit(command);
-        return SNMP_ERR_NOERROR;
-    case MODE_SET_UNDO:
-        command.next = command.current;
-        return SNMP_ERR_NOERROR;
-    default:
-        return LogUnknownMode(command.handlerName, mode);
-    }
-}
+constexpr SetPhases<const PresetCommand> kPhases = {
+    AnswerNumber, RefuseOtherTypes<ASN_INTEGER>, CheckNumber, KeepPending, Commit, RestorePending, LogOtherMode};
 
 int HandlePresetCommand(const PresetCommand &command, const netsnmp_agent_request_info *reqinfo,
                         netsnmp_request_info *requests) {
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", command.handlerName);
-    const int returned = AnswerMode(command, reqinfo->mode, requests);
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", command.handlerName);
-    return returned;
+    return ServeLoggedPhase<kPhases>(command.handlerName, command, reqinfo->mode, requests);
 }
 
 /** Number of presets that the camera offers; 0 without the service and after a failed call. */
@@ -199,14 +176,14 @@ uint32_t ReadMaximum(const char *function) {
 
 int handle_rangeMaximumPreset(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
                               netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Enter.", __func__);
+    LogEnter(__func__);
     if (reqinfo->mode != MODE_GET && reqinfo->mode != MODE_GETNEXT) {
         return LogUnknownMode(__func__, reqinfo->mode);
     }
     const uint32_t maximum = ReadMaximum(__func__);
     const auto answer = static_cast<int32_t>(maximum > kLastPreset ? kLastPreset : maximum);
     const int returned = SetRequestInteger(requests, answer);
-    zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Done.", __func__);
+    LogDone(__func__);
     return returned;
 }
 
