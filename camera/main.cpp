@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The simulated camera, a process of its own.
+ * Program of the simulated camera.
  */
 #include <csignal>
 #include <exception>
@@ -15,6 +15,7 @@
 #include "camera_server.h"
 #include "event_loop.h"
 #include "presets_file.h"
+#include "shipped_files.h"
 #include "wire.h"
 
 namespace {
@@ -43,14 +44,14 @@ int listCameras() {
     return status;
 }
 
-/** What the command line says of the camera to run. */
+/** Options of the command line. */
 struct Options {
     std::string camera = "dome";
     std::string directory = wire::socketDirectory();
-    std::string presets; ///< file of the presets; empty for none
+    std::string presets; ///< file of the presets; empty without one
 };
 
-void complain(const std::string &line) {
+void warn(const std::string &line) {
     std::cerr << "quarnsnmp-camera: " << line << std::endl;
 }
 
@@ -61,9 +62,9 @@ void runCamera(const Options &options) {
                               std::move(description.services));
     std::optional<camera::PresetsFile> presets;
     if (!options.presets.empty()) {
-        presets.emplace(model, options.presets, complain);
+        presets.emplace(model, options.presets, warn);
     }
-    // Whoever reads the output may leave once the camera is ready.
+    // The reader of the output may close its end once the camera is ready.
     std::signal(SIGPIPE, SIG_IGN);
     boost::asio::io_context io(1);
     boost::asio::signal_set signals(io, SIGINT, SIGTERM);
@@ -73,7 +74,7 @@ void runCamera(const Options &options) {
         }
     });
     const camera::SocketDirectory sockets(options.directory);
-    camera::CameraServer server(io, model, sockets, complain);
+    camera::CameraServer server(io, model, sockets, warn);
     server.open();
     std::cout << "camera " << model.name() << " ready in " << options.directory << std::endl;
     camera::runPolling(io);
@@ -83,18 +84,19 @@ void runCamera(const Options &options) {
 int run(int argc, char **argv) {
     Options options;
     bool list = false;
-    CLI::App app("Simulated camera: plays the camera's services over Unix-domain sockets.", "quarnsnmp-camera");
-    app.add_option("--camera", options.camera, "Name of a camera (see --list), or path of a camera file")
+    CLI::App app("Simulated camera: provides the services of a PTZ camera on Unix-domain sockets.", "quarnsnmp-camera");
+    app.add_option("--camera", options.camera, "Name of a shipped camera (see --list), or path of a camera file")
         ->type_name("NAME|FILE")
         ->capture_default_str();
     app.add_option("--directory", options.directory,
-                   "Directory of the sockets; QUARNSNMP_CAMERA_DIR sets another default")
+                   "Directory of the sockets; QUARNSNMP_CAMERA_DIR overrides the default")
         ->type_name("DIR")
         ->capture_default_str();
-    app.add_option("--presets", options.presets, "File that keeps the presets; without it they end with the camera")
+    app.add_option("--presets", options.presets,
+                   "File for the presets; by default, they are lost when the program ends")
         ->type_name("FILE")
         ->check(CLI::Validator([](const std::string &file) { return file.empty() ? "no file" : ""; }, ""));
-    app.add_flag("--list", list, "List the cameras that have a name, and end");
+    app.add_flag("--list", list, "List the shipped cameras and exit");
     app.set_version_flag("--version", std::string("quarnsnmp-camera ") + QUARNSNMP_VERSION);
     try {
         app.parse(argc, argv);

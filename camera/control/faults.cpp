@@ -3,45 +3,45 @@
 
 namespace camera {
 
-void FaultOrders::set(const std::string &service, const std::string &operation, std::int64_t value, Times times) {
-    orders_[{service, operation}] = {value, times};
+void FaultTable::set(const std::string &service, const std::string &operation, std::int64_t value, Times times) {
+    faults_[{service, operation}] = {value, times};
 }
 
-std::optional<std::int64_t> FaultOrders::take(const std::string &service, const std::string &operation) {
-    if (orders_.empty()) {
+std::optional<std::int64_t> FaultTable::take(const std::string &service, const std::string &operation) {
+    if (faults_.empty()) {
         return std::nullopt;
     }
-    auto found = orders_.find({service, operation});
-    if (found == orders_.end()) {
-        found = orders_.find({service, kEveryOperation});
+    auto found = faults_.find({service, operation});
+    if (found == faults_.end()) {
+        found = faults_.find({service, kEveryOperation});
     }
-    if (found == orders_.end()) {
+    if (found == faults_.end()) {
         return std::nullopt;
     }
-    Order &order = found->second;
-    const std::int64_t value = order.value;
-    if (order.left && --*order.left == 0) {
-        orders_.erase(found);
+    Fault &fault = found->second;
+    const std::int64_t value = fault.value;
+    if (fault.left && --*fault.left == 0) {
+        faults_.erase(found);
     }
     return value;
 }
 
-void FaultOrders::clear(const std::optional<std::string> &service, const std::optional<std::string> &operation) {
-    for (auto entry = orders_.begin(); entry != orders_.end();) {
+void FaultTable::clear(const std::optional<std::string> &service, const std::optional<std::string> &operation) {
+    for (auto entry = faults_.begin(); entry != faults_.end();) {
         const auto &[ofService, ofOperation] = entry->first;
-        const bool meant = (!service || *service == ofService) && (!operation || *operation == ofOperation);
-        entry = meant ? orders_.erase(entry) : std::next(entry);
+        const bool matches = (!service || *service == ofService) && (!operation || *operation == ofOperation);
+        entry = matches ? faults_.erase(entry) : std::next(entry);
     }
 }
 
-nlohmann::json FaultOrders::list(const char *valueKey) const {
-    nlohmann::json orders = nlohmann::json::array();
-    for (const auto &[key, order] : orders_) {
-        nlohmann::json object = {{"service", key.first}, {"operation", key.second}, {valueKey, order.value}};
-        object["times"] = order.left ? nlohmann::json(*order.left) : nlohmann::json("always");
-        orders.push_back(std::move(object));
+nlohmann::json FaultTable::list(const char *valueKey) const {
+    nlohmann::json list = nlohmann::json::array();
+    for (const auto &[key, fault] : faults_) {
+        nlohmann::json object = {{"service", key.first}, {"operation", key.second}, {valueKey, fault.value}};
+        object["times"] = fault.left ? nlohmann::json(*fault.left) : nlohmann::json("always");
+        list.push_back(std::move(object));
     }
-    return orders;
+    return list;
 }
 
 Faults::Effect Faults::take(const std::string &service, const std::string &operation) {

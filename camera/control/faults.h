@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Faults: failures and delays that were ordered for operations.
+ * Configured faults: failures and delays of operations.
  */
 #ifndef QUARNSNMP_CAMERA_FAULTS_H
 #define QUARNSNMP_CAMERA_FAULTS_H
@@ -18,62 +18,63 @@
 
 namespace camera {
 
-/** Stands for all operations of a service. */
+/** Operation name that stands for all operations of a service. */
 inline constexpr const char *kEveryOperation = "*";
 
-/** How often a fault strikes; nothing is always. */
+/** Number of calls that a fault affects; nothing for all calls. */
 using Times = std::optional<std::uint32_t>;
 
 /**
- * Orders of one kind, each a number (a status, or milliseconds) for an operation of a service. An order for an
- * operation by name goes before one for every operation, and a new order takes the place of an old one for the same
+ * Faults of one kind. Each has a value, a status or milliseconds, and applies to an operation of a service. A fault of
+ * a named operation takes precedence over a fault of all operations. A new fault replaces the previous one of the same
  * operation.
  */
-class FaultOrders {
+class FaultTable {
 public:
+    /** Adds or replaces the fault of an operation. */
     void set(const std::string &service, const std::string &operation, std::int64_t value, Times times);
 
-    /** Takes what the next call of an operation meets, which counts as one time. */
+    /** Returns the value for a call of an operation and counts the call; nothing without a fault. */
     std::optional<std::int64_t> take(const std::string &service, const std::string &operation);
 
-    /** Removes orders: of every service, of one service, or the one for exactly one operation. */
+    /** Removes faults: all, those of one service, or exactly the one of an operation. */
     void clear(const std::optional<std::string> &service, const std::optional<std::string> &operation);
 
-    /** The orders as objects with "service", "operation", `valueKey` and "times". */
+    /** Returns the faults as JSON objects with "service", "operation", `valueKey` and "times". */
     nlohmann::json list(const char *valueKey) const;
 
 private:
-    struct Order {
+    struct Fault {
         std::int64_t value;
         Times left;
     };
     using Key = std::pair<std::string, std::string>;
 
-    std::map<Key, Order> orders_;
+    std::map<Key, Fault> faults_;
 };
 
 /** All faults of a camera. */
 class Faults {
 public:
-    /** What a call meets. */
+    /** Effect of the faults on one call. */
     struct Effect {
-        std::optional<std::int32_t> status; ///< the call fails with this status and is not executed
-        std::chrono::milliseconds delay{0}; ///< the answer is held back for so long
+        std::optional<std::int32_t> status; ///< status of the failure; the call is not executed
+        std::chrono::milliseconds delay{0}; ///< delay of the answer
     };
 
-    FaultOrders &failures() {
+    FaultTable &failures() {
         return failures_;
     }
-    FaultOrders &delays() {
+    FaultTable &delays() {
         return delays_;
     }
 
-    /** Takes what the next call of an operation meets. */
+    /** Returns the effect on a call of an operation and counts the call. */
     Effect take(const std::string &service, const std::string &operation);
 
 private:
-    FaultOrders failures_;
-    FaultOrders delays_;
+    FaultTable failures_;
+    FaultTable delays_;
 };
 
 } // namespace camera

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "json_text.h"
+#include "object_reader.h"
 
 namespace camera {
 

@@ -1,27 +1,27 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Camera files: which services a camera has, how many targets each of them, and their values at the start.
+ * Camera files: the services of a camera, their targets and the start values of the fields.
  */
 #ifndef QUARNSNMP_CAMERA_FILE_H
 #define QUARNSNMP_CAMERA_FILE_H
 
 #include "camera_model.h"
-#include "json_file.h"
+#include "text_file.h"
 
 namespace camera {
 
-/** Most targets that a service can have. */
+/** Largest number of targets of a service. */
 inline constexpr std::size_t kMostTargets = 32;
 
-/** What a camera file holds. */
+/** Contents of a camera file. */
 struct CameraDescription {
     std::string name;
     std::string description;
     Services services;
 };
 
-/** Reads the text of a camera file. @param fileName for messages only @throws FileError */
+/** Parses the text of a camera file. @param fileName  for error messages @throws FileError */
 CameraDescription parseCamera(const std::string &text, const std::string &fileName);
 
 /** Reads a camera file. @throws FileError */

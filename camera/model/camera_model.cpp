@@ -6,17 +6,13 @@
 
 namespace camera {
 
-std::string targetId(const std::string &service, std::size_t index) {
-    return service + "/" + std::to_string(index + 1);
-}
-
 bool isGet(std::string_view operation) {
     return operation.substr(0, 4) == "get_";
 }
 
 CameraModel::CameraModel(std::string name, std::string description, Services services, Clock clock)
     : name_(std::move(name)), description_(std::move(description)), services_(std::move(services)),
-      clock_(std::move(clock)), events_(clock_) {
+      clock_(std::move(clock)), events_(clock_), changes_(events_) {
     for (const auto &[serviceName, service] : services_) {
         for (std::size_t i = 0; i < service->targetCount(); ++i) {
             targets_.emplace(targetId(serviceName, i), TargetPlace{service.get(), i});
@@ -27,6 +23,15 @@ CameraModel::CameraModel(std::string name, std::string description, Services ser
     }
     startTargets();
     schedule();
+}
+
+std::unique_ptr<CameraModel> CameraModel::copy() {
+    advance();
+    Services services;
+    for (const auto &[name, service] : services_) {
+        services.emplace(name, service->copy());
+    }
+    return std::make_unique<CameraModel>(name_, description_, std::move(services), [now = now_] { return now; });
 }
 
 std::vector<std::string> CameraModel::serviceNames() const {
@@ -61,7 +66,7 @@ Answer CameraModel::call(std::string_view service, const nlohmann::json &request
     Answer answer;
     const Service *found = this->service(service);
     const TargetPlace *target = request[1].is_string() ? place(request[1].get_ref<const std::string &>()) : nullptr;
-    if (restarting_) {
+    if (isRestarting()) {
         answer.status = wire::kServiceDown;
     } else if (found == nullptr || !found->hasOperation(operation)) {
         answer.status = wire::kUnknownOperation;
@@ -69,24 +74,21 @@ Answer CameraModel::call(std::string_view service, const nlohmann::json &request
         answer.status = wire::kUnknownTarget;
     } else {
         target->service->advance(*this, target->index);
-        inCommand_ = !isGet(operation) && events_.heard();
-        remember(*target->service, target->index);
+        const ChangeLog::Recording recording(changes_, !isGet(operation));
+        changes_.remember(*target->service, target->index);
         answer = target->service->call(*this, target->index, operation, request);
-        inCommand_ = false;
     }
-    tellCommand(service, request, answer.status);
-    publishChanges();
-    publishReports();
-    schedule();
+    publishCommandEvent(service, request, answer.status);
+    finishChange();
     return answer;
 }
 
 void CameraModel::publishCommand(std::string_view service, const nlohmann::json &request, std::int32_t status) {
     advance();
-    tellCommand(service, request, status);
+    publishCommandEvent(service, request, status);
 }
 
-void CameraModel::tellCommand(std::string_view service, const nlohmann::json &request, std::int32_t status) {
+void CameraModel::publishCommandEvent(std::string_view service, const nlohmann::json &request, std::int32_t status) {
     if (!events_.heard() || isGet(request.at(0).get_ref<const std::string &>())) {
         return;
     }
@@ -112,16 +114,16 @@ std::optional<Problem> CameraModel::set(const std::string &target, const std::st
     }
     advance();
     found->service->advance(*this, found->index);
-    inCommand_ = events_.heard();
-    remember(*found->service, found->index);
-    std::optional<Problem> problem = found->service->set(*this, found->index, key, value);
-    inCommand_ = false;
+    std::optional<Problem> problem;
+    {
+        const ChangeLog::Recording recording(changes_);
+        changes_.remember(*found->service, found->index);
+        problem = found->service->set(*this, found->index, key, value);
+    }
     if (problem) {
         problem->path = target + (problem->path.empty() ? "" : " " + problem->path);
     }
-    publishChanges();
-    publishReports();
-    schedule();
+    finishChange();
     return problem;
 }
 
@@ -142,22 +144,19 @@ void CameraModel::keep(const std::string &target) {
 }
 
 void CameraModel::restart(double seconds) {
-    restartStep_ = now_;
-    restartEnd_ = now_ + seconds;
+    restart_.order(now_, seconds);
 }
 
 void CameraModel::advanceRestart() {
-    // Only one step at a time: whoever meets the first one finds the camera away, however short the restart is.
-    restarting_ = !restarting_;
-    restartStep_ = kNever;
-    if (restarting_) {
-        restartStep_ = restartEnd_;
-        loseWhatARestartLoses();
+    // Takes only one step: even after the shortest restart, the next caller finds the camera away.
+    restart_.takeStep();
+    if (isRestarting()) {
+        resetVolatileState();
     }
     if (onRestart_) {
-        onRestart_(restarting_);
+        onRestart_(isRestarting());
     }
-    if (!restarting_) {
+    if (!isRestarting()) {
         startTargets();
     }
 }
@@ -166,21 +165,21 @@ void CameraModel::startTargets() {
     for (const TargetPlace &each : withTimeCourse_) {
         each.service->start(*this, each.index);
     }
-    publishReports();
+    changes_.publish(now_);
 }
 
-void CameraModel::loseWhatARestartLoses() {
-    inCommand_ = events_.heard();
-    for (const auto &entry : services_) {
-        for (std::size_t i = 0; entry.second->hasRestart() && i < entry.second->targetCount(); ++i) {
-            entry.second->advance(*this, i);
-            remember(*entry.second, i);
-            entry.second->restart(*this, i);
+void CameraModel::resetVolatileState() {
+    {
+        const ChangeLog::Recording recording(changes_);
+        for (const auto &entry : services_) {
+            for (std::size_t i = 0; entry.second->hasRestart() && i < entry.second->targetCount(); ++i) {
+                entry.second->advance(*this, i);
+                changes_.remember(*entry.second, i);
+                entry.second->restart(*this, i);
+            }
         }
     }
-    inCommand_ = false;
-    publishChanges();
-    publishReports();
+    changes_.publish(now_);
 }
 
 void CameraModel::advance() {
@@ -193,15 +192,20 @@ void CameraModel::advance() {
             each.service->advance(*this, each.index);
         }
     }
-    publishReports();
-    if (restartStep_ <= now_) {
+    changes_.publish(now_);
+    if (restart_.nextTime() <= now_) {
         advanceRestart();
     }
     schedule();
 }
 
+void CameraModel::finishChange() {
+    changes_.publish(now_);
+    schedule();
+}
+
 void CameraModel::schedule() {
-    double next = restartStep_;
+    double next = restart_.nextTime();
     for (const TargetPlace &each : withTimeCourse_) {
         next = std::min(next, each.service->nextTime(each.index));
     }
@@ -216,44 +220,6 @@ void CameraModel::schedule() {
 const CameraModel::TargetPlace *CameraModel::place(const std::string &target) const {
     const auto found = targets_.find(target);
     return found == targets_.end() ? nullptr : &found->second;
-}
-
-void CameraModel::report(const std::string &target, double time, const char *kind, nlohmann::json members) {
-    if (events_.heard()) {
-        members["target"] = target;
-        reports_.push_back({time, kind, std::move(members)});
-    }
-}
-
-void CameraModel::publishReports() {
-    std::vector<Report> reports = std::exchange(reports_, {});
-    std::stable_sort(reports.begin(), reports.end(),
-                     [](const Report &left, const Report &right) { return left.time < right.time; });
-    for (Report &report : reports) {
-        events_.publishAt(report.time, report.kind, std::move(report.members));
-    }
-}
-
-void CameraModel::remember(Service &service, std::size_t index) {
-    if (inCommand_) {
-        snapshots_.push_back({{&service, index}, service.values(index)});
-    }
-}
-
-void CameraModel::publishChanges() {
-    for (const Snapshot &before : std::exchange(snapshots_, {})) {
-        const auto &[service, index] = before.place;
-        const nlohmann::json now = service->values(index);
-        nlohmann::json changed = nlohmann::json::object();
-        for (const auto &item : now.items()) {
-            if (before.values.at(item.key()) != item.value()) {
-                changed[item.key()] = item.value();
-            }
-        }
-        if (!changed.empty()) {
-            events_.publishAt(now_, "changed", {{"target", targetId(service->name(), index)}, {"fields", changed}});
-        }
-    }
 }
 
 } // namespace camera

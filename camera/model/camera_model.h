@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The simulated camera itself: the services it has, their targets, and what calls do to them. It knows nothing of
- * sockets, so that everything that shows or moves the camera works on the same state.
+ * Model of the simulated camera: its services, their targets and the effects of calls. The model is independent of
+ * sockets, so all users of the camera share one state.
  */
 #ifndef QUARNSNMP_CAMERA_MODEL_H
 #define QUARNSNMP_CAMERA_MODEL_H
@@ -10,21 +10,26 @@
 #include <functional>
 #include <map>
 
+#include "change_log.h"
 #include "events.h"
+#include "restart.h"
 #include "service.h"
 
 namespace camera {
 
-/** The services of a camera by their names. */
+/** Services of a camera by name. */
 using Services = std::map<std::string, std::unique_ptr<Service>, std::less<>>;
 
-/** A camera. Not for more than one thread. */
+/** Camera. Not thread-safe. */
 class CameraModel {
 public:
-    /** @param clock  gives the time of everything that happens; by itself nothing happens before advance() is called */
+    /** @param clock  time of all events; without calls, time passes for the model only in advance() */
     CameraModel(std::string name, std::string description, Services services, Clock clock = startClock());
     CameraModel(const CameraModel &) = delete;
     CameraModel &operator=(const CameraModel &) = delete;
+
+    /** Returns a copy of the camera at its present time, with a clock that stands still and without listeners. */
+    std::unique_ptr<CameraModel> copy();
 
     const std::string &name() const {
         return name_;
@@ -39,76 +44,78 @@ public:
         return events_;
     }
 
-    /** The names of the services that this camera has. */
+    /** Returns the names of the camera's services in alphabetical order. */
     std::vector<std::string> serviceNames() const;
 
-    /** A service; null when this camera does not have it. */
+    /** Returns a service; null when the camera does not have it. */
     const Service *service(std::string_view name) const;
 
-    /** The targets of a service, such as "alarm/1"; none when this camera does not have it. */
+    /** Returns the target IDs of a service, such as "alarm/1"; none when the camera does not have the service. */
     std::vector<std::string> targetIds(std::string_view service) const;
 
     /**
-     * Runs a call `[operation, target, argument...]` of a service.
-     * @return kInvalidArgument for a request of another shape, kServiceDown while the camera restarts,
-     *         kUnknownOperation, kUnknownTarget, or what the operation answers; nothing changes unless it answers
-     * kSuccess
+     * Runs a call `[operation, target, argument...]` of a service. Only a call that returns kSuccess changes the state.
+     * @return kInvalidArgument for a malformed request, kServiceDown during a restart, kUnknownOperation,
+     *         kUnknownTarget, or the answer of the operation
      */
     Answer call(std::string_view service, const nlohmann::json &request);
 
-    /** Publishes a call with its outcome, unless it only reads. For calls that do not get as far as call(). */
+    /** Publishes a call that did not reach call(), with its status, unless it only reads. */
     void publishCommand(std::string_view service, const nlohmann::json &request, std::int32_t status);
 
-    /** Sets a field of a target, or a group of fields with an object; changes nothing after a problem. */
+    /** Sets a field of a target, or a group of fields with an object. Changes nothing and returns an error on failure.
+     */
     std::optional<Problem> set(const std::string &target, const std::string &key, const nlohmann::json &value);
 
-    /** A target's present fields as nested objects; null for an unknown target. */
+    /** Returns the present fields of a target as nested objects; null for an unknown target. */
     nlohmann::json state(const std::string &target);
 
-    /** Makes the present values of a target those that it has after a restart. */
+    /** Makes the present values of a target its start values, which a restart restores. */
     void keep(const std::string &target);
 
     /**
-     * Restarts the camera: at the next advance() it goes away, and loses what a restart loses. It is back at the first
-     * advance() after that for which the time is over; the model's clock goes on meanwhile.
-     * @param seconds  from now, for operations that must be answered before
+     * Restarts the camera. At the next advance() the camera goes away and resets its volatile state. It is back at the
+     * first advance() after the end of the restart. The model's clock continues meanwhile.
+     * @param seconds  duration from now; the present call is answered first
      */
     void restart(double seconds);
 
-    /** Whether the camera is away because of a restart. */
+    /** Returns true while the camera is away in a restart. */
     bool isRestarting() const {
-        return restarting_;
+        return restart_.isAway();
     }
 
-    /** Calls a function when the camera goes away, and when it is back; an empty one ends that. */
+    /** Sets the function to call when the camera goes away and when it is back; an empty function removes it. */
     void onRestart(std::function<void(bool away)> listener) {
         onRestart_ = std::move(listener);
     }
 
-    /** Lets happen what happens by itself until now. All that asks or commands the camera does so first. */
+    /** Runs all timed events up to now. Calls, set() and state() do so first. */
     void advance();
 
-    /** When the next thing happens by itself, in seconds since the camera started; kNever when nothing does. */
+    /** Returns the time of the next timed event in seconds since the camera started; kNever without one. */
     double nextTime() const {
         return nextTime_;
     }
 
-    /** Calls a function whenever nextTime() has changed; an empty one ends that. */
+    /** Sets the function to call after each change of nextTime(); an empty function removes it. */
     void onNextTimeChange(std::function<void()> listener) {
         onNextTimeChange_ = std::move(listener);
     }
 
-    /** The time that the present call, or other piece of work, takes as now, in seconds since the camera started. */
+    /** Returns the time of the present call or other work, in seconds since the camera started. */
     double now() const {
         return now_;
     }
 
-    /** Publishes an event about a target, which happened at a time, behind those of the present command. */
-    void report(const std::string &target, double time, const char *kind, nlohmann::json members);
+    /** Publishes an event of a target, dated `time`, after the events of the present command. */
+    void report(const std::string &target, double time, const char *kind, nlohmann::json members) {
+        changes_.report(target, time, kind, std::move(members));
+    }
 
     /**
-     * A target of another service, for operations that reach beyond their own: preset 1 of presets_tours/2 is a
-     * position of positioning/2. Nothing when the camera does not have it.
+     * Returns the target of another service with the same number, for operations across services: the presets of
+     * presets_tours/2 are positions of positioning/2. Returns nothing when the camera does not have the target.
      */
     template <typename State>
     std::optional<Scope<State>> sibling(std::size_t index) {
@@ -121,50 +128,35 @@ public:
             return std::nullopt;
         }
         found->second->advance(*this, index);
-        remember(*found->second, index);
+        changes_.remember(*found->second, index);
         return Scope<State>{*this, index, *state};
     }
 
 private:
-    /** Publishes a call that is made at the present, unless it only reads. */
-    void tellCommand(std::string_view service, const nlohmann::json &request, std::int32_t status);
-
     struct TargetPlace {
         Service *service;
         std::size_t index;
-    };
-    struct Report {
-        double time;
-        const char *kind;
-        nlohmann::json members;
-    };
-    struct Snapshot {
-        TargetPlace place;
-        nlohmann::json values;
     };
 
     /** Finds a target; null when there is none. */
     const TargetPlace *place(const std::string &target) const;
 
-    /** Notes what a target holds before a command, so that its changes can be published. */
-    void remember(Service &service, std::size_t index);
+    /** Publishes the event of a call at the present time, unless the call only reads. */
+    void publishCommandEvent(std::string_view service, const nlohmann::json &request, std::int32_t status);
 
-    /** Publishes what has changed in the remembered targets, and forgets them. */
-    void publishChanges();
+    /** Publishes the effects of a command and updates nextTime(). */
+    void finishChange();
 
-    /** Publishes what was reported. */
-    void publishReports();
-
-    /** Goes away for a restart that was ordered, or comes back from it. */
+    /** Takes a due step of a restart. */
     void advanceRestart();
 
-    /** Lets the targets do what they do without being told when the camera starts. */
+    /** Starts the time courses of all targets. */
     void startTargets();
 
-    /** Does to all targets what a restart does. */
-    void loseWhatARestartLoses();
+    /** Applies the effects of a restart to all targets. */
+    void resetVolatileState();
 
-    /** Finds out when the next thing happens by itself. */
+    /** Updates nextTime(). */
     void schedule();
 
     std::string name_;
@@ -174,22 +166,15 @@ private:
     std::vector<TargetPlace> withTimeCourse_;
     Clock clock_;
     Events events_;
+    ChangeLog changes_;
     double now_ = 0.0;
     double nextTime_ = kNever;
     std::function<void()> onNextTimeChange_;
-    double restartStep_ = kNever; ///< when a restart begins, or ends
-    double restartEnd_ = kNever;
-    bool restarting_ = false;
+    Restart restart_;
     std::function<void(bool away)> onRestart_;
-    std::vector<Report> reports_;
-    bool inCommand_ = false;
-    std::vector<Snapshot> snapshots_;
 };
 
-/** The identifier of a target, `service/number`. */
-std::string targetId(const std::string &service, std::size_t index);
-
-/** Whether an operation only reads; all others are commands. */
+/** Returns true for an operation that only reads; all others are commands. */
 bool isGet(std::string_view operation);
 
 } // namespace camera

@@ -19,9 +19,6 @@
 
 namespace camera {
 
-/** Longest text of a state in octets; it keeps the longest answer, eight texts, well below a message's end. */
-inline constexpr std::size_t kLongestText = 255;
-
 /** One field of a state struct. */
 template <typename State>
 struct Field {

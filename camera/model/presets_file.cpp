@@ -5,7 +5,9 @@
 #include <utility>
 
 #include "json_text.h"
+#include "object_reader.h"
 #include "presets.h"
+#include "text_file.h"
 
 namespace camera {
 
@@ -13,10 +15,10 @@ namespace {
 
 constexpr const char *kPresets = "presets";
 
-/** The file itself where links point to it, so that replacing the file leaves the links. It need not be there. */
+/** Resolves symbolic links, so that a replacement of the file keeps them. The file need not exist. */
 std::string withoutLinks(const std::string &path) {
     namespace fs = std::filesystem;
-    constexpr int kMostLinks = 40; // more are a circle
+    constexpr int kMostLinks = 40; // as many as the kernel follows
     std::error_code error;
     fs::path file = fs::weakly_canonical(path, error);
     for (int i = 0; i < kMostLinks && !error && fs::is_symlink(fs::symlink_status(file, error)); ++i) {
@@ -25,20 +27,20 @@ std::string withoutLinks(const std::string &path) {
     return file.empty() ? path : file.string();
 }
 
-bool isThere(const std::string &path) {
+bool fileExists(const std::string &path) {
     std::error_code ignored;
     return std::filesystem::exists(std::filesystem::status(path, ignored));
 }
 
 } // namespace
 
-PresetsFile::PresetsFile(CameraModel &model, const std::string &path, Complaint complain)
-    : model_(model), path_(withoutLinks(path)), complain_(std::move(complain)),
+PresetsFile::PresetsFile(CameraModel &model, const std::string &path, WarningHandler warn)
+    : model_(model), path_(withoutLinks(path)), warn_(std::move(warn)),
       targets_(model.targetIds(Presets::definition().service)) {
-    if (isThere(path_)) {
+    if (fileExists(path_)) {
         load(readTextFile(path_));
     } else {
-        // A place where nothing can be written shows now rather than with the first preset.
+        // Reports a directory without write permission now rather than at the first preset.
         save();
     }
     subscription_ = model.events().subscribe([this](const nlohmann::json &event) { follow(event); });
@@ -50,7 +52,7 @@ void PresetsFile::load(const std::string &text) {
         const ObjectReader file(values, "", targets_);
         for (const auto &item : values.items()) {
             if (const std::optional<Problem> problem = model_.set(item.key(), kPresets, item.value())) {
-                // The model names target and field, of which the file has the target only.
+                // The model reports the target and the field; in the file, the target alone is the key.
                 const std::string place = problem->path.substr((item.key() + " " + kPresets).size());
                 file.fail(item.key() + place, problem->text);
             }
@@ -80,7 +82,7 @@ void PresetsFile::follow(const nlohmann::json &event) {
         save();
         model_.keep(target);
     } catch (const FileError &error) {
-        complain_(error.what());
+        warn_(error.what());
         model_.report(target, model_.now(), "presets_not_kept", {{"error", error.what()}});
     }
 }

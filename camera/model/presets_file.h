@@ -1,45 +1,42 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Presets that outlive the camera: a file of the presets of each target of `presets_tours`.
+ * Storage of presets in a file.
  */
 #ifndef QUARNSNMP_CAMERA_PRESETS_FILE_H
 #define QUARNSNMP_CAMERA_PRESETS_FILE_H
 
 #include "camera_model.h"
-#include "json_file.h"
+#include "warning_handler.h"
 
 namespace camera {
 
 /**
- * Keeps a camera's presets in a file, `{"presets_tours/1": [preset...], ...}` with presets as in camera files. Whenever
- * a call or the control program has changed them the file is replaced, before the call is answered: what was answered
- * is kept. A file that cannot be written fails no call: the presets then last until the camera restarts, and
- * the event `presets_not_kept` tells why.
+ * File of a camera's presets, `{"presets_tours/1": [preset...], ...}` with presets as in camera files. Each change of
+ * presets replaces the file before the call is answered, so no confirmed change is lost. A write error fails no call:
+ * the presets then last until the camera restarts, and the event `presets_not_kept` has the error message.
  */
 class PresetsFile {
 public:
-    /** Takes one line about a file that cannot be written. */
-    using Complaint = std::function<void(const std::string &line)>;
-
     /**
-     * Gives a camera the presets of the file, or makes the file when it is missing. A target that the file does not
-     * mention has the presets of its camera file.
-     * @param model  must outlive this object, and not have been used before
-     * @throws FileError when the file cannot be used
+     * Loads the presets of the file into the camera, or creates the file. A target without an entry in the file keeps
+     * the presets of its camera file.
+     * @param model  must outlive this object; must not have been used before
+     * @param warn  receives write errors
+     * @throws FileError when the file cannot be read, parsed or created
      */
-    PresetsFile(CameraModel &model, const std::string &path, Complaint complain);
+    PresetsFile(CameraModel &model, const std::string &path, WarningHandler warn);
 
 private:
     void load(const std::string &text);
     void save() const;
 
-    /** Saves what an event tells of, if it tells of presets. */
+    /** Saves the presets after an event that changes them. */
     void follow(const nlohmann::json &event);
 
     CameraModel &model_;
     std::string path_;
-    Complaint complain_;
+    WarningHandler warn_;
     std::vector<std::string> targets_;
     Events::Subscription subscription_;
 };

@@ -65,6 +65,9 @@ public:
     Service &operator=(const Service &) = delete;
     virtual ~Service() = default;
 
+    /** Returns a service with copies of all targets, in their present states and with their start values. */
+    virtual std::unique_ptr<Service> copy() const = 0;
+
     virtual const std::string &name() const = 0;
     virtual std::vector<FieldSummary> fields() const = 0;
     virtual std::vector<OperationSummary> operations() const = 0;
@@ -114,6 +117,13 @@ public:
 template <typename State>
 class ServiceOf final : public Service {
 public:
+    std::unique_ptr<Service> copy() const override {
+        auto copied = std::make_unique<ServiceOf<State>>();
+        copied->targets_ = targets_;
+        copied->starts_ = starts_;
+        return copied;
+    }
+
     const std::string &name() const override {
         return definition_.service;
     }

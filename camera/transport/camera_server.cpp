@@ -20,12 +20,12 @@ void answer(LineConnection &connection, Reply reply) {
 } // namespace
 
 CameraServer::CameraServer(boost::asio::io_context &io, CameraModel &model, const SocketDirectory &directory,
-                           ServiceKeeper::Complaint complain)
-    : model_(model), keeper_(model, *this, std::move(complain)), callDesk_(model, faults_, *this),
-      controlDesk_(model, faults_, keeper_), directory_(io, directory.socket(wire::kDirectorySocket),
-                                                        [this](LineConnection &connection, std::string_view line) {
-                                                            answer(connection, callDesk_.directoryRequest(line));
-                                                        }),
+                           WarningHandler warn)
+    : model_(model), supervisor_(model, *this, std::move(warn)), requests_(model, faults_, *this),
+      commands_(model, faults_, supervisor_), directory_(io, directory.socket(wire::kDirectorySocket),
+                                                         [this](LineConnection &connection, std::string_view line) {
+                                                             answer(connection, requests_.handleDirectory(line));
+                                                         }),
       control_(io, directory.socket(wire::kControlSocket),
                [this](LineConnection &connection, std::string_view line) { controlLine(connection, line); }),
       timer_(io, model) {
@@ -33,7 +33,7 @@ CameraServer::CameraServer(boost::asio::io_context &io, CameraModel &model, cons
         services_.emplace(name,
                           std::make_unique<LineServer>(io, directory.socket(name),
                                                        [this, name](LineConnection &connection, std::string_view line) {
-                                                           answer(connection, callDesk_.serviceRequest(name, line));
+                                                           answer(connection, requests_.handleService(name, line));
                                                        }));
     }
 }
@@ -74,21 +74,27 @@ std::optional<std::string> CameraServer::bringUp(const std::string &service) {
 }
 
 void CameraServer::controlLine(LineConnection &connection, std::string_view line) {
-    ControlReply reply = controlDesk_.execute(line);
+    if (const auto *dryRun = std::any_cast<std::shared_ptr<DryRun>>(&connection.context())) {
+        connection.send((*dryRun)->execute(line));
+        return;
+    }
+    ControlReply reply = commands_.execute(line);
     connection.send(std::move(reply.line));
-    if (reply.follow) {
+    if (reply.mode == ControlMode::follow) {
         follow(connection);
+    } else if (reply.mode == ControlMode::dryRun) {
+        connection.context() = std::make_shared<DryRun>(model_, reply.skipMissingServices);
     }
 }
 
 void CameraServer::follow(LineConnection &connection) {
     const std::weak_ptr<LineConnection> follower = connection.weak_from_this();
-    connection.keep(
+    connection.context() =
         std::make_shared<Events::Subscription>(model_.events().subscribe([follower](const nlohmann::json &event) {
             if (const auto alive = follower.lock()) {
                 alive->send(wire::encode(event));
             }
-        })));
+        }));
 }
 
 } // namespace camera

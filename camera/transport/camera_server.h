@@ -1,29 +1,30 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * All sockets of a camera.
+ * Server of all sockets of a camera.
  */
 #ifndef QUARNSNMP_CAMERA_SERVER_H
 #define QUARNSNMP_CAMERA_SERVER_H
 
-#include "call_desk.h"
-#include "control_desk.h"
+#include "control_command_handler.h"
+#include "dry_run.h"
 #include "line_server.h"
 #include "model_timer.h"
-#include "service_keeper.h"
+#include "service_request_handler.h"
+#include "service_supervisor.h"
 #include "socket_directory.h"
 
 namespace camera {
 
-/** Puts a camera on its sockets: one for each service, the directory's and the control program's. */
-class CameraServer final : public ServiceSwitch {
+/** Server of a camera's sockets: one for each service, the directory socket and the control socket. */
+class CameraServer final : public ServiceControl {
 public:
     /**
-     * @param directory  holds the sockets; like the model, it must outlive the server
-     * @param complain   takes one line about a service that does not come up again after a restart
+     * @param model,directory  must outlive the server
+     * @param warn  receives one line for each service that does not start after a restart
      */
     CameraServer(boost::asio::io_context &io, CameraModel &model, const SocketDirectory &directory,
-                 ServiceKeeper::Complaint complain);
+                 WarningHandler warn);
 
     /** Opens all sockets. @throws TransportError */
     void open();
@@ -38,14 +39,14 @@ public:
 private:
     void controlLine(LineConnection &connection, std::string_view line);
 
-    /** Sends the events from now on to a client. */
+    /** Starts sending the events to a client. */
     void follow(LineConnection &connection);
 
     CameraModel &model_;
     Faults faults_;
-    ServiceKeeper keeper_;
-    CallDesk callDesk_;
-    ControlDesk controlDesk_;
+    ServiceSupervisor supervisor_;
+    ServiceRequestHandler requests_;
+    ControlCommandHandler commands_;
     std::map<std::string, std::unique_ptr<LineServer>> services_;
     LineServer directory_;
     LineServer control_;

@@ -9,7 +9,7 @@ namespace camera {
 
 void runPolling(boost::asio::io_context &io) {
     using Clock = std::chrono::steady_clock;
-    // Longer than a client takes between two calls, short enough not to be seen as processor load.
+    // Longer than the pause of a client between two calls, and too short for a visible processor load.
     constexpr std::chrono::microseconds kAwake{50};
     Clock::time_point lastWork = Clock::now();
     while (!io.stopped()) {

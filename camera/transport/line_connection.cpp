@@ -43,7 +43,7 @@ void LineConnection::received(std::size_t count) {
 }
 
 void LineConnection::handleLines() {
-    // Enough for any client that waits for its answers, and soon over for the others.
+    // Serves any client that waits for its answers, and keeps the wait of the other clients short.
     constexpr int kLinesInOneGo = 16;
     for (int i = 0; socket_.is_open() && !paused_; ++i) {
         const std::size_t end = input_.find('\n', handled_);
@@ -129,8 +129,8 @@ void LineConnection::sendLater(std::string line, std::chrono::milliseconds delay
 }
 
 void LineConnection::watchForEnd() {
-    // A paused connection does not read and would not see that its client is gone. Clients that give up and come again
-    // would pile up until no more are served.
+    // A paused connection does not read, so it would miss the end of its client. Connections of clients that give up
+    // and reconnect would accumulate up to the limit.
     if (watched_) {
         return;
     }
@@ -143,10 +143,6 @@ void LineConnection::watchForEnd() {
     });
 }
 
-void LineConnection::keep(std::shared_ptr<void> companion) {
-    companion_ = std::move(companion);
-}
-
 void LineConnection::close() {
     if (!socket_.is_open()) {
         return;
@@ -154,7 +150,7 @@ void LineConnection::close() {
     error_code ignored;
     socket_.close(ignored);
     timer_.cancel();
-    companion_.reset();
+    context_.reset();
     if (const CloseHandler onClose = std::exchange(onClose_, nullptr)) {
         onClose(shared_from_this());
     }

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * One client's connection: lines in, lines out.
+ * Connection of a client that exchanges lines.
  */
 #ifndef QUARNSNMP_CAMERA_LINE_CONNECTION_H
 #define QUARNSNMP_CAMERA_LINE_CONNECTION_H
 
+#include <any>
 #include <array>
 #include <chrono>
 #include <cstddef>
@@ -19,37 +20,39 @@
 
 namespace camera {
 
-/** Most octets that wait for a client that does not read; with more its connection ends. */
+/** Limit of unsent octets for a client that does not read; beyond it, the connection ends. */
 inline constexpr std::size_t kMostPendingOutput = std::size_t{4} * 1024 * 1024;
 
 /**
- * A connection. Lines are handed out one after the other; a client that sends many at once does not hold up the others,
- * and one whose line is too long, or who does not read, loses its connection.
+ * Connection of a client. The handler receives the lines one by one, with pauses in favour of other clients. A line
+ * beyond the maximum length, or a client that does not read, ends the connection.
  */
 class LineConnection : public std::enable_shared_from_this<LineConnection> {
 public:
-    /** Takes a line, without its newline. */
+    /** Receives a line without its newline. */
     using LineHandler = std::function<void(LineConnection &, std::string_view line)>;
-    /** Learns that the connection has ended; the last call that the connection makes. */
+    /** Receives the end of the connection, after all lines. */
     using CloseHandler = std::function<void(const std::shared_ptr<LineConnection> &)>;
 
     LineConnection(boost::asio::local::stream_protocol::socket socket, LineHandler onLine, CloseHandler onClose);
     LineConnection(const LineConnection &) = delete;
     LineConnection &operator=(const LineConnection &) = delete;
 
-    /** Starts reading. The connection lives on until it ends. */
+    /** Starts reading. The connection keeps itself alive until its end. */
     void start();
 
-    /** Sends a line, newline included. */
+    /** Sends a line. @param line  with its newline */
     void send(std::string line);
 
-    /** Sends a line after a time; further lines of this client wait until then, as answers come in order. */
+    /** Sends a line after a delay. Later lines of this client wait until then, because answers keep their order. */
     void sendLater(std::string line, std::chrono::milliseconds delay);
 
-    /** Keeps something alive until the connection ends. */
-    void keep(std::shared_ptr<void> companion);
+    /** Returns the server's own data about this connection; the connection destroys it at its end. */
+    std::any &context() {
+        return context_;
+    }
 
-    /** Ends the connection. */
+    /** Closes the connection. */
     void close();
 
 private:
@@ -64,11 +67,11 @@ private:
     boost::asio::steady_timer timer_;
     LineHandler onLine_;
     CloseHandler onClose_;
-    std::shared_ptr<void> companion_;
+    std::any context_;
     std::array<char, 4096> chunk_{};
     std::string input_;
-    std::size_t handled_ = 0; ///< octets at the front of the input that are done with
-    std::string output_;      ///< what the socket did not take at once
+    std::size_t handled_ = 0; ///< number of handled octets at the start of the input
+    std::string output_;      ///< octets that the socket did not accept yet
     bool waitingToWrite_ = false;
     bool paused_ = false;
     bool watched_ = false;

@@ -14,7 +14,7 @@ using Protocol = asio::local::stream_protocol;
 
 namespace {
 
-/** Narrows the permissions of what the process creates while this object lives. */
+/** Restricts new files of the process to their owner during its lifetime. */
 class OwnerOnly {
 public:
     OwnerOnly() : before_(umask(S_IXUSR | S_IRWXG | S_IRWXO)) {}
@@ -37,7 +37,7 @@ LineServer::~LineServer() {
     try {
         close();
     } catch (...) {
-        // The sockets close with their owners, and the next camera in the directory removes the file.
+        // The destructors of the members close the sockets; the next camera in the directory removes the file.
     }
 }
 
@@ -109,8 +109,8 @@ void LineServer::accepted(Protocol::socket socket) {
 }
 
 void LineServer::acceptLater() {
-    // The usual error is that the process has no file left. The client keeps waiting in the queue, so an immediate
-    // retry would fail again and again.
+    // The usual error is a lack of file descriptors. The client stays in the queue, so immediate retries would fail
+    // in a busy loop.
     constexpr std::chrono::milliseconds kPause{100};
     retryTimer_.expires_after(kPause);
     retryTimer_.async_wait([this](const error_code &error) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * One Unix-domain socket that clients connect to, and its connections.
+ * Server on one Unix-domain socket.
  */
 #ifndef QUARNSNMP_CAMERA_LINE_SERVER_H
 #define QUARNSNMP_CAMERA_LINE_SERVER_H
@@ -21,15 +21,15 @@
 namespace camera {
 
 /**
- * Listens on a socket file, while it is open. The file is for its owner only: whoever can write to it commands the
+ * Server on a socket file. Only the owner can access the file, because every client with write access controls the
  * camera.
  */
 class LineServer {
 public:
-    /** Most clients at a time; more are turned away, so that one socket cannot use up the process's files. */
+    /** Limit of connections. It prevents one socket from using up the file descriptors of the process. */
     static constexpr std::size_t kMostConnections = 48;
 
-    /** @param onLine answers a line of a client */
+    /** @param onLine  handles the lines of all clients */
     LineServer(boost::asio::io_context &io, std::string path, LineConnection::LineHandler onLine);
     LineServer(const LineServer &) = delete;
     LineServer &operator=(const LineServer &) = delete;
@@ -37,10 +37,10 @@ public:
     /** Closes the server. */
     ~LineServer();
 
-    /** Starts listening. @return what went wrong; nothing when the server is open */
+    /** Starts listening. @return the error message on failure */
     std::optional<std::string> open();
 
-    /** Ends all connections, stops listening and removes the file. */
+    /** Stops listening, closes all connections and removes the file. */
     void close();
 
     bool isOpen() const {

@@ -9,9 +9,9 @@ namespace camera {
 
 namespace {
 
-/** How long to wait for a time; rounded up, because a timer that is early would have to wait again. */
+/** Returns the timer duration for a time span, rounded up: an early timer would have to wait again. */
 std::chrono::microseconds waitFor(double seconds) {
-    // More than any counter holds could be asked for, and one time in eleven days is no load.
+    // Keeps the conversion in range; a wake-up every eleven days costs nothing.
     constexpr double kLongest = 1e6;
     constexpr double kPerSecond = 1e6;
     return std::chrono::microseconds(std::llround(std::ceil(std::clamp(seconds, 0.0, kLongest) * kPerSecond)));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Lets things happen in the camera in time, while nobody asks for them.
+ * Timer for the timed events of the camera model.
  */
 #ifndef QUARNSNMP_CAMERA_MODEL_TIMER_H
 #define QUARNSNMP_CAMERA_MODEL_TIMER_H
@@ -14,12 +14,12 @@
 namespace camera {
 
 /**
- * Wakes a camera exactly when the next thing happens in it by itself. It waits for nothing while nothing will happen,
- * and starts to wait anew only when that time has changed.
+ * Timer that advances a camera at the time of its next timed event. It restarts only when that time changes, and is
+ * idle without one.
  */
 class ModelTimer {
 public:
-    /** @param model must outlive the timer, and have the real time as its clock */
+    /** @param model  must outlive the timer; its clock must be the real time */
     ModelTimer(boost::asio::io_context &io, CameraModel &model);
     ModelTimer(const ModelTimer &) = delete;
     ModelTimer &operator=(const ModelTimer &) = delete;

@@ -17,14 +17,14 @@ namespace camera {
 
 namespace {
 
-/** What the lock file holds when the directory is the camera's own to remove. */
+/** Contents of the lock file in a directory that a camera created. */
 constexpr char kCreatedMark = 'c';
 
 [[noreturn]] void failWith(const std::string &what, int error) {
     throw TransportError(what + ": " + std::generic_category().message(error));
 }
 
-/** Whether the file that was opened is still the one at the path; an ending camera removes it under its lock. */
+/** Returns true if the open file is still the one at the path: a camera removes it under its lock at its end. */
 bool isStillThere(int file, const std::string &path) {
     struct stat opened {};
     struct stat named {};
@@ -97,7 +97,7 @@ void SocketDirectory::noteOrigin(bool created) {
     char mark = 0;
     created_ = created || (pread(lock_, &mark, 1, 0) == 1 && mark == kCreatedMark);
     if (created && pwrite(lock_, &kCreatedMark, 1, 0) != 1) {
-        // Only the camera that follows a killed one reads it, and then leaves an empty directory behind.
+        // Without the mark, a camera that replaces a killed one does not remove the directory. That is harmless.
         created_ = true;
     }
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The directory of the camera's sockets, held by one camera at a time.
+ * Directory of the camera's sockets, reserved for one camera at a time.
  */
 #ifndef QUARNSNMP_CAMERA_SOCKET_DIRECTORY_H
 #define QUARNSNMP_CAMERA_SOCKET_DIRECTORY_H
@@ -12,35 +12,35 @@
 
 namespace camera {
 
-/** The transport cannot start; what() is one line that says why. */
+/** Error at the start of the transport; what() is a message of one line. */
 class TransportError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
 /**
- * Holds a directory for one camera, by a lock on a file in it. The kernel ends the lock with the process, so a killed
- * camera leaves files behind but never blocks the next one.
+ * Reservation of a directory for one camera, by a lock on a file in it. The kernel releases the lock with the process:
+ * a killed camera leaves files behind but never blocks the next one.
  */
 class SocketDirectory {
 public:
     /**
-     * Takes the directory; creates it, for its owner only, when it is missing. Sockets that a killed camera left behind
-     * are removed.
-     * @throws TransportError when it cannot be had, or a camera runs in it
+     * Reserves the directory, and removes the sockets of a killed camera. Creates a missing directory with access for
+     * its owner only.
+     * @throws TransportError when the directory is inaccessible or in use by another camera
      */
     explicit SocketDirectory(std::string path);
     SocketDirectory(const SocketDirectory &) = delete;
     SocketDirectory &operator=(const SocketDirectory &) = delete;
 
-    /** Removes the lock file, and the directory when a camera created it and nothing else is in it. */
+    /** Removes the lock file, and the directory if a camera created it and it is empty. */
     ~SocketDirectory();
 
     const std::string &path() const {
         return path_;
     }
 
-    /** Path of the socket of a name. */
+    /** Returns the path of the socket of a name. */
     std::string socket(const std::string &name) const;
 
 private:
@@ -55,7 +55,7 @@ private:
     bool created_ = false;
 };
 
-/** Names of all sockets that a camera can have: its services', the directory's and the control program's. */
+/** Returns the names of all possible sockets: those of the services, the directory socket and the control socket. */
 std::vector<std::string> socketNames();
 
 } // namespace camera

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "camera_file.h"
+#include "shipped_files.h"
 #include "test_cameras.h"
 
 using namespace camera;
@@ -59,9 +60,9 @@ INSTANTIATE_TEST_SUITE_P(
                 "line 3, column 12: syntax error while parsing object - unexpected string literal; expected '}'"},
         BadFile{"HugeNumber", R"({"name": 1e999})", "number overflow parsing '1e999'"},
         BadFile{"DuplicateKey", alarm(R"([{}, {"state": 1, "state": 2}])"),
-                "services.alarm.targets[1].state: the key is there twice"},
+                "services.alarm.targets[1].state: duplicate key"},
         BadFile{"DuplicateService", file(R"({"alarm": {"targets": []}, "alarm": {"targets": []}})"),
-                "services.alarm: the key is there twice"},
+                "services.alarm: duplicate key"},
         BadFile{"Deep", std::string(40, '[') + std::string(40, ']'), "nested deeper than 32 levels"},
         BadFile{"NoObject", "[1]", "expected an object with name, description, services, found [1]"},
         BadFile{"NoName", R"({"services": {}})", "name: missing; expected a text of 1 to 255 octets"},
@@ -198,9 +199,9 @@ TEST(CameraFiles, AreFoundByNameOrPath) {
     EXPECT_EQ(directory + "/dome.json", findNamedFile("camera", "dome", directory));
     EXPECT_EQ("./dome", findNamedFile("camera", "./dome", directory));
     EXPECT_EQ("dome.json", findNamedFile("camera", "dome.json", directory));
-    EXPECT_EQ("no camera 'cube' in " + directory + "; there are: dome, minimal, stepper, twinfocus",
+    EXPECT_EQ("no camera 'cube' in " + directory + "; available: dome, minimal, stepper, twinfocus",
               errorOf([&] { findNamedFile("camera", "cube", directory); }));
-    EXPECT_EQ("no camera 'dome' in /nowhere; there are: none",
+    EXPECT_EQ("no camera 'dome' in /nowhere; available: none",
               errorOf([] { findNamedFile("camera", "dome", "/nowhere"); }));
 }
 

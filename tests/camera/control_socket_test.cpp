@@ -180,6 +180,21 @@ TEST_F(ControlSocket, TellsFollowersWhatHappens) {
     EXPECT_FALSE(follower.readable());
 }
 
+TEST_F(ControlSocket, RunsCommandsDryOnOneConnection) {
+    LineClient follower(directory_, "control");
+    EXPECT_EQ(kDone, follower.call({{"command", "follow"}}));
+    LineClient dry(directory_, "control");
+    EXPECT_EQ(kDone, dry.call({{"command", "dryRun"}, {"skipMissingServices", true}}));
+    EXPECT_EQ(kDone, dry.call({{"command", "down"}, {"service", "alarm"}}));
+    EXPECT_EQ(kDone, dry.call({{"command", "set"}, {"target", "alarm/1"}, {"field", "state"}, {"value", 1}}));
+    EXPECT_EQ(1, dry.call({{"command", "state"}})["state"]["services"]["alarm"]["targets"]["alarm/1"]["state"]);
+    EXPECT_EQ((json{{"ok", true}, {"skipped", "zoom_stepper"}}),
+              dry.call({{"command", "down"}, {"service", "zoom_stepper"}}));
+    EXPECT_EQ(false, dry.call({{"command", "set"}})["ok"]);
+    EXPECT_EQ("[0,0]", LineClient(directory_, "alarm").ask(R"(["get_state_send","alarm/1"])"));
+    EXPECT_FALSE(follower.readable()) << "an event of a dry run";
+}
+
 TEST_F(ControlSocket, GoesOnWhenAFollowerLeaves) {
     {
         LineClient follower(directory_, "control");

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 
-#include "call_desk.h"
+#include "dry_run.h"
 #include "faults.h"
+#include "service_request_handler.h"
 #include "test_cameras.h"
 #include "wire.h"
 
@@ -11,8 +12,8 @@ using nlohmann::json;
 
 namespace {
 
-TEST(FaultOrders, StrikeAsOftenAsOrdered) {
-    FaultOrders orders;
+TEST(FaultTable, StrikeAsOftenAsOrdered) {
+    FaultTable orders;
     orders.set("temperature", "get_temperature_send", 7, 2);
     EXPECT_EQ(std::nullopt, orders.take("temperature", "other"));
     EXPECT_EQ(std::nullopt, orders.take("alarm", "get_temperature_send"));
@@ -21,39 +22,39 @@ TEST(FaultOrders, StrikeAsOftenAsOrdered) {
     EXPECT_EQ(std::nullopt, orders.take("temperature", "get_temperature_send"));
 }
 
-TEST(FaultOrders, StrikeAlways) {
-    FaultOrders orders;
+TEST(FaultTable, StrikeAlways) {
+    FaultTable orders;
     orders.set("temperature", "*", 7, std::nullopt);
     for (int i = 0; i < 100; ++i) {
         EXPECT_EQ(7, orders.take("temperature", "get_temperature_send"));
     }
 }
 
-TEST(FaultOrders, ForAnOperationGoBeforeThoseForAll) {
-    FaultOrders orders;
+TEST(FaultTable, ForAnOperationGoBeforeThoseForAll) {
+    FaultTable orders;
     orders.set("relay", "*", 1, std::nullopt);
     orders.set("relay", "get_state_send", 2, 1);
     EXPECT_EQ(2, orders.take("relay", "get_state_send"));
     EXPECT_EQ(1, orders.take("relay", "get_state_send"));
 }
 
-TEST(FaultOrders, TakeThePlaceOfOlderOnes) {
-    FaultOrders orders;
+TEST(FaultTable, TakeThePlaceOfOlderOnes) {
+    FaultTable orders;
     orders.set("relay", "*", 1, std::nullopt);
     orders.set("relay", "*", 2, 1);
     EXPECT_EQ(2, orders.take("relay", "get_state_send"));
     EXPECT_EQ(std::nullopt, orders.take("relay", "get_state_send"));
 }
 
-TEST(FaultOrders, AreClearedAsMeant) {
+TEST(FaultTable, AreClearedAsMeant) {
     const auto ordered = [] {
-        FaultOrders orders;
+        FaultTable orders;
         orders.set("relay", "*", 1, 1);
         orders.set("relay", "get_state_send", 2, 3);
         orders.set("alarm", "get_state_send", 3, std::nullopt);
         return orders;
     };
-    FaultOrders orders = ordered();
+    FaultTable orders = ordered();
     orders.clear("relay", "get_state_send");
     EXPECT_EQ((json{{{"service", "alarm"}, {"operation", "get_state_send"}, {"status", 3}, {"times", "always"}},
                     {{"service", "relay"}, {"operation", "*"}, {"status", 1}, {"times", 1}}}),
@@ -66,29 +67,18 @@ TEST(FaultOrders, AreClearedAsMeant) {
     EXPECT_EQ(json::array(), orders.list("status"));
 }
 
-class AllUp : public ServiceSwitch {
-public:
-    bool isUp(const std::string & /*service*/) const override {
-        return true;
-    }
-    void takeDown(const std::string & /*service*/) override {}
-    std::optional<std::string> bringUp(const std::string & /*service*/) override {
-        return std::nullopt;
-    }
-};
-
 class Desk : public testing::Test {
 protected:
     std::string line(const json &request, const std::string &service = "relay") {
         std::string text = wire::encode(request);
         text.pop_back();
-        return desk_.serviceRequest(service, text).line;
+        return handler_.handleService(service, text).line;
     }
 
     std::unique_ptr<CameraModel> camera_ = test::shippedCamera("dome");
     Faults faults_;
-    AllUp services_;
-    CallDesk desk_{*camera_, faults_, services_};
+    SimulatedServices services_;
+    ServiceRequestHandler handler_{*camera_, faults_, services_};
 };
 
 TEST_F(Desk, DoesNotExecuteACallThatFails) {
@@ -103,10 +93,10 @@ TEST_F(Desk, DoesNotExecuteACallThatFails) {
 TEST_F(Desk, CombinesFailureAndDelay) {
     faults_.failures().set("relay", "get_state_send", 5, 1);
     faults_.delays().set("relay", "*", 250, std::nullopt);
-    const Reply reply = desk_.serviceRequest("relay", R"(["get_state_send","relay/1"])");
+    const Reply reply = handler_.handleService("relay", R"(["get_state_send","relay/1"])");
     EXPECT_EQ("[5]\n", reply.line);
     EXPECT_EQ(std::chrono::milliseconds(250), reply.delay);
-    const Reply next = desk_.serviceRequest("relay", R"(["get_state_send","relay/1"])");
+    const Reply next = handler_.handleService("relay", R"(["get_state_send","relay/1"])");
     EXPECT_EQ("[0,0]\n", next.line);
     EXPECT_EQ(std::chrono::milliseconds(250), next.delay);
 }
@@ -157,7 +147,7 @@ TEST_F(Desk, WelcomesClientsThatComeAndGo) {
 
 TEST_F(Desk, DoesNotCountRubbishAsACall) {
     faults_.failures().set("relay", "*", 42, 1);
-    EXPECT_EQ("[2]\n", desk_.serviceRequest("relay", "rubbish").line);
+    EXPECT_EQ("[2]\n", handler_.handleService("relay", "rubbish").line);
     EXPECT_EQ("[42]\n", line({"get_state_send", "relay/1"}));
 }
 

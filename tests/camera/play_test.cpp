@@ -128,7 +128,7 @@ TEST_F(Play, NeedsAFileAndACamera) {
     EXPECT_EQ(1, unknown.status.code);
     EXPECT_THAT(unknown.errors,
                 testing::MatchesRegex("quarnsnmp-camctl: no scenario 'cool-down' in .*/share/quarnsnmp/scenarios; "
-                                      "there are: drop-services, warm-up\n"));
+                                      "available: drop-services, warm-up\n"));
     const std::string wrong = write("3");
     expectRefused(command(wrong), wrong + ": steps: expected a list of steps, found 3");
     const std::string path = write("[]");

@@ -8,6 +8,7 @@
 #include "presets_file.h"
 #include "temporary_directory.h"
 #include "test_cameras.h"
+#include "text_file.h"
 
 using namespace camera;
 using nlohmann::json;
@@ -28,7 +29,7 @@ protected:
         presets_.reset();
         camera_ = test::makeCamera(kCamera);
         presets_ = std::make_unique<PresetsFile>(*camera_, file_,
-                                                 [this](const std::string &line) { complaints_.push_back(line); });
+                                                 [this](const std::string &line) { warnings_.push_back(line); });
     }
 
     wire::Status store(const std::string &id, int number, const std::string &target = "presets_tours/1") {
@@ -68,7 +69,7 @@ protected:
 
     support::TemporaryDirectory root_;
     std::string file_ = root_.file("presets.json");
-    std::vector<std::string> complaints_;
+    std::vector<std::string> warnings_;
     std::unique_ptr<CameraModel> camera_;
     std::unique_ptr<PresetsFile> presets_;
 };
@@ -146,7 +147,7 @@ TEST_F(KeptPresets, FailNoCallWhenTheFileCannotBeWritten) {
     std::filesystem::create_directory(file_ + ".new");
     EXPECT_EQ(wire::kSuccess, store("gate", 0));
     const std::string error = std::filesystem::canonical(file_).string() + ": cannot be written: Is a directory";
-    EXPECT_THAT(complaints_, testing::ElementsAre(error));
+    EXPECT_THAT(warnings_, testing::ElementsAre(error));
     ASSERT_EQ(3U, recorder.seen().size());
     EXPECT_EQ("changed", recorder.seen()[1]["event"]);
     EXPECT_EQ((json{{"event", "presets_not_kept"}, {"target", "presets_tours/1"}, {"error", error}}),
@@ -158,7 +159,7 @@ TEST_F(KeptPresets, FailNoCallWhenTheFileCannotBeWritten) {
     reboot();
     EXPECT_THAT(ids(), testing::ElementsAre("start")) << "presets that were not kept are lost";
     EXPECT_EQ(wire::kSuccess, store("yard", 2));
-    EXPECT_THAT(complaints_, testing::SizeIs(1));
+    EXPECT_THAT(warnings_, testing::SizeIs(1));
     EXPECT_EQ(2U, written()["presets_tours/1"].size());
 }
 

@@ -172,7 +172,7 @@ TEST_F(Program, NamesTheCamerasThatThereAre) {
     const CommandResult ended = start({"--camera", "cube", "--directory", directory_});
     EXPECT_EQ(1, ended.status.code);
     EXPECT_THAT(ended.errors, testing::MatchesRegex("quarnsnmp-camera: no camera 'cube' in .*/share/quarnsnmp/cameras; "
-                                                    "there are: dome, minimal, stepper, twinfocus\n"));
+                                                    "available: dome, minimal, stepper, twinfocus\n"));
 }
 
 TEST_F(Program, ListsItsCameras) {

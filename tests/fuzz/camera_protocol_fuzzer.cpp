@@ -11,11 +11,11 @@
 #include <charconv>
 #include <string_view>
 
-#include "call_desk.h"
-#include "control_desk.h"
+#include "control_command_handler.h"
+#include "dry_run.h"
 #include "finding.h"
-#include "json_file.h"
-#include "noted_services.h"
+#include "service_request_handler.h"
+#include "text_file.h"
 #include "wire.h"
 
 using nlohmann::json;
@@ -67,16 +67,23 @@ public:
         } else {
             const bool isService = model_->service(socket) != nullptr;
             const camera::Reply reply =
-                isService ? calls_.serviceRequest(std::string(socket), rest) : calls_.directoryRequest(rest);
+                isService ? calls_.handleService(std::string(socket), rest) : calls_.handleDirectory(rest);
             checkAnswer(reply.line).at(0).get_ref<const json::number_integer_t &>();
         }
     }
 
 private:
     void control(std::string_view line) {
+        if (dryRun_) {
+            checkAnswer(dryRun_->execute(line)).at("ok").get_ref<const bool &>();
+            return;
+        }
         const camera::ControlReply reply = controls_.execute(line);
         checkAnswer(reply.line).at("ok").get_ref<const bool &>();
-        if (reply.follow) {
+        if (reply.mode == camera::ControlMode::dryRun) {
+            dryRun_ = std::make_unique<camera::DryRun>(*model_, reply.skipMissingServices);
+        }
+        if (reply.mode == camera::ControlMode::follow) {
             follower_ =
                 model_->events().subscribe([](const json &event) { checkAnswer(wire::encode(event)).at("event"); });
         }
@@ -108,11 +115,13 @@ private:
     double now_ = 0.0;
     std::unique_ptr<camera::CameraModel> model_ = makeCamera([this] { return now_; });
     camera::Faults faults_;
-    camera::test::NotedServices services_;
-    camera::ServiceKeeper keeper_{*model_, services_, [](const std::string &line) { fuzz::reportFinding(line); }};
-    camera::CallDesk calls_{*model_, faults_, services_};
-    camera::ControlDesk controls_{*model_, faults_, keeper_};
+    camera::SimulatedServices services_;
+    camera::ServiceSupervisor supervisor_{*model_, services_,
+                                          [](const std::string &line) { fuzz::reportFinding(line); }};
+    camera::ServiceRequestHandler calls_{*model_, faults_, services_};
+    camera::ControlCommandHandler controls_{*model_, faults_, supervisor_};
     camera::Events::Subscription follower_;
+    std::unique_ptr<camera::DryRun> dryRun_;
 };
 
 } // namespace

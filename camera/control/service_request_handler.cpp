@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "call_desk.h"
+#include "service_request_handler.h"
 
 #include <algorithm>
 #include <iterator>
@@ -28,25 +28,25 @@ bool isInitiatorRequest(const std::string &operation) {
            std::end(kInitiatorRequests);
 }
 
-/** Whether a request has the shape `[operation, target, argument...]`. */
+/** Returns true for a request of the form `[operation, target, argument...]`. */
 bool isServiceRequest(const nlohmann::json &request) {
     return request.is_array() && request.size() >= kRequestHead && request[0].is_string() &&
            (request[1].is_string() || request[1].is_null());
 }
 
-/** Whether a request is `["get_target_ids", service]`. */
+/** Returns true for a request of the form `["get_target_ids", service]`. */
 bool isDirectoryRequest(const nlohmann::json &request) {
     return request.is_array() && request.size() == 2 && request[0] == kDirectoryRequest && request[1].is_string();
 }
 
 } // namespace
 
-Reply CallDesk::serviceRequest(const std::string &service, std::string_view line) {
+Reply ServiceRequestHandler::handleService(const std::string &service, std::string_view line) {
     const nlohmann::json request = parseLine(line);
     if (!isServiceRequest(request)) {
         return {failureLine(wire::kInvalidArgument)};
     }
-    const Faults::Effect effect = faultsOf(service, request);
+    const Faults::Effect effect = takeFaults(service, request);
     const auto &operation = request[0].get_ref<const std::string &>();
     if (effect.status) {
         if (!isInitiatorRequest(operation)) {
@@ -61,19 +61,19 @@ Reply CallDesk::serviceRequest(const std::string &service, std::string_view line
     return {answerLine(model_.call(service, request)), effect.delay};
 }
 
-Reply CallDesk::directoryRequest(std::string_view line) {
+Reply ServiceRequestHandler::handleDirectory(std::string_view line) {
     const nlohmann::json request = parseLine(line);
     if (!isDirectoryRequest(request)) {
         return {failureLine(wire::kInvalidArgument)};
     }
-    const Faults::Effect effect = faultsOf(wire::kDirectorySocket, request);
+    const Faults::Effect effect = takeFaults(wire::kDirectorySocket, request);
     if (effect.status) {
         return {failureLine(*effect.status), effect.delay};
     }
     return {answerLine(targetIds(request[1].get_ref<const std::string &>())), effect.delay};
 }
 
-Faults::Effect CallDesk::faultsOf(const std::string &service, const nlohmann::json &request) {
+Faults::Effect ServiceRequestHandler::takeFaults(const std::string &service, const nlohmann::json &request) {
     Faults::Effect effect = faults_.take(service, request[0].get_ref<const std::string &>());
     if (effect.status || effect.delay.count() > 0) {
         nlohmann::json members = {{"service", service}, {"operation", request[0]}};
@@ -88,7 +88,7 @@ Faults::Effect CallDesk::faultsOf(const std::string &service, const nlohmann::js
     return effect;
 }
 
-Answer CallDesk::targetIds(const std::string &service) const {
+Answer ServiceRequestHandler::targetIds(const std::string &service) const {
     if (model_.service(service) == nullptr) {
         return {};
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The control program's side of the control socket.
+ * Client of the control socket.
  */
 #ifndef QUARNSNMP_CAMERA_CONTROL_CLIENT_H
 #define QUARNSNMP_CAMERA_CONTROL_CLIENT_H
@@ -15,31 +15,32 @@
 
 namespace camera {
 
-/** The camera does not answer; what() is one line that says why. */
+/** Communication error; what() is a message of one line. */
 class ControlError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/** A connection to a running camera's control socket. */
+/** Connection to the control socket of a running camera. */
 class ControlClient {
 public:
-    /** Longest time that connecting, or one answer, may take. */
+    /** Time limit of the connection attempt, and of each answer. */
     static constexpr std::chrono::seconds kPatience{5};
 
-    /** Connects to the camera that runs in a directory. @throws ControlError */
+    /** Connects to the camera of a directory. @throws ControlError */
     explicit ControlClient(const std::string &directory);
     ControlClient(const ControlClient &) = delete;
     ControlClient &operator=(const ControlClient &) = delete;
     ~ControlClient();
 
-    /** Sends a command and waits for its answer, an object. @throws ControlError */
+    /** Sends a command and returns its answer, a JSON object. @throws ControlError */
     nlohmann::json execute(const nlohmann::json &command);
 
-    /** Waits until a time, with no command under way. @throws ControlError at once when the camera ends before */
+    /** Waits until a time. No command may be pending. @throws ControlError as soon as the camera ends */
     void waitUntil(std::chrono::steady_clock::time_point time) const;
 
-    /** Waits for the next line, for ever. @return nothing when the camera is gone @throws ControlError */
+    /** Waits for the next line without a time limit. @return nothing after the end of the camera @throws ControlError
+     */
     std::optional<std::string> nextLine();
 
 private:
@@ -48,7 +49,7 @@ private:
     void connect(const std::string &path);
     void sendAll(const std::string &text, const Deadline &deadline);
     std::optional<std::string> readLine(const Deadline &deadline);
-    /** Waits until the socket is ready; throws when the deadline is over. */
+    /** Waits until the socket is ready. @throws ControlError at the deadline */
     void wait(short events, const Deadline &deadline) const;
 
     std::string directory_;

@@ -51,7 +51,7 @@ void ControlClient::connect(const std::string &path) {
     }
     std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
     const Clock::time_point deadline = Clock::now() + kPatience;
-    // A full queue of a Unix-domain socket cannot be waited for, only tried again.
+    // The kernel offers no wait for a place in the queue of a Unix-domain socket, so this retries.
     while (::connect(socket_, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0) {
         const int error = errno;
         if (error == EAGAIN && Clock::now() < deadline) {
@@ -81,7 +81,7 @@ std::optional<std::string> ControlClient::nextLine() {
 }
 
 void ControlClient::waitUntil(Clock::time_point time) const {
-    // One poll cannot wait as long as a scenario can.
+    // One poll cannot wait for the longest time of a scenario.
     constexpr std::chrono::milliseconds kLongest = std::chrono::hours(1);
     for (Clock::time_point now = Clock::now(); now < time; now = Clock::now()) {
         const auto left = std::min(std::chrono::ceil<std::chrono::milliseconds>(time - now), kLongest);

@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "control_desk.h"
+#include "control_command_handler.h"
 
 #include <algorithm>
 #include <limits>
 
-#include "call_desk.h"
 #include "json_text.h"
+#include "service_request_handler.h"
 #include "wire.h"
 
 namespace camera {
 
 namespace {
 
-/** A command that is not carried out; what() tells the client why. */
+/** Refusal of a command; what() is the reason for the client. */
 class Refusal : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -39,7 +39,7 @@ std::int64_t integerOf(const nlohmann::json &command, const std::string &key, st
     return *number;
 }
 
-/** How often: a number, "always", or once when the command does not say. */
+/** Returns the number of affected calls: "always" or a number; 1 without the key. */
 Times timesOf(const nlohmann::json &command) {
     constexpr std::int64_t kMostTimes = 1000000;
     const auto found = command.find("times");
@@ -54,6 +54,15 @@ Times timesOf(const nlohmann::json &command) {
         throw Refusal("times: " + mismatch(integerExpected(1, kMostTimes) + " or \"always\"", *found));
     }
     return static_cast<std::uint32_t>(*times);
+}
+
+/** Returns the flag of an optional key; false without the key. */
+bool flagOf(const nlohmann::json &command, const std::string &key) {
+    const nlohmann::json value = command.value(key, nlohmann::json(false));
+    if (!value.is_boolean()) {
+        throw Refusal(key + ": " + mismatch("true or false", value));
+    }
+    return value.get<bool>();
 }
 
 std::string oneOf(const nlohmann::json &command, const std::string &key, const std::vector<std::string> &names) {
@@ -83,36 +92,35 @@ void checkKeys(const nlohmann::json &command, const std::string &name, const std
 
 } // namespace
 
-const std::vector<ControlDesk::Command> &ControlDesk::commands() {
+const std::vector<ControlCommandHandler::Command> &ControlCommandHandler::commands() {
     static const std::vector<Command> all = {
-        {"state", {}, {}, &ControlDesk::showState},
-        {"set", {"target", "field", "value"}, {}, &ControlDesk::set},
-        {"down", {"service"}, {}, &ControlDesk::takeDown},
-        {"up", {"service"}, {}, &ControlDesk::bringUp},
-        {"fail", {"service", "operation", "status"}, {"times"}, &ControlDesk::fail},
-        {"delay", {"service", "operation", "milliseconds"}, {"times"}, &ControlDesk::delay},
-        {"clear", {}, {"service", "operation"}, &ControlDesk::clear},
-        {"follow", {}, {}, &ControlDesk::acknowledge, true},
+        {"state", {}, {}, &ControlCommandHandler::showState},
+        {"set", {"target", "field", "value"}, {}, &ControlCommandHandler::set},
+        {"down", {"service"}, {}, &ControlCommandHandler::takeDown},
+        {"up", {"service"}, {}, &ControlCommandHandler::bringUp},
+        {"fail", {"service", "operation", "status"}, {"times"}, &ControlCommandHandler::fail},
+        {"delay", {"service", "operation", "milliseconds"}, {"times"}, &ControlCommandHandler::delay},
+        {"clear", {}, {"service", "operation"}, &ControlCommandHandler::clear},
+        {"follow", {}, {}, &ControlCommandHandler::follow},
+        {"dryRun", {}, {"skipMissingServices"}, &ControlCommandHandler::startDryRun},
     };
     return all;
 }
 
-ControlReply ControlDesk::execute(std::string_view line) {
-    nlohmann::json answer = {{"ok", true}};
-    bool follow = false;
+ControlReply ControlCommandHandler::execute(std::string_view line) {
     try {
         const nlohmann::json command = parseLine(line);
         const Command &known = findCommand(command);
         checkKeys(command, known.name, known.required, known.optional);
-        (this->*known.action)(command, answer);
-        follow = known.follow;
+        Outcome outcome;
+        (this->*known.action)(command, outcome);
+        return {wire::encode(outcome.answer), outcome.mode, outcome.skipMissingServices};
     } catch (const Refusal &refusal) {
-        answer = {{"ok", false}, {"error", refusal.what()}};
+        return {wire::encode({{"ok", false}, {"error", refusal.what()}})};
     }
-    return {wire::encode(answer), follow};
 }
 
-const ControlDesk::Command &ControlDesk::findCommand(const nlohmann::json &command) {
+const ControlCommandHandler::Command &ControlCommandHandler::findCommand(const nlohmann::json &command) {
     std::vector<std::string> names;
     for (const Command &each : commands()) {
         names.push_back(each.name);
@@ -125,7 +133,7 @@ const ControlDesk::Command &ControlDesk::findCommand(const nlohmann::json &comma
     return *std::find_if(commands().begin(), commands().end(), [&](const Command &each) { return each.name == name; });
 }
 
-nlohmann::json ControlDesk::state() {
+nlohmann::json ControlCommandHandler::state() {
     model_.advance();
     nlohmann::json services = nlohmann::json::object();
     for (const auto &[name, service] : model_.services()) {
@@ -144,13 +152,11 @@ nlohmann::json ControlDesk::state() {
             {"delays", faults_.delays().list("milliseconds")}};
 }
 
-void ControlDesk::showState(const nlohmann::json & /*command*/, nlohmann::json &answer) {
-    answer["state"] = state();
+void ControlCommandHandler::showState(const nlohmann::json & /*command*/, Outcome &outcome) {
+    outcome.answer["state"] = state();
 }
 
-void ControlDesk::acknowledge(const nlohmann::json & /*command*/, nlohmann::json & /*answer*/) {}
-
-void ControlDesk::set(const nlohmann::json &command, nlohmann::json & /*answer*/) {
+void ControlCommandHandler::set(const nlohmann::json &command, Outcome & /*outcome*/) {
     const std::optional<Problem> problem =
         model_.set(textOf(command, "target"), textOf(command, "field"), command.at("value"));
     if (problem) {
@@ -158,18 +164,18 @@ void ControlDesk::set(const nlohmann::json &command, nlohmann::json & /*answer*/
     }
 }
 
-void ControlDesk::takeDown(const nlohmann::json &command, nlohmann::json & /*answer*/) {
+void ControlCommandHandler::takeDown(const nlohmann::json &command, Outcome & /*outcome*/) {
     services_.takeDown(service(command));
 }
 
-void ControlDesk::bringUp(const nlohmann::json &command, nlohmann::json & /*answer*/) {
+void ControlCommandHandler::bringUp(const nlohmann::json &command, Outcome & /*outcome*/) {
     const std::string name = service(command);
     if (const std::optional<std::string> error = services_.bringUp(name)) {
         throw Refusal("cannot bring up " + name + ": " + *error);
     }
 }
 
-void ControlDesk::fail(const nlohmann::json &command, nlohmann::json & /*answer*/) {
+void ControlCommandHandler::fail(const nlohmann::json &command, Outcome & /*outcome*/) {
     const std::string name = faultyService(command);
     const std::int64_t status = integerOf(command, "status", std::numeric_limits<std::int32_t>::min(),
                                           std::numeric_limits<std::int32_t>::max());
@@ -179,13 +185,13 @@ void ControlDesk::fail(const nlohmann::json &command, nlohmann::json & /*answer*
     faults_.failures().set(name, operation(command, name), status, timesOf(command));
 }
 
-void ControlDesk::delay(const nlohmann::json &command, nlohmann::json & /*answer*/) {
+void ControlCommandHandler::delay(const nlohmann::json &command, Outcome & /*outcome*/) {
     const std::string name = faultyService(command);
     const std::int64_t milliseconds = integerOf(command, "milliseconds", 1, kLongestDelayMilliseconds);
     faults_.delays().set(name, operation(command, name), milliseconds, timesOf(command));
 }
 
-void ControlDesk::clear(const nlohmann::json &command, nlohmann::json & /*answer*/) {
+void ControlCommandHandler::clear(const nlohmann::json &command, Outcome & /*outcome*/) {
     std::optional<std::string> ofService;
     std::optional<std::string> ofOperation;
     if (command.contains("service")) {
@@ -201,17 +207,26 @@ void ControlDesk::clear(const nlohmann::json &command, nlohmann::json & /*answer
     faults_.delays().clear(ofService, ofOperation);
 }
 
-std::string ControlDesk::service(const nlohmann::json &command) const {
+void ControlCommandHandler::follow(const nlohmann::json & /*command*/, Outcome &outcome) {
+    outcome.mode = ControlMode::follow;
+}
+
+void ControlCommandHandler::startDryRun(const nlohmann::json &command, Outcome &outcome) {
+    outcome.skipMissingServices = flagOf(command, "skipMissingServices");
+    outcome.mode = ControlMode::dryRun;
+}
+
+std::string ControlCommandHandler::service(const nlohmann::json &command) const {
     return oneOf(command, "service", model_.serviceNames());
 }
 
-std::string ControlDesk::faultyService(const nlohmann::json &command) const {
+std::string ControlCommandHandler::faultyService(const nlohmann::json &command) const {
     std::vector<std::string> names = model_.serviceNames();
     names.emplace_back(wire::kDirectorySocket);
     return oneOf(command, "service", names);
 }
 
-std::string ControlDesk::operation(const nlohmann::json &command, const std::string &service) const {
+std::string ControlCommandHandler::operation(const nlohmann::json &command, const std::string &service) const {
     std::vector<std::string> names = {kEveryOperation};
     if (const Service *found = model_.service(service)) {
         names.insert(names.end(), std::begin(kInitiatorRequests), std::end(kInitiatorRequests));

@@ -1,19 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Services without sockets for tests of what switches them.
+ * Test double of service control.
  */
-#ifndef QUARNSNMP_TEST_NOTED_SERVICES_H
-#define QUARNSNMP_TEST_NOTED_SERVICES_H
+#ifndef QUARNSNMP_TEST_FAKE_SERVICE_CONTROL_H
+#define QUARNSNMP_TEST_FAKE_SERVICE_CONTROL_H
 
 #include <set>
 
-#include "service_switch.h"
+#include "service_control.h"
 
 namespace camera::test {
 
-/** Notes which services are down, and can be told to fail. */
-class NotedServices : public ServiceSwitch {
+/** Services that record their state, with an optional failure of bringUp(). */
+class FakeServiceControl : public ServiceControl {
 public:
     bool isUp(const std::string &service) const override {
         return down.count(service) == 0;

@@ -11,7 +11,7 @@ namespace camera {
 
 namespace {
 
-/** Far deeper than a message or a camera file is, and far from what the stack can bear. */
+/** Limit of nesting: far above that of valid messages and files, and safe for the stack. */
 constexpr std::size_t kDeepestNesting = 32;
 
 bool nestedTooDeeply(std::string_view text) {
@@ -38,7 +38,7 @@ bool nestedTooDeeply(std::string_view text) {
     return false;
 }
 
-/** Follows the parser to the first key that its object has already. */
+/** Parser callback that finds the first duplicate key of an object. */
 class DuplicateKeys {
 public:
     void follow(nlohmann::json::parse_event_t event, const nlohmann::json &parsed) {
@@ -65,7 +65,7 @@ public:
         }
     }
 
-    /** Path of the first one; empty when there is none. */
+    /** Returns the path of the first duplicate key; empty when all keys are unique. */
     const std::string &first() const {
         return first_;
     }
@@ -96,7 +96,7 @@ private:
     std::string first_;
 };
 
-/** The parser's message without the name of its exception, which stands in brackets in front of it. */
+/** Returns the parser's message without the exception name in brackets at its start. */
 std::string plainMessage(const std::string &message) {
     constexpr std::string_view kPlace = "parse error at ";
     const std::size_t place = message.find(kPlace);
@@ -125,7 +125,7 @@ nlohmann::json parseJsonText(const std::string &text) {
         throw JsonTextError(plainMessage(error.what()));
     }
     if (!duplicates.first().empty()) {
-        throw JsonTextError(duplicates.first() + ": the key is there twice");
+        throw JsonTextError(duplicates.first() + ": duplicate key");
     }
     return value;
 }

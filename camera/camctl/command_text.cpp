@@ -68,7 +68,7 @@ std::optional<std::string> refusalIn(const json &answer) {
     if (answer.value("ok", json()) == true) {
         return std::nullopt;
     }
-    return answer.contains("error") ? textOf(answer, "error") : "the camera refuses without a reason";
+    return answer.contains("error") ? textOf(answer, "error") : "the camera refused the command without a reason";
 }
 
 } // namespace camera

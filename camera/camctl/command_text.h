@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * What the control program says of a command that has been carried out.
+ * Texts about control commands and their answers.
  */
 #ifndef QUARNSNMP_CAMERA_COMMAND_TEXT_H
 #define QUARNSNMP_CAMERA_COMMAND_TEXT_H
@@ -13,14 +13,13 @@
 
 namespace camera {
 
-/** A value as the control program prints it. @param indent of nested values; negative for one line */
+/** Returns a value as JSON text. @param indent  indentation of nested values; negative for one line */
 std::string printable(const nlohmann::json &value, int indent = -1);
 
-/** What a command has done, as in "alarm is down"; the command must be one that changes something, with all its keys.
- */
+/** Returns the effect of a command, such as "alarm is down". The command must be complete and must change something. */
 std::string doneText(const nlohmann::json &command);
 
-/** Why a camera refuses a command, from its answer; nothing when it has carried the command out. */
+/** Returns the camera's reason for refusing a command; nothing after success. */
 std::optional<std::string> refusalIn(const nlohmann::json &answer);
 
 } // namespace camera

@@ -2,11 +2,11 @@
 #include "scenario.h"
 
 #include <algorithm>
-#include <iomanip>
-#include <ostream>
+#include <iterator>
 
-#include "command_text.h"
 #include "json_text.h"
+#include "object_reader.h"
+#include "text_file.h"
 #include "values.h"
 
 namespace camera {
@@ -15,14 +15,10 @@ namespace {
 
 using nlohmann::json;
 
-std::string stepPath(std::size_t index) {
-    return "steps[" + std::to_string(index) + "]";
-}
-
-/** Commands that take an object with the keys of the control socket's command. */
+/** Commands with an object of the same keys as on the control socket. */
 constexpr const char *kFaultCommands[] = {"fail", "delay", "clear"};
 
-/** All that a step can have besides its time. */
+/** Permitted commands of a step. */
 const std::vector<std::string> &stepCommands() {
     static const std::vector<std::string> names = {"set", "down", "up", "fail", "delay", "clear"};
     return names;
@@ -121,6 +117,10 @@ Scenario readScenario(const json &values, const std::string &fileName) {
 
 } // namespace
 
+std::string stepPath(std::size_t index) {
+    return "steps[" + std::to_string(index) + "]";
+}
+
 Scenario parseScenario(const std::string &text, const std::string &fileName) {
     try {
         return readScenario(parseJsonText(text), fileName);
@@ -131,29 +131,6 @@ Scenario parseScenario(const std::string &text, const std::string &fileName) {
 
 Scenario readScenarioFile(const std::string &path) {
     return parseScenario(readTextFile(path), path);
-}
-
-void expectCarriedOut(const Scenario &scenario, std::size_t step, const json &answer) {
-    if (const std::optional<std::string> refusal = refusalIn(answer)) {
-        throw FileError(scenario.file + ": " + stepPath(step) + ": " + *refusal);
-    }
-}
-
-void play(const Scenario &scenario, double speed, const Stage &stage) {
-    constexpr int kColumn = 9;
-    for (std::size_t i = 0; i < scenario.steps.size(); ++i) {
-        const ScenarioStep &step = scenario.steps[i];
-        stage.waitUntil(step.at / speed);
-        for (const ScenarioCommand &each : step.commands) {
-            std::string text = "skipped: the camera has no " + each.missingService;
-            if (each.missingService.empty()) {
-                expectCarriedOut(scenario, i, stage.execute(each.command));
-                text = doneText(each.command);
-            }
-            stage.output << std::setw(kColumn) << std::fixed << std::setprecision(1) << step.at << " s  " << text
-                         << std::endl;
-        }
-    }
 }
 
 } // namespace camera

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 
 #include "event_recorder.h"
-#include "noted_services.h"
-#include "service_keeper.h"
+#include "fake_service_control.h"
+#include "service_supervisor.h"
 #include "test_cameras.h"
 
 using namespace camera;
@@ -47,9 +47,9 @@ protected:
     double now_ = 0.0;
     std::unique_ptr<CameraModel> camera_ = test::shippedCamera("minimal", [this] { return now_; });
     test::EventRecorder recorder_{camera_->events()};
-    test::NotedServices services_;
-    std::vector<std::string> complaints_;
-    ServiceKeeper keeper_{*camera_, services_, [this](const std::string &line) { complaints_.push_back(line); }};
+    test::FakeServiceControl services_;
+    std::vector<std::string> warnings_;
+    ServiceSupervisor supervisor_{*camera_, services_, [this](const std::string &line) { warnings_.push_back(line); }};
 };
 
 TEST_F(Keeper, TakesAllServicesDownWhileTheCameraRestarts) {
@@ -59,17 +59,17 @@ TEST_F(Keeper, TakesAllServicesDownWhileTheCameraRestarts) {
     EXPECT_THAT(services_.down, IsEmpty());
     EXPECT_THAT(switched(), ElementsAre("service_down device_information", "service_down device_management",
                                         "service_up device_information", "service_up device_management"));
-    EXPECT_THAT(complaints_, IsEmpty());
+    EXPECT_THAT(warnings_, IsEmpty());
 }
 
 TEST_F(Keeper, LeavesDownWhatWasTakenDownByHand) {
-    keeper_.takeDown("device_information");
+    supervisor_.takeDown("device_information");
     startReboot();
     endReboot();
     EXPECT_THAT(services_.down, ElementsAre("device_information"));
     EXPECT_THAT(switched(), ElementsAre("service_down device_information", "service_down device_management",
                                         "service_up device_management"));
-    EXPECT_EQ(std::nullopt, keeper_.bringUp("device_information"));
+    EXPECT_EQ(std::nullopt, supervisor_.bringUp("device_information"));
     startReboot();
     endReboot();
     EXPECT_THAT(services_.down, IsEmpty());
@@ -77,48 +77,48 @@ TEST_F(Keeper, LeavesDownWhatWasTakenDownByHand) {
 
 TEST_F(Keeper, RemembersWhatIsTakenDownDuringARestart) {
     startReboot();
-    keeper_.takeDown("device_information");
+    supervisor_.takeDown("device_information");
     endReboot();
     EXPECT_THAT(services_.down, ElementsAre("device_information"));
 }
 
 TEST_F(Keeper, BringsNothingUpDuringARestart) {
-    keeper_.takeDown("device_information");
+    supervisor_.takeDown("device_information");
     startReboot();
-    EXPECT_EQ("the camera restarts", keeper_.bringUp("device_information"));
-    EXPECT_FALSE(keeper_.isUp("device_information"));
+    EXPECT_EQ("the camera restarts", supervisor_.bringUp("device_information"));
+    EXPECT_FALSE(supervisor_.isUp("device_information"));
     endReboot();
-    EXPECT_FALSE(keeper_.isUp("device_information")) << "a refused command has no effect later";
+    EXPECT_FALSE(supervisor_.isUp("device_information")) << "a refused command has no effect later";
 }
 
 TEST_F(Keeper, ComplainsOfAServiceThatDoesNotComeBack) {
     startReboot();
     services_.broken = "no space";
     endReboot();
-    EXPECT_THAT(complaints_, ElementsAre("cannot bring up device_information: no space",
-                                         "cannot bring up device_management: no space"));
+    EXPECT_THAT(warnings_, ElementsAre("cannot bring up device_information: no space",
+                                       "cannot bring up device_management: no space"));
     EXPECT_THAT(
         recorder_.seen(),
         testing::Contains(json{{"event", "service_not_up"}, {"service", "device_management"}, {"error", "no space"}}));
     services_.broken.reset();
-    EXPECT_EQ(std::nullopt, keeper_.bringUp("device_management"));
-    EXPECT_TRUE(keeper_.isUp("device_management"));
+    EXPECT_EQ(std::nullopt, supervisor_.bringUp("device_management"));
+    EXPECT_TRUE(supervisor_.isUp("device_management"));
 }
 
 TEST_F(Keeper, CountsAServiceThatDoesNotComeUpByHandAsDown) {
-    keeper_.takeDown("device_information");
+    supervisor_.takeDown("device_information");
     services_.broken = "no space";
-    EXPECT_EQ("no space", keeper_.bringUp("device_information"));
+    EXPECT_EQ("no space", supervisor_.bringUp("device_information"));
     services_.broken.reset();
     startReboot();
     endReboot();
-    EXPECT_FALSE(keeper_.isUp("device_information"));
+    EXPECT_FALSE(supervisor_.isUp("device_information"));
 }
 
 TEST_F(Keeper, TellsOfNothingThatWasSoBefore) {
-    EXPECT_EQ(std::nullopt, keeper_.bringUp("device_information"));
-    keeper_.takeDown("device_information");
-    keeper_.takeDown("device_information");
+    EXPECT_EQ(std::nullopt, supervisor_.bringUp("device_information"));
+    supervisor_.takeDown("device_information");
+    supervisor_.takeDown("device_information");
     EXPECT_THAT(switched(), ElementsAre("service_down device_information"));
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The control program of the simulated camera.
+ * Control program of the simulated camera.
  */
 #include <chrono>
 #include <exception>
@@ -12,7 +12,8 @@
 
 #include "command_text.h"
 #include "control_client.h"
-#include "scenario.h"
+#include "scenario_runner.h"
+#include "shipped_files.h"
 #include "wire.h"
 
 namespace {
@@ -22,15 +23,15 @@ using nlohmann::json;
 constexpr int kRefused = 1;
 constexpr int kUsageError = 2;
 
-/** What the command line asks for. */
+/** Request of the command line. */
 struct Request {
     std::string directory = wire::socketDirectory();
     json command = json::object();
-    std::string scenario; ///< name or path of the scenario to play; empty for a single command
-    double speed = 1.0;   ///< of the scenario
+    std::string scenario; ///< name or path of a scenario; empty for a single command
+    double speed = 1.0;   ///< in seconds of the scenario per second
 };
 
-/** Holds the texts of a subcommand's arguments until the command line is read. */
+/** Storage of a subcommand's arguments during the parsing. */
 struct Arguments {
     std::string service;
     std::string operation;
@@ -42,7 +43,7 @@ struct Arguments {
     bool always = false;
 };
 
-/** VALUE of `set`: JSON when it is that, else a text, so that texts need no second pair of quotes. */
+/** Parses VALUE of `set` as JSON. Other input is a text, so texts need no second pair of quotes. */
 json valueOf(const std::string &text) {
     json value = wire::decode(text);
     return value.is_discarded() ? json(text) : value;
@@ -54,29 +55,29 @@ json timesOf(const Arguments &arguments) {
 
 void addTimes(CLI::App *command, Arguments &arguments) {
     CLI::Option *times =
-        command->add_option("--times", arguments.times, "How often it happens; once by default")->type_name("N");
-    command->add_flag("--always", arguments.always, "It happens until it is cleared")->excludes(times);
+        command->add_option("--times", arguments.times, "Number of affected calls; default: 1")->type_name("N");
+    command->add_flag("--always", arguments.always, "Affect all calls until cleared")->excludes(times);
 }
 
 void addFaultOf(CLI::App *command, Arguments &arguments) {
-    command->add_option("SERVICE", arguments.service, "Name of a service, or directory")->required();
-    command->add_option("OPERATION", arguments.operation, "Name of an operation, or * for all")->required();
+    command->add_option("SERVICE", arguments.service, "Name of a service, or \"directory\"")->required();
+    command->add_option("OPERATION", arguments.operation, "Name of an operation; * for all")->required();
 }
 
 void addQueries(CLI::App &app, Request &request) {
     app.add_subcommand("state", "Print the state of the whole camera")->callback([&request] {
         request.command = {{"command", "state"}};
     });
-    app.add_subcommand("follow", "Print events as they happen, until interrupted")->callback([&request] {
+    app.add_subcommand("follow", "Print events continuously until interrupted")->callback([&request] {
         request.command = {{"command", "follow"}};
     });
 }
 
 void addSet(CLI::App &app, Request &request, Arguments &arguments) {
     CLI::App *set = app.add_subcommand("set", "Set a field of a target");
-    set->add_option("TARGET", arguments.target, "Target such as alarm/1")->required();
-    set->add_option("FIELD", arguments.field, "Field such as state or pan.position")->required();
-    set->add_option("VALUE", arguments.value, "JSON, or else a text")->required();
+    set->add_option("TARGET", arguments.target, "Target, such as alarm/1")->required();
+    set->add_option("FIELD", arguments.field, "Field, such as state or pan.position")->required();
+    set->add_option("VALUE", arguments.value, "JSON value; other input is a text")->required();
     set->callback([&request, &arguments] {
         request.command = {{"command", "set"},
                            {"target", arguments.target},
@@ -87,9 +88,8 @@ void addSet(CLI::App &app, Request &request, Arguments &arguments) {
 
 void addSwitches(CLI::App &app, Request &request, Arguments &arguments) {
     for (const char *name : {"down", "up"}) {
-        CLI::App *command =
-            app.add_subcommand(name, std::string(name) == "down" ? "Stop a service; its clients lose their connections"
-                                                                 : "Start a service again");
+        CLI::App *command = app.add_subcommand(
+            name, std::string(name) == "down" ? "Stop a service and close its connections" : "Start a stopped service");
         command->add_option("SERVICE", arguments.service, "Name of a service")->required();
         command->callback([&request, &arguments, name] {
             request.command = {{"command", name}, {"service", arguments.service}};
@@ -98,9 +98,9 @@ void addSwitches(CLI::App &app, Request &request, Arguments &arguments) {
 }
 
 void addFaults(CLI::App &app, Request &request, Arguments &arguments) {
-    CLI::App *fail = app.add_subcommand("fail", "Let an operation fail");
+    CLI::App *fail = app.add_subcommand("fail", "Make an operation fail");
     addFaultOf(fail, arguments);
-    fail->add_option("STATUS", arguments.number, "Status that it answers; not 0")->required();
+    fail->add_option("STATUS", arguments.number, "Status of the answer; not 0")->required();
     addTimes(fail, arguments);
     fail->callback([&request, &arguments] {
         request.command = {{"command", "fail"},
@@ -110,9 +110,9 @@ void addFaults(CLI::App &app, Request &request, Arguments &arguments) {
                            {"times", timesOf(arguments)}};
     });
 
-    CLI::App *delay = app.add_subcommand("delay", "Hold back an operation's answer");
+    CLI::App *delay = app.add_subcommand("delay", "Delay the answers of an operation");
     addFaultOf(delay, arguments);
-    delay->add_option("MILLISECONDS", arguments.number, "How long")->required();
+    delay->add_option("MILLISECONDS", arguments.number, "Delay of each answer")->required();
     addTimes(delay, arguments);
     delay->callback([&request, &arguments] {
         request.command = {{"command", "delay"},
@@ -124,9 +124,9 @@ void addFaults(CLI::App &app, Request &request, Arguments &arguments) {
 }
 
 void addClear(CLI::App &app, Request &request, Arguments &arguments) {
-    CLI::App *clear = app.add_subcommand("clear", "End failures and delays");
-    clear->add_option("SERVICE", arguments.service, "Only those of a service, or of directory");
-    clear->add_option("OPERATION", arguments.operation, "Only those for this operation, or for *");
+    CLI::App *clear = app.add_subcommand("clear", "Remove failures and delays");
+    clear->add_option("SERVICE", arguments.service, "Only those of a service, or of \"directory\"");
+    clear->add_option("OPERATION", arguments.operation, "Only those of this operation, or of *");
     clear->callback([&request, &arguments] {
         request.command = {{"command", "clear"}};
         if (!arguments.service.empty()) {
@@ -139,11 +139,11 @@ void addClear(CLI::App &app, Request &request, Arguments &arguments) {
 }
 
 void addPlay(CLI::App &app, Request &request) {
-    CLI::App *play = app.add_subcommand("play", "Play a scenario: control commands at certain times");
-    play->add_option("SCENARIO", request.scenario, "Name of a scenario that comes with the program, or path of a file")
+    CLI::App *play = app.add_subcommand("play", "Play a scenario: timed control commands");
+    play->add_option("SCENARIO", request.scenario, "Name of a shipped scenario, or path of a scenario file")
         ->type_name("NAME|FILE")
         ->required();
-    play->add_option("--speed", request.speed, "How many seconds of the scenario pass in a second")
+    play->add_option("--speed", request.speed, "Seconds of the scenario per second")
         ->type_name("FACTOR")
         ->capture_default_str();
     play->callback([&request] {
@@ -170,20 +170,26 @@ json executeOrThrow(camera::ControlClient &client, const json &command) {
     return answer;
 }
 
+/** Checks a scenario with a dry run, which lasts as long as its own connection. */
+void checkScenario(camera::Scenario &scenario, const std::string &directory) {
+    camera::ControlClient client(directory);
+    camera::dryRun(scenario, [&](const json &command) { return client.execute(command); });
+}
+
 int playScenario(const Request &request) {
     using Clock = std::chrono::steady_clock;
     camera::Scenario scenario = camera::readScenarioFile(
         camera::findNamedFile("scenario", request.scenario, camera::shippedDirectory("scenarios")));
+    checkScenario(scenario, request.directory);
     camera::ControlClient client(request.directory);
-    camera::rehearse(scenario, executeOrThrow(client, {{"command", "state"}}).at("state"));
     std::cout << scenario.name << ": " << scenario.description << std::endl;
     const Clock::time_point start = Clock::now();
-    camera::play(scenario, request.speed,
-                 {[&](double seconds) {
-                      client.waitUntil(start +
-                                       std::chrono::ceil<Clock::duration>(std::chrono::duration<double>(seconds)));
-                  },
-                  [&](const json &command) { return client.execute(command); }, std::cout});
+    const camera::ScenarioRunner runner = {
+        [&](double seconds) {
+            client.waitUntil(start + std::chrono::ceil<Clock::duration>(std::chrono::duration<double>(seconds)));
+        },
+        [&](const json &command) { return client.execute(command); }, std::cout};
+    runner.play(scenario, request.speed);
     std::cout << scenario.name << " has been played" << std::endl;
     return 0;
 }
@@ -203,10 +209,10 @@ int run(int argc, char **argv) {
     Request request;
     Arguments arguments;
     CLI::App app("Controls the simulated camera.", "quarnsnmp-camctl");
-    app.footer("Exit status: 0 done, 1 refused or no camera there, 2 wrong usage.");
+    app.footer("Exit status: 0 success, 1 refused command or no camera, 2 usage error.");
     app.set_version_flag("--version", std::string("quarnsnmp-camctl ") + QUARNSNMP_VERSION);
     app.add_option("--directory", request.directory,
-                   "Directory of the camera's sockets; QUARNSNMP_CAMERA_DIR sets another default")
+                   "Directory of the camera's sockets; QUARNSNMP_CAMERA_DIR overrides the default")
         ->type_name("DIR")
         ->capture_default_str();
     app.require_subcommand(1);
