@@ -79,7 +79,7 @@ TEST_F(PtzctlField, WhoIsNotLetInIsTold) {
     impostor["PTZCTL_AUTH_PASSPHRASE"] = "something else";
     const CommandResult refused = run({"status"}, impostor);
     EXPECT_EQ(refused.status.code, kNoAnswer);
-    EXPECT_THAT(refused.errors, HasSubstr("the agent does not let the request in"));
+    EXPECT_THAT(refused.errors, HasSubstr("the agent rejects the credentials"));
     impostor.erase("PTZCTL_AUTH_PASSPHRASE");
     const CommandResult without = run({"status"}, impostor);
     EXPECT_EQ(without.status.code, kNoAnswer) << without.errors;

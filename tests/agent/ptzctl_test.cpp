@@ -253,6 +253,6 @@ TEST_F(PtzctlMinimal, WhatTheCameraDoesNotHaveIsLeftOut) {
     EXPECT_THAT(text, StartsWith("Camera   QN-100 Minimal"));
     EXPECT_THAT(text, Not(HasSubstr("Focus")));
     EXPECT_THAT(done({"stop"}), StartsWith("The camera does not have positionZoomLens.\n"));
-    EXPECT_THAT(complains(kRefused, {"inputs"}), HasSubstr("none of the objects of alarm inputs"));
+    EXPECT_THAT(complains(kRefused, {"inputs"}), HasSubstr("no objects for alarm inputs"));
     EXPECT_THAT(complains(kRefused, {"focus", "near"}), HasSubstr("the camera refused positionFocusLens"));
 }

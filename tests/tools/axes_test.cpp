@@ -7,7 +7,7 @@
 #include "axes.h"
 #include "octets_text.h"
 
-using namespace ptzctl;
+using namespace ptz;
 
 namespace {
 
@@ -15,27 +15,27 @@ constexpr ByteOrder kLow = ByteOrder::LowFirst;
 constexpr ByteOrder kHigh = ByteOrder::HighFirst;
 
 std::string octets(const PositionCommand &command, ByteOrder order = kLow) {
-    return hexText(encode(command, order));
+    return snmp::hexText(encode(command, order));
 }
 
 } // namespace
 
 TEST(Axes, GoToPositions) {
-    EXPECT_EQ(octets(commandTo(axisOf("pan"), 270, 64)), "02 40 78 69");
-    EXPECT_EQ(octets(commandTo(axisOf("pan"), -90, 64)), "02 40 78 69");
-    EXPECT_EQ(octets(commandTo(axisOf("pan"), 180, 64), kHigh), "02 40 46 50");
-    EXPECT_EQ(octets(commandTo(axisOf("pan"), 360, 1)), "02 01 00 00");
-    EXPECT_EQ(octets(commandTo(axisOf("pan"), -0.004, 1)), "02 01 00 00");
-    EXPECT_EQ(octets(commandTo(axisOf("tilt"), -30, 127)), "02 7F E8 80");
-    EXPECT_EQ(octets(commandTo(axisOf("tilt"), 90, 127)), "02 7F 28 23");
-    EXPECT_EQ(octets(commandTo(axisOf("zoom"), 100, 64)), "02 40 FF FF");
-    EXPECT_EQ(octets(commandTo(axisOf("focus"), 50, 64)), "02 40 00 80");
+    EXPECT_EQ(octets(commandTo(axisNamed("pan"), 270, 64)), "02 40 78 69");
+    EXPECT_EQ(octets(commandTo(axisNamed("pan"), -90, 64)), "02 40 78 69");
+    EXPECT_EQ(octets(commandTo(axisNamed("pan"), 180, 64), kHigh), "02 40 46 50");
+    EXPECT_EQ(octets(commandTo(axisNamed("pan"), 360, 1)), "02 01 00 00");
+    EXPECT_EQ(octets(commandTo(axisNamed("pan"), -0.004, 1)), "02 01 00 00");
+    EXPECT_EQ(octets(commandTo(axisNamed("tilt"), -30, 127)), "02 7F E8 80");
+    EXPECT_EQ(octets(commandTo(axisNamed("tilt"), 90, 127)), "02 7F 28 23");
+    EXPECT_EQ(octets(commandTo(axisNamed("zoom"), 100, 64)), "02 40 FF FF");
+    EXPECT_EQ(octets(commandTo(axisNamed("focus"), 50, 64)), "02 40 00 80");
 }
 
 TEST(Axes, MakeStepsByTheSignOfTheSpeed) {
-    EXPECT_EQ(octets(commandBy(axisOf("pan"), -5, 64)), "01 C0 F4 01");
-    EXPECT_EQ(octets(commandBy(axisOf("pan"), 327.67, 127)), "01 7F FF 7F");
-    EXPECT_EQ(octets(commandBy(axisOf("iris"), -100, 1)), "01 FF FF FF");
+    EXPECT_EQ(octets(commandBy(axisNamed("pan"), -5, 64)), "01 C0 F4 01");
+    EXPECT_EQ(octets(commandBy(axisNamed("pan"), 327.67, 127)), "01 7F FF 7F");
+    EXPECT_EQ(octets(commandBy(axisNamed("iris"), -100, 1)), "01 FF FF FF");
 }
 
 TEST(Axes, RefuseWhatTheyCannotDo) {
@@ -48,7 +48,7 @@ TEST(Axes, RefuseWhatTheyCannotDo) {
                                        {"zoom", 100.1},
                                        {"focus", nan},
                                        {"iris", -1.0}}) {
-        EXPECT_THROW(commandTo(axisOf(name), target, 64), std::invalid_argument) << name << " to " << target;
+        EXPECT_THROW(commandTo(axisNamed(name), target, 64), std::invalid_argument) << name << " to " << target;
     }
     for (const auto &[name, step] : {std::pair{"pan", 0.0},
                                      {"pan", 0.004},
@@ -58,23 +58,23 @@ TEST(Axes, RefuseWhatTheyCannotDo) {
                                      {"focus", 100.1},
                                      {"iris", nan},
                                      {"pan", 1e300}}) {
-        EXPECT_THROW(commandBy(axisOf(name), step, 64), std::invalid_argument) << name << " by " << step;
+        EXPECT_THROW(commandBy(axisNamed(name), step, 64), std::invalid_argument) << name << " by " << step;
     }
     for (const int speed : {0, -1, 128}) {
-        EXPECT_THROW(commandTo(axisOf("pan"), 1, speed), std::invalid_argument);
-        EXPECT_THROW(commandBy(axisOf("pan"), 1, speed), std::invalid_argument);
-        EXPECT_THROW(commandTowards(axisOf("pan"), "left", speed, kLow), std::invalid_argument);
+        EXPECT_THROW(commandTo(axisNamed("pan"), 1, speed), std::invalid_argument);
+        EXPECT_THROW(commandBy(axisNamed("pan"), 1, speed), std::invalid_argument);
+        EXPECT_THROW(commandTowards(axisNamed("pan"), "left", speed, kLow), std::invalid_argument);
     }
-    EXPECT_THROW(commandTowards(axisOf("pan"), "up", 64, kLow), std::invalid_argument);
-    EXPECT_THROW(axisOf("roll"), std::invalid_argument);
+    EXPECT_THROW(commandTowards(axisNamed("pan"), "up", 64, kLow), std::invalid_argument);
+    EXPECT_THROW(axisNamed("roll"), std::invalid_argument);
 }
 
 TEST(Axes, RunTowardsTheirWords) {
     for (const Axis &axis : axes()) {
-        EXPECT_EQ(octets(commandTowards(axis, axis.forward, 127, kLow)), "03 7F 00 00") << axis.name;
-        EXPECT_EQ(octets(commandTowards(axis, axis.backward, 127, kLow)), "03 81 00 00") << axis.name;
+        EXPECT_EQ(octets(commandTowards(axis, axis.directions.forward, 127, kLow)), "03 7F 00 00") << axis.name;
+        EXPECT_EQ(octets(commandTowards(axis, axis.directions.backward, 127, kLow)), "03 81 00 00") << axis.name;
         for (const ByteOrder order : {kLow, kHigh}) {
-            for (const char *word : {axis.forward, axis.backward}) {
+            for (const char *word : {axis.directions.forward, axis.directions.backward}) {
                 EXPECT_EQ(describe(axis, commandTowards(axis, word, 5, order), order),
                           std::string(word) + " at speed 5");
             }
@@ -83,23 +83,23 @@ TEST(Axes, RunTowardsTheirWords) {
 }
 
 TEST(Axes, PublicTextsCloseTheIrisWithAPositiveSpeed) {
-    EXPECT_EQ(octets(commandTowards(axisOf("iris"), "close", 127, kHigh)), "03 7F 00 00");
-    EXPECT_EQ(octets(commandTowards(axisOf("focus"), "far", 127, kHigh)), "03 7F 00 00");
+    EXPECT_EQ(octets(commandTowards(axisNamed("iris"), "close", 127, kHigh)), "03 7F 00 00");
+    EXPECT_EQ(octets(commandTowards(axisNamed("focus"), "far", 127, kHigh)), "03 7F 00 00");
 }
 
 TEST(Axes, EveryPositionOfACircleIsAnAngleThatLeadsBack) {
     for (const char *name : {"pan", "tilt"}) {
-        const Axis &axis = axisOf(name);
-        for (int position = 0; position < axis.circle; ++position) {
+        const Axis &axis = axisNamed(name);
+        for (int position = 0; position < axis.range.circle; ++position) {
             const double angle = valueOf(axis, static_cast<std::uint16_t>(position));
-            if (angle <= axis.highest) {
+            if (angle <= axis.range.highest) {
                 ASSERT_EQ(commandTo(axis, angle, 1).position, position) << name;
             }
         }
     }
     for (int position = 0; position < 65536; ++position) {
-        const double percent = valueOf(axisOf("zoom"), static_cast<std::uint16_t>(position));
-        ASSERT_EQ(commandTo(axisOf("zoom"), percent, 1).position, position);
+        const double percent = valueOf(axisNamed("zoom"), static_cast<std::uint16_t>(position));
+        ASSERT_EQ(commandTo(axisNamed("zoom"), percent, 1).position, position);
     }
 }
 
@@ -123,13 +123,13 @@ TEST(Axes, OctetsAreExplained) {
         {"pan", "02 40", "02 40: a command has 4 octets, not 2"},
     };
     for (const auto &example : cases) {
-        EXPECT_EQ(describeOctets(axisOf(example.axis), octetsOf(example.octets), kLow), example.text);
+        EXPECT_EQ(describeOctets(axisNamed(example.axis), snmp::parseHex(example.octets), kLow), example.text);
     }
 }
 
 TEST(Axes, OctetsAreExplainedToPrograms) {
     const auto json = [](const char *axis, const char *text) {
-        return octetsJson(axisOf(axis), octetsOf(text), kLow).dump();
+        return octetsJson(axisNamed(axis), snmp::parseHex(text), kLow).dump();
     };
     EXPECT_EQ(json("tilt", "027FE880"),
               R"({"octets":"02 7F E8 80","mode":"absolute","speed":127,"position":33000,"degrees":-30.0})");

@@ -3,9 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "driving.h"
+#include "commands/move.h"
+#include "commands/show.h"
+#include "object_oids.h"
 #include "scripted_camera.h"
-#include "showing.h"
 
 using namespace ptzctl;
 using scripted::Camera;
@@ -20,10 +21,20 @@ using testing::Not;
 
 namespace {
 
-constexpr int kUsage = 2;
+constexpr snmp::Cause kUsage = snmp::Cause::Usage;
+
+Action moving(const char *axis, double position, int speed) {
+    const ptz::Axis &moved = ptz::axisNamed(axis);
+    return
+        [&moved, position, speed](Context &context) { move(context, moved, ptz::commandTo(moved, position, speed)); };
+}
+
+Action recalling(int number) {
+    return [number](Context &context) { goToPreset(context, number); };
+}
 
 Action stopping(const std::string &which) {
-    return [which](Context &context) { stop(context, which); };
+    return [list = axesNamed(which)](Context &context) { stop(context, list); };
 }
 
 Action switching(int relay, bool on) {
@@ -34,19 +45,19 @@ Action automatic(unsigned int feature, bool on) {
     return [=](Context &context) { setAutomatic(context, feature, on); };
 }
 
-/** A camera that does what it is told and shows it: relays and automatic features too. */
+/** Makes the first relay and the automatic focus follow their commands. */
 void followCommands(Camera &camera) {
-    camera.spoil = [&camera](Request request, Reply &reply) {
-        if (request == Request::Set && reply.variables.front().identifier == scripted::id("outputControl")) {
+    camera.spoil = [&camera](snmp::Operation operation, snmp::Response &response) {
+        const std::string &oid = response.varbinds.front().oid;
+        if (operation == snmp::Operation::Set && oid == oids::outputControl) {
             camera.put("outputStatus", "\x01");
-        } else if (request == Request::Set &&
-                   reply.variables.front().identifier == scripted::id("systemLensFeatureControl")) {
+        } else if (operation == snmp::Operation::Set && oid == oids::systemLensFeatureControl) {
             camera.put("systemLensFeatureStatus", "\x40");
         }
     };
 }
 
-/** A camera as a visitor finds it. */
+/** Gives a camera values of all kinds. */
 void furnish(Camera &camera) {
     camera.put("modelName", "QN-4000 Dome");
     camera.put("serialNumber", "QN\0334711");
@@ -78,7 +89,7 @@ TEST(Commands, StatusShowsEverythingAtAGlance) {
               "Presets      last recalled none, last stored preset 7, 255 in all\n"
               "Temperature  -1 °C\n"
               "Power        state 0\n"
-              "Voltage      state genErr: the camera could not do it; look at its log, and at `ptzctl status`\n"
+              "Voltage      state genErr: the camera failed to do it; its log has the reason\n"
               "Inputs       1 off, 2 on\n"
               "Relays       1 off\n");
 }
@@ -113,7 +124,7 @@ TEST(Commands, InputsFallBackToTheBits) {
     camera.put("inputStatus", "\x05");
     EXPECT_EQ(report(camera, showInputs).text, "Inputs  1 on, 2 off, 3 on, 4 off\n");
     camera.remove("inputStatus");
-    EXPECT_EQ(failure(camera, showInputs, kRefused), "the camera has none of the objects of alarm inputs");
+    EXPECT_EQ(failure(camera, showInputs, kRefused), "the camera has no objects for alarm inputs");
 }
 
 TEST(Commands, LimitsAreAngles) {
@@ -136,14 +147,14 @@ TEST(Commands, GetShowsWhatItCanAndFails) {
     Report result;
     const Settings settings;
     Context context{camera, settings, result};
-    EXPECT_THROW(showObjects(context, {"timeoutPan", "power"}), std::runtime_error);
+    EXPECT_THROW(showObjects(context, {ptz::instanceNamed("timeoutPan"), ptz::instanceNamed("power")}),
+                 std::runtime_error);
     EXPECT_EQ(result.text, "timeoutPan  none\npower       the camera does not have it\n");
 }
 
 TEST(Commands, AWriteShowsBeforeSentAndAfter) {
     Camera camera;
-    const Report written =
-        report(camera, [](Context &context) { drive(context, axisOf("pan"), commandTo(axisOf("pan"), 90, 64)); });
+    const Report written = report(camera, moving("pan", 90, 64));
     EXPECT_EQ(written.text, "             before  sent                   after\n"
                             "positionPan  stop    to 90.00° at speed 64  to 90.00° at speed 64\n");
     const nlohmann::ordered_json &data = written.data.at("written").at("positionPan");
@@ -156,18 +167,17 @@ TEST(Commands, AWriteShowsBeforeSentAndAfter) {
 TEST(Commands, AWriteInTheOtherOrder) {
     Camera camera;
     Settings settings;
-    settings.order = ByteOrder::HighFirst;
-    report(
-        camera, [](Context &context) { drive(context, axisOf("pan"), commandTo(axisOf("pan"), 180, 64)); }, settings);
+    settings.order = ptz::ByteOrder::HighFirst;
+    report(camera, moving("pan", 180, 64), settings);
     EXPECT_THAT(camera.log, Contains("set positionPan=02 40 46 50"));
 }
 
 TEST(Commands, AnAutomaticDriveIsPointedOut) {
     Camera camera;
-    const Action move = [](Context &context) { drive(context, axisOf("iris"), commandTo(axisOf("iris"), 1, 1)); };
-    EXPECT_THAT(report(camera, move).text, Not(HasSubstr("automatic")));
+    const Action opening = moving("iris", 1, 1);
+    EXPECT_THAT(report(camera, opening).text, Not(HasSubstr("automatic")));
     camera.put("systemLensFeatureStatus", "\x80");
-    EXPECT_THAT(report(camera, move).text, HasSubstr("ptzctl auto iris off"));
+    EXPECT_THAT(report(camera, opening).text, HasSubstr("ptzctl auto iris off"));
 }
 
 TEST(Commands, StopSendsThreeAxesInOneRequest) {
@@ -193,12 +203,12 @@ TEST(Commands, StopLeavesOutWhatTheCameraDoesNotHave) {
 TEST(Commands, TheAutomaticIsSwitchedAndLookedAt) {
     Camera camera;
     followCommands(camera);
-    EXPECT_THAT(report(camera, automatic(kAutomaticFocus, true)).text, HasSubstr("Automatic now: focus\n"));
+    EXPECT_THAT(report(camera, automatic(ptz::kAutomaticFocus, true)).text, HasSubstr("Automatic now: focus\n"));
     EXPECT_THAT(camera.log, Contains("set systemLensFeatureControl=40 80"));
-    EXPECT_EQ(failure(camera, automatic(kAutomaticIris, true), kRefused),
-              "the camera has taken the command and not carried it out");
+    EXPECT_EQ(failure(camera, automatic(ptz::kAutomaticIris, true), kRefused),
+              "the camera accepted the command but did not carry it out");
     EXPECT_THAT(camera.log, Contains("set systemLensFeatureControl=80 80"));
-    report(camera, automatic(kAutomaticIris, false));
+    report(camera, automatic(ptz::kAutomaticIris, false));
     EXPECT_THAT(camera.log, Contains("set systemLensFeatureControl=80 00"));
 }
 
@@ -209,7 +219,7 @@ TEST(Commands, ARelayIsSwitchedAndLookedAt) {
     EXPECT_THAT(report(camera, switching(1, true)).text, HasSubstr("Relays now: 1 on, 2 off\n"));
     EXPECT_THAT(camera.log, Contains("set outputControl=01 80"));
     EXPECT_EQ(failure(camera, switching(2, true), kRefused),
-              "the camera has taken the command and not switched the relay");
+              "the camera accepted the command but did not switch the relay");
     EXPECT_EQ(failure(camera, switching(3, true), kUsage), "the camera has relays 1 to 2");
 }
 
@@ -218,21 +228,19 @@ TEST(Commands, APresetIsANumberTheCameraHas) {
     camera.put("rangeMaximumPreset", 16);
     EXPECT_THAT(report(camera, [](Context &context) { storePreset(context, 16); }).text, HasSubstr("preset 16"));
     EXPECT_THAT(camera.log, Contains("set presetStorePosition=16"));
-    EXPECT_EQ(failure(
-                  camera, [](Context &context) { goToPreset(context, 17); }, kUsage),
-              "the camera has presets 1 to 16");
+    EXPECT_EQ(failure(camera, recalling(17), kUsage), "the camera has presets 1 to 16");
     EXPECT_THAT(camera.log, Not(Contains(HasSubstr("set presetGoto"))));
     camera.put("rangeMaximumPreset", 0);
-    report(camera, [](Context &context) { goToPreset(context, 18); });
+    report(camera, recalling(18));
     EXPECT_THAT(camera.log, Contains("set presetGotoPosition=18"));
     camera.remove("rangeMaximumPreset");
-    report(camera, [](Context &context) { goToPreset(context, 17); });
+    report(camera, recalling(17));
     EXPECT_THAT(camera.log, Contains("set presetGotoPosition=17"));
 }
 
 TEST(Commands, TimeoutsAndReboot) {
     Camera camera;
-    report(camera, [](Context &context) { setTimeout(context, "all", 5000); });
+    report(camera, [](Context &context) { setTimeout(context, axesNamed("all"), 5000); });
     EXPECT_THAT(camera.log, Contains("set timeoutPan=5000 timeoutTilt=5000 timeoutZoom=5000"));
     EXPECT_THAT(report(camera, showTimeouts).text, HasSubstr("Pan    5000 ms\n"));
     report(camera, reboot);

@@ -7,7 +7,9 @@
 #include "octets_text.h"
 #include "position_command.h"
 
-using namespace ptzctl;
+using namespace ptz;
+using snmp::hexText;
+using snmp::parseHex;
 
 namespace {
 
@@ -99,7 +101,7 @@ TEST(PositionCommand, ModesHaveNames) {
 TEST(OctetsText, EveryOctetIsWrittenAndRead) {
     for (int octet = 0; octet < kOctetValues; ++octet) {
         const std::string octets = fourOctets(octet, 255 - octet, 0, octet);
-        EXPECT_EQ(octetsOf(hexText(octets)), octets);
+        EXPECT_EQ(parseHex(hexText(octets)), octets);
     }
     EXPECT_EQ(hexText(fourOctets(2, 0x7F, 0xE8, 0x80)), "02 7F E8 80");
     EXPECT_EQ(hexText(""), "");
@@ -108,17 +110,17 @@ TEST(OctetsText, EveryOctetIsWrittenAndRead) {
 TEST(OctetsText, ReadsTheUsualWaysOfWriting) {
     const std::string octets = fourOctets(2, 0x7F, 0xE8, 0x80);
     for (const char *text : {"027FE880", "02 7f e8 80", "02:7F:E8:80", "0x027fE880"}) {
-        EXPECT_EQ(octetsOf(text), octets) << text;
+        EXPECT_EQ(parseHex(text), octets) << text;
     }
-    EXPECT_EQ(octetsOf(""), "");
+    EXPECT_EQ(parseHex(""), "");
 }
 
 TEST(OctetsText, RefusesOtherTexts) {
     for (const char *text : {"0", "02 7", "02-7F", "pan", "02  7F", " 02", "02 ", "-1", "0x0x02"}) {
-        EXPECT_THROW(octetsOf(text), std::invalid_argument) << text;
+        EXPECT_THROW(parseHex(text), std::invalid_argument) << text;
     }
 }
 
 TEST(OctetsText, WhatSteersATerminalIsReplaced) {
-    EXPECT_EQ(printable("QN\033[2J\n\xC3\xA4~ !"), "QN.[2J...~ !");
+    EXPECT_EQ(snmp::printable("QN\033[2J\n\xC3\xA4~ !"), "QN.[2J...~ !");
 }

@@ -11,9 +11,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "hosts.h"
+#include "command_line.h"
+#include "commands/trap_text.h"
+#include "host_processes.h"
+#include "object_oids.h"
 #include "run.h"
-#include "traps.h"
 
 using namespace ptzctl;
 using testing::HasSubstr;
@@ -22,7 +24,7 @@ namespace {
 
 const std::vector<std::string> kTwo = {"one", "two"};
 
-/** Forgets what whoever runs the tests has set for the program. */
+/** Removes the program's variables from the environment of the tests. */
 class CleanEnvironment : public testing::Environment {
 public:
     void SetUp() override {
@@ -43,10 +45,10 @@ void command(const std::string &host, Report &report) {
     report.text = "pid " + std::to_string(getpid()) + "\n";
     report.data["name"] = host;
     if (host == "refusing") {
-        throw Failure(ExitCode::Refused, "no", "ask again");
+        throw snmp::Failure(snmp::Cause::Refused, "no", "ask again");
     }
     if (host == "two") {
-        throw Failure(ExitCode::NoAnswer, "no answer", "look");
+        throw snmp::Failure(snmp::Cause::NoAnswer, "no answer", "look");
     }
     if (host == "dying") {
         std::raise(SIGKILL);
@@ -70,7 +72,7 @@ std::string complaint(Invocation &invocation, std::vector<std::string> arguments
     try {
         app->parse(arguments);
     } catch (const CLI::ParseError &error) {
-        return complaintOf(*app, error);
+        return errorOf(*app, error);
     } catch (const std::invalid_argument &error) {
         return error.what();
     }
@@ -102,11 +104,11 @@ TEST(Program, AsksEveryCameraInAProcessOfItsOwn) {
 TEST(Program, WhateverHappensToOneCameraTheOthersAreShown) {
     const std::vector<std::string> hosts = {"dying", "throwing", "one", "refusing"};
     const std::vector<Outcome> all = outcomes(hosts);
-    EXPECT_EQ(all[0].code, ExitCode::BadAnswer);
+    EXPECT_EQ(all[0].code, ExitCode::BadResponse);
     EXPECT_EQ(all[1].error, "trouble");
     EXPECT_EQ(all[2].code, ExitCode::Done);
     EXPECT_EQ(all[3].code, ExitCode::Refused);
-    EXPECT_EQ(errorsText(hosts, all), "ptzctl: dying: the process that asked has ended without an outcome\n"
+    EXPECT_EQ(errorsText(hosts, all), "ptzctl: dying: the child process died before it had an outcome\n"
                                       "ptzctl: throwing: trouble\n"
                                       "ptzctl: refusing: no\n  ask again\n");
 }
@@ -184,7 +186,7 @@ TEST(Program, WrongCommandLinesAreRefused) {
         {{"timeouts", "roll", "1"}, "there is no axis 'roll'"},
         {{"get"}, "NAME is required"},
         {{"get", "positionpan"}, "there is no object 'positionpan'"},
-        {{"set", "modelName", "x"}, "modelName can only be read"},
+        {{"set", "modelName", "x"}, "modelName is read-only"},
         {{"set", "positionPan", "zz"}, "'zz' is not octets"},
         {{"set", "timeoutPan", "1.5"}, "'1.5' is not a number"},
         {{"decode", "pan", "02"}, "a command has 4 octets, not 1"},
@@ -238,7 +240,7 @@ TEST(Program, TheEnvironmentStandsInForOptions) {
     unsetenv("PTZCTL_HOST");
     unsetenv("PTZCTL_BYTE_ORDER");
     EXPECT_THAT(invocation.hosts, testing::ElementsAre("a", "b"));
-    EXPECT_EQ(invocation.settings.order, ByteOrder::HighFirst);
+    EXPECT_EQ(invocation.settings.order, ptz::ByteOrder::HighFirst);
 }
 
 TEST(Program, AsksBeforeARestart) {
@@ -268,16 +270,16 @@ TEST(Program, WantsToKnowWhichCamera) {
 }
 
 TEST(Program, TrapsAreExplained) {
-    const auto trap = [](const std::string &notification, std::vector<Variable> values) {
-        values.insert(values.begin(), {"1.3.6.1.6.3.1.1.4.1.0", Type::ObjectIdentifier, 0, notification});
+    const auto trap = [](const std::string &notification, std::vector<snmp::Varbind> values) {
+        values.insert(values.begin(), {oids::snmpTrapOID, snmp::Type::Oid, 0, notification});
         return values;
     };
-    const std::string temperature = "1.3.6.1.4.1.99999.1.1.7.0";
-    const std::vector<Variable> warm = trap(temperature, {{temperature, Type::Gauge32, 36, ""}});
+    const std::string temperature = oids::registered::temperature;
+    const std::vector<snmp::Varbind> warm = trap(temperature, {{temperature, snmp::Type::Gauge32, 36, ""}});
     EXPECT_EQ(trapText(warm, {}), "temperature is 36 °C: it has moved by more than 2 degrees");
     EXPECT_EQ(trapJson(warm, {}).dump(),
               R"({"notification":"1.3.6.1.4.1.99999.1.1.7.0","name":"temperature","values":{"temperature":36}})");
-    EXPECT_EQ(trapText(trap("1.3.6.1.6.3.1.1.5.1", {}), {}), "coldStart: the agent has started");
-    EXPECT_EQ(trapText(trap("1.3.9", {integer("1.3.8", 2)}), {}), "1.3.9, 1.3.8 is 2");
+    EXPECT_EQ(trapText(trap(".1.3.6.1.6.3.1.1.5.1", {}), {}), "coldStart: the agent has started");
+    EXPECT_EQ(trapText(trap(".1.3.9", {snmp::integer(".1.3.8", 2)}), {}), "1.3.9, 1.3.8 is 2");
     EXPECT_EQ(trapText({}, {}), "a notification without a name");
 }

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "command_line.h"
 #include "run.h"
 #include "screen.h"
 
@@ -21,21 +22,22 @@ TEST(Screen, TheHeadingSaysWhichCameraWhenAndHowItGoesOn) {
     invocation.hosts = {"192.0.2.20"};
     invocation.intervalSeconds = 0.5;
     const std::time_t now = 1795305600;
-    EXPECT_EQ(screenHeading(invocation, now), "192.0.2.20  2026-11-22 00:00:00, every 0.5 s; * new; Ctrl-C ends\n\n");
+    EXPECT_EQ(screenHeading(invocation, now),
+              "192.0.2.20  2026-11-22 00:00:00, every 0.5 s; * changed; Ctrl-C ends\n\n");
     invocation.hosts = {"192.0.2.20", "192.0.2.21"};
-    EXPECT_EQ(screenHeading(invocation, now), "2026-11-22 00:00:00, every 0.5 s; * new; Ctrl-C ends\n\n");
+    EXPECT_EQ(screenHeading(invocation, now), "2026-11-22 00:00:00, every 0.5 s; * changed; Ctrl-C ends\n\n");
 }
 
 TEST(Screen, WhatIsNewIsMarked) {
-    EXPECT_EQ(changesMarked("Pan   stop\nTilt  up\n", "Pan   stop\nTilt  stop\n", {}), "Pan   stop\nTilt  up  *\n");
-    EXPECT_EQ(changesMarked("Pan   stop\n", "Pan   stop\n", {}), "Pan   stop\n");
-    EXPECT_EQ(changesMarked("Pan  left\n", "Pan  stop\n", Style{true}), "Pan  left  \033[32m*\033[0m\n");
+    EXPECT_EQ(markChanges("Pan   stop\nTilt  up\n", "Pan   stop\nTilt  stop\n", {}), "Pan   stop\nTilt  up  *\n");
+    EXPECT_EQ(markChanges("Pan   stop\n", "Pan   stop\n", {}), "Pan   stop\n");
+    EXPECT_EQ(markChanges("Pan  left\n", "Pan  stop\n", Style{true}), "Pan  left  \033[32m*\033[0m\n");
 }
 
 TEST(Screen, NothingIsMarkedWhenThereAreOtherLines) {
-    EXPECT_EQ(changesMarked("Pan   stop\nTilt  stop\n", "", {}), "Pan   stop\nTilt  stop\n");
-    EXPECT_EQ(changesMarked("Tilt  stop\n", "Pan   stop\nTilt  stop\n", {}), "Tilt  stop\n");
-    EXPECT_EQ(changesMarked("", "Pan   stop\n", {}), "");
+    EXPECT_EQ(markChanges("Pan   stop\nTilt  stop\n", "", {}), "Pan   stop\nTilt  stop\n");
+    EXPECT_EQ(markChanges("Tilt  stop\n", "Pan   stop\nTilt  stop\n", {}), "Tilt  stop\n");
+    EXPECT_EQ(markChanges("", "Pan   stop\n", {}), "");
 }
 
 TEST(Screen, ItIsForTerminalsAndThereWithoutAnAnswerToo) {

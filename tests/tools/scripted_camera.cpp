@@ -1,66 +1,77 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "scripted_camera.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
-#include "failure.h"
-#include "objects.h"
+#include "error_status.h"
+#include "oid_text.h"
 
 namespace scripted {
 
-using namespace ptzctl;
+using snmp::Operation;
+using snmp::Response;
+using snmp::Varbind;
 
 namespace {
 
-constexpr long kTooBig = 1;
-
-const char *word(Request request) {
-    return request == Request::Get ? "get" : request == Request::Set ? "set" : "next";
+const char *word(Operation operation) {
+    return operation == Operation::Get ? "get" : operation == Operation::Set ? "set" : "next";
 }
 
-Reply refusal(const std::vector<Variable> &variables, std::size_t place, long error) {
-    return {error, static_cast<long>(place) + 1, variables};
+/** Finds the error of the first varbind that has one. @return no error status without one */
+Response errorAmong(const std::map<std::string, long> &errors, const std::vector<Varbind> &varbinds) {
+    const auto failing = std::find_if(varbinds.begin(), varbinds.end(),
+                                      [&](const Varbind &varbind) { return errors.count(varbind.oid) != 0; });
+    if (failing == varbinds.end()) {
+        return {};
+    }
+    const long error = errors.at(failing->oid);
+    if (error == snmp::kTooBig) {
+        return {varbinds.size() > 1 ? error : 0, 0, {}};
+    }
+    return {error, failing - varbinds.begin() + 1, varbinds};
 }
 
-/** A preset's number becomes an octet, as this product's cameras keep it. */
-Variable stored(const Variable &value) {
-    const Object *const object = objectAt(value.identifier);
-    return object != nullptr && object->writtenAsNumber
-               ? octetString(value.identifier, std::string(1, static_cast<char>(value.number)))
-               : value;
+Varbind initialValue(const ptz::Object &object, const std::string &oid) {
+    switch (object.syntax.kind) {
+    case ptz::Kind::Integer:
+        return snmp::integer(oid, 0);
+    case ptz::Kind::Gauge32:
+        return {oid, snmp::Type::Gauge32, 0, ""};
+    default:
+        return snmp::octetString(oid, std::string(static_cast<std::size_t>(object.syntax.lowest), '\0'));
+    }
 }
 
 } // namespace
 
 std::string id(const std::string &name) {
-    return identifierOf(name);
+    return ptz::instanceNamed(name).oid;
 }
 
 Camera::Camera() {
-    for (const Object &object : objects()) {
-        Variable value = integer(object.identifier, 0);
-        if (object.syntax == Syntax::Gauge) {
-            value.type = Type::Gauge32;
-        } else if (object.syntax != Syntax::Integer) {
-            value = octetString(object.identifier, std::string(object.size, '\0'));
-        }
-        values_[parseIdentifier(object.identifier)] = value;
+    for (const ptz::Object &object : ptz::objects()) {
+        store(initialValue(object, id(object.name)));
     }
 }
 
+void Camera::store(const Varbind &value) {
+    values_[snmp::parseOid(value.oid)] = value;
+}
+
 void Camera::put(const std::string &name, std::int64_t number) {
-    Variable value = integer(id(name), number);
-    const auto found = values_.find(parseIdentifier(value.identifier));
-    value.type = found != values_.end() && found->second.type == Type::Gauge32 ? Type::Gauge32 : Type::Integer;
-    values_[parseIdentifier(value.identifier)] = value;
+    const bool isGauge = ptz::instanceNamed(name).object->syntax.kind == ptz::Kind::Gauge32;
+    store({id(name), isGauge ? snmp::Type::Gauge32 : snmp::Type::Integer, number, ""});
 }
 
 void Camera::put(const std::string &name, const std::string &octets) {
-    values_[parseIdentifier(id(name))] = octetString(id(name), octets);
+    store(snmp::octetString(id(name), octets));
 }
 
 void Camera::remove(const std::string &name) {
-    values_.erase(parseIdentifier(id(name)));
+    values_.erase(snmp::parseOid(id(name)));
 }
 
 void Camera::failGet(const std::string &name, long error) {
@@ -71,70 +82,71 @@ void Camera::failSet(const std::string &name, long error) {
     setErrors_[id(name)] = error;
 }
 
-Reply Camera::get(const std::vector<Variable> &variables) {
-    Reply reply;
-    for (std::size_t i = 0; i < variables.size(); ++i) {
-        const auto error = getErrors_.find(variables[i].identifier);
-        if (error != getErrors_.end() && (error->second != kTooBig || variables.size() > 1)) {
-            return error->second == kTooBig ? Reply{kTooBig, 0, {}} : refusal(variables, i, error->second);
-        }
-        const auto found = values_.find(parseIdentifier(variables[i].identifier));
-        reply.variables.push_back(
-            found != values_.end() ? found->second : Variable{variables[i].identifier, Type::NoSuchObject, 0, ""});
+Response Camera::get(const std::vector<Varbind> &varbinds) const {
+    Response response = errorAmong(getErrors_, varbinds);
+    if (response.error != 0) {
+        return response;
     }
-    return reply;
+    for (const Varbind &varbind : varbinds) {
+        const auto found = values_.find(snmp::parseOid(varbind.oid));
+        response.varbinds.push_back(found != values_.end() ? found->second
+                                                           : Varbind{varbind.oid, snmp::Type::NoSuchObject, 0, ""});
+    }
+    return response;
 }
 
-Reply Camera::next(const Variable &variable) {
-    const auto found = values_.upper_bound(parseIdentifier(variable.identifier));
-    return {0, 0, {found != values_.end() ? found->second : Variable{variable.identifier, Type::EndOfMibView, 0, ""}}};
+Response Camera::next(const Varbind &varbind) const {
+    const auto found = values_.upper_bound(snmp::parseOid(varbind.oid));
+    return {0, 0, {found != values_.end() ? found->second : Varbind{varbind.oid, snmp::Type::EndOfMibView, 0, ""}}};
 }
 
-Reply Camera::set(const std::vector<Variable> &variables) {
-    for (std::size_t i = 0; i < variables.size(); ++i) {
-        const auto error = setErrors_.find(variables[i].identifier);
-        if (error != setErrors_.end()) {
-            return refusal(variables, i, error->second);
-        }
+Response Camera::set(const std::vector<Varbind> &varbinds) {
+    Response response = errorAmong(setErrors_, varbinds);
+    if (response.error != 0) {
+        return response;
     }
-    for (const Variable &value : variables) {
-        if (obeys) {
-            values_[parseIdentifier(value.identifier)] = stored(value);
-        }
+    for (const Varbind &value : varbinds) {
+        // This product's cameras keep the number of a preset as an octet.
+        const ptz::Object *const object = ptz::instanceAt(value.oid).object;
+        store(object != nullptr && object->syntax.setAsInteger
+                  ? snmp::octetString(value.oid, std::string(1, static_cast<char>(value.number)))
+                  : value);
     }
-    return {0, 0, variables};
+    response.varbinds = varbinds;
+    return response;
 }
 
-Reply Camera::exchange(Request request, const std::vector<Variable> &variables) {
-    std::string entry = word(request);
-    for (const Variable &variable : variables) {
-        entry += " " + nameOf(variable.identifier) + (request == Request::Set ? "=" + valueText(variable) : "");
+Response Camera::exchange(Operation operation, const std::vector<Varbind> &varbinds) {
+    std::string entry = word(operation);
+    for (const Varbind &varbind : varbinds) {
+        entry += " " + ptz::instanceAt(varbind.oid).name +
+                 (operation == Operation::Set ? "=" + snmp::valueText(varbind) : "");
     }
     log.push_back(entry);
-    Reply reply = request == Request::Get   ? get(variables)
-                  : request == Request::Set ? set(variables)
-                                            : next(variables.front());
+    Response response = operation == Operation::Get   ? get(varbinds)
+                        : operation == Operation::Set ? set(varbinds)
+                                                      : next(varbinds.front());
     if (spoil) {
-        spoil(request, reply);
+        spoil(operation, response);
     }
-    return reply;
+    return response;
 }
 
-Report report(Camera &camera, const Action &action, const Settings &settings) {
-    Report result;
-    Context context{camera, settings, result};
+ptzctl::Report report(Camera &camera, const ptzctl::Action &action, const ptzctl::Settings &settings) {
+    ptzctl::Report result;
+    ptzctl::Context context{camera, settings, result};
     action(context);
     return result;
 }
 
-std::string failure(Camera &camera, const Action &action, int code) {
+std::string failure(Camera &camera, const ptzctl::Action &action, snmp::Cause cause) {
     try {
         report(camera, action);
-    } catch (const Failure &failed) {
-        EXPECT_EQ(static_cast<int>(failed.code()), code) << failed.what();
+    } catch (const snmp::Failure &failed) {
+        EXPECT_EQ(failed.cause(), cause) << failed.what();
         return failed.what();
     }
-    ADD_FAILURE() << "the command has not failed";
+    ADD_FAILURE() << "the command did not fail";
     return "";
 }
 

@@ -1,74 +1,72 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * A camera that answers from a table, and as wrongly as a test wants.
+ * A camera that answers from a table, with any faults that a test needs.
  */
 #ifndef QUARNSNMP_SCRIPTED_CAMERA_H
 #define QUARNSNMP_SCRIPTED_CAMERA_H
 
-#include <deque>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "context.h"
-#include "requester.h"
+#include "failure.h"
+#include "object_table.h"
+#include "request.h"
 
 namespace scripted {
 
-/** The exit code of a command that the camera refused. */
-inline constexpr int kRefused = 1;
+/** Cause of a failure that the camera reports. */
+inline constexpr snmp::Cause kRefused = snmp::Cause::Refused;
 
 /** The error status genErr. */
 inline constexpr long kGenErr = 5;
 
-/** The identifier of a named object. */
-std::string id(const std::string &name);
-
-/** What was asked, as a text such as "set positionPan=00 00 00 00 positionTilt=…". */
-using Log = std::vector<std::string>;
-
-class Camera : public ptzctl::Requester {
+class Camera : public snmp::Requester {
 public:
-    /** A camera with every object that the program knows, with values of the right kind. */
+    /** A camera with every object, each with a valid value. */
     Camera();
 
-    ptzctl::Reply exchange(ptzctl::Request request, const std::vector<ptzctl::Variable> &variables) override;
+    snmp::Response exchange(snmp::Operation operation, const std::vector<snmp::Varbind> &varbinds) override;
 
-    /** Gives an object a value. */
+    /** Sets the value of an object. */
     void put(const std::string &name, std::int64_t number);
     void put(const std::string &name, const std::string &octets);
     void remove(const std::string &name);
 
-    /** Lets reading an object, or writing one, end with an error. */
+    /** Makes requests for an object fail. */
     void failGet(const std::string &name, long error);
     void failSet(const std::string &name, long error);
 
-    /** Changes an answer before it is given. */
-    std::function<void(ptzctl::Request, ptzctl::Reply &)> spoil;
+    /** Changes responses. */
+    std::function<void(snmp::Operation, snmp::Response &)> spoil;
 
-    /** Whether a SET changes what is read. */
-    bool obeys = true;
-
-    Log log;
+    /** Requests as texts, such as "set positionPan=00 00 00 00 positionTilt=…". */
+    std::vector<std::string> log;
 
 private:
-    ptzctl::Reply get(const std::vector<ptzctl::Variable> &variables);
-    ptzctl::Reply next(const ptzctl::Variable &variable);
-    ptzctl::Reply set(const std::vector<ptzctl::Variable> &variables);
+    snmp::Response get(const std::vector<snmp::Varbind> &varbinds) const;
+    snmp::Response next(const snmp::Varbind &varbind) const;
+    snmp::Response set(const std::vector<snmp::Varbind> &varbinds);
+    void store(const snmp::Varbind &value);
 
     using Key = std::vector<std::uint32_t>;
-    std::map<Key, ptzctl::Variable> values_;
+    std::map<Key, snmp::Varbind> values_;
     std::map<std::string, long> getErrors_;
     std::map<std::string, long> setErrors_;
 };
 
-/** What a command for a scripted camera reports. */
+/** Returns the OID of a named object. */
+std::string id(const std::string &name);
+
+/** Runs a command and returns its report. */
 ptzctl::Report report(Camera &camera, const ptzctl::Action &action, const ptzctl::Settings &settings = {});
 
-/** The text of the failure that a command ends with; fails the test when it does not, or with another exit code. */
-std::string failure(Camera &camera, const ptzctl::Action &action, int code);
+/** Runs a command and returns the text of its failure. A success or another cause fails the test. */
+std::string failure(Camera &camera, const ptzctl::Action &action, snmp::Cause cause);
 
 } // namespace scripted
 

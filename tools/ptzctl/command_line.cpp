@@ -1,31 +1,34 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "command_line.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
 #include <map>
 #include <stdexcept>
 
 #include "axes.h"
-#include "driving.h"
-#include "objects.h"
+#include "commands/move.h"
+#include "commands/set.h"
+#include "commands/show.h"
+#include "object_table.h"
 #include "octets_text.h"
-#include "showing.h"
-#include "writing.h"
+#include "oid_text.h"
 
 namespace ptzctl {
 
 namespace {
 
 constexpr const char *kFooter =
-    "Exit status: 0 done, 1 refused by the camera, 2 wrong usage, 3 no answer, 4 several cameras that did not all end "
-    "alike, 5 an answer that cannot be used.\nManual page: ptzctl(1).";
+    "Exit status: 0 success, 1 refused by the camera, 2 usage error, 3 no answer, 4 several cameras with different "
+    "outcomes, 5 bad answer or local error.\nManual page: ptzctl(1).";
 constexpr int kMostMilliseconds = 65535;
 constexpr int kMostNumber = 255;
 constexpr double kLongestSeconds = 3600;
 
-/** Holds the texts of a command's arguments until the command line is read. */
+/** Arguments of the command, while the command line is parsed. */
 struct Arguments {
     std::string axis;
     std::string name;
@@ -40,13 +43,13 @@ struct Arguments {
 using SharedArguments = std::shared_ptr<Arguments>;
 
 std::string environmentText(const char *name) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): nobody changes the environment while threads run
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): the environment does not change while threads run
     const char *const value = std::getenv(name);
     return value != nullptr ? value : "";
 }
 
-void addSecurity(CLI::App &app, Credentials &credentials) {
-    const char *const group = "Who asks";
+void addAuthentication(CLI::App &app, snmp::Credentials &credentials) {
+    const char *const group = "Authentication";
     app.add_option("-v,--snmp-version", credentials.version, "Protocol version")
         ->check(CLI::IsMember({"2c", "3"}))
         ->envname("PTZCTL_SNMP_VERSION")
@@ -73,60 +76,57 @@ void addSecurity(CLI::App &app, Credentials &credentials) {
 
 void addOptions(CLI::App &app, Invocation &invocation, const SharedArguments &arguments) {
     app.set_version_flag("--version", std::string("ptzctl ") + PTZCTL_VERSION);
-    app.add_option("-H,--host", invocation.hosts,
-                   "Camera to ask, as HOST or HOST:PORT; several, or separated by commas")
+    app.add_option("-H,--host", invocation.hosts, "Camera as HOST or HOST:PORT; repeatable, or a list with commas")
         ->delimiter(',')
         ->envname("PTZCTL_HOST");
-    app.add_option("-s,--speed", arguments->speed, "Speed of a move, 1 to 127 or 1% to 100%")->capture_default_str();
+    app.add_option("-s,--speed", arguments->speed, "Speed of a move: 1 to 127, or 1% to 100%")->capture_default_str();
     app.add_flag("-j,--json", invocation.json, "Print JSON");
-    app.add_flag("--verbose", invocation.settings.verbose, "Show raw octets and numbers beside their meaning");
-    app.add_option("-t,--timeout", invocation.timeoutSeconds, "Seconds to wait for an answer")
+    app.add_flag("--verbose", invocation.settings.verbose, "Show raw octets and numbers as well");
+    app.add_option("-t,--timeout", invocation.timeoutSeconds, "Time to wait for an answer, in seconds")
         ->check(CLI::Range(0.05, kLongestSeconds))
         ->capture_default_str();
     app.add_option("--byte-order", invocation.settings.order,
-                   "Which octet of a position comes first: low, or high as public texts have it")
-        ->transform(CLI::CheckedTransformer(
-            std::map<std::string, ByteOrder>{{"low", ByteOrder::LowFirst}, {"high", ByteOrder::HighFirst}}))
+                   "First octet of a position: low, or high as in the public encoding")
+        ->transform(CLI::CheckedTransformer(std::map<std::string, ptz::ByteOrder>{{"low", ptz::ByteOrder::LowFirst},
+                                                                                  {"high", ptz::ByteOrder::HighFirst}}))
         ->envname("PTZCTL_BYTE_ORDER")
         ->default_str("low");
 }
 
-/** Adds what an axis can be told; `use` gets the command when the command line has been read. */
-void addAxisCommands(CLI::App &parent, const Axis &axis, Invocation &invocation, const SharedArguments &arguments,
-                     const std::function<void(const PositionCommand &)> &use) {
-    const bool degrees = axis.unit == Unit::Degrees;
+/** Adds the commands of an axis; `use` gets the parsed command. */
+void addAxisCommands(CLI::App &parent, const ptz::Axis &axis, Invocation &invocation, const SharedArguments &arguments,
+                     const std::function<void(const ptz::PositionCommand &)> &use) {
+    const bool degrees = axis.range.unit == ptz::Unit::Degrees;
     const char *const unit = degrees ? "DEGREES" : "PERCENT";
     const auto speed = [arguments] { return speedOf(arguments->speed); };
     parent.require_subcommand(1);
     CLI::App *to = parent.add_subcommand("to", "Go to a position");
     to->add_option(unit, arguments->amount)->required();
-    to->callback([=, &axis] { use(commandTo(axis, arguments->amount, speed())); });
-    CLI::App *by = parent.add_subcommand("by", "Make a step");
+    to->callback([=, &axis] { use(ptz::commandTo(axis, arguments->amount, speed())); });
+    CLI::App *by = parent.add_subcommand("by", "Move by a step");
     by->add_option(unit, arguments->amount, "Negative for the other direction")->required();
-    by->callback([=, &axis] { use(commandBy(axis, arguments->amount, speed())); });
-    for (const char *direction : {axis.backward, axis.forward}) {
-        CLI::App *run = parent.add_subcommand(direction, "Move until it is stopped or its time-out is over");
+    by->callback([=, &axis] { use(ptz::commandBy(axis, arguments->amount, speed())); });
+    for (const char *direction : {axis.directions.backward, axis.directions.forward}) {
+        CLI::App *run = parent.add_subcommand(direction, "Move until a stop or the time-out");
         run->callback(
-            [=, &axis, &invocation] { use(commandTowards(axis, direction, speed(), invocation.settings.order)); });
+            [=, &axis, &invocation] { use(ptz::commandTowards(axis, direction, speed(), invocation.settings.order)); });
     }
     parent.add_subcommand("stop", "Stop")->callback([use] { use({}); });
 }
 
 void addMoves(CLI::App &app, Invocation &invocation, const SharedArguments &arguments) {
-    for (const Axis &axis : axes()) {
-        CLI::App *command = app.add_subcommand(axis.name, std::string("Move: ") + axis.title);
-        addAxisCommands(*command, axis, invocation, arguments, [&axis, &invocation](const PositionCommand &move) {
-            invocation.action = [&axis, move](Context &context) { drive(context, axis, move); };
-        });
+    for (const ptz::Axis &axis : ptz::axes()) {
+        CLI::App *parent = app.add_subcommand(axis.name, std::string("Move or stop ") + axis.name);
+        addAxisCommands(*parent, axis, invocation, arguments,
+                        [&axis, &invocation](const ptz::PositionCommand &command) {
+                            invocation.action = [&axis, command](Context &context) { move(context, axis, command); };
+                        });
     }
-    CLI::App *stopping = app.add_subcommand("stop", "Stop an axis, or pan, tilt and zoom in one request");
+    CLI::App *stopping = app.add_subcommand("stop", "Stop an axis, or pan, tilt and zoom at once");
     arguments->axis = "all";
     stopping->add_option("AXIS", arguments->axis, "pan, tilt, zoom, focus, iris or all")->capture_default_str();
     stopping->callback([=, &invocation] {
-        if (arguments->axis != "all") {
-            axisOf(arguments->axis);
-        }
-        invocation.action = [arguments](Context &context) { stop(context, arguments->axis); };
+        invocation.action = [list = axesNamed(arguments->axis)](Context &context) { stop(context, list); };
     });
 }
 
@@ -134,7 +134,7 @@ void addShow(CLI::App &app, const char *name, const char *help, void (*show)(Con
     app.add_subcommand(name, help)->callback([show, &invocation] { invocation.action = show; });
 }
 
-/** Adds the two commands `on` and `off` below another one. */
+/** Adds the commands `on` and `off` below another one. */
 void addOnOff(CLI::App &parent, const std::function<void(bool)> &use) {
     parent.require_subcommand(1);
     parent.add_subcommand("on", "On")->callback([use] { use(true); });
@@ -142,15 +142,16 @@ void addOnOff(CLI::App &parent, const std::function<void(bool)> &use) {
 }
 
 void addSwitches(CLI::App &app, Invocation &invocation, const SharedArguments &arguments) {
-    CLI::App *automatic = app.add_subcommand("auto", "Switch the automatic focus or iris");
+    CLI::App *automatic = app.add_subcommand("auto", "Switch automatic focus or iris on or off");
     automatic->require_subcommand(1);
-    for (const auto &[name, feature] : {std::pair{"focus", kAutomaticFocus}, std::pair{"iris", kAutomaticIris}}) {
-        addOnOff(*automatic->add_subcommand(name, std::string("The automatic ") + name),
+    for (const auto &[name, feature] :
+         {std::pair{"focus", ptz::kAutomaticFocus}, std::pair{"iris", ptz::kAutomaticIris}}) {
+        addOnOff(*automatic->add_subcommand(name, std::string("Automatic ") + name),
                  [feature = feature, &invocation](bool on) {
                      invocation.action = [feature, on](Context &context) { setAutomatic(context, feature, on); };
                  });
     }
-    CLI::App *relay = app.add_subcommand("relay", "Switch a relay");
+    CLI::App *relay = app.add_subcommand("relay", "Switch a relay on or off");
     relay->add_option("N", arguments->number, "Number of the relay, from 1")
         ->required()
         ->check(CLI::Range(1, kMostNumber));
@@ -160,7 +161,7 @@ void addSwitches(CLI::App &app, Invocation &invocation, const SharedArguments &a
 }
 
 void addPresets(CLI::App &app, Invocation &invocation, const SharedArguments &arguments) {
-    CLI::App *preset = app.add_subcommand("preset", "Go to a preset, or store the position as one");
+    CLI::App *preset = app.add_subcommand("preset", "Recall or store a preset");
     preset->require_subcommand(1);
     struct Use {
         const char *name;
@@ -168,7 +169,7 @@ void addPresets(CLI::App &app, Invocation &invocation, const SharedArguments &ar
         const char *help;
     };
     for (const auto &[name, use, help] :
-         {Use{"go", goToPreset, "Go to a preset"}, Use{"store", storePreset, "Store the position"}}) {
+         {Use{"go", goToPreset, "Recall the preset"}, Use{"store", storePreset, "Store the present position"}}) {
         CLI::App *command = preset->add_subcommand(name, help);
         command->add_option("N", arguments->number, "Number of the preset")
             ->required()
@@ -180,26 +181,25 @@ void addPresets(CLI::App &app, Invocation &invocation, const SharedArguments &ar
 }
 
 void addTimeouts(CLI::App &app, Invocation &invocation, const SharedArguments &arguments) {
-    CLI::App *timeouts = app.add_subcommand("timeouts", "Show or set when continuous moves end");
+    CLI::App *timeouts = app.add_subcommand("timeouts", "Show or set the time-outs of continuous moves");
     CLI::Option *axis = timeouts->add_option("AXIS", arguments->name, "pan, tilt, zoom, focus, iris or all");
-    CLI::Option *time = timeouts->add_option("MILLISECONDS", arguments->number, "0 for no time-out")
-                            ->check(CLI::Range(0, kMostMilliseconds));
+    CLI::Option *time =
+        timeouts->add_option("MILLISECONDS", arguments->number, "0 for none")->check(CLI::Range(0, kMostMilliseconds));
     axis->needs(time);
     timeouts->callback([=, &invocation] {
         if (arguments->name.empty()) {
             invocation.action = showTimeouts;
             return;
         }
-        if (arguments->name != "all") {
-            axisOf(arguments->name);
-        }
-        invocation.action = [arguments](Context &context) { setTimeout(context, arguments->name, arguments->number); };
+        invocation.action = [=, list = axesNamed(arguments->name)](Context &context) {
+            setTimeout(context, list, arguments->number);
+        };
     });
 }
 
 void addReboot(CLI::App &app, Invocation &invocation) {
-    CLI::App *command = app.add_subcommand("reboot", "Restart the camera, after asking");
-    command->add_flag("-y,--yes", invocation.yes, "Do not ask");
+    CLI::App *command = app.add_subcommand("reboot", "Restart the camera");
+    command->add_flag("-y,--yes", invocation.yes, "Skip the confirmation");
     command->callback([&invocation] {
         invocation.question = "Restart the camera?";
         invocation.action = reboot;
@@ -209,18 +209,28 @@ void addReboot(CLI::App &app, Invocation &invocation) {
 std::string objectList(bool json) {
     std::vector<std::vector<std::string>> rows;
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
-    for (const Object &object : objects()) {
-        const char *const access = object.writable ? "read-write" : "read-only";
-        rows.push_back({object.name, object.identifier, access});
-        list.push_back({{"name", object.name}, {"identifier", object.identifier}, {"access", access}});
+    for (const ptz::Object &object : ptz::objects()) {
+        const char *const access = object.access == ptz::Access::ReadWrite ? "read-write" : "read-only";
+        const std::string oid = snmp::withoutDot(ptz::instanceNamed(object.name).oid);
+        rows.push_back({object.name, oid, access});
+        list.push_back({{"name", object.name}, {"identifier", oid}, {"access", access}});
     }
     return json ? list.dump(2) + "\n" : alignedRows(rows);
 }
 
+ptz::Instance resolve(const std::string &name) {
+    try {
+        return ptz::instanceNamed(name);
+    } catch (const std::invalid_argument &error) {
+        throw std::invalid_argument(std::string(error.what()) + "; `ptzctl get --list` shows the names");
+    }
+}
+
 void addObjects(CLI::App &app, Invocation &invocation, const SharedArguments &arguments) {
-    CLI::App *get = app.add_subcommand("get", "Read objects by name or identifier");
-    CLI::Option *names = get->add_option("NAME", arguments->words, "Such as modelName or relayStatesTable.3.2");
-    CLI::Option *list = get->add_flag("--list", arguments->flag, "List the names instead")->excludes(names);
+    CLI::App *get = app.add_subcommand("get", "Read objects");
+    CLI::Option *names =
+        get->add_option("NAME", arguments->words, "Name or OID, such as modelName or relayStatesTable.3.2");
+    CLI::Option *list = get->add_flag("--list", arguments->flag, "List the names")->excludes(names);
     get->callback([=, &invocation] {
         if (list->count() > 0) {
             invocation.local = [&invocation] { return objectList(invocation.json); };
@@ -229,69 +239,70 @@ void addObjects(CLI::App &app, Invocation &invocation, const SharedArguments &ar
         if (arguments->words.empty()) {
             throw CLI::RequiredError("NAME");
         }
-        for (const std::string &name : arguments->words) {
-            identifierOf(name);
-        }
-        invocation.action = [arguments](Context &context) { showObjects(context, arguments->words); };
+        std::vector<ptz::Instance> instances;
+        std::transform(arguments->words.begin(), arguments->words.end(), std::back_inserter(instances), resolve);
+        invocation.action = [instances](Context &context) { showObjects(context, instances); };
     });
-    CLI::App *set = app.add_subcommand("set", "Write an object by name");
-    set->add_option("NAME", arguments->name, "Name of an object that can be written")->required();
-    set->add_option("VALUE", arguments->text, "A number, or octets in hexadecimal")->required();
+    CLI::App *set = app.add_subcommand("set", "Write an object");
+    set->add_option("NAME", arguments->name, "Name of a writable object")->required();
+    set->add_option("VALUE", arguments->text, "Number, or octets in hexadecimal")->required();
     set->callback([=, &invocation] {
-        const Variable value = valueNamed(arguments->name, arguments->text);
-        invocation.action = [value](Context &context) { writeAndShow(context, {value}); };
+        const ptz::Assignment assignment = ptz::parseAssignment(resolve(arguments->name), arguments->text);
+        invocation.action = [assignment](Context &context) { writeAndShow(context, {assignment}); };
     });
 }
 
-/** Lets a command print what octets mean, or for `encode` the octets themselves. */
-void printOctets(Invocation &invocation, const Axis &axis, const std::string &octets, bool explain) {
+/** Prepares the output of octets: as they are, or explained. */
+void printOctets(Invocation &invocation, const ptz::Axis &axis, const std::string &octets, bool explain) {
     invocation.local = [=, &axis, &invocation] {
+        const ptz::ByteOrder order = invocation.settings.order;
         if (invocation.json) {
-            return octetsJson(axis, octets, invocation.settings.order).dump(2) + "\n";
+            return ptz::octetsJson(axis, octets, order).dump(2) + "\n";
         }
-        return (explain ? describeOctets(axis, octets, invocation.settings.order) : hexText(octets)) + "\n";
+        return (explain ? ptz::describeOctets(axis, octets, order) : snmp::hexText(octets)) + "\n";
     };
 }
 
 void addOctets(CLI::App &app, Invocation &invocation, const SharedArguments &arguments) {
-    CLI::App *encoding = app.add_subcommand("encode", "Print the four octets of a command, and send nothing");
+    CLI::App *encoding = app.add_subcommand("encode", "Print the octets of a command without sending it");
     encoding->require_subcommand(1);
-    for (const Axis &axis : axes()) {
+    for (const ptz::Axis &axis : ptz::axes()) {
         addAxisCommands(*encoding->add_subcommand(axis.name, axis.title), axis, invocation, arguments,
-                        [&axis, &invocation](const PositionCommand &move) {
-                            printOctets(invocation, axis, encode(move, invocation.settings.order), false);
+                        [&axis, &invocation](const ptz::PositionCommand &command) {
+                            printOctets(invocation, axis, ptz::encode(command, invocation.settings.order), false);
                         });
     }
-    CLI::App *decoding = app.add_subcommand("decode", "Explain the four octets of a command");
+    CLI::App *decoding = app.add_subcommand("decode", "Explain the octets of a command");
     decoding->add_option("AXIS", arguments->name, "pan, tilt, zoom, focus or iris")->required();
-    decoding->add_option("OCTETS", arguments->words, "In hexadecimal, in one word or several")->required();
+    decoding->add_option("OCTETS", arguments->words, "In hexadecimal, as one or several arguments")->required();
     decoding->callback([=, &invocation] {
         std::string octets;
         for (const std::string &word : arguments->words) {
-            octets += octetsOf(word);
+            octets += snmp::parseHex(word);
         }
-        const Axis &axis = axisOf(arguments->name);
-        if (!isInitialPosition(octets, invocation.settings.order)) {
-            decode(octets, invocation.settings.order);
+        const ptz::Axis &axis = ptz::axisNamed(arguments->name);
+        if (!ptz::isInitialPosition(octets, invocation.settings.order)) {
+            ptz::decode(octets, invocation.settings.order);
         }
         printOctets(invocation, axis, octets, true);
     });
 }
 
 void addWatching(CLI::App &app, Invocation &invocation) {
-    CLI::App *watch = app.add_subcommand("watch", "Show the status again and again, until Ctrl-C");
-    watch->add_option("--interval", invocation.intervalSeconds, "Seconds between two looks")
+    CLI::App *watch = app.add_subcommand("watch", "Show the status repeatedly until Ctrl-C");
+    watch->add_option("--interval", invocation.intervalSeconds, "Seconds between updates")
         ->check(CLI::Range(0.05, kLongestSeconds))
         ->capture_default_str();
-    watch->add_option("--count", invocation.count, "End after so many looks")->check(CLI::PositiveNumber);
+    watch->add_option("--count", invocation.count, "Number of updates")->check(CLI::PositiveNumber);
     watch->callback([&invocation] {
         invocation.repeats = true;
         invocation.action = showStatus;
     });
-    CLI::App *traps = app.add_subcommand("traps", "Receive traps and explain them, until Ctrl-C");
-    traps->add_option("ADDRESS", invocation.listen, "Where to receive, as ADDRESS:PORT")->default_val("127.0.0.1:1162");
-    traps->add_option("--count", invocation.count, "End after so many traps")->check(CLI::PositiveNumber);
-    traps->add_option("--engine", invocation.engine, "Engine identifier of the camera whose SNMPv3 traps to read, 0x…");
+    CLI::App *traps = app.add_subcommand("traps", "Receive and explain traps until Ctrl-C");
+    traps->add_option("ADDRESS", invocation.listen, "Address to listen at, as ADDRESS:PORT")
+        ->default_val("127.0.0.1:1162");
+    traps->add_option("--count", invocation.count, "Number of traps")->check(CLI::PositiveNumber);
+    traps->add_option("--engine", invocation.engine, "Engine ID of the sender of SNMPv3 traps, 0x…");
     traps->callback([&invocation] { invocation.receives = true; });
 }
 
@@ -301,16 +312,16 @@ int speedOf(const std::string &text) {
     constexpr int kPercent = 100;
     const bool percent = !text.empty() && text.back() == '%';
     const char *const end = text.data() + text.size() - (percent ? 1 : 0);
-    const int most = percent ? kPercent : kFastest;
+    const int most = percent ? kPercent : ptz::kFastest;
     int number = 0;
     const auto [last, error] = std::from_chars(text.data(), end, number);
     if (error != std::errc() || last != end || number < 1 || number > most) {
         throw std::invalid_argument("--speed: '" + text + "' is not a number from 1 to 127 or from 1% to 100%");
     }
-    return percent ? static_cast<int>(std::ceil(number * static_cast<double>(kFastest) / kPercent)) : number;
+    return percent ? static_cast<int>(std::ceil(number * static_cast<double>(ptz::kFastest) / kPercent)) : number;
 }
 
-std::string complaintOf(const CLI::App &app, const CLI::ParseError &error) {
+std::string errorOf(const CLI::App &app, const CLI::ParseError &error) {
     const std::vector<std::string> unknown = app.remaining(true);
     return unknown.empty() ? error.what() : "unknown: '" + unknown.front() + "'";
 }
@@ -322,13 +333,13 @@ std::unique_ptr<CLI::App> commandLine(Invocation &invocation) {
     app->fallthrough();
     app->require_subcommand(1);
     addOptions(*app, invocation, arguments);
-    addSecurity(*app, invocation.credentials);
-    addShow(*app, "status", "Everything at a glance", showStatus, invocation);
+    addAuthentication(*app, invocation.credentials);
+    addShow(*app, "status", "Show an overview", showStatus, invocation);
     addMoves(*app, invocation, arguments);
     addSwitches(*app, invocation, arguments);
     addPresets(*app, invocation, arguments);
     addShow(*app, "inputs", "Show the alarm inputs", showInputs, invocation);
-    addShow(*app, "limits", "Show where the axes end", showLimits, invocation);
+    addShow(*app, "limits", "Show the limits of the axes", showLimits, invocation);
     addTimeouts(*app, invocation, arguments);
     addReboot(*app, invocation);
     addObjects(*app, invocation, arguments);

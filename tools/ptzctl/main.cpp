@@ -23,7 +23,7 @@ int readAndRun(int argc, char **argv) {
         if (error.get_exit_code() == 0) {
             return app->exit(error);
         }
-        std::cerr << "ptzctl: " << ptzctl::complaintOf(*app, error) << "\n  run with --help for more information\n";
+        std::cerr << "ptzctl: " << ptzctl::errorOf(*app, error) << "\n  run with --help for more information\n";
         return static_cast<int>(ptzctl::ExitCode::Usage);
     } catch (const std::invalid_argument &error) {
         std::cerr << "ptzctl: " << error.what() << '\n';
@@ -40,6 +40,6 @@ int main(int argc, char **argv) {
         return readAndRun(argc, argv);
     } catch (const std::exception &error) {
         std::cerr << "ptzctl: " << error.what() << '\n';
-        return static_cast<int>(ptzctl::ExitCode::BadAnswer);
+        return static_cast<int>(ptzctl::ExitCode::BadResponse);
     }
 }

@@ -5,11 +5,11 @@
 #include <ctime>
 #include <string>
 
-#include "hosts.h"
-#include "interruption.h"
+#include "commands/traps.h"
+#include "host_processes.h"
 #include "screen.h"
 #include "session.h"
-#include "traps.h"
+#include "signal_wait.h"
 
 namespace ptzctl {
 
@@ -17,63 +17,70 @@ namespace {
 
 constexpr const char *kClearScreen = "\033[H\033[2J";
 
-std::vector<Outcome> askAll(const Invocation &invocation) {
+constexpr const char *kCredentials =
+    "use --community or --user, PTZCTL_COMMUNITY or PTZCTL_USER, or defCommunity or defSecurityName in "
+    "~/.snmp/snmp.conf";
+constexpr const char *kPassphrases = "passphrases have at least 8 characters and come from PTZCTL_AUTH_PASSPHRASE and "
+                                     "PTZCTL_PRIVACY_PASSPHRASE, or from "
+                                     "defAuthPassphrase and defPrivPassphrase in snmp.conf";
+
+std::vector<Outcome> runAction(const Invocation &invocation) {
     const auto timeout =
         std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::duration<double>(invocation.timeoutSeconds));
     return runOnAll(invocation.hosts, [&](const std::string &host, Report &report) {
-        startLibrary(invocation.credentials);
-        Session session(host, timeout);
+        snmp::startLibrary(kProgram, invocation.credentials, kCredentials);
+        snmp::Session session({host, timeout, kPassphrases});
         Context context{session, invocation.settings, report};
         invocation.action(context);
     });
 }
 
-/** Outcomes as they are written, for people or for programs, with the end of the last line. */
-std::string shown(const Invocation &invocation, const std::vector<Outcome> &outcomes) {
+/** Writes outcomes as text or as JSON, with a final line break. */
+std::string outputOf(const Invocation &invocation, const std::vector<Outcome> &outcomes) {
     if (!invocation.json) {
         return outcomesText(invocation.hosts, outcomes, invocation.settings.style);
     }
-    // A screen that is repeated is one line each time, so that a program can read line by line.
+    // Repeated output is one line each time, so that a program can read it line by line.
     constexpr auto kReplace = nlohmann::ordered_json::error_handler_t::replace;
     return outcomesJson(invocation.hosts, outcomes).dump(invocation.repeats ? -1 : 2, ' ', false, kReplace) + "\n";
 }
 
 ExitCode watch(const Invocation &invocation, std::ostream &output, std::ostream &errors, bool terminal) {
-    const Interruption interruption;
+    const SignalWait interruption;
     const auto interval = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::duration<double>(invocation.intervalSeconds));
     const bool isScreen = terminal && !invocation.json;
     std::string previous;
-    for (int look = 1;; ++look) {
-        const std::vector<Outcome> outcomes = askAll(invocation);
-        // Ctrl-C has also ended the processes that were asking.
-        if (interruption.within(std::chrono::milliseconds(0))) {
+    for (int round = 1;; ++round) {
+        const std::vector<Outcome> outcomes = runAction(invocation);
+        // Ctrl-C has ended the child processes, too.
+        if (interruption.waitFor(std::chrono::milliseconds(0))) {
             return ExitCode::Done;
         }
-        const std::string text = shown(invocation, outcomes);
+        const std::string text = outputOf(invocation, outcomes);
         if (isScreen) {
             output << kClearScreen << screenHeading(invocation, std::time(nullptr))
-                   << changesMarked(text, previous, invocation.settings.style) << std::flush;
+                   << markChanges(text, previous, invocation.settings.style) << std::flush;
         } else {
             output << text << std::flush;
         }
         errors << errorsText(invocation.hosts, outcomes);
         previous = text;
-        if (look == invocation.count) {
+        if (round == invocation.count) {
             return overallCode(outcomes);
         }
-        if (interruption.within(interval)) {
+        if (interruption.waitFor(interval)) {
             return ExitCode::Done;
         }
     }
 }
 
-bool agreed(const Invocation &invocation, std::istream &input, std::ostream &errors, bool terminal) {
+bool confirm(const Invocation &invocation, std::istream &input, std::ostream &errors, bool terminal) {
     if (invocation.question.empty() || invocation.yes) {
         return true;
     }
     if (!terminal) {
-        errors << "ptzctl: nobody is there to ask; use --yes\n";
+        errors << "ptzctl: not a terminal; use --yes\n";
         return false;
     }
     for (const std::string &host : invocation.hosts) {
@@ -83,36 +90,34 @@ bool agreed(const Invocation &invocation, std::istream &input, std::ostream &err
     std::string answer;
     std::getline(input, answer);
     if (answer != "y" && answer != "yes") {
-        errors << "Nothing has been sent.\n";
+        errors << "Nothing was sent.\n";
         return false;
     }
     return true;
 }
 
-ExitCode ask(const Invocation &invocation, std::istream &input, std::ostream &output, std::ostream &errors,
-             bool terminal) {
+ExitCode runOnCameras(const Invocation &invocation, std::istream &input, std::ostream &output, std::ostream &errors,
+                      bool terminal) {
     if (invocation.hosts.empty()) {
-        errors << "ptzctl: which camera?\n  use --host or PTZCTL_HOST\n";
+        errors << "ptzctl: no camera given\n  use --host or PTZCTL_HOST\n";
         return ExitCode::Usage;
     }
-    if (!agreed(invocation, input, errors, terminal)) {
+    if (!confirm(invocation, input, errors, terminal)) {
         return ExitCode::Usage;
     }
     if (invocation.repeats) {
         return watch(invocation, output, errors, terminal);
     }
     output << std::flush;
-    const std::vector<Outcome> outcomes = askAll(invocation);
-    output << shown(invocation, outcomes) << std::flush;
+    const std::vector<Outcome> outcomes = runAction(invocation);
+    output << outputOf(invocation, outcomes) << std::flush;
     errors << errorsText(invocation.hosts, outcomes);
     return overallCode(outcomes);
 }
 
-ExitCode receive(const Invocation &invocation, std::ostream &errors) {
-    const Outcome outcome = outcomeOf([&](Report & /*report*/) { receiveTraps(invocation); });
-    if (!outcome.error.empty()) {
-        errors << "ptzctl: " << outcome.error << "\n" << (outcome.advice.empty() ? "" : "  " + outcome.advice + "\n");
-    }
+ExitCode receive(const Invocation &invocation, std::ostream &output, std::ostream &errors) {
+    const Outcome outcome = outcomeOf([&](Report & /*report*/) { receiveTraps(invocation, output, errors); });
+    errors << errorText("", outcome);
     return outcome.code;
 }
 
@@ -121,13 +126,13 @@ ExitCode receive(const Invocation &invocation, std::ostream &errors) {
 ExitCode run(const Invocation &invocation, std::istream &input, std::ostream &output, std::ostream &errors,
              bool terminal) {
     if (invocation.receives) {
-        return receive(invocation, errors);
+        return receive(invocation, output, errors);
     }
     if (invocation.local) {
         output << invocation.local();
         return ExitCode::Done;
     }
-    return ask(invocation, input, output, errors, terminal);
+    return runOnCameras(invocation, input, output, errors, terminal);
 }
 
 } // namespace ptzctl

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Carrying out what a command line asks for.
+ * Execution of a command line.
  */
 #ifndef PTZCTL_RUN_H
 #define PTZCTL_RUN_H
@@ -9,15 +9,15 @@
 #include <istream>
 #include <ostream>
 
-#include "command_line.h"
-#include "failure.h"
+#include "exit_code.h"
+#include "invocation.h"
 
 namespace ptzctl {
 
 /**
- * Carries out an invocation.
- * @param input     where questions are answered
- * @param terminal  whether somebody is there to answer and to watch
+ * Executes an invocation.
+ * @param input     for answers to questions
+ * @param terminal  input and output are a terminal
  */
 ExitCode run(const Invocation &invocation, std::istream &input, std::ostream &output, std::ostream &errors,
              bool terminal);

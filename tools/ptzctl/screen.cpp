@@ -24,12 +24,12 @@ std::vector<std::string> linesOf(const std::string &text) {
 std::string screenHeading(const Invocation &invocation, std::time_t now) {
     const std::string camera = invocation.hosts.size() == 1 ? invocation.hosts.front() + "  " : "";
     return camera +
-           invocation.settings.style.faint(fmt::format("{:%F %T}, every {} s; * new; Ctrl-C ends", fmt::localtime(now),
-                                                       invocation.intervalSeconds)) +
+           invocation.settings.style.faint(fmt::format("{:%F %T}, every {} s; * changed; Ctrl-C ends",
+                                                       fmt::localtime(now), invocation.intervalSeconds)) +
            "\n\n";
 }
 
-std::string changesMarked(const std::string &text, const std::string &previous, const Style &style) {
+std::string markChanges(const std::string &text, const std::string &previous, const Style &style) {
     const std::vector<std::string> lines = linesOf(text);
     const std::vector<std::string> before = linesOf(previous);
     if (lines.size() != before.size()) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The live screen of `watch`.
+ * Live screen of `watch`.
  */
 #ifndef PTZCTL_SCREEN_H
 #define PTZCTL_SCREEN_H
@@ -9,20 +9,19 @@
 #include <ctime>
 #include <string>
 
-#include "command_line.h"
+#include "invocation.h"
 
 namespace ptzctl {
 
-/** The line above a look: the camera when there is one only, since several have headings; when, and how it goes on. */
+/** Writes the line above the status: the only camera, the time, and the interval. */
 std::string screenHeading(const Invocation &invocation, std::time_t now);
 
 /**
- * A look as it is shown after another one.
- * @param text      its lines
- * @param previous  the lines of the look before; empty for the first
- * @return the lines, with a mark at those that are new; with none when there are more or fewer lines than before
+ * Marks the lines that differ from the previous screen. Without the same number of lines, no line is marked.
+ * @param text      lines of the screen
+ * @param previous  lines of the previous screen; empty for the first one
  */
-std::string changesMarked(const std::string &text, const std::string &previous, const Style &style);
+std::string markChanges(const std::string &text, const std::string &previous, const Style &style);
 
 } // namespace ptzctl
 

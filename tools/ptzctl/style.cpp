@@ -41,7 +41,7 @@ std::string Style::faint(const std::string &text) const {
 }
 
 bool wantsColours(int descriptor) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): nobody changes the environment while threads run
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): the environment does not change while threads run
     const char *const refusal = std::getenv("NO_COLOR");
     return (refusal == nullptr || *refusal == '\0') && isatty(descriptor) == 1;
 }
@@ -72,7 +72,7 @@ std::string alignedRows(const std::vector<std::vector<std::string>> &rows) {
     std::string text;
     for (const std::vector<std::string> &row : rows) {
         std::string line;
-        std::size_t end = 0; // where the cell before should have ended
+        std::size_t end = 0; // column after the cells so far and the gap
         std::size_t written = 0;
         for (std::size_t i = 0; i < row.size(); ++i) {
             if (!row[i].empty()) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * How texts look: colours, and columns that stand below each other.
+ * Colours and aligned columns.
  */
 #ifndef PTZCTL_STYLE_H
 #define PTZCTL_STYLE_H
@@ -11,7 +11,7 @@
 
 namespace ptzctl {
 
-/** Colours for a terminal; without them every text is left as it is. */
+/** Colours of a terminal. Without them the texts stay unchanged. */
 struct Style {
     bool coloured = false;
 
@@ -21,13 +21,13 @@ struct Style {
     std::string faint(const std::string &text) const;
 };
 
-/** Whether what is written to a descriptor is to be coloured: it is a terminal, and NO_COLOR is unset or empty. */
+/** Tests whether output to a descriptor is coloured: it is a terminal, and NO_COLOR is unset or empty. */
 bool wantsColours(int descriptor);
 
-/** How many columns of a terminal a text in UTF-8 takes; colours take none. */
+/** Counts the columns of a terminal that a text in UTF-8 occupies. Colours occupy none. */
 std::size_t displayWidth(const std::string &text);
 
-/** Rows as lines, their cells aligned and two blanks apart; there are none at the end of a line. */
+/** Writes rows as lines with aligned cells, two blanks apart and without trailing blanks. */
 std::string alignedRows(const std::vector<std::vector<std::string>> &rows);
 
 } // namespace ptzctl

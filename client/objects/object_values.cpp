@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "object_values.h"
+
+#include <charconv>
+#include <stdexcept>
+
+#include <fmt/format.h>
+
+#include "octets_text.h"
+
+namespace ptz {
+
+namespace {
+
+std::int64_t parseNumber(const std::string &text) {
+    std::int32_t number = 0;
+    const char *const end = text.data() + text.size();
+    const auto [last, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || last != end) {
+        throw std::invalid_argument("'" + text + "' is not a number of 32 bits");
+    }
+    return number;
+}
+
+snmp::Type typeOf(Kind kind) {
+    switch (kind) {
+    case Kind::Integer:
+        return snmp::Type::Integer;
+    case Kind::Gauge32:
+        return snmp::Type::Gauge32;
+    default:
+        return snmp::Type::Octets;
+    }
+}
+
+} // namespace
+
+Assignment assignNumber(const Instance &instance, std::int64_t number) {
+    return {instance, snmp::integer(instance.oid, number)};
+}
+
+Assignment assignOctets(const Instance &instance, const std::string &octets) {
+    return {instance, snmp::octetString(instance.oid, octets)};
+}
+
+Assignment parseAssignment(const Instance &instance, const std::string &text) {
+    if (instance.object == nullptr) {
+        throw std::invalid_argument("the type of " + instance.name + " is unknown");
+    }
+    if (instance.object->access != Access::ReadWrite) {
+        throw std::invalid_argument(instance.name + " is read-only");
+    }
+    const Syntax &syntax = instance.object->syntax;
+    return syntax.kind == Kind::Integer || syntax.setAsInteger ? assignNumber(instance, parseNumber(text))
+                                                               : assignOctets(instance, snmp::parseHex(text));
+}
+
+std::string validate(const Object &object, const snmp::Varbind &value) {
+    const Syntax &syntax = object.syntax;
+    // The public definition has the numbers of presets as INTEGER, and this product's cameras answer them as an octet.
+    if (syntax.setAsInteger && value.type == snmp::Type::Integer) {
+        return "";
+    }
+    const snmp::Type expected = typeOf(syntax.kind);
+    if (value.type != expected) {
+        return fmt::format("the camera answered {} instead of {}", snmp::typeName(value.type),
+                           snmp::typeName(expected));
+    }
+    if (syntax.kind == Kind::Octets && static_cast<std::int64_t>(value.octets.size()) != syntax.highest) {
+        return fmt::format("the camera answered {} octets ({}) instead of {}", value.octets.size(),
+                           snmp::hexText(value.octets), syntax.highest);
+    }
+    return "";
+}
+
+} // namespace ptz

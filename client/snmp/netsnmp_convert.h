@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+/**
+ * @file
+ * Conversion between varbinds and the SNMP library's own types.
+ */
+#ifndef CLIENT_SNMP_NETSNMP_CONVERT_H
+#define CLIENT_SNMP_NETSNMP_CONVERT_H
+
+#include <string>
+#include <vector>
+
+#include "netsnmp_types.h"
+#include "varbind.h"
+
+namespace snmp {
+
+/**
+ * Appends a varbind of any type to a request.
+ * @throws std::invalid_argument for a malformed OID
+ * @throws std::runtime_error when the library rejects the value
+ */
+void append(netsnmp_pdu &pdu, const Varbind &varbind);
+
+/** Returns the varbinds of a message. */
+std::vector<Varbind> varbindsOf(const netsnmp_pdu &pdu);
+
+/** Describes the last error of a session, or with null that of opening one. */
+std::string libraryError(void *session);
+
+} // namespace snmp
+
+#endif

@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: Apache-2.0
+// Reading and writing a camera that answers well, badly, or something else.
+#include <algorithm>
+#include <iterator>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "camera_requests.h"
+#include "error_status.h"
+#include "object_oids.h"
+#include "scripted_camera.h"
+
+using namespace ptz;
+using ptzctl::Action;
+using ptzctl::Context;
+using scripted::Camera;
+using scripted::kGenErr;
+using scripted::kRefused;
+using snmp::Operation;
+using snmp::Response;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+constexpr snmp::Cause kBadResponse = snmp::Cause::BadResponse;
+constexpr long kNotWritable = 17;
+
+/** Reads objects by their OIDs. */
+std::vector<Reading> readThem(snmp::Requester &camera, const std::vector<std::string> &oids) {
+    std::vector<Instance> instances;
+    std::transform(oids.begin(), oids.end(), std::back_inserter(instances), instanceAt);
+    return readAll(camera, instances);
+}
+
+const Action kReadTwo = [](Context &context) { readThem(context.camera, {oids::power, oids::voltage}); };
+const Action kReadRows = [](Context &context) { readColumn(context.camera, oids::relayStatesState); };
+const Action kWrite = [](Context &context) {
+    writeAll(context.camera, {assignNumber(instanceAt(oids::timeoutPan), 5)});
+};
+
+} // namespace
+
+TEST(CameraRequests, ReadsManyObjectsInFewRequests) {
+    Camera camera;
+    const std::vector<Reading> readings = readThem(camera, std::vector<std::string>(33, oids::power));
+    EXPECT_EQ(readings.size(), 33U);
+    EXPECT_EQ(camera.log.size(), 3U);
+}
+
+TEST(CameraRequests, OneObjectThatCannotBeReadKeepsNoOtherFromIt) {
+    Camera camera;
+    camera.failGet("inputStatus", kGenErr);
+    camera.remove("power");
+    camera.put("voltage", 3);
+    const std::vector<Reading> readings = readThem(camera, {oids::inputStatus, oids::power, oids::voltage});
+    EXPECT_THAT(readings[0].problem, HasSubstr("genErr"));
+    EXPECT_FALSE(readings[0].missing);
+    EXPECT_TRUE(readings[1].missing);
+    EXPECT_EQ(readings[2].problem, "");
+    EXPECT_EQ(readings[2].value.number, 3);
+    EXPECT_THAT(camera.log, ElementsAre("get inputStatus power voltage", "get power voltage"));
+}
+
+TEST(CameraRequests, AsksForLessWhenAnAnswerIsTooBig) {
+    Camera camera;
+    camera.failGet("voltage", snmp::kTooBig);
+    const std::vector<Reading> readings = readThem(camera, {oids::power, oids::voltage, oids::temperature});
+    EXPECT_TRUE(readings[0].ok() && readings[1].ok() && readings[2].ok());
+    EXPECT_THAT(camera.log, ElementsAre("get power voltage temperature", "get power", "get voltage temperature",
+                                        "get voltage", "get temperature"));
+}
+
+TEST(CameraRequests, ChecksTypesAndLengths) {
+    Camera camera;
+    camera.put("positionPan", std::string("\x02\x40\x78", 3));
+    camera.put("power", "on");
+    const std::vector<Reading> readings = readThem(camera, {oids::positionPan, oids::power});
+    EXPECT_EQ(readings[0].problem, "the camera answered 3 octets (02 40 78) instead of 4");
+    EXPECT_EQ(readings[1].problem, "the camera answered OCTET STRING instead of INTEGER");
+    EXPECT_THAT(scripted::failure(
+                    camera, [](Context &context) { require(context.camera, instanceAt(oids::power)); }, kRefused),
+                HasSubstr("power: the camera answered OCTET STRING"));
+}
+
+TEST(CameraRequests, AnAnswerThatIsNoneOfTheRequestIsNotUsed) {
+    Camera camera;
+    camera.spoil = [](Operation, Response &response) { response.varbinds.pop_back(); };
+    EXPECT_EQ(scripted::failure(camera, kReadTwo, kBadResponse), "the camera answered 1 values to a request for 2");
+    EXPECT_EQ(scripted::failure(camera, kWrite, kBadResponse), "the camera answered 0 values to a request for 1");
+    EXPECT_EQ(scripted::failure(camera, kReadRows, kBadResponse), "the camera answered 0 values to a request for 1");
+    camera.spoil = [](Operation, Response &response) { response.varbinds.back().oid = oids::temperature; };
+    EXPECT_EQ(scripted::failure(camera, kReadTwo, kBadResponse),
+              "the camera answered temperature to a request for voltage");
+    EXPECT_EQ(scripted::failure(camera, kWrite, kBadResponse),
+              "the camera answered temperature to a request for timeoutPan");
+    camera.spoil = [](Operation, Response &response) { response.varbinds.back().type = snmp::Type::Null; };
+    EXPECT_EQ(readThem(camera, {oids::power}).front().problem, "the camera answered NULL");
+}
+
+TEST(CameraRequests, AnErrorAboutNothingEndsTheCommand) {
+    Camera camera;
+    for (const long index : {0L, 3L, -1L}) {
+        camera.spoil = [index](Operation, Response &response) {
+            response.error = kGenErr;
+            response.errorIndex = index;
+        };
+        EXPECT_EQ(scripted::failure(camera, kReadTwo, kRefused), "the camera answered genErr") << index;
+    }
+}
+
+TEST(CameraRequests, AnErrorAboutNothingIsAboutTheOnlyObject) {
+    Camera camera;
+    camera.spoil = [](Operation, Response &response) { response.error = kGenErr; };
+    EXPECT_EQ(scripted::failure(camera, kWrite, kRefused), "the camera refused timeoutPan = 5: genErr");
+    EXPECT_THAT(readThem(camera, {oids::power}).front().problem, HasSubstr("genErr"));
+}
+
+TEST(CameraRequests, ReadsTheRowsOfAColumn) {
+    Camera camera;
+    camera.put("relayStatesTable.3.2", 1);
+    const std::vector<Reading> rows = readColumn(camera, oids::relayStatesState);
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[1].value.number, 1);
+    EXPECT_TRUE(readColumn(camera, ".1.3.6.1.4.1.99999.9").empty());
+}
+
+TEST(CameraRequests, AWalkThatGoesRoundIsEnded) {
+    Camera camera;
+    camera.spoil = [](Operation, Response &response) {
+        response.varbinds = {snmp::integer(oids::row(oids::relayStatesState, 1), 0)};
+    };
+    EXPECT_THAT(scripted::failure(camera, kReadRows, kBadResponse), HasSubstr("as the successor of"));
+    unsigned int row = 0;
+    camera.spoil = [&row](Operation, Response &response) {
+        response.varbinds = {snmp::integer(oids::row(oids::relayStatesState, ++row), 0)};
+    };
+    EXPECT_EQ(readColumn(camera, oids::relayStatesState).size(), 64U);
+}
+
+TEST(CameraRequests, ARefusedWriteNamesTheObject) {
+    Camera camera;
+    camera.failSet("timeoutPan", kNotWritable);
+    EXPECT_EQ(scripted::failure(camera, kWrite, kRefused), "the camera refused timeoutPan = 5: notWritable");
+}
+
+TEST(CameraRequests, EveryErrorHasANameAndAdvice) {
+    for (long error = 1; error <= 18; ++error) {
+        EXPECT_EQ(snmp::describeError(error).name.find("error status"), std::string::npos) << error;
+        EXPECT_NE(snmp::describeError(error).advice, "") << error;
+    }
+    EXPECT_EQ(snmp::describeError(19).name, "error status 19");
+}
