@@ -1,7 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Conversion between varbinds and the SNMP library's own types.
+ * Conversion between varbinds and the SNMP library's own types. A manager of its own, such as that of the tests, links
+ * `client-snmp` and writes
+ *
+ *   snmp::SessionPointer session(snmp_sess_open(&wanted));
+ *   snmp::PduPointer request(snmp_pdu_create(SNMP_MSG_GET));
+ *   snmp::append(*request, snmp::nameOnly(oids::positionPan));
+ *   netsnmp_pdu *received = nullptr;
+ *   const int status = snmp_sess_synch_response(session.get(), request.release(), &received);
+ *   const snmp::PduPointer response(received);
+ *   ... snmp::varbindsOf(*response), or snmp::libraryError(session.get())
+ *
+ * snmp::Session does all of this for one agent with the user's own configuration.
  */
 #ifndef CLIENT_SNMP_NETSNMP_CONVERT_H
 #define CLIENT_SNMP_NETSNMP_CONVERT_H
