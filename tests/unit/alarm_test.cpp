@@ -1,18 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "gpio_table_test.h"
-#include "handler_checks.h"
+#include "handler_requests.h"
 #include "snmp_utils.h"
-
-using namespace std::string_literals;
-
-using requests::Answer;
-using requests::get;
-using requests::NewValue;
-using requests::Pdu;
-using requests::Request;
-using scripted::LogLine;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -107,7 +96,7 @@ TEST_F(AlarmTest, TheLowestBitOfAStateCounts) {
     expectInputs(0x06);
     states({-2147483648, 2147483647, 256, 257});
     expectInputs(0x0A);
-    EXPECT_THAT(core().logs(), testing::Contains(returning(2, "FALSE")));
+    EXPECT_THAT(core().logs(), Contains(returning(2, "FALSE")));
 }
 
 TEST_F(AlarmTest, AFailedInputIsAnError) {
@@ -143,18 +132,6 @@ TEST_F(AlarmTest, InputsBeforeAFailedOneKeepTheirNewState) {
     expectInputs(0x02);
 }
 
-TEST_F(AlarmTest, TheInputsAnswerGetNextAsGet) {
-    start(2);
-    states({0, 0, 1, 1});
-    Request request(kInputStatus);
-    EXPECT_EQ(request.runOwnHandler(MODE_GETNEXT).returned, SNMP_ERR_NOERROR);
-    EXPECT_EQ(core().calls(), readCalls(2));
-    const Answer answer = request.runOwnHandler(MODE_GETNEXT);
-    EXPECT_EQ(answer.type, ASN_OCTET_STR);
-    ASSERT_EQ(answer.octets.size(), 1U);
-    EXPECT_EQ(static_cast<unsigned char>(answer.octets[0]) & 3U, 3U);
-}
-
 TEST_F(AlarmTest, TheAlarmStatusIsAlwaysZero) {
     start(4);
     states({1, 1, 1, 1});
@@ -172,23 +149,6 @@ TEST_F(AlarmTest, TheAlarmStatusIsAlwaysZero) {
     }
     EXPECT_EQ(get(kAlarmStatus).octets, "\0"s);
     EXPECT_NE(get("1.3.6.1.4.1.1206.4.2.7.6.1.0").type, ASN_OCTET_STR) << "the stored identifier is no instance";
-}
-
-TEST_F(AlarmTest, OtherModesAreRefused) {
-    start(2);
-    for (const auto &[instance, handler] :
-         {std::pair{kInputStatus, "handle_inputStatus"s}, std::pair{kAlarmStatus, "handle_alarmStatus"s}}) {
-        for (const int mode : modesExcept({MODE_GET, MODE_GETNEXT})) {
-            core().clearRecord();
-            const Answer answer = Request(instance, NewValue::text("x")).runOwnHandler(mode);
-            EXPECT_EQ(answer.returned, SNMP_ERR_GENERR);
-            EXPECT_EQ(answer.octets, "x");
-            EXPECT_THAT(core().logs(),
-                        ElementsAre(LogLine{7, handler + ": Enter."},
-                                    LogLine{3, handler + ": unknown mode (" + std::to_string(mode) + ")"}));
-        }
-    }
-    EXPECT_THAT(core().calls(), IsEmpty());
 }
 
 TEST_F(AlarmTest, NoObjectCanBeSet) {

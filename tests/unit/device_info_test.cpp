@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "module_test.h"
 
-using requests::get;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace {
 
 const char *const kReadInformation = "zorva_api_device_information_get_static_information_send";
@@ -58,7 +54,7 @@ TEST_F(DeviceInfoTest, AnswersEachObject) {
     ASSERT_TRUE(InitDeviceInfo(GetIpcCookie()));
     const char *const expected[] = {"QN-4000", "QN-4000", "SN0042", "1.4.2-20200512", "1.4.2-20200512", "B7"};
     for (std::size_t i = 0; i < std::size(kIdentity); ++i) {
-        const requests::Answer answer = get(kIdentity[i]);
+        const Answer answer = get(kIdentity[i]);
         EXPECT_EQ(answer.returned, SNMP_ERR_NOERROR) << kIdentity[i];
         EXPECT_EQ(answer.type, ASN_OCTET_STR) << kIdentity[i];
         EXPECT_EQ(answer.octets, expected[i]) << kIdentity[i];
@@ -68,12 +64,12 @@ TEST_F(DeviceInfoTest, AnswersEachObject) {
 TEST_F(DeviceInfoTest, RegistersSixObjectsInOrder) {
     camera("QN-4000", "1.4.2-20200512", "B7", "SN0042");
     ASSERT_TRUE(InitDeviceInfo(GetIpcCookie()));
-    EXPECT_THAT(core().logs(), ElementsAre(scripted::LogLine{7, "registerScalar: Registration for modelNumber OID OK"},
-                                           scripted::LogLine{7, "registerScalar: Registration for modelName OID OK"},
-                                           scripted::LogLine{7, "registerScalar: Registration for serialNumber OID OK"},
-                                           scripted::LogLine{7, "registerScalar: Registration for fwVersion OID OK"},
-                                           scripted::LogLine{7, "registerScalar: Registration for swVersion OID OK"},
-                                           scripted::LogLine{7, "registerScalar: Registration for hwVersion OID OK"}));
+    EXPECT_THAT(core().logs(), ElementsAre(LogLine{7, "registerScalar: Registration for modelNumber OID OK"},
+                                           LogLine{7, "registerScalar: Registration for modelName OID OK"},
+                                           LogLine{7, "registerScalar: Registration for serialNumber OID OK"},
+                                           LogLine{7, "registerScalar: Registration for fwVersion OID OK"},
+                                           LogLine{7, "registerScalar: Registration for swVersion OID OK"},
+                                           LogLine{7, "registerScalar: Registration for hwVersion OID OK"}));
     const char *const names[] = {"modelNumber", "modelName", "serialNumber", "fwVersion", "swVersion", "hwVersion"};
     for (std::size_t i = 0; i < std::size(kIdentity); ++i) {
         EXPECT_EQ(requests::registeredName(stored(kIdentity[i])), names[i]);
@@ -84,7 +80,7 @@ TEST_F(DeviceInfoTest, AnEmptyModelNameAnswersEmptyForNameAndNumber) {
     camera("", "1.4.2", "B7", "SN0042");
     ASSERT_TRUE(InitDeviceInfo(GetIpcCookie()));
     for (const char *instance : {kIdentity[0], kIdentity[1]}) {
-        const requests::Answer answer = get(instance);
+        const Answer answer = get(instance);
         EXPECT_EQ(answer.type, ASN_OCTET_STR);
         EXPECT_EQ(answer.octets, "");
     }
@@ -94,7 +90,7 @@ TEST_F(DeviceInfoTest, ATextThatTheServiceLeavesOutIsEmpty) {
     camera(nullptr, nullptr, nullptr, nullptr);
     ASSERT_TRUE(InitDeviceInfo(GetIpcCookie()));
     for (const char *instance : kIdentity) {
-        const requests::Answer answer = get(instance);
+        const Answer answer = get(instance);
         EXPECT_EQ(answer.type, ASN_OCTET_STR);
         EXPECT_EQ(answer.octets, "");
     }
@@ -121,14 +117,14 @@ TEST_F(DeviceInfoTest, NoTargetRegistersNothing) {
     openCore();
     EXPECT_FALSE(InitDeviceInfo(GetIpcCookie()));
     EXPECT_THAT(core().calls(), ElementsAre("getTargetIds(\"device_information\")"));
-    EXPECT_THAT(core().logs(), ElementsAre(scripted::LogLine{3, "no zorva API dev info"}));
+    EXPECT_THAT(core().logs(), ElementsAre(LogLine{3, "no zorva API dev info"}));
     expectNothingRegistered();
 }
 
 TEST_F(DeviceInfoTest, AnEmptyTargetListIsNoTarget) {
     core().targets("device_information", {});
     EXPECT_FALSE(InitDeviceInfo(GetIpcCookie()));
-    EXPECT_THAT(core().logs(), ElementsAre(scripted::LogLine{3, "no zorva API dev info"}));
+    EXPECT_THAT(core().logs(), ElementsAre(LogLine{3, "no zorva API dev info"}));
     expectNothingRegistered();
 }
 
@@ -137,15 +133,14 @@ TEST_F(DeviceInfoTest, AServiceThatDoesNotOpenRegistersNothing) {
     EXPECT_FALSE(InitDeviceInfo(GetIpcCookie()));
     EXPECT_THAT(core().calls(), ElementsAre("getTargetIds(\"device_information\")",
                                             "zorva_api_device_information_initiator_init(ipc, log, &, 0, null)"));
-    EXPECT_THAT(core().logs(), ElementsAre(scripted::LogLine{3, "InitDeviceInfo: failed dev info initiator init"}));
+    EXPECT_THAT(core().logs(), ElementsAre(LogLine{3, "InitDeviceInfo: failed dev info initiator init"}));
     expectNothingRegistered();
 }
 
 TEST_F(DeviceInfoTest, AFailedReadClosesTheServiceAndRegistersNothing) {
     core().fail(kReadInformation, 5);
     EXPECT_FALSE(InitDeviceInfo(GetIpcCookie()));
-    EXPECT_THAT(core().logs(),
-                ElementsAre(scripted::LogLine{3, "InitDeviceInfo: failed dev info:get_static_information"}));
+    EXPECT_THAT(core().logs(), ElementsAre(LogLine{3, "InitDeviceInfo: failed dev info:get_static_information"}));
     EXPECT_EQ(core().calls().back(), "zorva_api_device_information_initiator_deinit(device_information)");
     expectNothingRegistered();
 }
@@ -153,13 +148,4 @@ TEST_F(DeviceInfoTest, AFailedReadClosesTheServiceAndRegistersNothing) {
 TEST_F(DeviceInfoTest, DeinitMakesNoCall) {
     DeinitDeviceInfo();
     EXPECT_THAT(core().calls(), IsEmpty());
-}
-
-TEST_F(DeviceInfoTest, OnlyGetIsAnswered) {
-    camera("QN-4000", "1.4.2", "B7", "SN0042");
-    ASSERT_TRUE(InitDeviceInfo(GetIpcCookie()));
-    requests::Request request("1.3.6.1.4.1.99999.1.1.2.0.0", requests::NewValue::text("mine"));
-    const requests::Answer answer = request.run(MODE_SET_RESERVE1);
-    EXPECT_TRUE(answer.returned != SNMP_ERR_NOERROR || answer.requestError != SNMP_ERR_NOERROR);
-    EXPECT_EQ(get("1.3.6.1.4.1.99999.1.1.2.0.0").octets, "QN-4000");
 }

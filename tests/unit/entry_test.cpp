@@ -4,17 +4,13 @@
 #include "snmp_utils.h"
 #include "trap_sender.h"
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::Not;
-
 namespace {
 
 std::vector<std::string> gSteps;
 
 using EntryTest = ModuleTest;
 
-const scripted::LogLine kLeaving{7, "timer_thread_func: LEAVING IN THREAD FUNC due to interruption"};
+const LogLine kLeaving{7, "timer_thread_func: LEAVING IN THREAD FUNC due to interruption"};
 
 oid gTestOid[] = {1, 3, 6, 1, 4, 1, 99999, 1, 1, 8, 0};
 
@@ -79,7 +75,7 @@ TEST_F(EntryTest, EachFeatureGetsTheIpcHandle) {
         feature.init = [](void *ipcCookie) { return gSteps.push_back(scripted::core().nameOf(ipcCookie)), false; };
     }
     ASSERT_EQ(init_quarnsnmp(), 1);
-    EXPECT_THAT(gSteps, testing::AllOf(testing::SizeIs(13), testing::Each("ipc")));
+    EXPECT_THAT(gSteps, testing::AllOf(SizeIs(13), testing::Each("ipc")));
 }
 
 TEST_F(EntryTest, AFeatureThatThrowsIsNotUpAndTheOthersStart) {
@@ -126,6 +122,6 @@ TEST_F(EntryTest, TheWholeModuleOnACameraWithAnIdentity) {
     core().answer("zorva_api_device_information_get_static_information_send",
                   {"QN-4000", "1.4.2", "B7", "SN0042", nullptr, nullptr, nullptr, nullptr, std::int64_t{0}});
     ASSERT_EQ(init_quarnsnmp(), 0);
-    EXPECT_EQ(requests::get("1.3.6.1.4.1.99999.1.1.2.0.0").octets, "QN-4000");
+    EXPECT_EQ(get("1.3.6.1.4.1.99999.1.1.2.0.0").octets, "QN-4000");
     EXPECT_EQ(deinit_quarnsnmp(), 0);
 }

@@ -12,9 +12,6 @@
 #include "snmp_utils.h"
 
 using requests::registeredName;
-using scripted::LogLine;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 

@@ -6,12 +6,6 @@
 #include "snmp_utils.h"
 #include "zorva_api_exception.h"
 
-using requests::Answer;
-using requests::NewValue;
-using requests::Request;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace {
 
 const char *const kObject = "1.3.6.1.4.1.99999.1.1.8.0";
@@ -91,12 +85,12 @@ TEST(UshortSwapEndian, SwapsTheOctets) {
 TEST_F(FrameTest, AVendorScalarAnswersBelowItsStoredIdentifier) {
     ASSERT_TRUE(registerScalar(object(answerSeven)));
     EXPECT_EQ(requests::registeredName(kObject), "power");
-    EXPECT_NE(requests::get(kObject).type, ASN_INTEGER) << "the stored identifier is no instance";
-    const Answer answer = requests::get(kInstance);
+    EXPECT_NE(get(kObject).type, ASN_INTEGER) << "the stored identifier is no instance";
+    const Answer answer = get(kInstance);
     EXPECT_EQ(answer.returned, SNMP_ERR_NOERROR);
     EXPECT_EQ(answer.type, ASN_INTEGER);
     EXPECT_EQ(answer.integer, 7);
-    EXPECT_THAT(core().logs(), ElementsAre(scripted::LogLine{7, "registerScalar: Registration for power OID OK"}));
+    EXPECT_THAT(core().logs(), ElementsAre(LogLine{7, "registerScalar: Registration for power OID OK"}));
 }
 
 TEST_F(FrameTest, TheSecondRegistrationOfAnIdentifierIsRefused) {
@@ -104,14 +98,14 @@ TEST_F(FrameTest, TheSecondRegistrationOfAnIdentifierIsRefused) {
     core().clearRecord();
     snmp_variable second = object(answerText);
     EXPECT_FALSE(registerScalar(second));
-    EXPECT_THAT(core().logs(), ElementsAre(scripted::LogLine{3, "registerScalar: Registration for power OID not OK"}));
-    EXPECT_EQ(requests::get(kInstance).integer, 7);
+    EXPECT_THAT(core().logs(), ElementsAre(LogLine{3, "registerScalar: Registration for power OID not OK"}));
+    EXPECT_EQ(get(kInstance).integer, 7);
 }
 
 TEST_F(FrameTest, ObjectsCanBeTakenBackAndRegisteredAgain) {
     for (int i = 0; i < 3; ++i) {
         ASSERT_TRUE(registerScalar(object(answerSeven)));
-        ASSERT_EQ(requests::get(kInstance).integer, 7);
+        ASSERT_EQ(get(kInstance).integer, 7);
         UnregisterAll();
         ASSERT_EQ(requests::registeredName(kObject), "");
     }
@@ -126,8 +120,8 @@ TEST_F(FrameTest, AReadOnlyScalarRefusesASet) {
 TEST_F(FrameTest, AnExceptionOfAHandlerIsAnsweredWithGenErr) {
     ASSERT_TRUE(registerScalar(object(throwError)));
     core().clearRecord();
-    EXPECT_EQ(requests::get(kInstance).returned, SNMP_ERR_GENERR);
-    EXPECT_THAT(core().logs(), ElementsAre(scripted::LogLine{3, "power: no room"}));
+    EXPECT_EQ(get(kInstance).returned, SNMP_ERR_GENERR);
+    EXPECT_THAT(core().logs(), ElementsAre(LogLine{3, "power: no room"}));
 }
 
 TEST_F(FrameTest, HandleIntMibSetsTheTypeThatItIsGiven) {

@@ -2,9 +2,6 @@
 // SETs of what lies in a table and is no cell of it, together with a cell.
 #include "gpio_table_test.h"
 
-using requests::NewValue;
-using requests::Pdu;
-
 namespace {
 
 class GpioForeignNamesTest : public ModuleTest, public testing::WithParamInterface<const char *> {
@@ -39,7 +36,7 @@ TEST_P(GpioForeignNamesTest, AreRefusedBeforeAndAfterACell) {
     EXPECT_EQ(set({foreignName()}), SNMP_ERR_NOCREATION);
     EXPECT_EQ(set({foreignName(), cell}), SNMP_ERR_NOCREATION);
     EXPECT_EQ(set({cell, foreignName()}), SNMP_ERR_NOCREATION);
-    EXPECT_THAT(core().calls(), testing::IsEmpty()) << "nothing is switched";
+    EXPECT_THAT(core().calls(), IsEmpty()) << "nothing is switched";
 }
 
 // The table, its entry, other entries, a column without a row, and columns that the table does not have.

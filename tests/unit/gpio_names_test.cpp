@@ -11,9 +11,6 @@
 
 #include "gpio_table_test.h"
 
-using requests::Pdu;
-using testing::ElementsAre;
-
 namespace {
 
 /** Names for both tables; their rows have names as well, which then stand in place of the index. */

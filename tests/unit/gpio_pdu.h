@@ -67,4 +67,6 @@ std::vector<Cell> walk(const std::string &root);
 
 } // namespace requests
 
+using requests::Pdu;
+
 #endif

@@ -5,14 +5,6 @@
 
 #include "snmp_utils.h"
 
-using requests::Answer;
-using requests::NewValue;
-using requests::Pdu;
-using scripted::LogLine;
-using testing::AnyOf;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 const GpioTable kAlarmTable{
     "alarm",
     "alarmStatesTable",

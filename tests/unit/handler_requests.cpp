@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "handler_requests.h"
 
+#include <algorithm>
 #include <cstring>
-
-using scripted::LogLine;
 
 namespace {
 
@@ -35,6 +34,17 @@ LogLine failed(const std::string &call) {
 
 } // namespace logs
 
+Modes modesExcept(const Modes &served) {
+    Modes modes(std::begin(kUnknownModes), std::end(kUnknownModes));
+    for (const int mode : Modes{MODE_GET, MODE_GETNEXT, MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION,
+                                MODE_SET_COMMIT, MODE_SET_FREE, MODE_SET_UNDO}) {
+        if (std::find(served.begin(), served.end(), mode) == served.end()) {
+            modes.push_back(mode);
+        }
+    }
+    return modes;
+}
+
 std::string octets(std::initializer_list<unsigned int> values) {
     std::string result;
     for (const unsigned int value : values) {
@@ -47,30 +57,30 @@ std::string command(unsigned int mode, int speed, unsigned int position) {
     return octets({mode, static_cast<unsigned int>(speed) & 0xFFU, position & 0xFFU, position >> 8U});
 }
 
-testing::Matcher<const requests::Answer &> isAccepted() {
+testing::Matcher<const Answer &> isAccepted() {
     return isRefused(SNMP_ERR_NOERROR, SNMP_ERR_NOERROR);
 }
 
-testing::Matcher<const requests::Answer &> isRefused(int returned, int requestError) {
-    return testing::AllOf(testing::Field("returned", &requests::Answer::returned, returned),
-                          testing::Field("request error", &requests::Answer::requestError, requestError));
+testing::Matcher<const Answer &> isRefused(int returned, int requestError) {
+    return testing::AllOf(testing::Field("returned", &Answer::returned, returned),
+                          testing::Field("request error", &Answer::requestError, requestError));
 }
 
-void set(std::string_view instance, const requests::NewValue &value) {
+void set(std::string_view instance, const NewValue &value) {
     DirtyRequest request(instance, value);
     for (const int phase : kSetPhases) {
         ASSERT_THAT(request.run(phase), isAccepted()) << "phase " << phase;
     }
 }
 
-void setAndUndo(std::string_view instance, const requests::NewValue &value) {
+void setAndUndo(std::string_view instance, const NewValue &value) {
     DirtyRequest request(instance, value);
     for (const int phase : {MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION, MODE_SET_UNDO}) {
         ASSERT_THAT(request.run(phase), isAccepted()) << "phase " << phase;
     }
 }
 
-DirtyRequest::DirtyRequest(std::string_view dotted, const requests::NewValue &value) : Request(dotted, value) {
+DirtyRequest::DirtyRequest(std::string_view dotted, const NewValue &value) : Request(dotted, value) {
     netsnmp_variable_list *varbind = info()->requestvb;
     if (varbind->val.string == varbind->buf) {
         std::memset(varbind->buf + varbind->val_len, 0xEE, sizeof varbind->buf - varbind->val_len);

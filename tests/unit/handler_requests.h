@@ -7,6 +7,7 @@
 #ifndef QUARNSNMP_HANDLER_REQUESTS_H
 #define QUARNSNMP_HANDLER_REQUESTS_H
 
+#include <functional>
 #include <initializer_list>
 #include <limits>
 
@@ -14,13 +15,13 @@
 
 namespace logs {
 
-scripted::LogLine error(const std::string &text);
-scripted::LogLine notice(const std::string &text);
-scripted::LogLine info(const std::string &text);
-scripted::LogLine debug(const std::string &text);
+LogLine error(const std::string &text);
+LogLine notice(const std::string &text);
+LogLine info(const std::string &text);
+LogLine debug(const std::string &text);
 
 /** The line of a call that failed with kRefused. */
-scripted::LogLine failed(const std::string &call);
+LogLine failed(const std::string &call);
 
 } // namespace logs
 
@@ -32,25 +33,28 @@ using Modes = std::vector<int>;
 /** Modes that no handler of a scalar has a use for. */
 inline constexpr int kUnknownModes[] = {-1, 6, 99, 162, MODE_GETBULK, std::numeric_limits<int>::max()};
 
+/** All modes that the agent knows, and some that nobody knows, without those that a handler serves. */
+Modes modesExcept(const Modes &served);
+
 /** Octets of a value. */
 std::string octets(std::initializer_list<unsigned int> values);
 /** A position command: its mode, speed, and position with the low-order octet first. */
 std::string command(unsigned int mode, int speed, unsigned int position);
 
 /** An answer that reports no error in either way. */
-testing::Matcher<const requests::Answer &> isAccepted();
+testing::Matcher<const Answer &> isAccepted();
 /** What the handler returns, and what it sets on the request. */
-testing::Matcher<const requests::Answer &> isRefused(int returned, int requestError);
+testing::Matcher<const Answer &> isRefused(int returned, int requestError);
 
 /** Runs all phases of a SET that nobody refuses; each has to be accepted. */
-void set(std::string_view instance, const requests::NewValue &value);
+void set(std::string_view instance, const NewValue &value);
 /** Runs the phases up to ACTION and then UNDO, as the agent does when another variable's ACTION fails. */
-void setAndUndo(std::string_view instance, const requests::NewValue &value);
+void setAndUndo(std::string_view instance, const NewValue &value);
 
 /** A request for a handler; what lies behind the value in memory is not 0. */
 class DirtyRequest : public requests::Request {
 public:
-    DirtyRequest(std::string_view dotted, const requests::NewValue &value);
+    DirtyRequest(std::string_view dotted, const NewValue &value);
 };
 
 #endif

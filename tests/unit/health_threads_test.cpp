@@ -90,7 +90,7 @@ TEST_P(HealthThreadsTest, APollDuringARequestWaitsWhereTheServiceNeedsIt) {
             eventually([&] { return met || (GetParam().oneAtATime && pollThread != 0 && isAsleep(pollThread)); }));
         EXPECT_EQ(met, !GetParam().oneAtATime);
     });
-    EXPECT_THAT(requests::get(GetParam().instance), isAccepted());
+    EXPECT_THAT(get(GetParam().instance), isAccepted());
     polling.join();
     EXPECT_EQ(reads, 2) << "the poll reads when it is its turn";
 }
@@ -103,5 +103,5 @@ TEST(FeatureTable, PollsPowerAndTemperatureAndNothingElse) {
             polls.push_back(feature.poll);
         }
     }
-    EXPECT_THAT(polls, testing::ElementsAre(PollPower, PollTemperature));
+    EXPECT_THAT(polls, ElementsAre(PollPower, PollTemperature));
 }

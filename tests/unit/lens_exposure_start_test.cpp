@@ -2,10 +2,6 @@
 #include "lens_start_lines.h"
 #include "snmp_utils.h"
 
-using scripted::LogLine;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace lens_tests {
 
 namespace {

@@ -1,13 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lens_features_test.h"
 
-using requests::Answer;
-using requests::get;
-using requests::NewValue;
-using scripted::LogLine;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace lens_tests {
 
 namespace {

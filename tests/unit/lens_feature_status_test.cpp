@@ -1,11 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lens_features_test.h"
 
-using requests::Answer;
-using requests::get;
-using requests::NewValue;
-using requests::Request;
-
 namespace lens_tests {
 
 namespace {
@@ -104,23 +99,6 @@ TEST_P(LensFeatureStatusTest, AsksTheDeviceEveryTime) {
         device(mode, mode);
         EXPECT_EQ(get(object().instance()).octets, octets({mode == Mode::kAutomatic ? 0xC0U : 0U}));
     }
-}
-
-TEST_P(LensFeatureStatusTest, NoOtherModeIsServedAndThatIsAMatterOfDebugging) {
-    Modes modes(std::begin(kUnknownModes), std::end(kUnknownModes));
-    modes.insert(modes.end(), {MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION, MODE_SET_COMMIT, MODE_SET_FREE,
-                               MODE_SET_UNDO});
-    for (const int mode : modes) {
-        const Answer answer = phase(object(), mode, "x");
-        EXPECT_THAT(answer, isRefused(SNMP_ERR_GENERR, SNMP_ERR_NOERROR)) << mode;
-        EXPECT_EQ(answer.octets, "x");
-        EXPECT_EQ(story(), (Lines{line(enter(object())), line(unknownMode(object(), mode, 7))})) << mode;
-    }
-}
-
-TEST_P(LensFeatureStatusTest, IsReadOnly) {
-    Request request(object().instance(), NewValue::text(octets({0})));
-    EXPECT_EQ(request.run(MODE_SET_RESERVE1).requestError, SNMP_ERR_NOTWRITABLE);
 }
 
 } // namespace lens_tests

@@ -5,12 +5,6 @@
 
 #include "snmp_utils.h"
 
-using requests::Answer;
-using requests::get;
-using requests::NewValue;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace lens_tests {
 
 const Object &FeatureSet::control() const {
@@ -121,22 +115,6 @@ TEST_P(LensFeatureValueTest, AnswersWhatWasWrittenAndAsksNobody) {
     }
 }
 
-TEST_P(LensFeatureValueTest, OnlyAnOctetStringIsTaken) {
-    for (const Writable &each : both()) {
-        for (int type = 0; type <= 0xFF; ++type) {
-            forget();
-            DirtyRequest request(each.object.instance(), NewValue::text(each.one));
-            // Set on the finished varbind, since the agent's library does not build varbinds of every type.
-            request.info()->requestvb->type = static_cast<unsigned char>(type);
-            const Answer answer = request.runOwnHandler(MODE_SET_RESERVE1);
-            request.info()->requestvb->type = ASN_OCTET_STR;
-            const int expected = type == ASN_OCTET_STR ? SNMP_ERR_NOERROR : SNMP_ERR_WRONGTYPE;
-            EXPECT_THAT(answer, isRefused(expected, expected)) << type;
-            EXPECT_THAT(core().logs(), ElementsAre(enter(each.object), done(each.object, each.doneLevel))) << type;
-        }
-    }
-}
-
 TEST_P(LensFeatureValueTest, OnlyOneLengthIsTaken) {
     const char *const texts[] = {"systemLensEquipped not 1-bytes, val_len=", "iris position not 2-bytes, val_len="};
     for (std::size_t i = 0; i < 2; ++i) {
@@ -152,54 +130,6 @@ TEST_P(LensFeatureValueTest, OnlyOneLengthIsTaken) {
                                         done(each.object, each.doneLevel)));
             }
         }
-    }
-}
-
-TEST_P(LensFeatureValueTest, AnActionKeepsTheValueApart) {
-    for (const Writable &each : both()) {
-        expectQuiet(each, phase(each.object, MODE_SET_ACTION, each.two));
-        EXPECT_EQ(get(each.object.instance()).octets, std::string(each.length, '\0'));
-        EXPECT_EQ(pending(each), each.two);
-    }
-}
-
-TEST_P(LensFeatureValueTest, AnUndoTakesTheLastValueBack) {
-    for (const Writable &each : both()) {
-        commit(each.object, each.one);
-        phase(each.object, MODE_SET_ACTION, each.two);
-        expectQuiet(each, phase(each.object, MODE_SET_UNDO, each.two));
-        EXPECT_EQ(get(each.object.instance()).octets, each.one);
-        EXPECT_EQ(pending(each), each.one);
-    }
-}
-
-TEST_P(LensFeatureValueTest, AFreeTakesNothingBack) {
-    for (const Writable &each : both()) {
-        phase(each.object, MODE_SET_ACTION, each.two);
-        expectQuiet(each, phase(each.object, MODE_SET_FREE, each.one));
-        EXPECT_EQ(get(each.object.instance()).octets, std::string(each.length, '\0'));
-        EXPECT_EQ(pending(each), each.two);
-    }
-}
-
-TEST_P(LensFeatureValueTest, AGetNextAnswersNothing) {
-    for (const Writable &each : both()) {
-        commit(each.object, each.one);
-        const Answer answer = phase(each.object, MODE_GETNEXT);
-        expectQuiet(each, answer);
-        EXPECT_EQ(answer.type, ASN_NULL);
-    }
-}
-
-TEST_P(LensFeatureValueTest, AnUnknownModeIsGenErr) {
-    for (const Writable &each : both()) {
-        for (const int mode : kUnknownModes) {
-            EXPECT_THAT(phase(each.object, mode, each.two), isRefused(SNMP_ERR_GENERR, SNMP_ERR_NOERROR)) << mode;
-            EXPECT_THAT(core().logs(), ElementsAre(enter(each.object), unknownMode(each.object, mode),
-                                                   done(each.object, each.doneLevel)));
-            EXPECT_THAT(core().calls(), IsEmpty());
-        }
-        EXPECT_EQ(pending(each), std::string(each.length, '\0'));
     }
 }
 

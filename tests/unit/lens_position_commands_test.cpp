@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lens_test.h"
 
-using requests::Answer;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace lens_tests {
 
 namespace {

@@ -6,11 +6,6 @@
 #include "lens_test.h"
 #include "snmp_utils.h"
 
-using requests::get;
-using requests::NewValue;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace lens_tests {
 
 namespace {

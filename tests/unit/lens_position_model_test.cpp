@@ -8,8 +8,6 @@
 
 #include "lens_test.h"
 
-using testing::ElementsAre;
-
 namespace lens_tests {
 
 namespace {

@@ -1,13 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lens_test.h"
 
-using requests::Answer;
-using requests::get;
-using requests::NewValue;
-using requests::Request;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace lens_tests {
 
 namespace {
@@ -54,20 +47,6 @@ TEST_P(LensPositionTest, AnswersTheLastCommandAndAsksNobody) {
         EXPECT_EQ(answer.octets, value);
         EXPECT_THAT(core().calls(), IsEmpty());
         EXPECT_THAT(core().logs(), ElementsAre(enter(object()), done(object())));
-    }
-}
-
-TEST_P(LensPositionTest, OnlyAnOctetStringIsTaken) {
-    for (int type = 0; type <= 0xFF; ++type) {
-        forget();
-        DirtyRequest request(object().instance(), NewValue::text(command(2, 0, 0)));
-        // Set on the finished varbind, since the agent's library does not build varbinds of every type.
-        request.info()->requestvb->type = static_cast<unsigned char>(type);
-        const Answer answer = request.runOwnHandler(MODE_SET_RESERVE1);
-        request.info()->requestvb->type = ASN_OCTET_STR;
-        const int expected = type == ASN_OCTET_STR ? SNMP_ERR_NOERROR : SNMP_ERR_WRONGTYPE;
-        EXPECT_THAT(answer, isRefused(expected, expected)) << type;
-        EXPECT_THAT(core().logs(), ElementsAre(enter(object()), done(object()))) << type;
     }
 }
 
@@ -126,18 +105,11 @@ TEST_P(LensPositionTest, ARefusedCommandLeavesTheLastOne) {
     commit(last);
     for (const std::string &value : {command(0, 5, 1), command(4, 0, 1), std::string("abc")}) {
         DirtyRequest request(object().instance(), NewValue::text(value));
-        EXPECT_THAT(request.run(value.size() == 4 ? MODE_SET_RESERVE2 : MODE_SET_RESERVE1), testing::Not(isAccepted()));
+        EXPECT_THAT(request.run(value.size() == 4 ? MODE_SET_RESERVE2 : MODE_SET_RESERVE1), Not(isAccepted()));
         request.run(MODE_SET_FREE);
         EXPECT_EQ(committed(), last);
     }
     EXPECT_EQ(pending(), last);
-}
-
-TEST_P(LensPositionTest, AnActionKeepsTheCommandApart) {
-    commit(command(0, 0, 1));
-    expectQuiet(phase(MODE_SET_ACTION, command(2, -5, 0x1234)));
-    EXPECT_EQ(committed(), command(0, 0, 1));
-    EXPECT_EQ(pending(), command(2, -5, 0x1234));
 }
 
 TEST_P(LensPositionTest, ACommitAnswersWithThePendingCommand) {
@@ -169,38 +141,6 @@ TEST_P(LensPositionTest, ACommitOfAnotherModeMovesNothingAndReturnsGenErr) {
                                 done(object())));
         EXPECT_EQ(committed(), value);
     }
-}
-
-TEST_P(LensPositionTest, AnUndoTakesTheLastCommandBack) {
-    commit(command(0, 0, 0x3412));
-    phase(MODE_SET_ACTION, command(2, 5, 100));
-    expectQuiet(phase(MODE_SET_UNDO, command(2, 5, 100)));
-    EXPECT_EQ(committed(), command(0, 0, 0x3412));
-    EXPECT_EQ(pending(), command(0, 0, 0x3412));
-}
-
-TEST_P(LensPositionTest, AFreeTakesNothingBack) {
-    phase(MODE_SET_ACTION, command(2, 5, 100));
-    expectQuiet(phase(MODE_SET_FREE, command(0, 0, 1)));
-    EXPECT_EQ(committed(), command(0, 0, 0));
-    EXPECT_EQ(pending(), command(2, 5, 100));
-}
-
-TEST_P(LensPositionTest, AGetNextAnswersNothing) {
-    commit(command(0, 0, 0x3412));
-    const Answer answer = phase(MODE_GETNEXT);
-    expectQuiet(answer);
-    EXPECT_EQ(answer.type, ASN_NULL);
-}
-
-TEST_P(LensPositionTest, AnUnknownRequestModeIsGenErr) {
-    for (const int mode : kUnknownModes) {
-        const Answer answer = phase(mode, command(2, 0, 0xFFFF));
-        EXPECT_THAT(answer, isRefused(SNMP_ERR_GENERR, SNMP_ERR_NOERROR)) << mode;
-        EXPECT_THAT(core().logs(), ElementsAre(enter(object()), unknownMode(object(), mode), done(object())));
-        EXPECT_THAT(core().calls(), IsEmpty());
-    }
-    EXPECT_EQ(pending(), command(0, 0, 0));
 }
 
 TEST_P(LensPositionTest, AWholeSetEndsWithTheCommandInTheReply) {

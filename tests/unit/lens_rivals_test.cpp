@@ -8,10 +8,6 @@
 #include "lens_start_lines.h"
 #include "positioning_test.h"
 
-using requests::get;
-using requests::NewValue;
-using testing::ElementsAre;
-
 namespace lens_tests {
 
 namespace {

@@ -2,14 +2,6 @@
 #include "lens_start_lines.h"
 #include "snmp_utils.h"
 
-using requests::Answer;
-using requests::get;
-using requests::NewValue;
-using requests::Request;
-using scripted::LogLine;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace lens_tests {
 
 namespace {
@@ -178,14 +170,6 @@ TEST_P(LensStartTest, EachObjectIsAnsweredByItsOwnHandler) {
         EXPECT_THAT(get(object.instance()), isAccepted()) << object.name;
         ASSERT_FALSE(core().logs().empty()) << object.name;
         EXPECT_EQ(core().logs().front(), enter(object));
-    }
-}
-
-TEST_P(LensStartTest, OnlySomeObjectsCanBeSet) {
-    ASSERT_TRUE(init());
-    for (const Object &object : GetParam().objects) {
-        const Answer answer = Request(object.instance(), NewValue::integer(0)).run(MODE_SET_RESERVE1);
-        EXPECT_EQ(answer.requestError == SNMP_ERR_NOTWRITABLE, !object.writable) << object.name;
     }
 }
 

@@ -3,10 +3,6 @@
 
 #include "snmp_utils.h"
 
-using requests::Answer;
-using requests::NewValue;
-using scripted::LogLine;
-
 namespace lens_tests {
 
 namespace {
@@ -86,7 +82,7 @@ Answer LensTest::phase(const Object &object, int mode, const std::string &value)
 
 Answer LensTest::phase(const Object &object, int mode) {
     forget();
-    return requests::Request(object.instance()).runOwnHandler(mode);
+    return Request(object.instance()).runOwnHandler(mode);
 }
 
 Answer LensTest::commit(const Object &object, const std::string &value) {
@@ -134,7 +130,7 @@ Answer LensDriveTest::commit(const std::string &value) {
 }
 
 std::string LensDriveTest::committed() {
-    return requests::get(object().instance()).octets;
+    return get(object().instance()).octets;
 }
 
 std::string LensDriveTest::pending() {

@@ -1,15 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cstring>
 
-#include "handler_checks.h"
+#include "handler_requests.h"
 #include "snmp_utils.h"
-
-using requests::Answer;
-using requests::get;
-using requests::NewValue;
-using requests::Request;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -153,19 +146,6 @@ TEST_F(ModuleInfoTest, StandsBesideTheDeviceInformation) {
     start();
     expectText(kModuleModel, "QN-5000");
     expectText("1.3.6.1.4.1.99999.1.1.2.0.0", "QN-4000");
-}
-
-TEST_F(ModuleInfoTest, OnlyGetIsAnswered) {
-    start();
-    for (const char *instance : kModuleObjects) {
-        EXPECT_EQ(Request(instance, NewValue::text("mine")).run(MODE_SET_RESERVE1).requestError, SNMP_ERR_NOTWRITABLE);
-        for (const int mode : modesExcept({MODE_GET})) {
-            const Answer answer = Request(instance, NewValue::text("mine")).runOwnHandler(mode);
-            EXPECT_THAT(answer, isRefused(SNMP_ERR_GENERR, SNMP_ERR_NOERROR)) << instance << " " << mode;
-            EXPECT_EQ(answer.octets, "mine") << instance << " " << mode;
-        }
-    }
-    EXPECT_THAT(core().logs(), IsEmpty());
 }
 
 TEST_F(ModuleInfoTest, TheColumnsHaveNoRows) {

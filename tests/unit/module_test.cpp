@@ -30,7 +30,7 @@ ModuleTest::~ModuleTest() {
         gFeatureModules.at(i).poll = gOriginalRows.at(i).poll;
     }
     UnregisterAll();
-    EXPECT_THAT(core().problems(), testing::IsEmpty());
+    EXPECT_THAT(core().problems(), IsEmpty());
 }
 
 void ModuleTest::openCore() {

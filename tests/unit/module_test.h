@@ -6,6 +6,9 @@
 #ifndef QUARNSNMP_MODULE_TEST_H
 #define QUARNSNMP_MODULE_TEST_H
 
+#include <ostream>
+#include <string>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -17,6 +20,37 @@
 extern "C" {
 int init_quarnsnmp(void);
 int deinit_quarnsnmp(void);
+}
+
+// The vocabulary of the unit tests.
+using namespace std::string_literals;
+using requests::Answer;
+using requests::get;
+using requests::NewValue;
+using requests::Request;
+using scripted::LogLine;
+using testing::AnyOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+using Calls = std::vector<std::string>;
+
+/** A row of a table of tests, which are named after it. */
+struct Row {
+    std::string name;
+};
+
+inline std::ostream &operator<<(std::ostream &stream, const Row &row) {
+    return stream << row.name;
+}
+
+/** Name of the test of a row. */
+template <typename Parameter>
+std::string nameOf(const testing::TestParamInfo<Parameter> &row) {
+    return row.param.name;
 }
 
 /** Fails the test at its end when the script left a call open, unless the test takes problems() back. */

@@ -9,8 +9,6 @@
 #include "objects_document.h"
 
 using objects_document::ObjectRow;
-using requests::NewValue;
-using requests::Pdu;
 
 namespace {
 
@@ -37,7 +35,7 @@ std::string recordedCalls() {
     return text.empty() ? "–" : text;
 }
 
-std::string syntaxOf(const requests::Answer &answer) {
+std::string syntaxOf(const Answer &answer) {
     switch (answer.type) {
     case ASN_INTEGER:
         return "INTEGER";
@@ -67,7 +65,7 @@ std::vector<NewValue> samples() {
 }
 
 /** A GET, and the calls that it made. */
-requests::Answer read(const std::string &identifier, std::string &calls) {
+Answer read(const std::string &identifier, std::string &calls) {
     scripted::core().clearRecord();
     Pdu pdu;
     pdu.add(identifier);
@@ -159,7 +157,7 @@ protected:
                 ends.push_back(feature.deinit);
             }
         }
-        EXPECT_THAT(documented, testing::Not(testing::IsEmpty()));
+        EXPECT_THAT(documented, Not(IsEmpty()));
         EXPECT_THAT(documented, testing::UnorderedElementsAreArray(registeredObjects()));
         for (void (*end)() : ends) {
             end();

@@ -24,9 +24,6 @@
 #include "poll_thread.h"
 
 using support::eventually;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::Not;
 
 namespace {
 
@@ -36,7 +33,7 @@ using Clock = std::chrono::steady_clock;
 constexpr long kSpeed = 600;
 constexpr auto kShortPeriod = std::chrono::milliseconds(100);
 
-const scripted::LogLine kLeaving{7, "timer_thread_func: LEAVING IN THREAD FUNC due to interruption"};
+const LogLine kLeaving{7, "timer_thread_func: LEAVING IN THREAD FUNC due to interruption"};
 
 std::atomic<long> gLongestSleep{0}; // nanoseconds, as asked for
 std::atomic<int> gPolls{0};

@@ -12,9 +12,6 @@ using positioning::convertNTCIPToZorvaZoom;
 using positioning::convertZorvaToNTCIPPan;
 using positioning::convertZorvaToNTCIPTilt;
 using positioning::convertZorvaToNTCIPZoom;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
 
 namespace {
 

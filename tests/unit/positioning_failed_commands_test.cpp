@@ -6,15 +6,7 @@
 #include "positioning_call_texts.h"
 #include "positioning_test.h"
 
-using positioning::kPanAxis;
-using positioning::kTiltAxis;
-using positioning::kZoomAxis;
-using scripted::LogLine;
-using testing::ElementsAre;
-
 namespace {
-
-using Calls = std::vector<std::string>;
 
 /** A call that fails, in a command: the errors that are logged, and all calls that are made nevertheless. */
 struct FailedCommand {
@@ -224,7 +216,7 @@ TEST_F(PositioningFailuresTest, AContinuousMoveWithoutPositionLimitsSaysSoFirst)
 
 TEST_F(PositioningFailuresTest, ARefusedContinuousMoveShowsItsArguments) {
     struct Case {
-        positioning::Axis axis;
+        Axis axis;
         std::uint32_t timeout;
         const char *arguments;
         const char *call;

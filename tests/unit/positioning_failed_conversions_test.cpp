@@ -6,14 +6,7 @@
 #include "positioning_test.h"
 #include "unit_conversion.h"
 
-using positioning::kPanAxis;
-using positioning::kTiltAxis;
-using positioning::kZoomAxis;
-using scripted::LogLine;
-
 namespace {
-
-using Calls = std::vector<std::string>;
 
 /** A call that fails, in a conversion: what the conversion gives then, and what it called and logged. */
 struct FailedConversion {
@@ -41,12 +34,12 @@ float toZoom() {
 template <int axis>
 float velocity() {
     return static_cast<float>(
-        positioning::speedNTCIPToZorva(static_cast<positioning::Axis>(axis), static_cast<signed char>(127), 160000));
+        positioning::speedNTCIPToZorva(static_cast<Axis>(axis), static_cast<signed char>(127), 160000));
 }
 
 template <int axis>
 float fraction() {
-    return positioning::speedPercentage(static_cast<positioning::Axis>(axis), 127);
+    return positioning::speedPercentage(static_cast<Axis>(axis), 127);
 }
 
 FailedConversion refusedLimits(const char *name, float (*convert)()) {

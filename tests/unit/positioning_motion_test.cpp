@@ -5,18 +5,7 @@
 #include "motion_commands.h"
 #include "positioning_test.h"
 
-using namespace std::string_literals;
-
-using positioning::Axis;
-using positioning::kPanAxis;
-using positioning::kTiltAxis;
-using positioning::kZoomAxis;
-using scripted::LogLine;
-using testing::ElementsAreArray;
-
 namespace {
-
-using Calls = std::vector<std::string>;
 
 const char *const kInstances[] = {"1.3.6.1.4.1.1206.4.2.7.4.1.0", "1.3.6.1.4.1.1206.4.2.7.4.2.0",
                                   "1.3.6.1.4.1.1206.4.2.7.4.3.0"};
@@ -138,8 +127,8 @@ const char *instanceOf(const Command &each) {
     return kInstances[each.axis];
 }
 
-requests::NewValue valueOf(const Command &each) {
-    return requests::NewValue::text(
+NewValue valueOf(const Command &each) {
+    return NewValue::text(
         command(static_cast<unsigned int>(each.kind), each.speed, static_cast<unsigned int>(each.position)));
 }
 
@@ -273,10 +262,10 @@ TEST_P(PositioningCommandTest, OnlyTheCommitReachesTheService) {
     DirtyRequest request(instanceOf(GetParam()), valueOf(GetParam()));
     for (const int phase : {MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION, MODE_SET_UNDO, MODE_SET_FREE}) {
         EXPECT_THAT(request.run(phase), isAccepted()) << phase;
-        EXPECT_THAT(core().calls(), testing::IsEmpty()) << phase;
+        EXPECT_THAT(core().calls(), IsEmpty()) << phase;
     }
     request.run(MODE_SET_COMMIT);
-    EXPECT_THAT(core().calls(), testing::Not(testing::IsEmpty()));
+    EXPECT_THAT(core().calls(), Not(IsEmpty()));
 }
 
 TEST_P(PositioningCommandTest, AFailedMoveIsNotTheManagersMatter) {
@@ -287,6 +276,6 @@ TEST_P(PositioningCommandTest, AFailedMoveIsNotTheManagersMatter) {
         core().fail(function, kRefused);
     }
     set(instanceOf(GetParam()), valueOf(GetParam()));
-    EXPECT_THAT(core().logs(3), testing::Not(testing::IsEmpty()));
-    EXPECT_EQ(requests::get(instanceOf(GetParam())).octets, valueOf(GetParam()).content);
+    EXPECT_THAT(core().logs(3), Not(IsEmpty()));
+    EXPECT_EQ(get(instanceOf(GetParam())).octets, valueOf(GetParam()).content);
 }

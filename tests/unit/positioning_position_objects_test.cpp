@@ -1,12 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "positioning_position_objects.h"
 
-using requests::Answer;
-using requests::get;
-using requests::NewValue;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace {
 
 /** Phases and values kept between them. */
@@ -89,21 +83,6 @@ TEST_P(PositionPhasesTest, AGetAnswersTheLastCommandAndAsksNobody) {
     EXPECT_THAT(core().logs(), ElementsAre(enter(), done()));
 }
 
-TEST_P(PositionPhasesTest, OnlyAnOctetStringIsTaken) {
-    use(GetParam().instance);
-    for (int type = 0; type <= 0xFF; ++type) {
-        core().clearRecord();
-        DirtyRequest request(GetParam().instance, NewValue::text(command(0, 0, 0)));
-        // Set on the finished varbind, since the agent's library does not build varbinds of every type.
-        request.info()->requestvb->type = static_cast<unsigned char>(type);
-        const Answer answer = request.run(GetParam().handler, MODE_SET_RESERVE1);
-        request.info()->requestvb->type = ASN_OCTET_STR;
-        EXPECT_THAT(answer, isRefused(SNMP_ERR_NOERROR, type == ASN_OCTET_STR ? SNMP_ERR_NOERROR : SNMP_ERR_WRONGTYPE))
-            << type;
-        EXPECT_THAT(core().logs(), ElementsAre(enter(), done())) << type;
-    }
-}
-
 TEST_P(PositionPhasesTest, AnyLengthIsTakenAndMissingOctetsAreZero) {
     use(GetParam().instance);
     const std::string full = octets({3, 5, 0x34, 0x12}) + std::string(296, '\x77');
@@ -126,15 +105,6 @@ TEST_P(PositionPhasesTest, AnEmptyCommandStops) {
     set(GetParam().instance, NewValue::text(""));
     EXPECT_THAT(core().calls(), ElementsAre(calls::stop(GetParam().axis)));
     EXPECT_EQ(get(GetParam().instance).octets, octets({0, 0, 0, 0}));
-}
-
-TEST_P(PositionPhasesTest, AnActionKeepsTheCommandApart) {
-    use(GetParam().instance);
-    EXPECT_THAT(phase(MODE_SET_ACTION, command(3, 5, 0x1234)), isAccepted());
-    EXPECT_EQ(pending(), octets({3, 5, 0x34, 0x12}));
-    EXPECT_EQ(last(), GetParam().atStart);
-    EXPECT_THAT(core().calls(), IsEmpty());
-    EXPECT_THAT(core().logs(), ElementsAre(enter(), done()));
 }
 
 TEST_P(PositionPhasesTest, ACommitMovesByTheRequestAndKeepsThePendingCommand) {
@@ -183,30 +153,6 @@ TEST_P(PositionPhasesTest, AnUndoTakesTheLastCommandBack) {
     setAndUndo(GetParam().instance, NewValue::text(command(2, 5, 100)));
     EXPECT_EQ(pending(), command(0, 0, 0x1234));
     EXPECT_EQ(get(GetParam().instance).octets, command(0, 0, 0x1234));
-}
-
-TEST_P(PositionPhasesTest, PhasesWithoutWorkDoNothing) {
-    use(GetParam().instance);
-    phase(MODE_SET_ACTION, command(3, 5, 0x1234));
-    for (const int mode : Modes{MODE_GETNEXT, MODE_SET_FREE}) {
-        const Answer answer = phase(mode);
-        EXPECT_THAT(answer, isAccepted()) << mode;
-        EXPECT_EQ(answer.type, ASN_NULL) << mode;
-        EXPECT_THAT(core().logs(), ElementsAre(enter(), done())) << mode;
-        EXPECT_THAT(core().calls(), IsEmpty()) << mode;
-        EXPECT_EQ(pending(), command(3, 5, 0x1234)) << mode;
-        EXPECT_EQ(last(), GetParam().atStart) << mode;
-    }
-}
-
-TEST_P(PositionPhasesTest, AnUnknownModeIsGenErrThatZoomOnlyReturns) {
-    use(GetParam().instance);
-    for (const int mode : kUnknownModes) {
-        EXPECT_THAT(phase(mode), isRefused(SNMP_ERR_GENERR, isZoom() ? SNMP_ERR_NOERROR : SNMP_ERR_GENERR)) << mode;
-        EXPECT_THAT(core().logs(),
-                    ElementsAre(enter(), logs::error(GetParam().name + ": unknown mode (" + std::to_string(mode) + ")"),
-                                done()));
-    }
 }
 
 TEST_P(PositionPhasesTest, ACommandLeavesTheOtherObjects) {

@@ -7,15 +7,6 @@
 #include "positioning_test.h"
 #include "range_objects.h"
 
-using namespace std::string_literals;
-
-using requests::Answer;
-using requests::get;
-using requests::NewValue;
-using requests::Request;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace {
 
 struct RangeObject {
@@ -54,11 +45,11 @@ const RangeObject kReadOnly[] = {
 const char *const kNorth = "handle_rangeTrueNorthOffset";
 const char *const kNorthInstance = "1.3.6.1.4.1.1206.4.2.7.1.5.0";
 
-scripted::LogLine enter(const std::string &name) {
+LogLine enter(const std::string &name) {
     return logs::debug(name + ": Enter.");
 }
 
-scripted::LogLine done(const std::string &name) {
+LogLine done(const std::string &name) {
     return logs::debug(name + ": Done.");
 }
 
@@ -70,7 +61,7 @@ protected:
     }
 
     /** The line that shows the limits which the fixture's service has. */
-    static scripted::LogLine softLimits(const RangeObject &object) {
+    static LogLine softLimits(const RangeObject &object) {
         return logs::info(object.name +
                           ": get_soft_position_limits, 1000=pmin,350000=pmax,-80000=tmin,45000=tmax,10=zmin,10=zmax"s);
     }
@@ -102,34 +93,6 @@ INSTANTIATE_TEST_SUITE_P(Objects, PositioningReadOnlyRangeTest, testing::ValuesI
                          [](const auto &each) { return std::string(each.param.name).substr(7); });
 
 } // namespace
-
-TEST_P(PositioningReadOnlyRangeTest, AnyOtherModeIsReturnedAsGenErr) {
-    for (const int mode : Modes{MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION, MODE_SET_COMMIT, MODE_SET_FREE,
-                                MODE_SET_UNDO, -1, 6, 99, 162, MODE_GETBULK, INT_MAX}) {
-        core().clearRecord();
-        const Answer answer = Request(GetParam().instance).run(GetParam().handler, mode);
-        EXPECT_THAT(answer, isRefused(SNMP_ERR_GENERR, SNMP_ERR_NOERROR)) << mode;
-        EXPECT_EQ(answer.type, ASN_NULL) << mode;
-        EXPECT_THAT(core().calls(), IsEmpty()) << mode;
-        EXPECT_THAT(core().logs(),
-                    ElementsAre(enter(GetParam().name),
-                                logs::error(GetParam().name + ": unknown mode ("s + std::to_string(mode) + ")"),
-                                done(GetParam().name)));
-    }
-}
-
-TEST_P(PositioningReadOnlyRangeTest, AGetNextIsAnsweredLikeAGet) {
-    const long expected = read(GetParam());
-    const auto asked = core().calls();
-    const auto logged = core().logs();
-    core().clearRecord();
-    const Answer answer = Request(GetParam().instance).run(GetParam().handler, MODE_GETNEXT);
-    EXPECT_THAT(answer, isAccepted());
-    EXPECT_EQ(answer.type, ASN_INTEGER);
-    EXPECT_EQ(answer.integer, expected);
-    EXPECT_EQ(core().calls(), asked);
-    EXPECT_EQ(core().logs(), logged);
-}
 
 TEST_P(PositioningReadOnlyRangeTest, WithoutAConnectionTheStoredValueIsAnswered) {
     positioning::gApiCookie = nullptr;
@@ -246,7 +209,7 @@ TEST_F(PositioningRangeTest, TheSoftUpLimitIsShownBeforeItIsCut) {
                             logs::info("handle_rangeTiltUpLimit: tiltMaxLimit->4500"), done(kTiltUp.name)));
     softPositions({1000, 350000}, {-80000, -10}, {10, 300});
     read(kTiltUp);
-    EXPECT_THAT(core().logs(6), testing::Contains("handle_rangeTiltUpLimit: tiltMaxLimit->35999"));
+    EXPECT_THAT(core().logs(6), Contains("handle_rangeTiltUpLimit: tiltMaxLimit->35999"));
     softPositions({1000, 350000}, {-80000, 45000}, {10, 300});
     read(kTiltDown);
     EXPECT_THAT(core().logs(), ElementsAre(enter(kTiltDown.name), softLimits(kTiltDown), done(kTiltDown.name)));
@@ -289,45 +252,4 @@ TEST_F(PositioningRangeTest, AnotherTrueNorthIsRefused) {
         EXPECT_THAT(core().logs(), ElementsAre(enter(kNorth), done(kNorth))) << value;
     }
     EXPECT_EQ(positioning::gTrueNorthOffset, 65535);
-}
-
-TEST_F(PositioningRangeTest, TrueNorthIsAnInteger) {
-    for (int type = 0; type <= 0xFF; ++type) {
-        core().clearRecord();
-        Request request(kNorthInstance, NewValue::integer(0));
-        // Set on the finished varbind, since the agent's library does not build varbinds of every type.
-        request.info()->requestvb->type = static_cast<unsigned char>(type);
-        const Answer answer = request.run(positioning::handle_rangeTrueNorthOffset, MODE_SET_RESERVE1);
-        request.info()->requestvb->type = ASN_INTEGER;
-        EXPECT_THAT(answer, isRefused(SNMP_ERR_NOERROR, type == ASN_INTEGER ? SNMP_ERR_NOERROR : SNMP_ERR_WRONGTYPE))
-            << type;
-        EXPECT_THAT(core().logs(), ElementsAre(enter(kNorth), done(kNorth))) << type;
-    }
-}
-
-TEST_F(PositioningRangeTest, AnUndoneTrueNorthStays) {
-    setAndUndo(kNorthInstance, NewValue::integer(0));
-    EXPECT_EQ(get(kNorthInstance).integer, 0);
-}
-
-TEST_F(PositioningRangeTest, TrueNorthIsStoredByTheActionAlone) {
-    for (const int mode : Modes{MODE_SET_COMMIT, MODE_SET_FREE, MODE_SET_UNDO, MODE_GETNEXT}) {
-        const Answer answer = north(mode, NewValue::integer(0));
-        EXPECT_THAT(answer, isAccepted()) << mode;
-        EXPECT_EQ(answer.integer, 0) << "the request's value stays";
-        EXPECT_EQ(positioning::gTrueNorthOffset, 65535) << mode;
-        EXPECT_THAT(core().logs(), ElementsAre(enter(kNorth), done(kNorth))) << mode;
-    }
-    EXPECT_THAT(north(MODE_SET_ACTION, NewValue::integer(0)), isAccepted());
-    EXPECT_EQ(positioning::gTrueNorthOffset, 0);
-    EXPECT_THAT(core().logs(), ElementsAre(enter(kNorth), done(kNorth)));
-}
-
-TEST_F(PositioningRangeTest, AnUnknownModeOfTrueNorthIsGenErrInBothWays) {
-    for (const int mode : kUnknownModes) {
-        EXPECT_THAT(north(mode, NewValue::integer(0)), isRefused(SNMP_ERR_GENERR, SNMP_ERR_GENERR)) << mode;
-        EXPECT_THAT(core().logs(),
-                    ElementsAre(enter(kNorth), logs::error(kNorth + ": unknown mode ("s + std::to_string(mode) + ")"),
-                                done(kNorth)));
-    }
 }

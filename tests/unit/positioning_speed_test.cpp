@@ -7,14 +7,8 @@
 #include "positioning_test.h"
 #include "unit_conversion.h"
 
-using positioning::Axis;
-using positioning::kPanAxis;
-using positioning::kTiltAxis;
-using positioning::kZoomAxis;
 using positioning::speedNTCIPToZorva;
 using positioning::speedPercentage;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 

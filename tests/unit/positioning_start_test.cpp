@@ -5,17 +5,9 @@
 #include "positioning_test.h"
 #include "snmp_utils.h"
 
-using namespace std::string_literals;
-
 using positioning::gLastPanTimeout;
 using positioning::gLastTiltTimeout;
 using positioning::gLastZoomTimeout;
-using requests::get;
-using requests::NewValue;
-using requests::Request;
-using scripted::LogLine;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -94,22 +86,12 @@ TEST_F(PositioningStartTest, EachObjectIsAnsweredByItsOwnHandler) {
     connect();
     for (const Object &object : kScalars) {
         core().clearRecord();
-        const requests::Answer answer = get(instanceOf(object));
+        const Answer answer = get(instanceOf(object));
         EXPECT_THAT(answer, isAccepted()) << object.name;
         EXPECT_EQ(answer.type, object.type) << object.name;
         ASSERT_FALSE(core().logs().empty()) << object.name;
         EXPECT_EQ(core().logs().front(), logs::debug("handle_"s + object.name + ": Enter."));
         EXPECT_EQ(core().logs().back(), logs::debug("handle_"s + object.name + ": Done."));
-    }
-}
-
-TEST_F(PositioningStartTest, OnlySomeObjectsCanBeSet) {
-    connect();
-    for (const Object &object : kScalars) {
-        const NewValue value = object.type == ASN_INTEGER ? NewValue::integer(0) : NewValue::text(octets({0, 0, 0, 0}));
-        EXPECT_THAT(Request(instanceOf(object), value).run(MODE_SET_RESERVE1),
-                    isRefused(SNMP_ERR_NOERROR, object.writable ? SNMP_ERR_NOERROR : SNMP_ERR_NOTWRITABLE))
-            << object.name;
     }
 }
 
@@ -246,7 +228,7 @@ TEST_F(PositioningStartTest, WithoutAServiceTheObjectsAnswerWhatTheModuleHolds) 
     startWithoutService();
     const long expected[] = {0, 0, 65535, 65535, 1, 0, 0, 0, 0, 1, 0, 0};
     for (std::size_t i = 0; i < kReduced; ++i) {
-        const requests::Answer answer = get(instanceOf(kScalars[i]));
+        const Answer answer = get(instanceOf(kScalars[i]));
         EXPECT_THAT(answer, isAccepted()) << kScalars[i].name;
         EXPECT_EQ(answer.type, kScalars[i].type) << kScalars[i].name;
         EXPECT_EQ(answer.integer, expected[i]) << kScalars[i].name;

@@ -7,16 +7,9 @@
 #include "positioning_test.h"
 
 using positioning::absoluteMovement;
-using positioning::Axis;
 using positioning::continuousMovement;
 using positioning::deltaMovement;
 using positioning::getInitialPosition;
-using positioning::kPanAxis;
-using positioning::kTiltAxis;
-using positioning::kZoomAxis;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 

@@ -12,7 +12,7 @@ namespace {
 /** Values of the axes in the order of the service's arguments, each after its flag. */
 std::string flagged(int axis, const std::string &value) {
     std::string text;
-    for (const int each : {positioning::kPanAxis, positioning::kTiltAxis, positioning::kZoomAxis}) {
+    for (const int each : {kPanAxis, kTiltAxis, kZoomAxis}) {
         text += each == axis ? "1, " + value : "0, " + std::string(value.find(',') == std::string::npos ? "0" : "0, 0");
         text += ", ";
     }
@@ -190,6 +190,6 @@ void PositioningTest::maxZoom(int optical, int digital, int combined) {
 }
 
 void PositioningTest::use(std::string_view instance) {
-    ASSERT_THAT(requests::get(instance), isAccepted());
+    ASSERT_THAT(get(instance), isAccepted());
     core().clearRecord();
 }

@@ -12,7 +12,12 @@
 #include "handler_requests.h"
 #include "positioning_state.h"
 
-/** Names of the service's functions, for the script. */
+using positioning::Axis;
+using positioning::kPanAxis;
+using positioning::kTiltAxis;
+using positioning::kZoomAxis;
+
+/** Functions of the service. */
 namespace service {
 inline const char *const kInit = "zorva_api_positioning_initiator_init";
 inline const char *const kClearVelocityLimits = "zorva_api_positioning_clear_velocity_limits_send";

@@ -7,19 +7,10 @@
 #include "positioning_test.h"
 #include "timeout_objects.h"
 
-using namespace std::string_literals;
-
-using requests::Answer;
-using requests::get;
-using requests::NewValue;
-using requests::Request;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace {
 
 struct Timeout {
-    positioning::Axis axis;
+    Axis axis;
     const char *name;
     Netsnmp_Node_Handler *handler;
     const char *instance;
@@ -34,11 +25,11 @@ void PrintTo(const Timeout &each, std::ostream *stream) {
 }
 
 const Timeout kTimeouts[] = {
-    {positioning::kPanAxis, "handle_timeoutPan", positioning::handle_timeoutPan, "1.3.6.1.4.1.1206.4.2.7.2.1.0",
+    {kPanAxis, "handle_timeoutPan", positioning::handle_timeoutPan, "1.3.6.1.4.1.1206.4.2.7.2.1.0",
      &positioning::gLastPanTimeout, &positioning::gNewPanTimeout, "pan", texts::kSetPanTimeout},
-    {positioning::kTiltAxis, "handle_timeoutTilt", positioning::handle_timeoutTilt, "1.3.6.1.4.1.1206.4.2.7.2.2.0",
+    {kTiltAxis, "handle_timeoutTilt", positioning::handle_timeoutTilt, "1.3.6.1.4.1.1206.4.2.7.2.2.0",
      &positioning::gLastTiltTimeout, &positioning::gNewTiltTimeout, "tilt", texts::kSetTiltTimeout},
-    {positioning::kZoomAxis, "handle_timeoutZoom", positioning::handle_timeoutZoom, "1.3.6.1.4.1.1206.4.2.7.2.3.0",
+    {kZoomAxis, "handle_timeoutZoom", positioning::handle_timeoutZoom, "1.3.6.1.4.1.1206.4.2.7.2.3.0",
      &positioning::gLastZoomTimeout, &positioning::gNewZoomTimeout, "zoom", texts::kSetZoomTimeout},
 };
 
@@ -49,11 +40,11 @@ protected:
         connect();
     }
 
-    static scripted::LogLine enter() {
+    static LogLine enter() {
         return logs::debug(GetParam().name + ": Enter."s);
     }
 
-    static scripted::LogLine done() {
+    static LogLine done() {
         return logs::debug(GetParam().name + ": Done."s);
     }
 
@@ -137,21 +128,6 @@ TEST_P(PositioningTimeoutTest, ASetBoundsTheNextMove) {
     EXPECT_EQ(core().calls().back(), calls::run(GetParam().axis, 0, 700));
 }
 
-TEST_P(PositioningTimeoutTest, OnlyAnIntegerIsTaken) {
-    for (int type = 0; type <= 0xFF; ++type) {
-        const NewValue value{ASN_INTEGER, NewValue::integer(1).content};
-        core().clearRecord();
-        Request request(GetParam().instance, value);
-        // Set on the finished varbind, since the agent's library does not build varbinds of every type.
-        request.info()->requestvb->type = static_cast<unsigned char>(type);
-        const Answer answer = request.run(GetParam().handler, MODE_SET_RESERVE1);
-        request.info()->requestvb->type = ASN_INTEGER;
-        EXPECT_THAT(answer, isRefused(SNMP_ERR_NOERROR, type == ASN_INTEGER ? SNMP_ERR_NOERROR : SNMP_ERR_WRONGTYPE))
-            << type;
-        EXPECT_THAT(core().logs(), ElementsAre(enter(), done())) << type;
-    }
-}
-
 TEST_P(PositioningTimeoutTest, AValueAboveTheRangeIsRefused) {
     for (const long value : {65536L, 65537L, 131072L, 2147483647L}) {
         EXPECT_THAT(phase(MODE_SET_RESERVE2, NewValue::integer(value)),
@@ -188,32 +164,6 @@ TEST_P(PositioningTimeoutTest, AnUndoTakesTheKeptValueBack) {
     EXPECT_THAT(core().calls(), IsEmpty());
 }
 
-TEST_P(PositioningTimeoutTest, PhasesWithoutWorkDoNothing) {
-    *GetParam().pending = 77;
-    for (const int mode : Modes{MODE_GETNEXT, MODE_SET_FREE}) {
-        core().clearRecord();
-        const Answer answer = Request(GetParam().instance).run(GetParam().handler, mode);
-        EXPECT_THAT(answer, isAccepted()) << mode;
-        EXPECT_EQ(answer.type, ASN_NULL) << mode;
-        EXPECT_THAT(core().logs(), ElementsAre(enter(), done())) << mode;
-        EXPECT_THAT(core().calls(), IsEmpty()) << mode;
-    }
-    EXPECT_EQ(*GetParam().pending, 77);
-    EXPECT_EQ(*GetParam().kept, 5000U);
-}
-
-TEST_P(PositioningTimeoutTest, AnUnknownModeIsGenErrInBothWays) {
-    for (const int mode : kUnknownModes) {
-        core().clearRecord();
-        EXPECT_THAT(Request(GetParam().instance).run(GetParam().handler, mode),
-                    isRefused(SNMP_ERR_GENERR, SNMP_ERR_GENERR));
-        EXPECT_THAT(core().logs(),
-                    ElementsAre(enter(),
-                                logs::error(GetParam().name + ": unknown mode ("s + std::to_string(mode) + ")"),
-                                done()));
-    }
-}
-
 TEST_P(PositioningTimeoutTest, WithoutAConnectionTheValueChangesAllTheSame) {
     positioning::gApiCookie = nullptr;
     for (const std::uint32_t value : {0U, 700U}) {
@@ -221,7 +171,7 @@ TEST_P(PositioningTimeoutTest, WithoutAConnectionTheValueChangesAllTheSame) {
         EXPECT_THAT(phase(MODE_SET_COMMIT, NewValue::integer(value)), isAccepted());
         EXPECT_EQ(*GetParam().kept, value);
         // The zoom object never meets this, as it exists with a connection only.
-        if (GetParam().axis != positioning::kZoomAxis) {
+        if (GetParam().axis != kZoomAxis) {
             EXPECT_THAT(core().calls(), IsEmpty());
             EXPECT_THAT(core().logs(), ElementsAre(enter(), done()));
         }

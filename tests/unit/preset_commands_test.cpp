@@ -7,13 +7,6 @@
 #include "presets_test.h"
 #include "snmp_utils.h"
 
-using requests::Answer;
-using requests::get;
-using requests::NewValue;
-using scripted::LogLine;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace presets {
 
 namespace {
@@ -126,16 +119,6 @@ TEST_P(PresetCommandTest, ANumberAbove255IsRefused) {
     expectNumber(3);
 }
 
-TEST_P(PresetCommandTest, OnlyAnIntegerIsTakenAlthoughAnOctetStringIsAnswered) {
-    start();
-    reserveEachType(GetParam().instance, NewValue::integer(1), [](int type, const Answer &answer) {
-        const int expected = type == ASN_INTEGER ? SNMP_ERR_NOERROR : SNMP_ERR_WRONGTYPE;
-        EXPECT_THAT(answer, isRefused(expected, expected));
-        EXPECT_THAT(core().logs(), ElementsAre(enter(), done()));
-    });
-    expectNumber(0);
-}
-
 TEST_P(PresetCommandTest, TheNumberIsKeptApartUntilTheCommit) {
     start();
     EXPECT_THAT(phase(MODE_SET_ACTION, 9), isAccepted());
@@ -158,30 +141,6 @@ TEST_P(PresetCommandTest, AnUndoTakesTheCommittedNumberBack) {
         expectNumber(static_cast<unsigned int>(kept));
         phase(MODE_SET_COMMIT, 200);
         EXPECT_EQ(core().calls().front(), find(kept));
-    }
-}
-
-TEST_P(PresetCommandTest, PhasesWithoutWorkDoNothing) {
-    start();
-    commit(6);
-    for (const int mode : Modes{MODE_GETNEXT, MODE_SET_FREE}) {
-        const Answer answer = phase(mode, 200);
-        EXPECT_THAT(answer, isAccepted()) << mode;
-        EXPECT_EQ(answer.type, ASN_INTEGER) << mode;
-        EXPECT_EQ(answer.integer, 200) << mode;
-        EXPECT_THAT(core().logs(), ElementsAre(enter(), done())) << mode;
-        EXPECT_THAT(core().calls(), IsEmpty()) << mode;
-    }
-    expectNumber(6);
-}
-
-TEST_P(PresetCommandTest, UnknownModesAreLogged) {
-    start();
-    for (const int mode : kUnknownModes) {
-        EXPECT_THAT(phase(mode, 5), isRefused(SNMP_ERR_GENERR, SNMP_ERR_NOERROR));
-        EXPECT_THAT(core().logs(),
-                    ElementsAre(enter(), said(3, "unknown mode (" + std::to_string(mode) + ")"), done()));
-        EXPECT_THAT(core().calls(), IsEmpty());
     }
 }
 

@@ -9,13 +9,6 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-using requests::Answer;
-using requests::get;
-using requests::NewValue;
-using requests::Request;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace presets {
 
 namespace {
@@ -119,21 +112,6 @@ TEST_F(PresetsTest, WithoutTheServiceTheMaximumIsZero) {
     EXPECT_THAT(core().logs(), ElementsAre(logs::debug("handle_rangeMaximumPreset: Enter."),
                                            logs::info("handle_rangeMaximumPreset: get_max_presets, 0"),
                                            logs::debug("handle_rangeMaximumPreset: Done.")));
-}
-
-TEST_F(PresetsTest, TheMaximumCannotBeSetAndKnowsNoOtherModes) {
-    start();
-    EXPECT_EQ(Request(kMaximum, NewValue::integer(1)).run(MODE_SET_RESERVE1).requestError, SNMP_ERR_NOTWRITABLE);
-    EXPECT_THAT(core().logs(), IsEmpty());
-    for (const int mode : modesExcept({MODE_GET, MODE_GETNEXT})) {
-        core().clearRecord();
-        EXPECT_THAT(Request(kMaximum, NewValue::integer(1)).runOwnHandler(mode),
-                    isRefused(SNMP_ERR_GENERR, SNMP_ERR_NOERROR));
-        EXPECT_THAT(core().logs(),
-                    ElementsAre(logs::debug("handle_rangeMaximumPreset: Enter."),
-                                logs::error("handle_rangeMaximumPreset: unknown mode (" + std::to_string(mode) + ")")));
-        EXPECT_THAT(core().calls(), IsEmpty());
-    }
 }
 
 TEST_F(PresetsTest, GoingToANumberWithoutAPresetMovesNothing) {

@@ -9,7 +9,7 @@
 
 #include <ostream>
 
-#include "handler_checks.h"
+#include "handler_requests.h"
 
 namespace presets {
 

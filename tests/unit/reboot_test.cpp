@@ -1,13 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fresh_process.h"
-#include "handler_checks.h"
-
-using requests::Answer;
-using requests::get;
-using requests::NewValue;
-using requests::Request;
-using testing::ElementsAre;
-using testing::IsEmpty;
+#include "handler_requests.h"
 
 namespace {
 
@@ -17,7 +10,7 @@ const char *const kReboot = "zorva_api_device_management_reboot_send";
 const char *const kRebootCall =
     "zorva_api_device_management_reboot_send(device_management, \"device_management/1\", 2)";
 
-const scripted::LogLine kRebooting{3, "handle_rebootDevice: snmpset reboot - rebooting system now!!!!"};
+const LogLine kRebooting{3, "handle_rebootDevice: snmpset reboot - rebooting system now!!!!"};
 
 class RebootTest : public ModuleTest {
 protected:
@@ -118,55 +111,6 @@ TEST_F(RebootTest, TheLow32BitsOfANumberCount) {
     phase(MODE_SET_ACTION, 0x100000001L);
     phase(MODE_SET_COMMIT, 0);
     EXPECT_THAT(core().calls(), ElementsAre(kRebootCall));
-}
-
-TEST_F(RebootTest, OnlyAnIntegerIsTaken) {
-    reserveEachType(kRebootInstance, NewValue::integer(1), [](int type, const Answer &answer) {
-        EXPECT_THAT(answer, isRefused(SNMP_ERR_NOERROR, type == ASN_INTEGER ? SNMP_ERR_NOERROR : SNMP_ERR_WRONGTYPE));
-        EXPECT_THAT(core().logs(), IsEmpty());
-    });
-    expectValue(0);
-}
-
-TEST_F(RebootTest, AnOctetStringIsRefusedAsTheAgentAsks) {
-    const Answer answer = Request(kRebootInstance, NewValue::text("1")).run(MODE_SET_RESERVE1);
-    EXPECT_EQ(answer.requestError, SNMP_ERR_WRONGTYPE);
-}
-
-TEST_F(RebootTest, ANewNumberIsAnsweredBeforeTheCommit) {
-    EXPECT_THAT(phase(MODE_SET_ACTION, 1), isAccepted());
-    expectValue(1);
-    EXPECT_THAT(core().calls(), IsEmpty());
-    EXPECT_THAT(core().logs(), IsEmpty());
-}
-
-TEST_F(RebootTest, AnUndoMakesItZeroWhateverItWas) {
-    set(kRebootInstance, NewValue::integer(7));
-    setAndUndo(kRebootInstance, NewValue::integer(1));
-    EXPECT_THAT(core().calls(), IsEmpty());
-    expectValue(0);
-}
-
-TEST_F(RebootTest, PhasesWithoutWorkDoNothing) {
-    set(kRebootInstance, NewValue::integer(7));
-    for (const int mode : {MODE_SET_RESERVE2, MODE_SET_FREE}) {
-        const Answer answer = phase(mode, 1);
-        EXPECT_THAT(answer, isAccepted()) << mode;
-        EXPECT_EQ(answer.integer, 1) << mode;
-        EXPECT_THAT(core().logs(), IsEmpty()) << mode;
-    }
-    expectValue(7);
-}
-
-TEST_F(RebootTest, UnknownModesAreLoggedAndGetNextIsOne) {
-    for (const int mode : modesExcept({MODE_GET, MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION, MODE_SET_COMMIT,
-                                       MODE_SET_FREE, MODE_SET_UNDO})) {
-        EXPECT_THAT(phase(mode, 1), isRefused(SNMP_ERR_GENERR, SNMP_ERR_NOERROR));
-        EXPECT_THAT(core().logs(),
-                    ElementsAre(logs::error("handle_rebootDevice: unknown mode (" + std::to_string(mode) + ")")));
-        EXPECT_THAT(core().calls(), IsEmpty());
-    }
-    expectValue(0);
 }
 
 TEST_F(RebootTest, TheStoredIdentifierIsNoInstance) {

@@ -8,15 +8,10 @@
 #include "relay_calls.h"
 #include "snmp_utils.h"
 
-using requests::NewValue;
-using requests::Pdu;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace {
 
-const scripted::LogLine kReserve1Fails = {3, "handle_relayStates: MODE_SET_RESERVE1 fail"};
-const scripted::LogLine kReserve2Fails = {3, "handle_relayStates: MODE_SET_RESERVE2 fail"};
+const LogLine kReserve1Fails = {3, "handle_relayStates: MODE_SET_RESERVE1 fail"};
+const LogLine kReserve2Fails = {3, "handle_relayStates: MODE_SET_RESERVE2 fail"};
 
 std::string cell(unsigned long row, unsigned long column = 3) {
     return gpio::cell(kRelayTable, column, row);

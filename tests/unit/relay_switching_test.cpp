@@ -9,11 +9,6 @@
 #include "handler_requests.h"
 #include "relay_calls.h"
 
-using requests::Answer;
-using requests::NewValue;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace {
 
 /** One of the two objects that switch relays. */
@@ -32,7 +27,7 @@ Answer commitCommand(int relay, int state) {
 }
 
 Answer commitCell(int relay, int state) {
-    requests::Pdu pdu;
+    Pdu pdu;
     pdu.add(gpio::cell(kRelayTable, 3, static_cast<unsigned long>(relay)), NewValue::integer(state));
     pdu.cell(0, 3);
     gpio::script(kRelayTable, {0});
@@ -64,7 +59,7 @@ protected:
 
     static void expectFailed(const Answer &answer) {
         EXPECT_EQ(answer.returned, SNMP_ERR_GENERR);
-        std::vector<scripted::LogLine> lines{logs::error(std::string(GetParam().handler) + ": MODE_COMMIT fail")};
+        std::vector<LogLine> lines{logs::error(std::string(GetParam().handler) + ": MODE_COMMIT fail")};
         if (GetParam().logsPhases) {
             lines.insert(lines.begin(), logs::debug(std::string(GetParam().handler) + ": Enter."));
         }

@@ -5,16 +5,8 @@
  */
 #include "fresh_process.h"
 #include "gpio_table_test.h"
-#include "handler_checks.h"
+#include "handler_requests.h"
 #include "relay_calls.h"
-
-using requests::Answer;
-using requests::get;
-using requests::NewValue;
-using requests::Request;
-using scripted::LogLine;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -123,28 +115,6 @@ TEST_F(RelayTest, AFailedStatusIsLoggedWithTheTextOfATableSet) {
     expectStatus(0x00);
 }
 
-TEST_F(RelayTest, TheStatusAnswersGetNextAsGet) {
-    start(2);
-    states({0, 1});
-    const Answer answer = Request(kOutputStatus).runOwnHandler(MODE_GETNEXT);
-    EXPECT_THAT(answer, isAccepted());
-    EXPECT_EQ(answer.octets, octets({0x02}));
-}
-
-TEST_F(RelayTest, TheStatusRefusesOtherModes) {
-    start(2);
-    for (const int mode : modesExcept({MODE_GET, MODE_GETNEXT})) {
-        core().clearRecord();
-        const Answer answer = Request(kOutputStatus, NewValue::text("x")).runOwnHandler(mode);
-        EXPECT_EQ(answer.returned, SNMP_ERR_GENERR);
-        EXPECT_EQ(answer.octets, "x");
-        EXPECT_THAT(core().logs(), ElementsAre(kStatusEnter, logs::error("handle_outputStatus: unknown mode (" +
-                                                                         std::to_string(mode) + ")")));
-        EXPECT_THAT(core().calls(), IsEmpty());
-    }
-    EXPECT_EQ(Request(kOutputStatus, NewValue::text("x")).run(MODE_SET_RESERVE1).requestError, SNMP_ERR_NOTWRITABLE);
-}
-
 class RelayFreshTest : public RelayTest {};
 
 TEST_F(RelayFreshTest, TheCommandIsZeroUntilTheFirst) {
@@ -208,16 +178,6 @@ TEST_F(RelayTest, ACommandForARelayThatIsNotThereSucceedsAndDoesNothing) {
     }
 }
 
-TEST_F(RelayTest, OnlyAnOctetStringIsTaken) {
-    start(2);
-    reserveEachType(relays::kOutputControl, NewValue::text(octets({2, 0x80})), [](int type, const Answer &answer) {
-        const bool good = type == ASN_OCTET_STR;
-        const int expected = good ? SNMP_ERR_NOERROR : SNMP_ERR_WRONGTYPE;
-        EXPECT_THAT(answer, isRefused(expected, expected));
-        EXPECT_EQ(core().logs(), good ? (std::vector{kControlEnter, kControlDone}) : std::vector{kControlEnter});
-    });
-}
-
 TEST_F(RelayTest, ALengthIsNeverRefused) {
     start(2);
     for (const std::size_t length : {0U, 1U, 2U, 3U, 200U}) {
@@ -227,14 +187,6 @@ TEST_F(RelayTest, ALengthIsNeverRefused) {
             EXPECT_THAT(core().logs(), ElementsAre(kControlEnter, kControlDone));
         }
     }
-}
-
-TEST_F(RelayTest, ANewCommandIsAnsweredBeforeItIsCarriedOut) {
-    start(2);
-    EXPECT_THAT(phase(MODE_SET_ACTION, octets({2, 0x80})), isAccepted());
-    EXPECT_THAT(core().calls(), IsEmpty());
-    EXPECT_THAT(core().logs(), ElementsAre(kControlEnter, kControlDone));
-    expectControl(octets({2, 0x80}));
 }
 
 TEST_F(RelayTest, ACommitSwitchesByTheRequestAndAnswersTheKeptCommand) {
@@ -248,15 +200,6 @@ TEST_F(RelayTest, ACommitSwitchesByTheRequestAndAnswersTheKeptCommand) {
     EXPECT_EQ(answer.octets, octets({2, 0x80}));
 }
 
-TEST_F(RelayTest, AnUndoTakesTheLastCommittedCommandBack) {
-    start(2);
-    commit(octets({1, 0x80}));
-    core().clearRecord();
-    setAndUndo(relays::kOutputControl, NewValue::text(octets({2, 0})));
-    expectControl(octets({1, 0x80}));
-    EXPECT_THAT(core().calls(), IsEmpty());
-}
-
 TEST_F(RelayTest, ACommandThatFailedCountsAsCommitted) {
     start(2);
     core().fail(relays::kSetState, kRefused);
@@ -264,26 +207,4 @@ TEST_F(RelayTest, ACommandThatFailedCountsAsCommitted) {
     expectControl(octets({1, 0x80}));
     setAndUndo(relays::kOutputControl, NewValue::text(octets({2, 0})));
     expectControl(octets({1, 0x80}));
-}
-
-TEST_F(RelayTest, PhasesWithoutWorkDoNothing) {
-    start(2);
-    commit(octets({1, 0x80}));
-    for (const int mode : Modes{MODE_GETNEXT, MODE_SET_RESERVE2, MODE_SET_FREE}) {
-        const Answer answer = phase(mode, octets({2, 0}));
-        EXPECT_THAT(answer, isAccepted()) << mode;
-        EXPECT_EQ(answer.octets, octets({2, 0})) << mode;
-        EXPECT_THAT(core().logs(), ElementsAre(kControlEnter, kControlDone)) << mode;
-        EXPECT_THAT(core().calls(), IsEmpty()) << mode;
-    }
-    expectControl(octets({1, 0x80}));
-}
-
-TEST_F(RelayTest, TheCommandRefusesUnknownModesWithoutALine) {
-    start(2);
-    for (const int mode : kUnknownModes) {
-        EXPECT_THAT(phase(mode, octets({2, 0x80})), isRefused(SNMP_ERR_GENERR, SNMP_ERR_GENERR)) << mode;
-        EXPECT_THAT(core().logs(), ElementsAre(kControlEnter)) << mode;
-        EXPECT_THAT(core().calls(), IsEmpty()) << mode;
-    }
 }

@@ -12,9 +12,6 @@
 #include "sent_traps.h"
 #include "trap_sender.h"
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
 using traps::gSent;
 using traps::sentValues;
 using traps::turnEventLoop;
@@ -90,7 +87,7 @@ TEST_F(TrapSenderFreshTest, ASecondSenderEndsTheProcess) {
         {
             openCore();
             std::atexit([] {
-                for (const scripted::LogLine &line : scripted::core().logs()) {
+                for (const LogLine &line : scripted::core().logs()) {
                     std::cerr << line << std::endl;
                 }
             });
@@ -109,7 +106,7 @@ TEST_F(TrapSenderTest, WithoutAPipeTrapsAreNeverSent) {
     new QuarnSnmpTrapSend;
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
 
-    EXPECT_THAT(core().logs(), ElementsAre(scripted::LogLine{3, "QuarnSnmpTrapSend: Could not create pipe!"}));
+    EXPECT_THAT(core().logs(), ElementsAre(LogLine{3, "QuarnSnmpTrapSend: Could not create pipe!"}));
     sendPower(1);
     EXPECT_EQ(turnEventLoop(), 0);
     EXPECT_THAT(gSent, IsEmpty());
@@ -123,9 +120,9 @@ TEST_F(TrapSenderTest, WithoutARegistrationTrapsAreNeverSent) {
         others.push_back(external_readfd[external_readfdlen - 1]);
     }
     new QuarnSnmpTrapSend;
-    EXPECT_THAT(core().logs(),
-                ElementsAre(scripted::LogLine{
-                    3, "QuarnSnmpTrapSend: Couldn't register the callback function for sending traps!"}));
+    EXPECT_THAT(
+        core().logs(),
+        ElementsAre(LogLine{3, "QuarnSnmpTrapSend: Couldn't register the callback function for sending traps!"}));
     sendPower(1);
     QuarnSnmpTrapSend::DestroyInstance();
     for (const int fd : others) {
