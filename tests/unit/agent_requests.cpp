@@ -20,11 +20,13 @@ void startAgentLibrary() {
     (void)started;
 }
 
-std::vector<oid> identifier(std::string_view dotted) {
+std::vector<oid> parseOid(std::string_view dotted) {
     std::vector<oid> result;
     std::istringstream text{std::string(dotted)};
     for (std::string part; std::getline(text, part, '.');) {
-        result.push_back(std::stoul(part));
+        if (!part.empty() || !result.empty()) {
+            result.push_back(std::stoul(part));
+        }
     }
     return result;
 }
@@ -60,7 +62,7 @@ NewValue NewValue::text(std::string_view octets) {
 
 Request::Request(std::string_view dotted) : Request(dotted, {ASN_NULL, ""}) {}
 
-Request::Request(std::string_view dotted, const NewValue &value) : name_(identifier(dotted)) {
+Request::Request(std::string_view dotted, const NewValue &value) : name_(parseOid(dotted)) {
     snmp_varlist_add_variable(&varbind_, name_.data(), name_.size(), value.type, value.content.data(),
                               value.content.size());
     request_.requestvb = varbind_;
@@ -110,7 +112,7 @@ Answer Request::answer(int returned) const {
 }
 
 std::string registeredName(std::string_view dotted) {
-    const std::vector<oid> name = identifier(dotted);
+    const std::vector<oid> name = parseOid(dotted);
     const netsnmp_subtree *subtree = netsnmp_subtree_find(name.data(), name.size(), nullptr, "");
     if (subtree == nullptr || subtree->reginfo == nullptr ||
         snmp_oid_compare(subtree->reginfo->rootoid, subtree->reginfo->rootoid_len, name.data(), name.size()) != 0) {

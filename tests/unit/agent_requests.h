@@ -19,10 +19,10 @@ namespace requests {
 /** Starts the agent's library once in a process: without a network, and without the machine's configuration. */
 void startAgentLibrary();
 
-/** Sub-identifiers of a dotted text such as "1.3.6.1". */
-std::vector<oid> identifier(std::string_view dotted);
+/** Returns the sub-identifiers of a dotted text, with or without a leading dot. */
+std::vector<oid> parseOid(std::string_view dotted);
 
-/** What a handler left behind after one mode. */
+/** Result of one mode of a handler. */
 struct Answer {
     int returned = SNMP_ERR_NOERROR;     ///< what the handler chain returned
     int requestError = SNMP_ERR_NOERROR; ///< error set on the request itself
@@ -31,7 +31,7 @@ struct Answer {
     std::string octets;                  ///< value of an OCTET STRING
 };
 
-/** What a variable holds, and the error that is set on its request; `returned` is left as it is. */
+/** Returns the value of a varbind, and the error of its request; `returned` is left as it is. */
 Answer answerOf(const netsnmp_request_info &request);
 
 /** The last handler of an object's chain, which is the module's. */
@@ -46,7 +46,7 @@ struct NewValue {
     static NewValue text(std::string_view octets);
 };
 
-/** One variable of a PDU, on its way through the modes. */
+/** One varbind of a PDU, on its way through the modes. */
 class Request {
 public:
     /** A request without a value, as in a GET. */
@@ -56,7 +56,7 @@ public:
     Request(const Request &) = delete;
     Request &operator=(const Request &) = delete;
 
-    /** Calls the handlers of the object registered at or above the identifier, in this mode. */
+    /** Calls the handlers of the object registered at or above the OID, in this mode. */
     Answer run(int mode);
     /** Calls one handler, without the agent's helpers before it. */
     Answer run(Netsnmp_Node_Handler *handler, int mode);
@@ -74,7 +74,7 @@ private:
     netsnmp_request_info request_{};
 };
 
-/** Name of what is registered at exactly this identifier, the instance 0 not included; empty when nothing is. */
+/** Returns the name of the registration of exactly this OID, which has no instance; empty without one. */
 std::string registeredName(std::string_view dotted);
 
 /** GET of an instance. */

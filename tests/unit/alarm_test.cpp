@@ -5,8 +5,8 @@
 
 namespace {
 
-const char *const kInputStatus = "1.3.6.1.4.1.1206.4.2.7.7.1.0";
-const char *const kAlarmStatus = "1.3.6.1.4.1.1206.4.2.7.6.1.0.0";
+const char *const kInputStatus = oids::inputStatus;
+const char *const kAlarmStatus = oids::alarmStatus;
 const char *const kReadAlarm = "zorva_api_alarm_get_state_send";
 
 const LogLine kEnter{7, "handle_inputStatus: Enter."};
@@ -148,7 +148,7 @@ TEST_F(AlarmTest, TheAlarmStatusIsAlwaysZero) {
         EXPECT_THAT(core().calls(), IsEmpty());
     }
     EXPECT_EQ(get(kAlarmStatus).octets, "\0"s);
-    EXPECT_NE(get("1.3.6.1.4.1.1206.4.2.7.6.1.0").type, ASN_OCTET_STR) << "the stored identifier is no instance";
+    EXPECT_NE(get(oids::registered::alarmStatus).type, ASN_OCTET_STR) << "the stored identifier is no instance";
 }
 
 TEST_F(AlarmTest, NoObjectCanBeSet) {

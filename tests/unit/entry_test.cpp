@@ -111,9 +111,9 @@ TEST_F(EntryTest, UnloadingTakesEveryObjectBack) {
     gFeatureModules.at(7).deinit = [] {};
     for (int i = 0; i < 3; ++i) {
         ASSERT_EQ(init_quarnsnmp(), 0);
-        ASSERT_EQ(requests::registeredName("1.3.6.1.4.1.99999.1.1.8.0"), "power");
+        ASSERT_EQ(requests::registeredName(oids::registered::power), "power");
         ASSERT_EQ(deinit_quarnsnmp(), 0);
-        ASSERT_EQ(requests::registeredName("1.3.6.1.4.1.99999.1.1.8.0"), "");
+        ASSERT_EQ(requests::registeredName(oids::registered::power), "");
     }
 }
 
@@ -122,6 +122,6 @@ TEST_F(EntryTest, TheWholeModuleOnACameraWithAnIdentity) {
     core().answer("zorva_api_device_information_get_static_information_send",
                   {"QN-4000", "1.4.2", "B7", "SN0042", nullptr, nullptr, nullptr, nullptr, std::int64_t{0}});
     ASSERT_EQ(init_quarnsnmp(), 0);
-    EXPECT_EQ(get("1.3.6.1.4.1.99999.1.1.2.0.0").octets, "QN-4000");
+    EXPECT_EQ(get(oids::modelName).octets, "QN-4000");
     EXPECT_EQ(deinit_quarnsnmp(), 0);
 }

@@ -1,297 +1,369 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * How the features start and end that need one service and no retries.
+ * Start and end of each feature: its calls, its log lines, and the objects that it registers.
  */
-#include <optional>
-#include <ostream>
-#include <string>
-#include <vector>
-
-#include "handler_requests.h"
+#include "every_call.h"
+#include "lens_start_lines.h"
+#include "positioning_test.h"
 #include "snmp_utils.h"
-
-using requests::registeredName;
 
 namespace {
 
-struct Named {
-    const char *name;
-    const char *identifier;
-};
-
-/** What the end of a feature does with its service. */
+/** Effect of the end of a feature on its service. */
 enum class End {
     kClosesWhatIsOpen,
     kClosesWithoutLooking, ///< also a service that never opened, which the library takes
     kHasNothingToClose,
 };
 
-struct Feature {
-    const char *initName;
-    const char *service;
-    bool (*init)(void *ipcCookie);
-    void (*deinit)();
-    const char *noTarget;  ///< log line of a camera without the service
-    const char *notOpened; ///< log line of a service that does not open
-    std::vector<Named> scalars;
-    std::optional<Named> table = {};
-    bool namesObjects = false;   ///< whether each object is logged a second time, at info level
-    bool needsItsObject = false; ///< whether the start fails when the agent refuses the object
-    bool startsWithoutService = false;
-    End end = End::kClosesWhatIsOpen;
-    std::vector<std::string> furtherCalls = {}; ///< of a start, after the service has opened
+/** Result and objects of a start without the service. */
+struct Reduced {
+    bool startsWithoutTarget;
+    bool startsUnopened;
+    std::size_t objects; ///< number of the first ones that are registered all the same
 };
 
-void PrintTo(const Feature &each, std::ostream *stream) {
-    *stream << each.initName;
+struct Feature : Row {
+    std::string service;
+    bool (*init)(void *ipcCookie);
+    void (*deinit)();
+    std::string noTarget;  ///< log line of a camera without the service
+    std::string notOpened; ///< middle of the log line of a service that does not open
+    std::vector<std::string> objects;
+    End end = End::kClosesWhatIsOpen;
+    bool namesObjects = false;   ///< logs each object a second time, at info level
+    bool needsItsObject = false; ///< does not start if the agent refuses the object
+    Reduced reduced = {};
+    bool registersFirst = false; ///< before it looks for its service
+    std::size_t discoveries = 1; ///< of a service that does not come
+    Calls furtherCalls = {};     ///< after the service has opened
+    std::vector<LogLine> furtherLines = {};
+    std::vector<std::string> otherServices = {}; ///< opened after the service, or without it
+};
+
+Feature feature(const std::string &name, const char *service, bool (*init)(void *), void (*deinit)(),
+                const std::string &plural, const std::string &word, const std::vector<std::string> &objects,
+                End end = End::kClosesWhatIsOpen) {
+    return {{name}, service, init, deinit, "no zorva API " + plural, word, objects, end};
 }
 
-const char *const kIdentityRead = "zorva_api_device_information_get_static_information_send";
+Feature identity(const char *name, bool (*init)(void *), void (*deinit)(), const std::vector<std::string> &objects) {
+    const std::string service = "zorva_api_device_information_";
+    Feature result =
+        feature(name, "device_information", init, deinit, "dev info", "dev info", objects, End::kHasNothingToClose);
+    result.furtherCalls = {service + "get_static_information_send(device_information, \"device_information/1\", "
+                                     "&, &, &, &, &, &, &, &, &)",
+                           service + "initiator_deinit(device_information)"};
+    return result;
+}
+
+Feature lens(const lens_tests::Drive &drive) {
+    Feature result = feature(drive.initName, drive.service, drive.init, drive.deinit, "", drive.initiatorText, {});
+    result.noTarget = drive.noTargetText;
+    for (const lens_tests::Object &object : drive.objects) {
+        result.objects.emplace_back(object.name);
+    }
+    result.namesObjects = true;
+    result.reduced.startsUnopened = drive.title == "ZoomStepper"s; // kept, although nothing is registered
+    result.discoveries = drive.waits ? 6 : 1;
+    result.furtherCalls = {drive.readRangeCall()};
+    result.furtherLines = {logs::info(drive.rangeLine({0, 0, 0, 0, 0}))};
+    if (drive.opensExposure) {
+        result.otherServices = {"exposure"};
+    }
+    return result;
+}
 
 std::vector<Feature> features() {
-    Feature alarm{"InitAlarm",
-                  "alarm",
-                  InitAlarm,
-                  DeinitAlarm,
-                  "no zorva API alarms",
-                  "InitAlarm: failed alarm initiator init",
-                  {{"alarmStatus", "1.3.6.1.4.1.1206.4.2.7.6.1.0"}, {"inputStatus", "1.3.6.1.4.1.1206.4.2.7.7.1"}}};
-    alarm.table = Named{"alarmStatesTable", "1.3.6.1.4.1.99999.1.3.1"};
+    Feature alarm = feature("InitAlarm", "alarm", InitAlarm, DeinitAlarm, "alarms", "alarm",
+                            {"alarmStatus", "inputStatus", "alarmStatesTable"});
     alarm.namesObjects = true;
-
-    Feature relay{"InitRelay",
-                  "relay",
-                  InitRelay,
-                  DeinitRelay,
-                  "no zorva API relays",
-                  "InitRelay: failed relay initiator init",
-                  {{"outputStatus", "1.3.6.1.4.1.1206.4.2.7.8.1"}, {"outputControl", "1.3.6.1.4.1.1206.4.2.7.8.2"}}};
-    relay.table = Named{"relayStatesTable", "1.3.6.1.4.1.99999.1.3.2"};
+    Feature relay = feature("InitRelay", "relay", InitRelay, DeinitRelay, "relays", "relay",
+                            {"outputStatus", "outputControl", "relayStatesTable"}, End::kClosesWithoutLooking);
     relay.namesObjects = true;
-    relay.end = End::kClosesWithoutLooking;
-
-    Feature power{"InitPower",
-                  "power",
-                  InitPower,
-                  DeinitPower,
-                  "no zorva API power sensors",
-                  "InitPower: failed power initiator init",
-                  {{"power", "1.3.6.1.4.1.99999.1.1.8.0"}, {"voltage", "1.3.6.1.4.1.99999.1.1.9.0"}}};
-    power.end = End::kClosesWithoutLooking;
-
-    Feature temperature{"InitTemperature",
-                        "temperature",
-                        InitTemperature,
-                        DeinitTemperature,
-                        "no zorva API temperature sensors",
-                        "InitTemperature: failed temp initiator init",
-                        {{"temperature", "1.3.6.1.4.1.99999.1.1.7.0"}}};
+    const Feature power = feature("InitPower", "power", InitPower, DeinitPower, "power sensors", "power",
+                                  {"power", "voltage"}, End::kClosesWithoutLooking);
+    Feature temperature = feature("InitTemperature", "temperature", InitTemperature, DeinitTemperature,
+                                  "temperature sensors", "temp", {"temperature"}, End::kClosesWithoutLooking);
     temperature.needsItsObject = true;
-    temperature.end = End::kClosesWithoutLooking;
-
     // Its lines say "dev info", as those of the identity do.
-    Feature reboot{"InitRebootInfo",
-                   "device_management",
-                   InitRebootInfo,
-                   DeinitRebootInfo,
-                   "no zorva API dev info",
-                   "InitRebootInfo: failed dev info initiator init",
-                   {{"rebootDevice", "1.3.6.1.4.1.99999.1.1.100.0"}}};
+    Feature reboot = feature("InitRebootInfo", "device_management", InitRebootInfo, DeinitRebootInfo, "dev info",
+                             "dev info", {"rebootDevice"});
     reboot.needsItsObject = true;
-
-    Feature presets{"InitPresets",
-                    "presets_tours",
-                    InitPresets,
-                    DeinitPresets,
-                    "no zorva API presets",
-                    "InitPresets: failed presets initiator init",
-                    {{"rangeMaximumPreset", "1.3.6.1.4.1.1206.4.2.7.1.1"},
-                     {"presetGotoPosition", "1.3.6.1.4.1.1206.4.2.7.3.1"},
-                     {"presetStorePosition", "1.3.6.1.4.1.1206.4.2.7.3.2"}}};
+    Feature presets = feature("InitPresets", "presets_tours", InitPresets, DeinitPresets, "presets", "presets",
+                              {"rangeMaximumPreset", "presetGotoPosition", "presetStorePosition"});
     presets.namesObjects = true;
-    presets.startsWithoutService = true;
-
-    Feature moduleInfo{"InitModuleInfo",
-                       "device_information",
-                       InitModuleInfo,
-                       DeinitModuleInfo,
-                       "no zorva API dev info",
-                       "InitModuleInfo: failed dev info initiator init",
-                       {{"maxModules", "1.3.6.1.4.1.1206.4.2.6.1.2"},
-                        {"moduleNumber", "1.3.6.1.4.1.1206.4.2.6.1.3.1.1"},
-                        {"moduleDeviceNode", "1.3.6.1.4.1.1206.4.2.6.1.3.1.2"},
-                        {"moduleMake", "1.3.6.1.4.1.1206.4.2.6.1.3.1.3"},
-                        {"moduleModel", "1.3.6.1.4.1.1206.4.2.6.1.3.1.4"},
-                        {"moduleVersion", "1.3.6.1.4.1.1206.4.2.6.1.3.1.5"},
-                        {"moduleType", "1.3.6.1.4.1.1206.4.2.6.1.3.1.6"}}};
-    moduleInfo.end = End::kHasNothingToClose;
-    moduleInfo.furtherCalls = {std::string(kIdentityRead) +
-                                   "(device_information, \"device_information/1\", &, &, &, &, &, &, &, &, &)",
-                               "zorva_api_device_information_initiator_deinit(device_information)"};
-
-    return {alarm, relay, power, temperature, reboot, presets, moduleInfo};
+    presets.registersFirst = true;
+    presets.reduced = {true, true, presets.objects.size()};
+    Feature positioning =
+        feature("InitPositioning", "positioning", InitPositioning, DeinitPositioning, "positionings", "positioning",
+                {"rangePanLeftLimit", "rangePanRightLimit", "rangePanHomePosition", "rangeTrueNorthOffset",
+                 "rangeMinimumPanStepAngle", "timeoutPan", "positionPan", "rangeTiltUpLimit", "rangeTiltDownLimit",
+                 "rangeMinimumTiltStepAngle", "timeoutTilt", "positionTilt", "rangeZoomLimit", "timeoutZoom",
+                 "positionZoomLens"});
+    positioning.namesObjects = true;
+    positioning.reduced = {true, true, 12}; // all but those of the zoom, which are left to the zoom stepper
+    positioning.furtherCalls = {calls::of(service::kGetTimeout, "&")};
+    positioning.furtherLines = {logs::info("InitPositioning: get_velocity_command_timeout, 0 milliseconds")};
+    return {alarm,
+            relay,
+            power,
+            temperature,
+            reboot,
+            presets,
+            positioning,
+            identity("InitDeviceInfo", InitDeviceInfo, DeinitDeviceInfo,
+                     {"modelNumber", "modelName", "serialNumber", "fwVersion", "swVersion", "hwVersion"}),
+            identity("InitModuleInfo", InitModuleInfo, DeinitModuleInfo,
+                     {"maxModules", "moduleNumber", "moduleDeviceNode", "moduleMake", "moduleModel", "moduleVersion",
+                      "moduleType"}),
+            lens(lens_tests::focus()),
+            lens(lens_tests::focusStepper()),
+            lens(lens_tests::iris()),
+            lens(lens_tests::zoomStepper())};
 }
 
+/** A camera that answers every call with zeros. */
 class FeatureStartTest : public ModuleTest, public testing::WithParamInterface<Feature> {
 protected:
     void SetUp() override {
+        forgetPositioning();
         openCore();
-        offer();
-        core().answer(kIdentityRead,
-                      {"QN-4000", "1.4.2-20200512", "B7", "SN0042", "five", nullptr, "seven", "", std::int64_t{1}});
+        for (const std::string &service : scripted::everyService()) {
+            core().targets(service, {service + "/1", service + "/2"});
+        }
+        for (const scripted::Call &call : scripted::everyCall()) {
+            core().answer(call.function, call.outputs);
+        }
+    }
+    void TearDown() override {
+        forgetPositioning();
     }
 
-    static void offer() {
-        const std::string service = GetParam().service;
-        core().targets(service, {service + "/1", service + "/2"});
-    }
     static bool start() {
         return GetParam().init(GetIpcCookie());
     }
+    static void end() {
+        GetParam().deinit();
+        UnregisterAll();
+        forgetPositioning();
+        core().clearRecord();
+    }
     static std::string initiator(const char *operation) {
-        return std::string("zorva_api_") + GetParam().service + "_initiator_" + operation;
+        return "zorva_api_" + GetParam().service + "_initiator_" + operation;
     }
-    static std::string discovery() {
-        return std::string("getTargetIds(\"") + GetParam().service + "\")";
-    }
-    static std::string opening() {
-        return initiator("init") + "(ipc, log, &, 0, null)";
-    }
-    static std::string closing(const std::string &handle) {
-        return initiator("deinit") + "(" + handle + ")";
+    static std::string discovery(const std::string &service = GetParam().service) {
+        return "getTargetIds(\"" + service + "\")";
     }
 
-    static std::vector<Named> objects() {
-        std::vector<Named> all = GetParam().scalars;
-        if (GetParam().table) {
-            all.push_back(*GetParam().table);
+    /** Calls of a start, of which `calls` are made to the service. */
+    static Calls withOtherServices(Calls calls) {
+        for (const std::string &other : GetParam().otherServices) {
+            calls.push_back(discovery(other));
+            calls.push_back(lens_tests::openCall(other));
         }
-        return all;
+        return calls;
     }
-    /** Lines of the registration of all objects. A table that the agent takes has none. */
-    static std::vector<LogLine> registrations(bool taken) {
+    /** Lines of the registration of the first objects. A table that the agent takes has none. */
+    static std::vector<LogLine> registrations(bool taken, std::size_t count = GetParam().objects.size()) {
         std::vector<LogLine> lines;
-        if (GetParam().table && !taken) {
-            lines.push_back(
-                logs::error(std::string("RegisterTable: Registration for ") + GetParam().table->name + " OID not OK"));
-        }
-        for (const Named &object : GetParam().scalars) {
-            const std::string text = std::string("registerScalar: Registration for ") + object.name;
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::string &object = GetParam().objects[i];
+            if (listedObject(object).instance == nullptr) {
+                if (!taken) {
+                    lines.insert(lines.begin(),
+                                 logs::error("RegisterTable: Registration for " + object + " OID not OK"));
+                }
+                continue;
+            }
+            const std::string text = "registerScalar: Registration for " + object;
             lines.push_back(taken ? logs::debug(text + " OID OK") : logs::error(text + " OID not OK"));
             if (GetParam().namesObjects) {
-                lines.push_back(logs::info(std::string(GetParam().initName) + ": registerScalar=" + object.name));
+                lines.push_back(logs::info(GetParam().name + ": registerScalar=" + object));
             }
         }
         return lines;
     }
+    static std::vector<LogLine> startLines(bool taken) {
+        std::vector<LogLine> lines = GetParam().furtherLines;
+        for (const LogLine &line : registrations(taken)) {
+            lines.push_back(line);
+        }
+        return lines;
+    }
+    static void expectRegistered(std::size_t count) {
+        for (std::size_t i = 0; i < GetParam().objects.size(); ++i) {
+            const std::string &object = GetParam().objects[i];
+            EXPECT_EQ(requests::registeredName(listedObject(object).oid), i < count ? object : "");
+        }
+    }
 
-    /** What a start without its service leaves behind. */
-    static void expectWithoutService(bool result, const char *line) {
-        std::vector<LogLine> lines;
-        if (GetParam().startsWithoutService) {
-            lines = registrations(true);
-        }
-        lines.push_back(logs::error(line));
-        EXPECT_EQ(result, GetParam().startsWithoutService);
+    /** Checks the record of a start without its service. */
+    static void expectReduced(const std::string &line) {
+        std::vector<LogLine> lines = registrations(true, GetParam().reduced.objects);
+        lines.insert(GetParam().registersFirst ? lines.end() : lines.begin(), logs::error(line));
         EXPECT_EQ(core().logs(), lines);
-        for (const Named &object : objects()) {
-            EXPECT_EQ(registeredName(object.identifier), GetParam().startsWithoutService ? object.name : "");
-        }
+        expectRegistered(GetParam().reduced.objects);
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Features, FeatureStartTest, testing::ValuesIn(features()),
-                         [](const auto &each) { return std::string(each.param.initName); });
+class IdentityStartTest : public FeatureStartTest {};
+
+std::vector<Feature> identities() {
+    std::vector<Feature> result;
+    for (const Feature &each : features()) {
+        if (each.end == End::kHasNothingToClose) {
+            result.push_back(each);
+        }
+    }
+    return result;
+}
+
+INSTANTIATE_TEST_SUITE_P(Features, FeatureStartTest, testing::ValuesIn(features()), nameOf<Feature>);
+INSTANTIATE_TEST_SUITE_P(Features, IdentityStartTest, testing::ValuesIn(identities()), nameOf<Feature>);
 
 } // namespace
+
+TEST(FeatureStart, EveryFeatureOfTheTableHasARow) {
+    std::vector<bool (*)(void *)> started;
+    for (const Feature &each : features()) {
+        started.push_back(each.init);
+    }
+    for (const FeatureModule &each : gFeatureModules) {
+        EXPECT_THAT(started, Contains(each.init)) << "features() and gFeatureModules";
+    }
+    EXPECT_EQ(started.size(), gFeatureModules.size());
+}
 
 TEST_P(FeatureStartTest, OpensTheServiceAndRegistersItsObjects) {
     std::size_t linesBeforeOpening = 0;
     core().during(initiator("init"), [&linesBeforeOpening] { linesBeforeOpening = core().logs().size(); });
     EXPECT_TRUE(start());
-    std::vector<std::string> calls{discovery(), opening()};
+    Calls calls{discovery(), lens_tests::openCall(GetParam().service)};
     calls.insert(calls.end(), GetParam().furtherCalls.begin(), GetParam().furtherCalls.end());
-    EXPECT_EQ(core().calls(), calls);
-    EXPECT_EQ(core().logs(), registrations(true));
-    EXPECT_EQ(linesBeforeOpening, GetParam().startsWithoutService ? core().logs().size() : 0U);
-    for (const Named &object : objects()) {
-        EXPECT_EQ(registeredName(object.identifier), object.name);
-    }
+    EXPECT_EQ(core().calls(), withOtherServices(calls));
+    EXPECT_EQ(core().logs(), startLines(true));
+    EXPECT_EQ(linesBeforeOpening, GetParam().registersFirst ? core().logs().size() : 0U);
+    EXPECT_THAT(core().sleeps(), IsEmpty());
+    expectRegistered(GetParam().objects.size());
     GetParam().deinit();
 }
 
 TEST_P(FeatureStartTest, WithoutATargetTheServiceIsNotOpened) {
-    const std::string stale = std::string(GetParam().service) + "/1";
-    for (const scripted::Targets &none :
-         {scripted::Targets{false, {}}, scripted::Targets{true, {}}, scripted::Targets{false, {stale}}}) {
-        UnregisterAll();
-        core().clearRecord();
-        core().targetsOnce(GetParam().service, none);
-        const bool result = start();
-        EXPECT_THAT(core().calls(), ElementsAre(discovery()));
-        expectWithoutService(result, GetParam().noTarget);
+    ASSERT_TRUE(start());
+    for (const bool listIsEmpty : {false, true}) {
+        end();
+        for (std::size_t i = 0; i < GetParam().discoveries; ++i) {
+            core().targetsOnce(GetParam().service, {listIsEmpty, {}});
+        }
+        EXPECT_EQ(start(), GetParam().reduced.startsWithoutTarget);
+        const std::size_t discoveries = listIsEmpty ? 1 : GetParam().discoveries;
+        EXPECT_EQ(core().calls(), withOtherServices(Calls(discoveries, discovery())));
+        EXPECT_EQ(core().sleeps(), std::vector<unsigned int>(discoveries - 1, 2));
+        expectReduced(GetParam().noTarget);
+        core().targets(GetParam().service, {});
     }
+    end();
+}
+
+TEST_P(FeatureStartTest, TargetsOfAFailedDiscoveryDoNotCountUnlessTheFeatureWaits) {
+    core().targetsOnce(GetParam().service, {false, {GetParam().service + "/1"}});
+    for (std::size_t i = 1; i < GetParam().discoveries; ++i) {
+        core().targetsOnce(GetParam().service, {false, {}});
+    }
+    const bool waits = GetParam().discoveries > 1;
+    EXPECT_EQ(start(), waits || GetParam().reduced.startsWithoutTarget);
+    if (waits) {
+        expectRegistered(GetParam().objects.size());
+        EXPECT_EQ(core().sleeps().size(), GetParam().discoveries - 1);
+    } else {
+        EXPECT_EQ(core().calls(), withOtherServices({discovery()}));
+        expectReduced(GetParam().noTarget);
+    }
+    end();
 }
 
 TEST_P(FeatureStartTest, AServiceThatDoesNotOpenIsLogged) {
     core().fail(initiator("init"), kRefused);
-    const bool result = start();
-    EXPECT_THAT(core().calls(), ElementsAre(discovery(), opening()));
-    expectWithoutService(result, GetParam().notOpened);
+    EXPECT_EQ(start(), GetParam().reduced.startsUnopened);
+    EXPECT_EQ(core().calls(), withOtherServices({discovery(), lens_tests::openCall(GetParam().service)}));
+    expectReduced(GetParam().name + ": failed " + GetParam().notOpened + " initiator init");
+    EXPECT_THAT(core().sleeps(), IsEmpty());
+    end();
 }
 
 TEST_P(FeatureStartTest, ObjectsThatTheAgentRefusesAreLogged) {
     std::vector<std::vector<oid>> taken;
-    for (const Named &object : objects()) {
-        std::vector<oid> &name = taken.emplace_back(requests::identifier(object.identifier));
+    for (const std::string &object : GetParam().objects) {
+        std::vector<oid> &name = taken.emplace_back(requests::parseOid(listedObject(object).oid));
         ASSERT_TRUE(registerScalar(
             {"before", nullptr, name.data(), static_cast<std::int32_t>(name.size()), HANDLER_CAN_GETANDGETNEXT}));
     }
     core().clearRecord();
     EXPECT_EQ(start(), !GetParam().needsItsObject);
-    EXPECT_EQ(core().logs(), registrations(false));
-    for (const Named &object : objects()) {
-        EXPECT_EQ(registeredName(object.identifier), "before");
+    EXPECT_EQ(core().logs(), startLines(false));
+    for (const std::string &object : GetParam().objects) {
+        EXPECT_EQ(requests::registeredName(listedObject(object).oid), "before");
     }
-    GetParam().deinit();
+    end();
 }
 
 TEST_P(FeatureStartTest, TheEndClosesTheService) {
     ASSERT_TRUE(start());
     core().clearRecord();
     GetParam().deinit();
-    if (GetParam().end == End::kHasNothingToClose) {
-        EXPECT_THAT(core().calls(), IsEmpty());
-    } else {
-        EXPECT_THAT(core().calls(), ElementsAre(closing(GetParam().service)));
+    Calls calls;
+    if (GetParam().end != End::kHasNothingToClose) {
+        calls.push_back(lens_tests::closeCall(GetParam().service));
     }
+    for (const std::string &other : GetParam().otherServices) {
+        calls.push_back(lens_tests::closeCall(other));
+    }
+    EXPECT_EQ(core().calls(), calls);
     EXPECT_THAT(core().logs(), IsEmpty());
 }
 
 TEST_P(FeatureStartTest, TheEndAfterAServiceThatDidNotOpen) {
     ASSERT_TRUE(start());
-    GetParam().deinit();
+    end();
     core().fail(initiator("init"), kRefused);
+    for (const std::string &other : GetParam().otherServices) {
+        core().targets(other, {});
+    }
     start();
     core().clearRecord();
     GetParam().deinit();
     if (GetParam().end == End::kClosesWithoutLooking) {
-        EXPECT_THAT(core().calls(), ElementsAre(closing("null")));
+        EXPECT_THAT(core().calls(), ElementsAre(initiator("deinit") + "(null)"));
     } else {
         EXPECT_THAT(core().calls(), IsEmpty());
     }
+    EXPECT_THAT(core().logs(), IsEmpty());
 }
 
-TEST_P(FeatureStartTest, StartsAnewAfterAnEnd) {
+TEST_P(FeatureStartTest, StartsAgainAfterItsEnd) {
     for (int i = 0; i < 3; ++i) {
         core().clearRecord();
         ASSERT_TRUE(start());
-        EXPECT_EQ(core().logs(), registrations(true));
+        EXPECT_EQ(core().logs(), startLines(true));
         GetParam().deinit();
         UnregisterAll();
-        for (const Named &object : objects()) {
-            EXPECT_EQ(registeredName(object.identifier), "");
-        }
+        expectRegistered(0);
     }
+}
+
+TEST_P(IdentityStartTest, AFailedReadClosesTheServiceAndRegistersNothing) {
+    core().fail("zorva_api_device_information_get_static_information_send", kRefused);
+    EXPECT_FALSE(start());
+    EXPECT_THAT(core().logs(), ElementsAre(logs::error(GetParam().name + ": failed dev info:get_static_information")));
+    Calls calls{discovery(), lens_tests::openCall("device_information")};
+    calls.insert(calls.end(), GetParam().furtherCalls.begin(), GetParam().furtherCalls.end());
+    EXPECT_EQ(core().calls(), calls);
+    expectRegistered(0);
+}
+
+TEST_P(IdentityStartTest, AnEndWithoutAStartMakesNoCall) {
+    GetParam().deinit();
+    EXPECT_THAT(core().calls(), IsEmpty());
 }

@@ -8,8 +8,8 @@
 
 namespace {
 
-const char *const kObject = "1.3.6.1.4.1.99999.1.1.8.0";
-const char *const kInstance = "1.3.6.1.4.1.99999.1.1.8.0.0";
+const char *const kObject = oids::registered::power;
+const char *const kInstance = oids::power;
 
 oid gObjectOid[] = {1, 3, 6, 1, 4, 1, 99999, 1, 1, 8, 0};
 
@@ -175,7 +175,7 @@ TEST_F(FrameTest, TheRowIsTheThirteenthSubIdentifier) {
 }
 
 TEST_F(FrameTest, ARequestWithoutARowHasNoCell) {
-    EXPECT_EQ(cellOf("1.3.6.1.4.1.99999.1.3.1.1.3", 3), std::make_pair(0, 0));
+    EXPECT_EQ(cellOf(oids::alarmStatesState, 3), std::make_pair(0, 0));
     Request withoutTable("1.3.6.1.4.1.99999.1.3.1.1.3.5");
     int row = -7;
     int col = -7;

@@ -92,7 +92,7 @@ private:
 };
 
 std::string asText(std::string_view dotted) {
-    const std::vector<oid> name = requests::identifier(dotted);
+    const std::vector<oid> name = requests::parseOid(dotted);
     char text[256];
     snprint_objid(text, sizeof text, name.data(), name.size());
     return text;

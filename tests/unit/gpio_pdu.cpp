@@ -18,7 +18,7 @@ void Pdu::add(std::string_view dotted) {
 }
 
 void Pdu::add(std::string_view dotted, const NewValue &value) {
-    const std::vector<oid> name = identifier(dotted);
+    const std::vector<oid> name = parseOid(dotted);
     Variable &added = variables_.emplace_back();
     snmp_varlist_add_variable(&added.varbind, name.data(), name.size(), value.type, value.content.data(),
                               value.content.size());
@@ -90,7 +90,7 @@ std::string Pdu::name(std::size_t index) const {
     const netsnmp_variable_list &varbind = *variables_.at(index).varbind;
     std::string dotted;
     for (std::size_t i = 0; i < varbind.name_length; ++i) {
-        dotted += (i != 0 ? "." : "") + std::to_string(varbind.name[i]);
+        dotted += "." + std::to_string(varbind.name[i]);
     }
     return dotted;
 }

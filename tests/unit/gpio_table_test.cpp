@@ -8,14 +8,15 @@
 const GpioTable kAlarmTable{
     "alarm",
     "alarmStatesTable",
-    "1.3.6.1.4.1.99999.1.3.1",
+    oids::registered::alarmStatesTable,
     InitAlarm,
     DeinitAlarm,
     {0, 1, 2, -1, 7, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()},
     true,
     false};
 const GpioTable kRelayTable{
-    "relay", "relayStatesTable", "1.3.6.1.4.1.99999.1.3.2", InitRelay, DeinitRelay, {0, 1, 128, 255}, false, true};
+    "relay", "relayStatesTable", oids::registered::relayStatesTable, InitRelay, DeinitRelay, {0, 1, 128, 255}, false,
+    true};
 
 namespace gpio {
 

@@ -34,10 +34,15 @@ LogLine failed(const std::string &call) {
 
 } // namespace logs
 
+const Modes &knownModes() {
+    static const Modes modes{MODE_GET,        MODE_GETNEXT,    MODE_SET_RESERVE1, MODE_SET_RESERVE2,
+                             MODE_SET_ACTION, MODE_SET_COMMIT, MODE_SET_FREE,     MODE_SET_UNDO};
+    return modes;
+}
+
 Modes modesExcept(const Modes &served) {
     Modes modes(std::begin(kUnknownModes), std::end(kUnknownModes));
-    for (const int mode : Modes{MODE_GET, MODE_GETNEXT, MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION,
-                                MODE_SET_COMMIT, MODE_SET_FREE, MODE_SET_UNDO}) {
+    for (const int mode : knownModes()) {
         if (std::find(served.begin(), served.end(), mode) == served.end()) {
             modes.push_back(mode);
         }
@@ -59,6 +64,16 @@ std::string command(unsigned int mode, int speed, unsigned int position) {
 
 testing::Matcher<const Answer &> isAccepted() {
     return isRefused(SNMP_ERR_NOERROR, SNMP_ERR_NOERROR);
+}
+
+testing::Matcher<const Answer &> isInteger(long value, unsigned char type) {
+    return testing::AllOf(isAccepted(), testing::Field("type", &Answer::type, type),
+                          testing::Field("value", &Answer::integer, value));
+}
+
+testing::Matcher<const Answer &> isOctets(const std::string &value) {
+    return testing::AllOf(isAccepted(), testing::Field("type", &Answer::type, ASN_OCTET_STR),
+                          testing::Field("octets", &Answer::octets, value));
 }
 
 testing::Matcher<const Answer &> isRefused(int returned, int requestError) {

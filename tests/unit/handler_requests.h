@@ -33,6 +33,8 @@ using Modes = std::vector<int>;
 /** Modes that no handler of a scalar has a use for. */
 inline constexpr int kUnknownModes[] = {-1, 6, 99, 162, MODE_GETBULK, std::numeric_limits<int>::max()};
 
+/** All modes that the agent uses. */
+const Modes &knownModes();
 /** All modes that the agent knows, and some that nobody knows, without those that a handler serves. */
 Modes modesExcept(const Modes &served);
 
@@ -43,6 +45,9 @@ std::string command(unsigned int mode, int speed, unsigned int position);
 
 /** An answer that reports no error in either way. */
 testing::Matcher<const Answer &> isAccepted();
+/** An answer without an error, of this value. */
+testing::Matcher<const Answer &> isInteger(long value, unsigned char type = ASN_INTEGER);
+testing::Matcher<const Answer &> isOctets(const std::string &value);
 /** What the handler returns, and what it sets on the request. */
 testing::Matcher<const Answer &> isRefused(int returned, int requestError);
 

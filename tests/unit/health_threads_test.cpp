@@ -34,11 +34,10 @@ void PrintTo(const Watched &each, std::ostream *stream) {
 }
 
 const Watched kWatched[] = {
-    {"power", "power", InitPower, DeinitPower, PollPower, "1.3.6.1.4.1.99999.1.1.8.0.0",
-     "zorva_api_power_get_power_state_send", true},
-    {"voltage", "power", InitPower, DeinitPower, PollPower, "1.3.6.1.4.1.99999.1.1.9.0.0",
-     "zorva_api_power_get_voltage_state_send", false},
-    {"temperature", "temperature", InitTemperature, DeinitTemperature, PollTemperature, "1.3.6.1.4.1.99999.1.1.7.0.0",
+    {"power", "power", InitPower, DeinitPower, PollPower, oids::power, "zorva_api_power_get_power_state_send", true},
+    {"voltage", "power", InitPower, DeinitPower, PollPower, oids::voltage, "zorva_api_power_get_voltage_state_send",
+     false},
+    {"temperature", "temperature", InitTemperature, DeinitTemperature, PollTemperature, oids::temperature,
      "zorva_api_temperature_get_temperature_send", true},
 };
 

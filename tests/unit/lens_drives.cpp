@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "feature_modules.h"
+#include "listed_objects.h"
 
 namespace lens_tests {
 
@@ -16,19 +17,19 @@ std::string shown(std::int64_t value) {
 
 std::vector<Object> focusObjects(const char *range, const char *timeout, const char *position, const char *control,
                                  const char *status, const char *equipped) {
-    return {{"rangeFocusLimit", "1.9", range, false},          {"timeoutFocus", "2.4", timeout, true},
-            {"positionFocusLens", "4.4", position, true},      {"systemLensFeatureControl", "5.4", control, true},
-            {"systemLensFeatureStatus", "5.5", status, false}, {"systemLensEquipped", "5.6", equipped, true}};
+    return {{"rangeFocusLimit", range},          {"timeoutFocus", timeout},
+            {"positionFocusLens", position},     {"systemLensFeatureControl", control},
+            {"systemLensFeatureStatus", status}, {"systemLensEquipped", equipped}};
 }
 
 } // namespace
 
-std::string Object::identifier() const {
-    return std::string("1.3.6.1.4.1.1206.4.2.7.") + end;
+std::string Object::registeredOid() const {
+    return listedObject(name).oid;
 }
 
 std::string Object::instance() const {
-    return identifier() + ".0";
+    return listedObject(name).instance;
 }
 
 const Object &Drive::position() const {
@@ -165,9 +166,9 @@ Drive iris() {
                           "&gMinIrisPosition, &gMaxIrisPosition)";
     drive.readPosition = "get_position_send";
     drive.move = "set_position_send";
-    drive.objects = {{"rangeIrisLimit", "1.10", "handle_rangeIrisLimit", false},
-                     {"timeoutIris", "2.5", "handle_timeoutIris", true},
-                     {"positionIrisLens", "4.5", "handle_positionIrisLens", true}};
+    drive.objects = {{"rangeIrisLimit", "handle_rangeIrisLimit"},
+                     {"timeoutIris", "handle_timeoutIris"},
+                     {"positionIrisLens", "handle_positionIrisLens"}};
     drive.constantLines = {"", "timeoutIris=0"};
     return drive;
 }
@@ -190,9 +191,9 @@ Drive zoomStepper() {
                           "&gMinZoomPosition, &gMaxZoomPosition, &gMinZoomSpeed, &gMaxZoomSpeed)";
     drive.readPosition = "get_position_send";
     drive.move = "set_position_send";
-    drive.objects = {{"rangeZoomLimit", "1.8", "handle_zoomStepperRangeZoomLimit", false},
-                     {"timeoutZoom", "2.3", "handle_zoomStepperTimeoutZoom", true},
-                     {"positionZoomLens", "4.3", "handle_zoomStepperPositionZoomLens", true}};
+    drive.objects = {{"rangeZoomLimit", "handle_zoomStepperRangeZoomLimit"},
+                     {"timeoutZoom", "handle_zoomStepperTimeoutZoom"},
+                     {"positionZoomLens", "handle_zoomStepperPositionZoomLens"}};
     drive.constantLines = {"zoomLimit=0...", "timeoutZoom=0..."};
     return drive;
 }

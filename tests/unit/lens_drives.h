@@ -16,12 +16,10 @@ namespace lens_tests {
 /** An object that a lens feature registers. */
 struct Object {
     const char *name;
-    const char *end; ///< of the identifier
     const char *handler;
-    bool writable;
 
-    /** Identifier as registered, without the instance. */
-    std::string identifier() const;
+    /** OID of the registration, which has no instance. */
+    std::string registeredOid() const;
     std::string instance() const;
 };
 

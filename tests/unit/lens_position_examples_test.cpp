@@ -15,7 +15,7 @@ class LensExampleTest : public LensTest {
 protected:
     void TearDown() override {
         for (const Drive &drive : allDrives()) {
-            if (!requests::registeredName(drive.position().identifier()).empty()) {
+            if (!requests::registeredName(drive.position().registeredOid()).empty()) {
                 commit(drive.position(), octets({0, 0, 0, 0}));
             }
         }
@@ -129,16 +129,6 @@ TEST_F(ZoomStepperTest, CannotBeStoppedOrRunByDesignAndSaysNothing) {
         EXPECT_THAT(core().logs(6), IsEmpty());
         EXPECT_EQ(get(zoomStepper().position().instance()).octets, value);
     }
-}
-
-TEST_F(ZoomStepperTest, AServiceThatDoesNotOpenIsUpAllTheSameUnderADoubledWord) {
-    offer(zoomStepper());
-    core().fail("zorva_api_zoom_stepper_initiator_init", kRefused);
-    EXPECT_TRUE(InitZoomStepper(GetIpcCookie()));
-    EXPECT_THAT(core().logs(), ElementsAre(logs::error("InitZoomStepper: failed zoom zoom stepper initiator init")));
-    forget();
-    DeinitZoomStepper();
-    EXPECT_THAT(core().calls(), IsEmpty());
 }
 
 } // namespace lens_tests

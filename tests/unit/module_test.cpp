@@ -5,13 +5,13 @@
 
 namespace {
 
-struct Row {
+struct FeatureRow {
     bool (*init)(void *);
     void (*deinit)();
     void (*poll)();
 };
 
-std::array<Row, gFeatureModules.size()> gOriginalRows{};
+std::array<FeatureRow, gFeatureModules.size()> gOriginalRows{};
 
 } // namespace
 

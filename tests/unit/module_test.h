@@ -15,6 +15,8 @@
 #include "agent_requests.h"
 #include "core_utils.h"
 #include "feature_modules.h"
+#include "listed_objects.h"
+#include "object_oids.h"
 #include "scripted_core.h"
 
 extern "C" {

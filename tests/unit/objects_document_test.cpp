@@ -103,7 +103,7 @@ ObjectRow observed(const std::string &name, const std::string &identifier, bool 
 std::set<const netsnmp_handler_registration *> registrations() {
     std::set<const netsnmp_handler_registration *> found;
     for (const char *arc : {"1.3.6.1.4.1.1206", "1.3.6.1.4.1.99999"}) {
-        const std::vector<oid> root = requests::identifier(arc);
+        const std::vector<oid> root = requests::parseOid(arc);
         for (const netsnmp_subtree *subtree = netsnmp_subtree_find_first(""); subtree != nullptr;
              subtree = subtree->next) {
             const netsnmp_handler_registration *registration = subtree->reginfo;

@@ -7,8 +7,7 @@
 
 namespace {
 
-const char *const kInstances[] = {"1.3.6.1.4.1.1206.4.2.7.4.1.0", "1.3.6.1.4.1.1206.4.2.7.4.2.0",
-                                  "1.3.6.1.4.1.1206.4.2.7.4.3.0"};
+const char *const kInstances[] = {oids::positionPan, oids::positionTilt, oids::positionZoomLens};
 
 enum class Kind { Stop, Delta, Absolute, Continuous };
 

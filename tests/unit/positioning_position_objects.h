@@ -30,11 +30,11 @@ inline void PrintTo(const PositionObject &object, std::ostream *stream) {
 
 inline std::vector<PositionObject> positionObjects() {
     using namespace positioning;
-    return {{kPanAxis, "pan", "handle_positionPan", handle_positionPan, "1.3.6.1.4.1.1206.4.2.7.4.1.0",
-             &gLastPanPosition, &gNewPanPosition, octets({0x28, 0x23, 0, 0})},
-            {kTiltAxis, "tilt", "handle_positionTilt", handle_positionTilt, "1.3.6.1.4.1.1206.4.2.7.4.2.0",
-             &gLastTiltPosition, &gNewTiltPosition, octets({0xB8, 0x88, 0, 0})},
-            {kZoomAxis, "zoom", "handle_positionZoomLens", handle_positionZoomLens, "1.3.6.1.4.1.1206.4.2.7.4.3.0",
+    return {{kPanAxis, "pan", "handle_positionPan", handle_positionPan, oids::positionPan, &gLastPanPosition,
+             &gNewPanPosition, octets({0x28, 0x23, 0, 0})},
+            {kTiltAxis, "tilt", "handle_positionTilt", handle_positionTilt, oids::positionTilt, &gLastTiltPosition,
+             &gNewTiltPosition, octets({0xB8, 0x88, 0, 0})},
+            {kZoomAxis, "zoom", "handle_positionZoomLens", handle_positionZoomLens, oids::positionZoomLens,
              &gLastZoomPosition, &gNewZoomPosition, octets({0x72, 0x4F, 0, 0})}};
 }
 

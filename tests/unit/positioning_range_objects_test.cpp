@@ -21,29 +21,28 @@ void PrintTo(const RangeObject &object, std::ostream *stream) {
     *stream << object.name;
 }
 
-const RangeObject kPanLeft{"handle_rangePanLeftLimit", positioning::handle_rangePanLeftLimit,
-                           "1.3.6.1.4.1.1206.4.2.7.1.2.0", 0, true};
+const RangeObject kPanLeft{"handle_rangePanLeftLimit", positioning::handle_rangePanLeftLimit, oids::rangePanLeftLimit,
+                           0, true};
 const RangeObject kPanRight{"handle_rangePanRightLimit", positioning::handle_rangePanRightLimit,
-                            "1.3.6.1.4.1.1206.4.2.7.1.3.0", 0, true};
-const RangeObject kTiltUp{"handle_rangeTiltUpLimit", positioning::handle_rangeTiltUpLimit,
-                          "1.3.6.1.4.1.1206.4.2.7.1.6.0", 0, true};
+                            oids::rangePanRightLimit, 0, true};
+const RangeObject kTiltUp{"handle_rangeTiltUpLimit", positioning::handle_rangeTiltUpLimit, oids::rangeTiltUpLimit, 0,
+                          true};
 const RangeObject kTiltDown{"handle_rangeTiltDownLimit", positioning::handle_rangeTiltDownLimit,
-                            "1.3.6.1.4.1.1206.4.2.7.1.7.0", 0, true};
+                            oids::rangeTiltDownLimit, 0, true};
 const RangeObject kReadOnly[] = {
     kPanLeft,
     kPanRight,
     kTiltUp,
     kTiltDown,
-    {"handle_rangePanHomePosition", positioning::handle_rangePanHomePosition, "1.3.6.1.4.1.1206.4.2.7.1.4.0", 65535,
+    {"handle_rangePanHomePosition", positioning::handle_rangePanHomePosition, oids::rangePanHomePosition, 65535, false},
+    {"handle_rangeMinimumPanStepAngle", positioning::handle_rangeMinimumPanStepAngle, oids::rangeMinimumPanStepAngle, 1,
      false},
-    {"handle_rangeMinimumPanStepAngle", positioning::handle_rangeMinimumPanStepAngle, "1.3.6.1.4.1.1206.4.2.7.1.11.0",
+    {"handle_rangeMinimumTiltStepAngle", positioning::handle_rangeMinimumTiltStepAngle, oids::rangeMinimumTiltStepAngle,
      1, false},
-    {"handle_rangeMinimumTiltStepAngle", positioning::handle_rangeMinimumTiltStepAngle, "1.3.6.1.4.1.1206.4.2.7.1.12.0",
-     1, false},
-    {"handle_rangeZoomLimit", positioning::handle_rangeZoomLimit, "1.3.6.1.4.1.1206.4.2.7.1.8.0", 0, false}};
+    {"handle_rangeZoomLimit", positioning::handle_rangeZoomLimit, oids::rangeZoomLimit, 0, false}};
 
 const char *const kNorth = "handle_rangeTrueNorthOffset";
-const char *const kNorthInstance = "1.3.6.1.4.1.1206.4.2.7.1.5.0";
+const char *const kNorthInstance = oids::rangeTrueNorthOffset;
 
 LogLine enter(const std::string &name) {
     return logs::debug(name + ": Enter.");

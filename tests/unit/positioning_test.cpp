@@ -39,7 +39,9 @@ std::vector<Value> values(std::initializer_list<Limits> axes, bool withFlags) {
     return result;
 }
 
-void forgetEverything() {
+} // namespace
+
+void forgetPositioning() {
     positioning::gApiCookie = nullptr;
     positioning::gPositionings.clear();
     for (std::uint32_t *timeout :
@@ -53,8 +55,6 @@ void forgetEverything() {
     positioning::ResetPositionObjects();
     positioning::ResetRangeObjects();
 }
-
-} // namespace
 
 namespace calls {
 
@@ -119,11 +119,11 @@ std::string run(int axis, int velocity, std::uint32_t timeout) {
 } // namespace calls
 
 PositioningTest::PositioningTest() {
-    forgetEverything();
+    forgetPositioning();
 }
 
 PositioningTest::~PositioningTest() {
-    forgetEverything();
+    forgetPositioning();
 }
 
 void PositioningTest::SetUp() {

@@ -69,6 +69,9 @@ struct Limits {
     bool enabled = true;
 };
 
+/** Makes the state of positioning that of a module that was just loaded. */
+void forgetPositioning();
+
 /** Whether the service's velocity limits are those that a kind of move wants. */
 struct Ceilings {
     int pan;

@@ -25,11 +25,11 @@ void PrintTo(const Timeout &each, std::ostream *stream) {
 }
 
 const Timeout kTimeouts[] = {
-    {kPanAxis, "handle_timeoutPan", positioning::handle_timeoutPan, "1.3.6.1.4.1.1206.4.2.7.2.1.0",
-     &positioning::gLastPanTimeout, &positioning::gNewPanTimeout, "pan", texts::kSetPanTimeout},
-    {kTiltAxis, "handle_timeoutTilt", positioning::handle_timeoutTilt, "1.3.6.1.4.1.1206.4.2.7.2.2.0",
+    {kPanAxis, "handle_timeoutPan", positioning::handle_timeoutPan, oids::timeoutPan, &positioning::gLastPanTimeout,
+     &positioning::gNewPanTimeout, "pan", texts::kSetPanTimeout},
+    {kTiltAxis, "handle_timeoutTilt", positioning::handle_timeoutTilt, oids::timeoutTilt,
      &positioning::gLastTiltTimeout, &positioning::gNewTiltTimeout, "tilt", texts::kSetTiltTimeout},
-    {kZoomAxis, "handle_timeoutZoom", positioning::handle_timeoutZoom, "1.3.6.1.4.1.1206.4.2.7.2.3.0",
+    {kZoomAxis, "handle_timeoutZoom", positioning::handle_timeoutZoom, oids::timeoutZoom,
      &positioning::gLastZoomTimeout, &positioning::gNewZoomTimeout, "zoom", texts::kSetZoomTimeout},
 };
 

@@ -13,7 +13,7 @@ namespace presets {
 
 namespace {
 
-const char *const kMaximum = "1.3.6.1.4.1.1206.4.2.7.1.1.0";
+const char *const kMaximum = oids::rangeMaximumPreset;
 
 /** What the next random octets are; an octet of -1 draws them as ever, an errno value lets that fail. */
 struct Randomness {

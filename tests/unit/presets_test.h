@@ -50,7 +50,7 @@ inline void PrintTo(const Command &each, std::ostream *stream) {
 }
 
 inline const Command kGoTo{"handle_presetGotoPosition",
-                           "1.3.6.1.4.1.1206.4.2.7.3.1.0",
+                           oids::presetGotoPosition,
                            kMove,
                            move,
                            "move_to_preset_by_number, ",
@@ -60,7 +60,7 @@ inline const Command kGoTo{"handle_presetGotoPosition",
                            "preset_id, 1.0, kPresetsToursPriorityNormal, 1)"};
 inline const Command kStoreHere{
     "handle_presetStorePosition",
-    "1.3.6.1.4.1.1206.4.2.7.3.2.0",
+    oids::presetStorePosition,
     kStore,
     store,
     "set_preset_with_current_position for preset ",

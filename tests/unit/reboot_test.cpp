@@ -4,8 +4,8 @@
 
 namespace {
 
-const char *const kRebootObject = "1.3.6.1.4.1.99999.1.1.100.0";
-const char *const kRebootInstance = "1.3.6.1.4.1.99999.1.1.100.0.0";
+const char *const kRebootObject = oids::registered::rebootDevice;
+const char *const kRebootInstance = oids::rebootDevice;
 const char *const kReboot = "zorva_api_device_management_reboot_send";
 const char *const kRebootCall =
     "zorva_api_device_management_reboot_send(device_management, \"device_management/1\", 2)";
@@ -111,9 +111,4 @@ TEST_F(RebootTest, TheLow32BitsOfANumberCount) {
     phase(MODE_SET_ACTION, 0x100000001L);
     phase(MODE_SET_COMMIT, 0);
     EXPECT_THAT(core().calls(), ElementsAre(kRebootCall));
-}
-
-TEST_F(RebootTest, TheStoredIdentifierIsNoInstance) {
-    EXPECT_EQ(requests::registeredName(kRebootObject), "rebootDevice");
-    EXPECT_NE(get(kRebootObject).type, ASN_INTEGER);
 }

@@ -14,7 +14,7 @@
 
 namespace relays {
 
-inline const char *const kOutputControl = "1.3.6.1.4.1.1206.4.2.7.8.2.0";
+inline const char *const kOutputControl = oids::outputControl;
 
 inline const char *const kGetState = "zorva_api_relay_get_state_send";
 inline const char *const kGetConfiguration = "zorva_api_relay_get_configuration_send";

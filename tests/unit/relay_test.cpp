@@ -10,7 +10,7 @@
 
 namespace {
 
-const char *const kOutputStatus = "1.3.6.1.4.1.1206.4.2.7.8.1.0";
+const char *const kOutputStatus = oids::outputStatus;
 
 const LogLine kStatusEnter = {7, "handle_outputStatus: Enter."};
 const LogLine kStatusDone = {7, "handle_outputStatus: Done."};
@@ -24,7 +24,7 @@ protected:
         relays::configuration(1);
     }
     void TearDown() override {
-        if (requests::registeredName("1.3.6.1.4.1.1206.4.2.7.8.2") == "outputControl") {
+        if (requests::registeredName(oids::registered::outputControl) == "outputControl") {
             commit(octets({0, 0}));
         }
         DeinitRelay();

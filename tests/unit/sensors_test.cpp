@@ -100,8 +100,8 @@ Sensor state(const char *name, const char *object, const char *read, const char 
 
 const char *const kReadPower = "zorva_api_power_get_power_state_send";
 const char *const kReadVoltage = "zorva_api_power_get_voltage_state_send";
-const Sensor kPower = state("power", "1.3.6.1.4.1.99999.1.1.8.0", kReadPower, kReadVoltage);
-const Sensor kVoltage = state("voltage", "1.3.6.1.4.1.99999.1.1.9.0", kReadVoltage, kReadPower);
+const Sensor kPower = state("power", oids::registered::power, kReadPower, kReadVoltage);
+const Sensor kVoltage = state("voltage", oids::registered::voltage, kReadVoltage, kReadPower);
 const Sensor kTemperature{{"temperature"},
                           "temperature",
                           InitTemperature,
@@ -109,7 +109,7 @@ const Sensor kTemperature{{"temperature"},
                           PollTemperature,
                           "PollTemperature",
                           "temp",
-                          "1.3.6.1.4.1.99999.1.1.7.0",
+                          oids::registered::temperature,
                           "zorva_api_temperature_get_temperature_send",
                           nullptr,
                           ASN_UNSIGNED,
@@ -245,8 +245,8 @@ TEST_P(SensorTest, ATrapNamesItsObjectAndCarriesAGauge) {
     pollFirst();
     EXPECT_THAT(poll(GetParam().readings[1]), ElementsAre(GetParam().number(GetParam().readings[1])));
     ASSERT_THAT(traps::gSent, SizeIs(1));
-    EXPECT_EQ(traps::gSent[0].trapOid, requests::identifier(GetParam().object));
-    EXPECT_EQ(traps::gSent[0].valueName, requests::identifier(GetParam().object));
+    EXPECT_EQ(traps::gSent[0].trapOid, requests::parseOid(GetParam().object));
+    EXPECT_EQ(traps::gSent[0].valueName, requests::parseOid(GetParam().object));
     EXPECT_EQ(traps::gSent[0].valueType, ASN_UNSIGNED);
 }
 
@@ -314,7 +314,7 @@ TEST_P(PowerTest, BothStatesMayChangeInOnePoll) {
     script(kReadPower, 1);
     script(kReadVoltage, 2);
     EXPECT_THAT(poll(), ElementsAre(1, 2));
-    EXPECT_EQ(traps::gSent.at(0).trapOid, requests::identifier(kPower.object));
-    EXPECT_EQ(traps::gSent.at(1).trapOid, requests::identifier(kVoltage.object));
+    EXPECT_EQ(traps::gSent.at(0).trapOid, requests::parseOid(kPower.object));
+    EXPECT_EQ(traps::gSent.at(1).trapOid, requests::parseOid(kVoltage.object));
     EXPECT_THAT(gPollLines, ElementsAre(kPower.trapLine(3, 1), kVoltage.trapLine(4, 2)));
 }
