@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The module's one connection to the core library: start, end, and the two handles that every feature uses.
+ * The module's connection to the core library: start, end, and the two handles for all features.
  */
 #ifndef QUARNSNMP_CORE_UTILS_H
 #define QUARNSNMP_CORE_UTILS_H
@@ -13,22 +13,22 @@
 /** Levels of zorva_core_logging_log(): syslog severities. */
 enum LogLevel : int { kLogError = 3, kLogNotice = 5, kLogInfo = 6, kLogDebug = 7 };
 
-/** Entry of a feature's target list that its calls go to; only alarm inputs and relays use more than one target. */
+/** Index of the target for a feature's calls. Only alarm inputs and relays use further targets. */
 inline constexpr std::size_t kDefaultIndex = 0;
 
 /**
  * Starts the core library, opens logging under the name "SNMP" and opens the IPC initiator.
- * @return status of the IPC initiator. A library that did not start shows itself again at the first feature's service.
+ * @return status of the IPC initiator. After a failure each feature fails in turn, so callers may ignore it.
  */
 zorva_core_status InitUtils();
 
-/** Closes what InitUtils() opened. May run twice: after a failed load the agent still unloads the module. */
+/** Closes IPC, logging and library. May run twice: the agent unloads a module even after a failed load. */
 void DeinitUtils();
 
-/** Handle of the logging context; null before InitUtils(). */
+/** Returns the handle of the logging context; null before InitUtils(). */
 void *GetLogCookie();
 
-/** Handle of the IPC initiator, for the service initiators; null before InitUtils(). */
+/** Returns the handle of the IPC initiator, for the service initiators; null before InitUtils(). */
 void *GetIpcCookie();
 
 #endif

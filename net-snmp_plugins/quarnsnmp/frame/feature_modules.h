@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The feature modules and the table that holds them.
+ * The features and their table.
  *
- * Each feature has an Init that finds its service, opens it, reads what it needs and registers its objects (true: the
- * feature is up), a Deinit that closes its service, and where it watches a value a Poll that may send traps.
+ * Init finds and opens the feature's service, reads initial values and registers the objects; it returns true if the
+ * feature is up. Deinit closes the service. Poll reads a watched value and may send a trap; most features have none.
  */
 #ifndef QUARNSNMP_FEATURE_MODULES_H
 #define QUARNSNMP_FEATURE_MODULES_H
@@ -16,11 +16,11 @@
 struct FeatureModule {
     bool (*init)(void *ipcCookie);
     void (*deinit)();
-    void (*poll)();                ///< null for a feature that watches nothing
-    std::atomic<bool> initialised; ///< what the last init returned; the poll thread reads it as well
+    void (*poll)();                ///< null for a feature without a watched value
+    std::atomic<bool> initialised; ///< result of the last init; the poll thread reads it too
 };
 
-/** The features, in the order in which they start, are polled and end. */
+/** The features, in their order of start, poll and end. */
 extern std::array<FeatureModule, 13> gFeatureModules;
 
 bool InitAlarm(void *ipcCookie);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The agent library's headers, which rely on each other's order.
+ * The headers of the agent library, in the order that they need.
  */
 #ifndef QUARNSNMP_NET_SNMP_H
 #define QUARNSNMP_NET_SNMP_H

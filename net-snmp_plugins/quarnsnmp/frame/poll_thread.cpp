@@ -20,8 +20,8 @@ constexpr int kPollPeriodSeconds = 60;
 boost::thread *gForkedThread = nullptr;
 
 /**
- * Keeps Boost's thread library mapped when the module goes. It takes a thread-specific key when it is first used and
- * does not give it back when it is unmapped; a process has 1024 of them, so a thousand reloads would use them up.
+ * Keeps Boost's thread library mapped after the module is unloaded. The library allocates a thread-specific key at its
+ * first use and does not free it when it is unmapped. A process has 1024 keys, so a thousand reloads would use them up.
  */
 void KeepThreadLibrary() noexcept {
     Dl_info library{};
@@ -29,7 +29,7 @@ void KeepThreadLibrary() noexcept {
     if (dladdr(reinterpret_cast<void *>(&boost::thread::hardware_concurrency), &library) == 0 ||
         dladdr(reinterpret_cast<void *>(&timer_thread_func), &own) == 0 ||
         std::strcmp(library.dli_fname, own.dli_fname) == 0) {
-        // Linked into the module itself, which must be unmapped.
+        // Boost is linked statically, and the module must be unmapped.
         return;
     }
     void *handle = dlopen(library.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
@@ -39,8 +39,8 @@ void KeepThreadLibrary() noexcept {
 }
 
 /**
- * In the child of a fork. The old thread object stands for a thread that is not here: joining it would wait for ever,
- * and its lock may be held, so it is given up as it is instead of being detached.
+ * Starts a new poll thread in the child of a fork. The old thread object refers to a thread of the parent: a join would
+ * never return, and a detach would take a lock that may be held. So the old object is leaked.
  */
 void RestartInChild() {
     if (gForkedThread == nullptr || !gForkedThread->joinable()) {
@@ -79,7 +79,7 @@ boost::thread StartPollThread() noexcept {
     try {
         thread = boost::thread(timer_thread_func);
     } catch (const std::exception &error) {
-        // Without its polls the module still serves every object.
+        // The module serves all objects without it.
         zorva_core_logging_log(GetLogCookie(), kLogError, "%s: %s", __func__, error.what());
     }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);

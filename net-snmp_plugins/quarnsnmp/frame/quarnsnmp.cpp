@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The module's entry points and its table of features.
+ * The entry points of the module and the table of its features.
  */
 #include <exception>
 
@@ -12,9 +12,9 @@
 #include "trap_sender.h"
 
 extern "C" {
-/** Called by the agent after it has loaded the module. @return 0 when a feature is up, 1 when none is */
+/** Starts the module. The agent calls it after the load. @return 0 if at least one feature is up, otherwise 1 */
 int init_quarnsnmp(void);
-/** Called by the agent before it unloads the module. @return 0 */
+/** Ends the module. The agent calls it before the unload. @return 0 */
 int deinit_quarnsnmp(void);
 }
 
@@ -41,7 +41,7 @@ namespace {
 boost::thread gTimerThread = StartPollThread();
 const bool gForkHandled = (RestartPollThreadAfterFork(gTimerThread), true);
 
-/** Starts one feature. A feature that runs out of memory on its way is a feature that is not up. */
+/** Starts one feature. An exception, such as a lack of memory, is logged and leaves the feature down. */
 bool InitFeature(const FeatureModule &feature) {
     try {
         return feature.init(GetIpcCookie());
@@ -55,9 +55,9 @@ bool InitFeature(const FeatureModule &feature) {
 
 int init_quarnsnmp(void) {
     InitUtils();
-    new QuarnSnmpTrapSend;          // keeps itself, as the singleton
+    new QuarnSnmpTrapSend;          // the singleton owns itself
     if (!gTimerThread.joinable()) { // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): see above
-        // Only when the code stayed mapped since a former deinit_quarnsnmp().
+        // The code stayed mapped since a former deinit_quarnsnmp().
         gTimerThread = StartPollThread();
     }
 

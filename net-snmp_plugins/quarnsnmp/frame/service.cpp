@@ -17,7 +17,7 @@ bool OpenService(const char *function, void *ipcCookie, const Service &service) 
         return false;
     }
     if (service.openInitiator(ipcCookie, GetLogCookie(), &service.cookie, 0, nullptr) != 0) {
-        service.cookie = nullptr; // whatever a failed call has left there
+        service.cookie = nullptr; // a failed call may have written to it
         zorva_core_logging_log(GetLogCookie(), kLogError, "%s: failed %s initiator init", function,
                                service.initiatorName);
         return false;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * How a feature finds and opens its service of the core library.
+ * Discovery and start of a feature's service of the core library.
  */
 #ifndef QUARNSNMP_SERVICE_H
 #define QUARNSNMP_SERVICE_H
@@ -11,11 +11,11 @@
 
 #include "zorva-core.h"
 
-/** A service as one feature uses it; `targets` and `cookie` are the feature's own. */
+/** A service as one feature uses it. The feature owns `targets` and `cookie`. */
 struct Service {
     const char *name;
-    const char *noTargetText;  ///< logged when the service has no target
-    const char *initiatorName; ///< in the log line of an initiator that does not open
+    const char *noTargetText;  ///< logged if the service has no target
+    const char *initiatorName; ///< in the log line of a failed initiator
     std::vector<std::string> &targets;
     void *&cookie; ///< handle of the open service; null while it is not open
     zorva_core_status (*openInitiator)(void *ipcCookie, void *logCookie, void **apiCookie, int32_t reserved0,
@@ -23,15 +23,15 @@ struct Service {
 };
 
 /**
- * Finds the targets with one discovery.
- * @return whether there are any; nothing is logged
+ * Finds the targets of a service with one discovery. Nothing is logged.
+ * @return true if there is at least one target
  */
 bool FindTargets(const Service &service);
 
 /**
- * Opens a service whose targets are known.
+ * Opens a service whose targets are known. A missing target and a failed initiator are logged.
  * @param function  name of the calling Init function, for the log
- * @return whether it is open; that it has no target, or does not open, is logged
+ * @return true if the service is open
  */
 bool OpenService(const char *function, void *ipcCookie, const Service &service);
 

@@ -89,7 +89,7 @@ struct WritableObject {
 template <typename Member>
 using ValueType = std::remove_reference_t<Member>;
 
-/** GET: answers the current value. */
+/** Answers a GET with the current value. */
 template <typename Object>
 int AnswerCurrent(Object &object, netsnmp_request_info *request) {
     if constexpr (std::is_integral_v<ValueType<decltype(object.current)>>) {
@@ -99,25 +99,25 @@ int AnswerCurrent(Object &object, netsnmp_request_info *request) {
     }
 }
 
-/** RESERVE1: marks any other type with wrongType. @return SNMP_ERR_NOERROR in either case */
+/** Marks a value of another type with wrongType, in RESERVE1. @return SNMP_ERR_NOERROR in either case */
 template <unsigned char asnType, typename Object>
 int MarkOtherTypes(Object & /*object*/, netsnmp_request_info *request) {
     return CheckRequestType(request, asnType);
 }
 
-/** RESERVE1: as MarkOtherTypes(), and returns the error too. A manager sees no difference. */
+/** Marks like MarkOtherTypes(), and returns the error too. A manager sees no difference. */
 template <unsigned char asnType, typename Object>
 int RefuseOtherTypes(Object & /*object*/, netsnmp_request_info *request) {
     return RequireRequestType(request, asnType);
 }
 
-/** Any phase: does nothing. */
+/** Does nothing, in any phase. */
 template <typename Object>
 int DoNothing(Object & /*object*/, netsnmp_request_info * /*request*/) {
     return SNMP_ERR_NOERROR;
 }
 
-/** ACTION: keeps the value of the request: the low bits of an INTEGER, the first octets of an OCTET STRING. */
+/** Keeps the value of the request, in ACTION: the low bits of an INTEGER, the first octets of an OCTET STRING. */
 template <typename Object>
 int KeepPending(Object &object, netsnmp_request_info *request) {
     using Value = ValueType<decltype(object.pending)>;
@@ -129,20 +129,20 @@ int KeepPending(Object &object, netsnmp_request_info *request) {
     return SNMP_ERR_NOERROR;
 }
 
-/** UNDO: restores the pending value. */
+/** Restores the pending value from the current one, in UNDO. */
 template <typename Object>
 int RestorePending(Object &object, netsnmp_request_info * /*request*/) {
     object.pending = static_cast<ValueType<decltype(object.pending)>>(object.current);
     return SNMP_ERR_NOERROR;
 }
 
-/** Any other mode: logs it. */
+/** Logs an unknown mode. @return SNMP_ERR_GENERR */
 template <typename Object>
 int LogOtherMode(Object &object, netsnmp_request_info * /*request*/, int mode) {
     return LogUnknownMode(object.handlerName, mode);
 }
 
-/** Any other mode: logs it and marks the request with genErr, which is the error that a manager gets anyway. */
+/** Logs an unknown mode and marks the request with genErr. A manager gets this error without the mark too. */
 template <typename Object>
 int MarkOtherMode(Object &object, netsnmp_request_info *request, int mode) {
     return RefuseRequest(request, SNMP_ERR_GENERR, LogUnknownMode(object.handlerName, mode));

@@ -12,21 +12,21 @@
 
 namespace {
 
-// Column identifiers of the vendor tables have 12 sub-identifiers; the first index sub-identifier follows them.
+// Column OIDs of the vendor tables have 12 sub-identifiers; the index follows.
 constexpr std::size_t kRowIndex = 12;
 constexpr std::size_t kCellLength = kRowIndex + 1;
 
-/** What the agent has of this module. */
+/** An object that the agent has accepted. */
 struct Registered {
     netsnmp_handler_registration *registration;
-    netsnmp_table_data_set *dataSet; ///< of a table; null for a scalar
+    netsnmp_table_data_set *dataSet; ///< null for a scalar
 };
 
 std::vector<Registered> gRegistrations;
 
 /**
- * Every object's entry point: calls the object's own handler, which the registration carries, and keeps exceptions
- * out of the agent, which is C and would end.
+ * Entry point of all objects. Calls the object's own handler, which the registration carries. Catches exceptions, which
+ * would end the agent, a C program.
  */
 int CallHandler(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
                 netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
@@ -42,7 +42,7 @@ int CallHandler(netsnmp_mib_handler *handler, netsnmp_handler_registration *regi
     return SNMP_ERR_GENERR;
 }
 
-/** Nearest int of a single-precision number; what is beyond an int becomes the nearest int, and NaN becomes 0. */
+/** Returns the nearest int of a number. Larger numbers become the largest int, smaller the smallest, and NaN 0. */
 int NearestInt(float value) {
     constexpr float kBeyondMax = 2147483648.0F;
     const float rounded = std::round(value);
@@ -62,46 +62,46 @@ int NearestInt(float value) {
 
 namespace {
 
-/** A registration whose requests go through CallHandler(); null without memory. */
-netsnmp_handler_registration *CreateRegistration(const char *name, Netsnmp_Node_Handler *handler, const oid *identifier,
-                                                 std::size_t length, int modes) {
+/** Creates a registration whose requests go through CallHandler(). @return null without memory */
+netsnmp_handler_registration *CreateRegistration(const char *name, Netsnmp_Node_Handler *handler, const oid *objectOid,
+                                                 std::size_t oidLength, int modes) {
     netsnmp_handler_registration *registration =
-        netsnmp_create_handler_registration(name, CallHandler, identifier, length, modes);
+        netsnmp_create_handler_registration(name, CallHandler, objectOid, oidLength, modes);
     if (registration != nullptr) {
         registration->handler->myvoid = reinterpret_cast<void *>(handler);
     }
     return registration;
 }
 
-/** Whether a name is that of a cell, existing or not: table, entry 1, column, index. */
-bool NamesCell(const netsnmp_variable_list &variable, netsnmp_handler_registration &table) {
+/** Returns true for the OID of a cell, existing or not: table, entry 1, column, index. */
+bool IsCellOid(const netsnmp_variable_list &varbind, netsnmp_handler_registration &table) {
     const std::size_t entry = table.rootoid_len;
     const std::size_t column = entry + 1;
     const netsnmp_table_registration_info *columns = netsnmp_find_table_registration_info(&table);
-    return columns != nullptr && variable.name_length > column + 1 && variable.name[entry] == 1 &&
-           variable.name[column] >= columns->min_column && variable.name[column] <= columns->max_column;
+    return columns != nullptr && varbind.name_length > column + 1 && varbind.name[entry] == 1 &&
+           varbind.name[column] >= columns->min_column && varbind.name[column] <= columns->max_column;
 }
 
 /**
- * Stands before the agent's table helpers and keeps SETs of what is no cell from them. The helpers refuse such a
- * variable, but when the request has others in the table, they go on with it nevertheless, and read beyond the end of
- * its name. As the whole request fails, the other variables need not reach the helpers either.
+ * Refuses a SET of an OID that is not a cell, before the agent's table helpers see it. The helpers refuse such a
+ * varbind too, but if the request has further varbinds of the table, they go on with it and read beyond the end of its
+ * OID. The whole request fails, so the helpers need not see the other varbinds either.
  */
 int RejectNonCells(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
                    netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
-    bool allNameCells = true;
+    bool allAreCells = true;
     if (MODE_IS_SET(reqinfo->mode)) {
         for (netsnmp_request_info *request = requests; request != nullptr; request = request->next) {
-            if (!NamesCell(*request->requestvb, *reginfo)) {
+            if (!IsCellOid(*request->requestvb, *reginfo)) {
                 RefuseRequest(request, SNMP_ERR_NOCREATION, SNMP_ERR_NOERROR);
-                allNameCells = false;
+                allAreCells = false;
             }
         }
     }
-    return allNameCells ? netsnmp_call_next_handler(handler, reginfo, reqinfo, requests) : SNMP_ERR_NOERROR;
+    return allAreCells ? netsnmp_call_next_handler(handler, reginfo, reqinfo, requests) : SNMP_ERR_NOERROR;
 }
 
-/** Puts RejectNonCells() before the helpers of a registered table. @return whether there was memory for it */
+/** Puts RejectNonCells() before the helpers of a registered table. @return false without memory */
 bool GuardTable(netsnmp_handler_registration *table) {
     netsnmp_mib_handler *guard = netsnmp_create_handler("quarnsnmp_cells", RejectNonCells);
     if (guard != nullptr && netsnmp_inject_handler(table, guard) == SNMPERR_SUCCESS) {
@@ -111,18 +111,18 @@ bool GuardTable(netsnmp_handler_registration *table) {
     return false;
 }
 
-/** Makes room, so that remembering what the agent has taken cannot fail. */
-void PrepareToRemember() {
+/** Reserves memory for a record, so that an accepted registration can always be recorded. */
+void ReserveRecord() {
     gRegistrations.reserve(gRegistrations.size() + 1);
 }
 
 } // namespace
 
 bool registerScalar(snmp_variable var) {
-    PrepareToRemember();
+    ReserveRecord();
     netsnmp_handler_registration *registration =
         CreateRegistration(var.name, var.handler, var.oid, static_cast<std::size_t>(var.oidLength), var.modes);
-    // A refused registration is freed by the agent.
+    // The agent frees a refused registration.
     if (registration != nullptr && netsnmp_register_scalar(registration) == MIB_REGISTERED_OK) {
         gRegistrations.push_back({registration, nullptr});
         zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: Registration for %s OID OK", __func__, var.name);
@@ -132,17 +132,17 @@ bool registerScalar(snmp_variable var) {
     return false;
 }
 
-bool registerTableDataSet(const char *name, Netsnmp_Node_Handler *handler, const ::oid *identifier, std::size_t length,
+bool registerTableDataSet(const char *name, Netsnmp_Node_Handler *handler, const ::oid *tableOid, std::size_t oidLength,
                           int modes, netsnmp_table_data_set *dataSet) {
-    PrepareToRemember();
-    netsnmp_handler_registration *registration = CreateRegistration(name, handler, identifier, length, modes);
-    // The agent would make one itself, and lose it when it refuses the registration.
+    ReserveRecord();
+    netsnmp_handler_registration *registration = CreateRegistration(name, handler, tableOid, oidLength, modes);
+    // The agent would allocate one itself, and leak it if it refuses the registration.
     std::unique_ptr<netsnmp_table_registration_info, decltype(&netsnmp_table_registration_info_free)> info(
         SNMP_MALLOC_TYPEDEF(netsnmp_table_registration_info), &netsnmp_table_registration_info_free);
     if (registration != nullptr && info != nullptr &&
         netsnmp_register_table_data_set(registration, dataSet, info.get()) == MIB_REGISTERED_OK) {
-        static_cast<void>(info.release()); // it is the agent's now
-        // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): as that, which cannot be seen here
+        static_cast<void>(info.release()); // the agent owns it now
+        // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): the analyzer does not see the new owner
         gRegistrations.push_back({registration, dataSet});
         return GuardTable(registration);
     }
@@ -211,6 +211,18 @@ int RequireRequestType(netsnmp_request_info *request, unsigned char asnType) {
                                                : RefuseRequest(request, SNMP_ERR_WRONGTYPE, SNMP_ERR_WRONGTYPE);
 }
 
+int CheckLength(const char *function, const char *name, const char *noun, std::size_t length,
+                netsnmp_request_info *request) {
+    const int returned = RequireRequestType(request, ASN_OCTET_STR);
+    const std::size_t present = request->requestvb->val_len;
+    if (returned != SNMP_ERR_NOERROR || present == length) {
+        return returned;
+    }
+    zorva_core_logging_log(GetLogCookie(), kLogError, "%s: %s%s not %zu-bytes, val_len=%zu", function, name, noun,
+                           length, present);
+    return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_WRONGVALUE);
+}
+
 int LogUnknownMode(const char *function, int mode) {
     zorva_core_logging_log(GetLogCookie(), kLogError, "%s: unknown mode (%d)", function, mode);
     return SNMP_ERR_GENERR;
@@ -225,7 +237,7 @@ void GetRowAndColFromRequest(netsnmp_request_info *request, int &row, int &col) 
         return;
     }
 
-    // Numbers only: names depend on the MIB files that the agent happens to load, and on its output options.
+    // Numbers, as names depend on the agent's MIB files and output options.
     const int format = netsnmp_ds_get_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OID_OUTPUT_FORMAT);
     netsnmp_ds_set_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OID_OUTPUT_FORMAT, NETSNMP_OID_OUTPUT_NUMERIC);
     char text[256];

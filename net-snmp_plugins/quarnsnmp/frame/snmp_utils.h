@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * What every feature uses to serve objects: the record of a scalar, its registration, and the shared request routines.
+ * Registration of objects and shared request routines, for all features.
  */
 #ifndef QUARNSNMP_SNMP_UTILS_H
 #define QUARNSNMP_SNMP_UTILS_H
@@ -15,67 +15,67 @@
 #include "net_snmp.h"
 
 /**
- * One scalar object to register. The agent answers it at `oid` followed by the instance 0, also where `oid` itself
- * ends in 0 already, as those of the vendor scalars do.
+ * A scalar object to register. The agent serves it at `oid` followed by the instance 0. The OIDs of vendor scalars end
+ * in 0 already, so these objects have two zeros.
  */
 struct snmp_variable {
-    char name[32];                 ///< object name, also the name of the registration
-    Netsnmp_Node_Handler *handler; ///< answers the object's requests
-    ::oid *oid;                    ///< the identifier, owned by oids/
+    char name[32];                 ///< name of the object and of its registration
+    Netsnmp_Node_Handler *handler; ///< serves the requests
+    ::oid *oid;                    ///< static array of oids/
     int32_t oidLength;             ///< number of sub-identifiers in `oid`
     int32_t modes;                 ///< HANDLER_CAN_GETANDGETNEXT or HANDLER_CAN_RWRITE
 };
 
 /**
- * Registers a scalar with the agent and remembers it for UnregisterAll(). The agent refuses an identifier that is
- * registered already; that is how the first of two features wins.
- * @return whether the agent took it; either outcome is logged
+ * Registers a scalar with the agent, and records it for UnregisterAll(). The agent refuses an OID that is already
+ * registered, so the first of two features wins. Either outcome is logged.
+ * @return true if the agent accepted it
  */
 bool registerScalar(snmp_variable var);
 
 /**
- * Registers scalars in their order and logs each at info level under the function's name, whether the agent took it or
- * not.
+ * Registers scalars in their order. Logs each one at info level, also a refused one.
+ * @param function  name of the calling function, for the log
  */
 void RegisterScalars(const char *function, const snmp_variable *objects, std::size_t count);
 
 /**
- * Registers a table data set and remembers it for UnregisterAll(), which deletes the data set too.
- * @param handler  is called after the data set's own handler, also for rows that do not exist
- * @param dataSet  belongs to the module's frame from here on; it is deleted when the agent refuses it
- * @return whether the agent took it; nothing is logged
+ * Registers a table data set, and records it for UnregisterAll(), which deletes the data set too. Nothing is logged.
+ * @param handler  is called after the handler of the data set, also for missing rows
+ * @param dataSet  the frame takes ownership, and deletes it if the agent refuses it
+ * @return true if the agent accepted it
  */
-bool registerTableDataSet(const char *name, Netsnmp_Node_Handler *handler, const ::oid *identifier, std::size_t length,
+bool registerTableDataSet(const char *name, Netsnmp_Node_Handler *handler, const ::oid *tableOid, std::size_t oidLength,
                           int modes, netsnmp_table_data_set *dataSet);
 
 /**
- * Takes every object that this module registered back from the agent. The agent does not do so itself when it unloads
- * a module, and would call into code that is gone.
+ * Unregisters all objects of this module. The agent does not do so when it unloads a module, and would call unmapped
+ * code.
  */
 void UnregisterAll();
 
 /**
- * Answers a GET with a 32-bit integer of the given ASN.1 type.
- * @return SNMP_ERR_NOERROR; SNMP_ERR_GENERR for another mode, which leaves the request as it is
+ * Answers a GET with a 32-bit integer of the given ASN.1 type. Leaves requests of other modes unchanged.
+ * @return SNMP_ERR_NOERROR; SNMP_ERR_GENERR for another mode
  */
 int HandleIntMib(unsigned char asnType, int value, netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
                  netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
 
 /**
- * Answers a GET with a text as an OCTET STRING.
- * @return SNMP_ERR_NOERROR; SNMP_ERR_GENERR for another mode, which leaves the request as it is
+ * Answers a GET with a text as an OCTET STRING. Leaves requests of other modes unchanged.
+ * @return SNMP_ERR_NOERROR; SNMP_ERR_GENERR for another mode
  */
 int HandleStringMib(std::string value, netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
                     netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
 
 /**
- * Puts a value into a request's answer.
- * @param value,length  its octets in memory; an INTEGER may have 1, 2, 4 or 8, with a sign
- * @return SNMP_ERR_NOERROR; SNMP_ERR_GENERR when the agent library does not take it
+ * Answers a request with a value.
+ * @param value,length  octets of the value in memory; 1, 2, 4 or 8 for an INTEGER, which has a sign
+ * @return SNMP_ERR_NOERROR; SNMP_ERR_GENERR if the agent library refuses the value
  */
 int SetRequestValue(netsnmp_request_info *request, unsigned char asnType, const void *value, std::size_t length);
 
-/** As the other one, for an INTEGER. */
+/** Answers a request with an INTEGER. @return as SetRequestValue() */
 template <typename Value>
 int SetRequestInteger(netsnmp_request_info *request, Value value) {
     static_assert(std::is_integral_v<Value>);
@@ -108,8 +108,16 @@ int RefuseRequest(netsnmp_request_info *request, int error, int returned);
 /** Marks a request with wrongType unless its value has the type. @return SNMP_ERR_NOERROR in either case */
 int CheckRequestType(netsnmp_request_info *request, unsigned char asnType);
 
-/** As CheckRequestType(). @return SNMP_ERR_NOERROR, or SNMP_ERR_WRONGTYPE after the mark */
+/** Marks like CheckRequestType(). @return SNMP_ERR_NOERROR, or SNMP_ERR_WRONGTYPE after a mark */
 int RequireRequestType(netsnmp_request_info *request, unsigned char asnType);
+
+/**
+ * Checks type and length of an OCTET STRING. A wrong length is logged, and marked with wrongValue.
+ * @param name,noun  name of the object in the log, in two parts
+ * @return SNMP_ERR_NOERROR, or the error of the mark
+ */
+int CheckLength(const char *function, const char *name, const char *noun, std::size_t length,
+                netsnmp_request_info *request);
 
 /** Logs the start of a handler at debug level. */
 inline void LogEnter(const char *function) {
@@ -121,24 +129,24 @@ inline void LogDone(const char *function, LogLevel level = kLogDebug) {
     zorva_core_logging_log(GetLogCookie(), level, "%s: Done.", function);
 }
 
-/** Logs a mode that a handler does not serve. @return SNMP_ERR_GENERR */
+/** Logs an unknown mode. @return SNMP_ERR_GENERR */
 int LogUnknownMode(const char *function, int mode);
 
 /**
- * Finds out which cell of a vendor table a request is for. Column identifiers of these tables have 12 sub-identifiers,
- * so the row is the 13th.
- * @param row,col  outputs: both 0 when the request names no cell
+ * Reads row and column of a vendor table from the OID of a request. Column OIDs of these tables have 12
+ * sub-identifiers, so the row is the 13th.
+ * @param row,col  outputs; both 0 if the OID is not that of a cell
  */
 void GetRowAndColFromRequest(netsnmp_request_info *request, int &row, int &col);
 
 /**
- * Maps a value linearly from one range to another, to the nearest integer, halves away from zero. The result passes
- * through single precision, so it is exact up to 2^24 only. Values outside the first range map outside the second.
- * @param fromMin,fromMax  must differ; equal bounds have no meaningful result, though a defined one
+ * Maps a value linearly from one range to another. Rounds to the nearest integer, and halves away from zero. The result
+ * has single precision, so it is exact only up to 2^24. Values outside the first range map outside the second.
+ * @param fromMin,fromMax  must differ; equal bounds give a defined result without a meaning
  */
 int ScaleValues(int value, int fromMin, int fromMax, int toMin, int toMax);
 
-/** Swaps the two octets of a 16-bit value. */
+/** Swaps the two octets of a 16-bit value. The objects do not need it: positions have their low-order octet first. */
 unsigned short ushort_swap_endian(unsigned short value);
 
 #endif

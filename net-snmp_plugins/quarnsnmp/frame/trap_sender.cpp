@@ -14,7 +14,7 @@
 
 namespace {
 
-/** Reads one octet. A signal must not cut it short: the octet would stay in the pipe without a trap to go with it. */
+/** Reads one octet. Retries after a signal, or the octet would stay in the pipe without a trap in the queue. */
 void ReadOctet(int fd) {
     char octet = 0;
     while (read(fd, &octet, sizeof octet) < 0 && errno == EINTR) {
@@ -45,7 +45,7 @@ QuarnSnmpTrapSend::QuarnSnmpTrapSend() : readFd(-1), writeFd(-1) {
     }
     readFd = fds[0];
     writeFd = fds[1];
-    // The agent starts other programs (extend, pass); the pipe is none of their business.
+    // Programs that the agent starts (extend, pass) must not inherit the pipe.
     fcntl(readFd, F_SETFD, FD_CLOEXEC);
     fcntl(writeFd, F_SETFD, FD_CLOEXEC);
 
@@ -56,7 +56,7 @@ QuarnSnmpTrapSend::QuarnSnmpTrapSend() : readFd(-1), writeFd(-1) {
 }
 
 QuarnSnmpTrapSend::~QuarnSnmpTrapSend() {
-    // In this order: a descriptor closed while the agent still watches it ends the agent's main loop.
+    // In this order: the agent's main loop ends if it watches a closed descriptor.
     if (readFd != -1) {
         unregister_readfd(readFd);
         close(readFd);
@@ -128,7 +128,8 @@ int SendTrap(oid *trapOid, std::size_t trapOidLength, int value) {
     try {
         return sender->send_v2trap(vars);
     } catch (const std::exception &error) {
-        // Not queued, so still ours; and a poll that cannot report must not end the agent.
+        // The list was not queued, so it is freed here. An exception must not leave the poll thread: it would end the
+        // agent.
         snmp_free_varbind(vars);
         zorva_core_logging_log(GetLogCookie(), kLogError, "%s: %s", __func__, error.what());
         return -1;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The way of a trap from any thread to the agent's own thread, the only one that may use the agent library.
+ * Transfer of traps from any thread to the agent's own thread, the only one that may use the agent library.
  */
 #ifndef QUARNSNMP_TRAP_SENDER_H
 #define QUARNSNMP_TRAP_SENDER_H
@@ -14,41 +14,41 @@
 #include "net_snmp.h"
 
 /**
- * Singleton queue of traps. A producer appends a finished varbind list and writes one octet into a pipe; the agent's
- * event loop sees the pipe readable and calls back on its thread, which sends all that is queued, one octet a trap.
+ * Singleton queue of traps. A producer appends a finished varbind list and writes one octet to a pipe. The agent's
+ * event loop then calls back on its own thread, which sends all queued traps and reads one octet for each.
  */
 class QuarnSnmpTrapSend {
 public:
     /**
      * Becomes the singleton, opens the pipe and registers its read end with the agent. A second instance ends the
-     * process; a pipe or a registration that fails is logged, and traps are then never sent.
-     * @throws boost::thread_resource_error when there is no mutex to be had
+     * process. A failed pipe or registration is logged, and no trap is sent then.
+     * @throws boost::thread_resource_error if the system refuses a mutex
      */
     QuarnSnmpTrapSend();
 
-    /** Takes the pipe back from the agent, closes it, and drops the traps that are still queued. */
+    /** Unregisters the pipe from the agent, closes it, and drops the queued traps. */
     ~QuarnSnmpTrapSend();
 
     QuarnSnmpTrapSend(const QuarnSnmpTrapSend &) = delete;
     QuarnSnmpTrapSend &operator=(const QuarnSnmpTrapSend &) = delete;
 
-    /** The singleton; null before the module is initialised and after it is ended. */
+    /** Returns the singleton; null before the start and after the end of the module. */
     static QuarnSnmpTrapSend *GetInstance();
 
-    /** Ends the singleton, if there is one. */
+    /** Destroys the singleton, if there is one. */
     static void DestroyInstance();
 
     /**
      * Queues a trap. Any thread may call it.
-     * @param vars  the trap's varbinds; the object owns them from here on
+     * @param vars  varbinds of the trap; the object takes ownership
      * @return 0
      */
     int send_v2trap(netsnmp_variable_list *vars);
 
-    /** Sends every queued trap, oldest first. Agent's thread only. */
+    /** Sends all queued traps, oldest first. Only for the agent's thread. */
     void CallSnmpSendTrap();
 
-    /** What the agent's event loop calls when the pipe is readable; needs neither argument. */
+    /** Callback of the agent's event loop for a readable pipe. Ignores both arguments. */
     static void snmpMainCallback(int fd, void *data);
 
 private:
@@ -61,12 +61,12 @@ private:
 };
 
 /**
- * Builds a trap and queues it: snmpTrapOID.0 with `trapOid` as its value, and `trapOid` itself with `value` as a
- * Gauge32. The agent adds its header varbinds when it sends.
- * @param trapOid        identifier of the object whose value changed
+ * Builds a trap of two varbinds and queues it: snmpTrapOID.0 with the value `trapOid`, and `trapOid` with `value` as a
+ * Gauge32. The agent adds its header varbinds later.
+ * @param trapOid        OID of the object whose value changed
  * @param trapOidLength  number of its sub-identifiers
- * @param value          the new value; a negative one travels as its 32 bits
- * @return 0, or -1 when there is no trap sender or no memory
+ * @param value          the new value; the bits of a negative one become a Gauge32
+ * @return 0; -1 without a trap sender or without memory
  */
 int SendTrap(oid *trapOid, std::size_t trapOidLength, int value);
 

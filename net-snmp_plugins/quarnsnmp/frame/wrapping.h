@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Arithmetic on 32-bit integers that wraps instead of overflowing: what a service answers may be any number.
+ * Arithmetic on 32-bit integers that wraps instead of overflowing, for values of services, which may be any number.
  */
 #ifndef QUARNSNMP_WRAPPING_H
 #define QUARNSNMP_WRAPPING_H

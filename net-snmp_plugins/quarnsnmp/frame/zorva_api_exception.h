@@ -14,30 +14,30 @@
 namespace zorva {
 namespace core {
 
-/** A core-library call that failed. what() is the message, then the status text in parentheses. */
+/** A failed core-library call. what() returns the message and the status text in parentheses. */
 class ZorvaApiException : public std::runtime_error {
 public:
     /**
-     * @param message  what failed
-     * @param status   what the call returned
+     * @param message  description of the failed call
+     * @param status   status of the call
      */
     ZorvaApiException(const std::string &message, zorva_core_status status);
     ~ZorvaApiException() override;
 
-    /** Text of the exception: `message (status text)`. */
+    /** Returns the text of the exception: `message (status text)`. */
     static std::string formatMessage(const std::string &message, zorva_core_status status);
 
-    zorva_core_status status; ///< what the call returned
+    zorva_core_status status; ///< status of the call
 };
 
 } // namespace core
 } // namespace zorva
 
-/** Logs what an exception says at error level. */
+/** Logs the text of an exception at error level. */
 void LogFailure(const std::exception &failure);
 
 /**
- * Makes a core-library call and throws ZorvaApiException when its status is not 0.
+ * Makes a core-library call and throws ZorvaApiException if its status is not 0.
  *
  * The exception's text holds the call as the source has it, with each run of blanks and line breaks as one blank. The
  * argument names show in the camera's log, and a line break after the opening parenthesis shows there as a blank.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Power and voltage: two states, of which a change is sent as a trap.
+ * Power and voltage. A change of either state is sent as a trap.
  */
 #include <boost/thread/mutex.hpp>
 
@@ -18,7 +18,7 @@ constexpr uint8_t kNotSeenYet = 255;
 
 std::vector<std::string> gPowerSensors;
 void *gPowerApiCookie = nullptr;
-boost::mutex gPowerMutex; // for the call that reads the power state; the service takes the other one at any time
+boost::mutex gPowerMutex; // for reads of the power state only; the service allows parallel reads of the voltage state
 uint8_t gLastPowerState = kNotSeenYet;
 uint8_t gLastVoltageState = kNotSeenYet;
 
@@ -39,13 +39,13 @@ bool getVoltageState(uint8_t *state) {
     return true;
 }
 
-/** How the two states differ. */
+/** Differences between the two states. */
 struct State {
     const char *name;
     bool (*read)(uint8_t *state);
-    uint8_t &last; ///< as of the last poll that could read it; the poll thread's
-    oid *identifier;
-    std::size_t identifierLength;
+    uint8_t &last; ///< result of the last successful poll; only for the poll thread
+    ::oid *oid;
+    std::size_t oidLength;
 };
 
 const State kPower = {"power", getPowerState, gLastPowerState, oid_power, OID_LENGTH(oid_power)};
@@ -59,9 +59,10 @@ void Poll(const char *function, const State &state) {
     const bool first = state.last == kNotSeenYet;
     state.last = present;
     if (!first) {
+        // The line shows the new state twice. Operators' log filters match this text.
         zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: trap triggered for %s %d -> %d", function, state.name,
                                state.last, present);
-        SendTrap(state.identifier, state.identifierLength, present);
+        SendTrap(state.oid, state.oidLength, present);
     }
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Remote reboot: writing 1 restarts the camera, any other number is only kept.
+ * Remote reboot. The value 1 restarts the camera; any other number is only stored.
  */
 #include "core_utils.h"
 #include "feature_modules.h"
@@ -13,7 +13,7 @@
 namespace {
 
 constexpr int32_t kReboot = 1;
-constexpr int32_t kRebootKind = 2; // only the library's maker knows the others
+constexpr int32_t kRebootKind = 2; // the meaning is that of the device-management service
 
 std::vector<std::string> gDeviceManagers;
 void *gDeviceManagementApiCookie = nullptr;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The camera's temperature, of which a change by more than two degrees is sent as a trap.
+ * Temperature of the camera. A change by more than two degrees is sent as a trap.
  */
 #include <cstdlib>
 #include <limits>
@@ -24,9 +24,9 @@ constexpr int64_t kTolerance = 2; // degrees
 std::vector<std::string> gTemperatureSensors;
 void *gTemperatureApiCookie = nullptr;
 boost::mutex gTemperatureMutex;
-int32_t gLastTemperature = kNotSeenYet; // the poll thread's
+int32_t gLastTemperature = kNotSeenYet; // only for the poll thread
 
-/** Reads whole degrees, cut off towards 0. @return whether the service told them */
+/** Reads the temperature in whole degrees, truncated towards 0. @return false after a failed call, which is logged */
 bool getTemperature(int32_t *degrees) {
     const boost::mutex::scoped_lock lock(gTemperatureMutex);
     if (zorva_api_temperature_get_temperature_send(gTemperatureApiCookie, gTemperatureSensors[kDefaultIndex].c_str(),
@@ -76,7 +76,7 @@ void PollTemperature() {
         gLastTemperature = degrees;
         return;
     }
-    // The recorded value stays until then, so that a slow drift adds up.
+    // A change within the tolerance is not recorded, so that a slow drift adds up.
     if (std::abs(static_cast<int64_t>(degrees) - gLastTemperature) <= kTolerance) {
         return;
     }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The camera's identity as vendor scalars. It is read once at start: a new firmware shows when the module is reloaded,
- * which a firmware update brings about anyway.
+ * The camera's identity as vendor scalars, read once at start. A firmware update reloads the module, so the firmware
+ * version stays right.
  */
 #include <string>
 
@@ -49,7 +49,7 @@ int handle_hwVersion(netsnmp_mib_handler *handler, netsnmp_handler_registration 
 
 namespace {
 
-// The camera has no software version apart from its firmware's, so the firmware's handler serves both.
+// The firmware version is the software version too, so one handler serves both objects.
 // clang-format off
 const snmp_variable kDeviceInfoObjects[] = {
     {"modelNumber",  handle_modelNumber,  oid_modelNo,   OID_LENGTH(oid_modelNo),   HANDLER_CAN_GETANDGETNEXT},
@@ -68,7 +68,7 @@ bool InitDeviceInfo(void *ipcCookie) {
     if (!ReadStaticInformation(__func__, ipcCookie, information)) {
         return false;
     }
-    // The service knows one text for both the name and the number of the model.
+    // The service has one text for the name and the number of the model.
     gModelName = information.modelName;
     gModelNumber = information.modelName;
     gHardwareVersion = information.hardwareVersion;
@@ -82,5 +82,5 @@ bool InitDeviceInfo(void *ipcCookie) {
 }
 
 void DeinitDeviceInfo() {
-    // InitDeviceInfo() closed the service already.
+    // InitDeviceInfo() has already closed the service.
 }

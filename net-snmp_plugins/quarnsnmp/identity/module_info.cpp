@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The camera as the one module of NTCIP 1201's module table. The columns are scalars, as there is but one row; like the
- * camera's identity they are read once at start.
+ * The camera as the only module of NTCIP 1201's module table. The table has one row, so its columns are scalars. They
+ * are read once at start, as the camera's identity is.
  */
 #include <iterator>
 #include <string>
@@ -23,7 +23,7 @@ std::string gModuleMake = "Quarn";
 std::string gModuleModel = "Error: Model not defined";
 std::string gModuleVersion = "Error: Firmware Version not defined";
 
-/** Turns a firmware version `release-build` into `build - vrelease`; without a hyphen both are empty. */
+/** Turns a firmware version `release-build` into `build - vrelease`. Both are empty without a hyphen. */
 std::string ModuleVersion(const std::string &firmware) {
     constexpr std::size_t kLongestBuild = 8;
     const std::size_t hyphen = firmware.find('-');
@@ -100,5 +100,5 @@ bool InitModuleInfo(void *ipcCookie) {
 }
 
 void DeinitModuleInfo() {
-    // InitModuleInfo() closed the service already.
+    // InitModuleInfo() has already closed the service.
 }

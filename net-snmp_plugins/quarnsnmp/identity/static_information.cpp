@@ -9,7 +9,7 @@
 
 namespace {
 
-/** The eight texts as the service hands them over: allocated with malloc(), each perhaps null. */
+/** The eight texts of the service, allocated with malloc(). Any of them may be null. */
 struct ServiceTexts {
     std::array<char *, 8> texts{};
 
@@ -37,7 +37,7 @@ bool QueryService(const char *function, void *apiCookie, const std::string &targ
         zorva_core_logging_log(GetLogCookie(), kLogError, "%s: failed dev info:get_static_information", function);
         return false;
     }
-    // The fifth to eighth text and the flag have no object to go to.
+    // No object shows the last four texts and the flag.
     information = {texts.at(0), texts.at(1), texts.at(2), texts.at(3)};
     return true;
 }

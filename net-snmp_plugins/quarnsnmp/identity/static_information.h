@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * What the camera says about itself once, for the two features that publish it.
+ * Static information of the camera, for the two features that publish it.
  */
 #ifndef QUARNSNMP_STATIC_INFORMATION_H
 #define QUARNSNMP_STATIC_INFORMATION_H
 
 #include <string>
 
-/** Texts of the device-information service; a text that the service leaves out is empty. */
+/** Texts of the device-information service. Missing texts are empty. */
 struct StaticInformation {
     std::string modelName;
     std::string firmwareVersion;
@@ -17,10 +17,10 @@ struct StaticInformation {
 };
 
 /**
- * Finds the device-information service, reads the static information and closes the service again.
+ * Opens the device-information service, reads the static information and closes the service. Failures are logged.
  * @param function     name of the calling Init function, for the log
- * @param information  output; untouched on failure
- * @return whether the information was read; each failure is logged
+ * @param information  output; unchanged after a failure
+ * @return true if the information was read
  */
 bool ReadStaticInformation(const char *function, void *ipcCookie, StaticInformation &information);
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Alarm inputs: a bit map of the first four, and a table of all of them. States are read when they are asked for.
+ * Alarm inputs: a bit map of the first four, and a table of all of them. Each request reads the states anew.
  */
 #include <iterator>
 
@@ -17,10 +17,10 @@ constexpr std::size_t kInputsInBitmap = 4;
 
 std::vector<std::string> gAlarms;
 void *gAlarmApiCookie = nullptr;
-uint8_t gInputBitmap = 0;       // bit n is the last state read of input n
+uint8_t gInputBitmap = 0;       // bit n is the last known state of input n
 const uint8_t kAlarmBitmap = 0; // the camera raises no alarms of its own
 
-/** @return whether the service told the state, which is unchanged otherwise */
+/** Reads the state of an input, counted from 0. @return false after a failed call, which leaves `state` unchanged */
 bool ReadState(std::size_t input, int32_t &state) {
     int32_t present = 0;
     if (zorva_api_alarm_get_state_send(gAlarmApiCookie, gAlarms[input].c_str(), &present) != 0) {
@@ -30,7 +30,7 @@ bool ReadState(std::size_t input, int32_t &state) {
     return true;
 }
 
-/** Brings the bits of the bit map up to date. @return false at the first input that cannot be read */
+/** Updates the bit map. @return false at the first failed call; the bits from there on are unchanged */
 bool ReadBitmap() {
     for (std::size_t input = 0; input < kInputsInBitmap && input < gAlarms.size(); ++input) {
         int32_t state = 0;
@@ -46,7 +46,7 @@ bool ReadBitmap() {
     return true;
 }
 
-/** Serves a bit map. @param refresh brings it up to date; false makes the request fail */
+/** Serves a bit map. @param refresh updates it, and returns false to fail the request */
 int HandleBitmap(const char *function, const uint8_t &bitmap, bool (*refresh)(),
                  const netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
     LogEnter(function);

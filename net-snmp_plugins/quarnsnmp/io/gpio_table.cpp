@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::array<char, 4> kKindText = {'G', 'P', 'I', 'O'};
 
-/** A data set with the columns and no rows; null without memory. */
+/** Creates a data set with the columns and without rows. @return null without memory */
 netsnmp_table_data_set *CreateDataSet(const Table &table) {
     netsnmp_table_data_set *dataSet = netsnmp_create_table_data_set(table.dataSetName);
     if (dataSet != nullptr) {
@@ -23,7 +23,7 @@ netsnmp_table_data_set *CreateDataSet(const Table &table) {
     return dataSet;
 }
 
-/** @param number  of the input or output, from 0 @return whether there was memory for the row */
+/** Adds a row. @param number  of the input or output, from 0 @return false without memory */
 bool AddRow(const Table &table, netsnmp_table_data_set *dataSet, int32_t number) {
     netsnmp_table_row *row = netsnmp_create_table_data_row();
     if (row == nullptr) {
@@ -49,8 +49,8 @@ void RegisterTable(const Table &table, std::size_t rows) {
     for (std::size_t i = 0; complete && i < rows; ++i) {
         complete = AddRow(table, dataSet, static_cast<int32_t>(i));
     }
-    if (!complete || !registerTableDataSet(table.registrationName, table.handler, table.identifier,
-                                           table.identifierLength, table.modes, dataSet)) {
+    if (!complete || !registerTableDataSet(table.registrationName, table.handler, table.oid, table.oidLength,
+                                           table.modes, dataSet)) {
         zorva_core_logging_log(GetLogCookie(), kLogError, "%s: Registration for %s OID not OK", "RegisterTable",
                                table.registrationName);
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Relay outputs: a bit map of the first two, a command for any of them, and a table of all of them.
+ * Relay outputs: a bit map of the first two, a command for one relay, and a table of all relays.
  */
 #include <array>
 #include <iterator>
@@ -23,12 +23,12 @@ void *gRelayApiCookie = nullptr;
 std::array<uint8_t, 2> outputControlValue{};
 std::array<uint8_t, 2> savedOutputControlValue{};
 
-// One of each for a whole request: a SET that writes several rows switches the last one of them only.
-int32_t relayStateIndex = 0; // from 0
+// One of each for a whole request: a SET of several rows switches only the last of them.
+int32_t relayStateIndex = 0; // counted from 0
 uint8_t savedRelayState = 0;
 uint8_t newRelayState = 0;
 
-/** @return whether the service told the state, which is unchanged otherwise */
+/** Reads the state of a relay, counted from 0. @return false after a failed call, which leaves `state` unchanged */
 bool ReadState(std::size_t relay, uint8_t &state) {
     uint8_t present = 0;
     if (zorva_api_relay_get_state_send(gRelayApiCookie, gRelays[relay].c_str(), &present) != 0) {
@@ -38,7 +38,7 @@ bool ReadState(std::size_t relay, uint8_t &state) {
     return true;
 }
 
-/** Sets a relay up if nobody has done so yet. @return whether the service did what it was asked */
+/** Configures a relay that has no configuration yet. @return false after a failed call */
 bool Configure(const char *target) {
     uint8_t c1 = 0;
     uint8_t c2 = 0;
@@ -53,7 +53,7 @@ bool Configure(const char *target) {
     return c1 != 0 || zorva_api_relay_set_configuration_send(gRelayApiCookie, target, 1, 0, 1, 0, 1, 1, 1) == 0;
 }
 
-/** Switches a relay. @param relay counted from 0 @return whether that succeeded; a failure is logged */
+/** Switches a relay, counted from 0. @return false after a failed call, which is logged */
 bool Switch(const char *function, std::size_t relay, uint8_t state) {
     const char *target = gRelays[relay].c_str();
     if (!Configure(target) || zorva_api_relay_set_state_send(gRelayApiCookie, target, state) != 0) {
@@ -73,7 +73,7 @@ int handle_outputStatus(netsnmp_mib_handler * /*handler*/, netsnmp_handler_regis
     for (std::size_t relay = 0; relay < kRelaysInBitmap && relay < gRelays.size(); ++relay) {
         uint8_t state = 0;
         if (!ReadState(relay, state)) {
-            // The text is that of the table's read before a SET; log filters look for the one text.
+            // No RESERVE2 here: the text is that of SelectRelay(), and operators' log filters match it for both.
             zorva_core_logging_log(GetLogCookie(), kLogError, "%s: MODE_SET_RESERVE2 fail", __func__);
             return SNMP_ERR_GENERR;
         }
@@ -88,7 +88,7 @@ using OutputControl = const WritableObject<std::array<uint8_t, 2>>;
 
 OutputControl kOutputControl = {"handle_outputControl", savedOutputControlValue, outputControlValue};
 
-/** GET: answers the pending value, which is the current one outside a SET. */
+/** Answers a GET with the pending value, which is the current one outside a SET. */
 int AnswerOutputControl(OutputControl &object, netsnmp_request_info *request) {
     return SetRequestOctets(request, object.pending);
 }
@@ -158,7 +158,7 @@ int CheckStateType(RelayState &object, netsnmp_request_info *request) {
     return SNMP_ERR_NOERROR;
 }
 
-/** RESERVE2: selects the relay for the later phases and reads its state. */
+/** Selects the relay for the later phases and reads its state. */
 int SelectRelay(RelayState &object, netsnmp_request_info *request) {
     int row = 0;
     int col = 0;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The focus of a motor-driven lens. It also serves the lens feature objects, unless the camera has none of this kind.
+ * The focus of a motor-driven lens, and the lens feature objects of such a lens.
  */
 #include <iterator>
 
@@ -38,7 +38,7 @@ lens::Range FocusRange() {
     return {gMinFocusPosition, gMaxFocusPosition};
 }
 
-/** Reads the range as well: the maker's lenses report another one once they have homed. */
+/** Reads position and range. The lenses report another range once they have homed. */
 bool ReadFocusPosition(int32_t &current) {
     lens::Range range{};
     if (zorva_api_lens_focus_get_manual_focus_position_send(gFocusApiCookie, gFocuses[kDefaultIndex].c_str(), &current,

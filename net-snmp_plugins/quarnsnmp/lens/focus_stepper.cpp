@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The focus of a lens with a stepper motor. The motor goes to positions only: nothing stops it on its way, and there is
- * no continuous move.
+ * The focus of a lens with a stepper motor, and the lens feature objects of such a lens. The motor only moves to
+ * positions: there is no stop and no continuous move.
  */
 #include <iterator>
 
@@ -22,7 +22,7 @@ int32_t gMinFocusPosition = 0;
 int32_t gMaxFocusPosition = 0;
 int32_t gMinFocusSpeed = 0;
 int32_t gMaxFocusSpeed = 0;
-int32_t gFocusSpeed = 0; // of every move
+int32_t gFocusSpeed = 0; // of all moves
 
 void ReadLimits() {
     ZORVA_API_CALL(zorva_api_focus_stepper_get_limits_send(gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str(),
@@ -40,7 +40,7 @@ lens::Range FocusRange() {
 }
 
 bool ReadFocusPosition(int32_t &current) {
-    int32_t second = 0; // only the library's maker knows what it is
+    int32_t second = 0; // a second output of the call, without a use here
     return zorva_api_focus_stepper_get_position_send(gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str(), &current,
                                                      &second) == 0;
 }

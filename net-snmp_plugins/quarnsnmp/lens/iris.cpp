@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The iris. Its positions count without a sign.
+ * The iris. Its positions are unsigned.
  */
 #include <iterator>
 
@@ -56,8 +56,9 @@ bool ReadIrisPosition(int32_t &current) {
 }
 
 /**
- * Bounds a delta as the iris always did: a target below 0 is a large number without a sign and ends at the maximum, and
- * the minimum counts for the command's octets, not for the target.
+ * Bounds the target of a delta, unlike ClampToRange(), with unsigned comparisons: a target below 0 is a large number
+ * and becomes the maximum. The minimum is compared with the octets of the command, not with the target.
+ * Both are deliberate.
  */
 int32_t ClampIris(int32_t target, const lens::Range &range, uint32_t command) {
     if (static_cast<uint32_t>(target) > static_cast<uint32_t>(range.max)) {
@@ -74,6 +75,7 @@ void SetIrisVelocity(int32_t direction, int32_t run) {
     zorva_api_iris_set_velocity_send(gApiCookie, gIrises[kDefaultIndex].c_str(), direction, run);
 }
 
+// No texts for far and near: the log of the iris has never had these lines.
 const lens::Drive kDrive = {
     "handle_positionIrisLens", "iris", "Iris",  IrisRange, ReadIrisPosition, ClampIris, MoveIris,
     SetIrisVelocity,           true,   nullptr, nullptr};

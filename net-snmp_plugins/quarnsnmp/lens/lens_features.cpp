@@ -22,7 +22,7 @@ int RefuseValue(netsnmp_request_info *request) {
 using Equipped = const WritableObject<std::array<uint8_t, 1>>;
 
 int CheckEquippedLength(Equipped &object, netsnmp_request_info *request) {
-    return CheckOctets(object.handlerName, "systemLensEquipped", "", object.pending.size(), request);
+    return CheckLength(object.handlerName, "systemLensEquipped", "", object.pending.size(), request);
 }
 
 int CheckEquipped(Equipped & /*object*/, netsnmp_request_info *request) {
@@ -31,7 +31,7 @@ int CheckEquipped(Equipped & /*object*/, netsnmp_request_info *request) {
 
 int CommitEquipped(Equipped &object, netsnmp_request_info *request) {
     object.current = object.pending;
-    // Central systems in the field expect eight octets in the answer to a SET, of which only the first means something.
+    // Central systems expect eight octets in the answer to a SET. Only the first has a meaning.
     std::array<uint8_t, 8> answer{};
     answer[0] = object.current[0];
     return SetRequestOctets(request, answer);
@@ -59,7 +59,7 @@ void SwitchIris(const LensFeatureSet &set, bool automatic) {
                            automatic ? "starting auto-iris" : "stopping auto-iris");
 }
 
-/** `systemLensFeatureControl` of a set. */
+/** `systemLensFeatureControl` as its steps see it. */
 struct Control {
     const char *handlerName;
     const LensFeatureSet &set;
@@ -68,8 +68,8 @@ struct Control {
 };
 
 int CheckControlLength(const Control &object, netsnmp_request_info *request) {
-    // The object is not an iris position; operators' log filters match this text.
-    return CheckOctets(object.handlerName, "iris", " position", object.pending.size(), request);
+    // It is not an iris position, but operators' log filters match this text.
+    return CheckLength(object.handlerName, "iris", " position", object.pending.size(), request);
 }
 
 int CheckControl(const Control & /*object*/, netsnmp_request_info *request) {
@@ -94,7 +94,11 @@ int CommitControl(const Control &object, netsnmp_request_info *request) {
 constexpr SetPhases<const Control> kControlPhases = {AnswerCurrent, CheckControlLength, CheckControl, KeepPending,
                                                      CommitControl, RestorePending,     LogOtherMode};
 
-/** @throws zorva::core::ZorvaApiException */
+/**
+ * Returns true if the exposure is manual. The failure text has the names of two variables that do not exist, so it is
+ * written out here: operators' log filters match it.
+ * @throws zorva::core::ZorvaApiException
+ */
 bool ReadManualExposure(const Exposure &exposure) {
     uint8_t manualMode = 0;
     const zorva_core_status status = zorva_api_exposure_get_manual_mode_enable_send(
@@ -107,7 +111,7 @@ bool ReadManualExposure(const Exposure &exposure) {
     return manualMode != 0;
 }
 
-/** Whether a feature is automatic; false when `readManual` fails, which is logged. */
+/** Returns true if a feature is automatic; false also if `readManual` throws, which is logged. */
 template <typename ReadManual>
 bool IsAutomatic(ReadManual readManual) {
     try {
@@ -128,8 +132,7 @@ int HandleLensEquipped(LensFeatureSet &set, const netsnmp_agent_request_info *re
 int HandleLensFeatureControl(LensFeatureSet &set, const netsnmp_agent_request_info *reqinfo,
                              netsnmp_request_info *requests) {
     const Control object = {set.drive.controlHandler, set, set.control, set.pendingControl};
-    // The last line has a level above that of other handlers, so that a log without debug lines shows the end of a
-    // switch.
+    // "Done." has info level here, so that a log without debug lines shows the end of a switch.
     return ServeLoggedPhase<kControlPhases>(object.handlerName, object, reqinfo->mode, requests, kLogInfo);
 }
 
@@ -138,6 +141,7 @@ int HandleLensFeatureStatus(const LensFeatureSet &set, const netsnmp_agent_reque
     const char *function = set.drive.statusHandler;
     LogEnter(function);
     if (reqinfo->mode != MODE_GET && reqinfo->mode != MODE_GETNEXT) {
+        // Debug level and no "Done.", unlike most handlers: operators' log filters match these lines.
         zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: unknown mode (%d)", function, reqinfo->mode);
         return SNMP_ERR_GENERR;
     }

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The objects that describe the lens as a whole: `systemLensEquipped`, `systemLensFeatureControl` and
- * `systemLensFeatureStatus`. There are two sets of them, one for each kind of focus drive; the set that is registered
- * first serves the objects.
+ * The objects of the lens as a whole: `systemLensEquipped`, `systemLensFeatureControl` and `systemLensFeatureStatus`.
+ * There are two sets of them, one for each kind of focus drive. The set that is registered first serves the objects.
  *
- * Bit 7 of an octet stands for the automatic iris, bit 6 for the automatic focus, and the others are 0.
+ * Bit 7 of an octet stands for the automatic iris and bit 6 for the automatic focus. The other bits are 0.
  */
 #ifndef QUARNSNMP_LENS_FEATURES_H
 #define QUARNSNMP_LENS_FEATURES_H
@@ -16,7 +15,7 @@
 
 namespace lens {
 
-/** Constants of a set: the names of its handlers, and the calls of its focus drive. */
+/** Constants of a set: names of its handlers, and calls to its focus drive. */
 struct LensFeatureDrive {
     const char *equippedHandler;
     const char *controlHandler;
@@ -37,17 +36,17 @@ struct LensFeatureSet {
     std::array<uint8_t, 2> pendingControl{};
 };
 
-/** Serves `systemLensEquipped`: one octet that is only kept. */
+/** Serves `systemLensEquipped`, one octet that is only stored. */
 int HandleLensEquipped(LensFeatureSet &set, const netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
 
 /**
- * Serves `systemLensFeatureControl`: octet 0 says which features to switch, bit 7 of octet 1 to what. It answers the
- * last command, whatever the device has done since.
+ * Serves `systemLensFeatureControl`. Octet 0 selects the features to switch. Bit 7 of octet 1 is 1 for automatic and 0
+ * for manual. A GET answers the last command, also after the device has changed its mode.
  */
 int HandleLensFeatureControl(LensFeatureSet &set, const netsnmp_agent_request_info *reqinfo,
                              netsnmp_request_info *requests);
 
-/** Serves `systemLensFeatureStatus`: which features are automatic now. What cannot be read is 0. */
+/** Serves `systemLensFeatureStatus`: the features that are automatic now. The bit of a failed call is 0. */
 int HandleLensFeatureStatus(const LensFeatureSet &set, const netsnmp_agent_request_info *reqinfo,
                             netsnmp_request_info *requests);
 

@@ -2,7 +2,6 @@
 #include "lens_position.h"
 
 #include "core_utils.h"
-#include "lens_service.h"
 #include "set_phases.h"
 #include "snmp_utils.h"
 #include "wrapping.h"
@@ -13,7 +12,7 @@ namespace {
 
 constexpr int kPositionEnd = 65535;
 
-// Directions of zorva_api_*_set_velocity_send().
+// Directions of the zorva_api_*_set_velocity_send() calls.
 constexpr int32_t kFar = 0;
 constexpr int32_t kNear = 1;
 
@@ -26,7 +25,7 @@ uint32_t AsNumber(const PositionOctets &octets) {
 }
 
 int CheckType(LensPosition &object, netsnmp_request_info *request) {
-    return CheckOctets(object.drive.handlerName, object.drive.name, " position", object.pending.size(), request);
+    return CheckLength(object.drive.handlerName, object.drive.name, " position", object.pending.size(), request);
 }
 
 void LogCommandMode(const Drive &drive, int mode) {
@@ -117,6 +116,7 @@ int Commit(LensPosition &object, netsnmp_request_info *request) {
         Run(object.drive, command);
         break;
     default:
+        // RESERVE2 has refused these. The line shows the speed, as it always has.
         LogCommandMode(object.drive, command.speed);
         returned = SNMP_ERR_GENERR;
         break;

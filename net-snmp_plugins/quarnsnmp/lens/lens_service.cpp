@@ -49,18 +49,6 @@ void ReadStepperLimits(const char *function, void (*read)(), const StepperLimits
     }
 }
 
-int CheckOctets(const char *function, const char *name, const char *noun, std::size_t length,
-                netsnmp_request_info *request) {
-    const int returned = RequireRequestType(request, ASN_OCTET_STR);
-    const std::size_t present = request->requestvb->val_len;
-    if (returned != SNMP_ERR_NOERROR || present == length) {
-        return returned;
-    }
-    zorva_core_logging_log(GetLogCookie(), kLogError, "%s: %s%s not %zu-bytes, val_len=%zu", function, name, noun,
-                           length, present);
-    return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_WRONGVALUE);
-}
-
 void StopLens(const LensFeature &feature) {
     if (feature.service.cookie != nullptr) {
         feature.closeInitiator(feature.service.cookie);

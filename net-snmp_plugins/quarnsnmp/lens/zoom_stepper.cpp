@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The zoom of a lens with a stepper motor, for cameras whose positioning has no zoom: where it has, its objects are
- * registered first and the agent refuses these. The motor goes to positions only, as the focus stepper does.
+ * The zoom of a lens with a stepper motor, for cameras whose positioning service has no zoom. Otherwise the positioning
+ * objects are registered first, and the agent refuses these. The motor only moves to positions, as the focus stepper.
  */
 #include <iterator>
 
@@ -21,7 +21,7 @@ void *gApiCookie = nullptr;
 int32_t gMinZoomPosition = 0;
 int32_t gMaxZoomPosition = 0;
 int32_t gMinZoomSpeed = 0;
-int32_t gMaxZoomSpeed = 0; // of every move
+int32_t gMaxZoomSpeed = 0; // of all moves
 
 void ReadLimits() {
     ZORVA_API_CALL(zorva_api_zoom_stepper_get_limits_send(gApiCookie, gZoomSteppers[kDefaultIndex].c_str(),
@@ -80,6 +80,7 @@ const snmp_variable kObjects[] = {
 };
 // clang-format on
 
+// The doubled word belongs to the log text; operators' log filters match it.
 const lens::LensFeature kFeature = {{"zoom_stepper", "no zorva API zoom steppers", "zoom zoom stepper", gZoomSteppers,
                                      gApiCookie, zorva_api_zoom_stepper_initiator_init},
                                     zorva_api_zoom_stepper_initiator_deinit,
@@ -94,7 +95,7 @@ bool InitZoomStepper(void *ipcCookie) {
         zorva_core_logging_log(GetLogCookie(), kLogError, "%s", kFeature.service.noTargetText);
         return false;
     }
-    // A service that does not open still counts as a feature that is up; there is nothing to undo at its end.
+    // The feature counts as up even if its service does not open; DeinitZoomStepper() does nothing then.
     lens::StartLens(__func__, ipcCookie, kFeature);
     return true;
 }

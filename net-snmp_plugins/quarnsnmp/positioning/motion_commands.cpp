@@ -14,19 +14,19 @@ namespace {
 
 constexpr int kPositioningPriorityLow = 500;
 
-// Fastest pan in millidegrees per second; tilt goes half as fast.
+// Highest pan speed in millidegrees per second. The tilt speed is half of it.
 constexpr unsigned int kMaxPanSpeedToPosition = 160000;
 constexpr unsigned int kMaxPanSpeedContinuous = 80000;
 
 constexpr std::size_t kAxisCount = 3;
 
-/** How the axes differ. */
+/** Differences between the axes. */
 struct AxisRecord {
-    const char *word;      ///< in logs of commands
-    const char *name;      ///< in logs of results
-    int (*toService)(int); ///< NTCIP position to the service's
-    const char *deltaDown; ///< direction of a delta move with a negative speed
-    const char *deltaUp;   ///< and with another one
+    const char *word;      ///< in log lines of commands
+    const char *name;      ///< in log lines of results
+    int (*toService)(int); ///< converts an NTCIP position to units of the service
+    const char *deltaDown; ///< log text of a delta move with a negative speed
+    const char *deltaUp;   ///< log text of any other delta move
     const char *continuousDown;
     const char *continuousUp;
     const uint32_t *timeout; ///< of continuous moves, in milliseconds
@@ -43,27 +43,27 @@ constexpr std::array<AxisRecord, kAxisCount> kAxes = {{
 }};
 // clang-format on
 
-/** The record of an axis; null for a value that is none. */
+/** Returns the record of an axis; null for any other number. */
 const AxisRecord *RecordOf(Axis axis) {
     const auto index = static_cast<std::size_t>(axis);
     return index < kAxes.size() ? &kAxes.at(index) : nullptr;
 }
 
-/** How logs name the axis that a command moves. */
+/** Returns the name of an axis in log lines of commands. */
 const char *AxisWord(Axis axis) {
     const AxisRecord *record = RecordOf(axis);
     return record != nullptr ? record->word : "";
 }
 
-/** Share of the full speed that a speed code stands for, as logs show it. */
+/** Returns the share of the full speed that a speed code stands for, for the log. */
 double SpeedShare(int speed) {
     return speed * (1.0 / 128.0);
 }
 
-/** Values of the three axes, in the order of Axis. */
+/** A value for each axis, in the order of Axis. */
 using AxisValues = std::array<int, kAxisCount>;
 
-/** Reads the present position and logs it in both units. @return in NTCIP units @throws ZorvaApiException */
+/** Reads the present position and logs it in both units. @return NTCIP units @throws ZorvaApiException */
 AxisValues ReadNtcipPosition(const char *function) {
     int32_t panFUZZMillidegrees = 0;
     int32_t tiltFUZZMillidegrees = 0;
@@ -79,7 +79,7 @@ AxisValues ReadNtcipPosition(const char *function) {
     return ntcip;
 }
 
-/** Lets any velocity limits of the user go and reads where the camera is, as every move to a position starts. */
+/** Clears the user's velocity limits and reads the position, as all moves to a position begin. */
 AxisValues PrepareMove(const char *function) {
     ZORVA_API_CALL(zorva_api_positioning_clear_velocity_limits_send(gApiCookie, gPositionings[kDefaultIndex].c_str(),
         1, 1, 1));
@@ -93,7 +93,7 @@ void MoveToPosition(const char *function, Axis axis, signed char speed, int ntci
     if (const AxisRecord *record = RecordOf(axis)) {
         const auto index = static_cast<std::size_t>(axis);
         position.at(index) = record->toService(ntcipPosition);
-        // Its result is for the log; the call is for the velocity limits that it sets.
+        // The call sets the velocity limits; its result is only for the log.
         const int serviceSpeed = speedNTCIPToZorva(axis, speed, kMaxPanSpeedToPosition);
         fraction.at(index) = speedPercentage(axis, speed);
         zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: new %s position FUZZ, %d=%s,speed=%d,%.3f", function,
@@ -112,7 +112,7 @@ void MoveToPosition(const char *function, Axis axis, signed char speed, int ntci
         isZoomEnabled, newFUZZZoomPosition, zoomSpeedPercentage, kPositioningPriorityLow));
 }
 
-/** Where a delta move ends, in NTCIP units: the speed's sign says which way a positive delta goes. */
+/** Returns the end of a delta move in NTCIP units. The sign of the speed is the direction of a positive delta. */
 int DeltaTarget(const char *function, Axis axis, signed char speed, int position, int delta) {
     const AxisRecord *record = RecordOf(axis);
     if (record == nullptr) {
@@ -123,7 +123,12 @@ int DeltaTarget(const char *function, Axis axis, signed char speed, int position
     return speed < 0 ? WrappingSubtract(position, delta) : WrappingAdd(position, delta);
 }
 
-/** Sends a velocity, with a time-out in milliseconds unless that is 0. A failure is logged here. */
+/**
+ * Sends a velocity with a time-out in milliseconds, which is infinite for 0. A failure is logged.
+ *
+ * Two calls and not one, because the failure texts differ in the last argument and in a blank before a comma.
+ * Operators' log filters match both texts.
+ */
 void SendVelocity(const char *function, Axis axis, int velocity, uint32_t timeout) {
     const bool isPanEnabled = axis == kPanAxis;
     const bool isTiltEnabled = axis == kTiltAxis;
@@ -229,7 +234,7 @@ void continuousMovement(Axis axis, int speed) {
         return;
     }
     try {
-        // The limits do not bound a velocity; the service is asked all the same, as it always was before such a move.
+        // The result has no use, but the call belongs to the sequence that services get before such a move.
         ReadSoftPositionLimits();
     } catch (const std::exception &failure) {
         LogFailure(failure);
@@ -245,6 +250,7 @@ void continuousMovement(Axis axis, int speed) {
     const int magnitude = speedNTCIPToZorva(axis, code, kMaxPanSpeedContinuous);
     const float fraction = speedPercentage(axis, code);
     const int velocity = code < 0 ? WrappingSubtract(0, magnitude) : magnitude;
+    // Operators' log filters match the misspelt word, and "hundrethdegree" above.
     zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: countinous %s %s, speed=%d,%f", __func__,
                            code < 0 ? record->continuousDown : record->continuousUp, record->name, velocity,
                            static_cast<double>(fraction));

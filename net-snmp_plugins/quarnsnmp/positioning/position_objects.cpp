@@ -19,14 +19,14 @@ PositionOctets gNewZoomPosition{};
 
 namespace {
 
-constexpr unsigned int kPositionEnd = 36000; // the first hundredth of a degree beyond the circle
+constexpr unsigned int kPositionEnd = 36000; // a full circle in hundredths of a degree
 
-/** The position objects, in which pan and tilt are alike and zoom departs a little. */
+/** Differences between the position objects. */
 struct PositionObject {
     const char *handlerName;
     const char *axisName;
     Axis axis;
-    bool isAngle; ///< positions end with the circle, and the object exists without a connection too
+    bool isAngle; ///< positions end with the circle; the object exists without a connection too
     PositionOctets &current;
     PositionOctets &pending;
     bool filled; ///< `current` holds a value
@@ -39,7 +39,7 @@ PositionObject gZoom = {"handle_positionZoomLens", "zoom",           kZoomAxis, 
 
 std::mutex gFirstUse;
 
-/** Before the first command an object answers the position that its axis has at the first request. */
+/** Fills in the position of the axis at the first request. */
 void FillOnFirstUse(PositionObject &object) {
     const std::lock_guard<std::mutex> lock(gFirstUse);
     if (object.filled) {
@@ -75,6 +75,7 @@ int CheckCommand(PositionObject &object, netsnmp_request_info *request) {
     default:
         zorva_core_logging_log(GetLogCookie(), kLogError, "%s: unknown %s mode (%d)", object.handlerName,
                                object.axisName, command.mode);
+        // A manager gets the mark, wrongValue.
         return RefuseRequest(request, SNMP_ERR_WRONGVALUE, SNMP_ERR_GENERR);
     }
 }

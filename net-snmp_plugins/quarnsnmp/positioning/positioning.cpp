@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Start and end of pan, tilt and zoom.
+ * Start and end of positioning: pan, tilt and zoom.
  */
 #include <iterator>
 
@@ -19,7 +19,7 @@ namespace positioning {
 
 namespace {
 
-// The zoom objects come last: a camera without a positioning service leaves them to its zoom stepper.
+// The zoom objects are last: without a positioning service they are left to the zoom stepper.
 // clang-format off
 const snmp_variable kObjects[] = {
     {"rangePanLeftLimit",         handle_rangePanLeftLimit,         oid_rangePanLeftLimit,         OID_LENGTH(oid_rangePanLeftLimit),         HANDLER_CAN_GETANDGETNEXT},
@@ -45,7 +45,7 @@ constexpr std::size_t kObjectsWithoutZoom = 12;
 const Service kService = {"positioning", "no zorva API positionings",         "positioning", gPositionings,
                           gApiCookie,    zorva_api_positioning_initiator_init};
 
-/** Reads the one time-out that the service has for all axes; a failure is logged and leaves the value as it is. */
+/** Reads the service's only time-out, which is for all axes. A failure is logged and leaves the value unchanged. */
 void ReadTimeout(const char *function) {
     const uint32_t before = gLastPanTimeout;
     try {
@@ -81,7 +81,7 @@ bool InitPositioning(void *ipcCookie) {
         StartTimeouts(__func__);
         RegisterScalars(__func__, kObjects, kAllObjects);
     } else if (gApiCookie == nullptr) {
-        // A central system still finds the camera's pan and tilt, though they do not move.
+        // Central systems expect pan and tilt objects, even if they move nothing.
         RegisterScalars(__func__, kObjects, kObjectsWithoutZoom);
     }
     return true;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * What the objects of pan, tilt and zoom share: the connection to the positioning service and the values that the
- * module keeps between requests. All of it belongs to the agent's thread.
+ * Shared state of pan, tilt and zoom: the connection to the positioning service and the values between requests. Only
+ * for the agent's thread.
  */
 #ifndef QUARNSNMP_POSITIONING_STATE_H
 #define QUARNSNMP_POSITIONING_STATE_H
@@ -15,25 +15,24 @@
 
 namespace positioning {
 
-/** A motion axis. Functions that take one give 0, or move nothing, for any other value. */
+/** A motion axis. For other numbers, functions return 0 or move nothing. */
 enum Axis : int { kPanAxis = 0, kTiltAxis = 1, kZoomAxis = 2 };
 
-/** Velocity-command time-out of a move that goes on until it is stopped. */
+/** Velocity-command time-out of a move without an end. */
 inline constexpr uint32_t kInfiniteTimeout = 0xFFFFFFFF;
 
-/** Connection to the positioning service; null when there is none. */
+/** Handle of the positioning service; null without a connection. */
 extern void *gApiCookie;
 
-/** Targets of the service; calls go to the entry at kDefaultIndex. */
+/** Targets of the service. Calls go to the one at kDefaultIndex. */
 extern std::vector<std::string> gPositionings;
 
-/** How long a continuous move of each axis runs without a new command, in milliseconds; 0 is for ever too. */
+/** Time-outs of continuous moves in milliseconds; 0 and kInfiniteTimeout stand for none. */
 extern uint32_t gLastPanTimeout;
 extern uint32_t gLastTiltTimeout;
 extern uint32_t gLastZoomTimeout;
 
-/** Position limits as the service holds them: millidegrees and deciX. The user's limits count where they are enabled.
- */
+/** Position limits in units of the service: millidegrees and deciX. A user's limit counts only if it is enabled. */
 struct PositionLimits {
     bool panEnabled = false;
     int32_t panMin = 0;
@@ -46,13 +45,13 @@ struct PositionLimits {
     int32_t zoomMax = 0;
 };
 
-/** Whether there is a service to talk to. Functions that ask it give 0 without one, and commands do nothing. */
+/** Returns true if the service is open and has a target. Otherwise functions return 0, and commands do nothing. */
 bool IsConnected();
 
-/** Reads the user's position limits; only with a connection. @throws zorva::core::ZorvaApiException */
+/** Reads the user's position limits. Needs a connection. @throws zorva::core::ZorvaApiException */
 PositionLimits ReadSoftPositionLimits();
 
-/** How the camera's log shows a flag: "T" or "F". */
+/** Returns the text of a flag in the log: "T" or "F". */
 const char *FlagText(bool flag);
 
 } // namespace positioning

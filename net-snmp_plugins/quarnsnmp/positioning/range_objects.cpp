@@ -10,7 +10,7 @@ namespace positioning {
 
 namespace {
 
-constexpr int32_t kUnknown = 65535; // for offset and home position: the camera has none
+constexpr int32_t kUnknown = 65535; // the camera has no such offset or home position
 constexpr int32_t kLastAngle = 35999;
 constexpr int32_t kCircle = 36000;
 constexpr int32_t kMillidegreesPerHundredth = 10;
@@ -30,7 +30,7 @@ int16_t gTiltDownLimit = 0;
 
 namespace {
 
-/** Serves an object that can only be read. @param refresh brings the value up to date, perhaps not possible */
+/** Serves a read-only object. @param refresh  updates the value, or leaves it if that fails */
 template <typename Value, typename Refresh>
 int HandleReadOnly(const char *function, const Value &value, Refresh refresh, const netsnmp_agent_request_info *reqinfo,
                    netsnmp_request_info *requests) {
@@ -54,8 +54,8 @@ int HandleConstant(const char *function, const Value &value, const netsnmp_agent
 }
 
 /**
- * Serves a limit that the service knows. Without a connection and after a failed query the value stays as it is.
- * @param convert  makes the object's value of the service's limits; may ask the service for more
+ * Serves a limit of the service. Without a connection and after a failed call the value is unchanged.
+ * @param convert  converts the service's limits to the value; may call the service again
  */
 template <typename Value, typename Convert>
 int HandleLimit(const char *function, Value &value, Convert convert, const netsnmp_agent_request_info *reqinfo,
@@ -66,7 +66,7 @@ int HandleLimit(const char *function, Value &value, Convert convert, const netsn
         }
         try {
             const PositionLimits limits = ReadSoftPositionLimits();
-            // The zoom minimum in both places is how the line always was.
+            // The line shows the zoom minimum in both zoom places. Operators' log filters match this text.
             zorva_core_logging_log(GetLogCookie(), kLogInfo,
                                    "%s: get_soft_position_limits, "
                                    "%d=pmin,%d=pmax,%d=tmin,%d=tmax,%d=zmin,%d=zmax",
@@ -80,29 +80,29 @@ int HandleLimit(const char *function, Value &value, Convert convert, const netsn
     return HandleReadOnly(function, value, refresh, reqinfo, requests);
 }
 
-/** A pan limit in hundredths of a degree; a negative one shows as what its low 16 bits are. */
+/** Converts a pan limit to hundredths of a degree. The low 16 bits count, also those of a negative limit. */
 int32_t PanLimit(int32_t millidegrees) {
     return static_cast<int32_t>(static_cast<uint32_t>(millidegrees) / kMillidegreesPerHundredth & kLow16Bits);
 }
 
-/** A tilt limit in hundredths of a degree; downward ones lie in the upper part of the circle. */
+/** Converts a tilt limit to hundredths of a degree. Downward limits lie in the upper part of the circle. */
 int32_t WrappedTiltLimit(int32_t millidegrees) {
     const int32_t hundredths = millidegrees / kMillidegreesPerHundredth;
     return millidegrees <= -kMillidegreesPerHundredth ? hundredths + kCircle : hundredths;
 }
 
-/** The value of a 16-bit object: the low 16 bits. */
+/** Returns the low 16 bits, the value of a 16-bit object. */
 int16_t Low16Bits(int32_t value) {
     return static_cast<int16_t>(static_cast<unsigned int>(value) & kLow16Bits);
 }
 
-/** Lowest and highest tilt that the mechanics reach, in millidegrees. */
+/** Lowest and highest tilt of the mechanics, in millidegrees. */
 struct TiltRange {
     int32_t min;
     int32_t max;
 };
 
-/** @throws zorva::core::ZorvaApiException */
+/** Reads the limits of the mechanics. @throws zorva::core::ZorvaApiException */
 TiltRange ReadImplementationTiltRange() {
     int32_t ptzPositionLimitsPanMinMillidegrees = 0;
     int32_t ptzPositionLimitsPanMaxMillidegrees = 0;
@@ -118,7 +118,7 @@ TiltRange ReadImplementationTiltRange() {
     return {ptzPositionLimitsTiltMinMillidegrees, ptzPositionLimitsTiltMaxMillidegrees};
 }
 
-/** The upper limit wraps only when the user has set it: the mechanics of no camera end below the horizon. */
+/** Converts the upper tilt limit. Only the user's limit wraps: no mechanics end below the horizon. */
 int16_t TiltUpLimit(const char *function, const PositionLimits &limits) {
     if (!limits.tiltEnabled) {
         return Low16Bits(ReadImplementationTiltRange().max / kMillidegreesPerHundredth);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The range objects. Pan and tilt limits are read from the service at every request; the others are the module's own.
+ * The range objects. Each request reads the pan and tilt limits from the service. The module holds the other values.
  */
 #ifndef QUARNSNMP_RANGE_OBJECTS_H
 #define QUARNSNMP_RANGE_OBJECTS_H
@@ -10,7 +10,7 @@
 
 namespace positioning {
 
-/** Whether the camera knows where north is: 65535 it does not, 0 pan 0 is north. Kept here only. */
+/** 65535: the camera has no true-north offset; 0: pan 0 is north. The service does not get this value. */
 extern int32_t gTrueNorthOffset;
 /** 65535: the camera has no home position. */
 extern int32_t gPanHomePosition;
@@ -19,13 +19,13 @@ extern int16_t gMinimumPanStepAngle;
 extern int16_t gMinimumTiltStepAngle;
 /** Always 0. */
 extern int32_t gZoomLimit;
-/** Limits in hundredths of a degree, as of the last request that could read them. */
+/** Limits in hundredths of a degree, from the last successful read. */
 extern int32_t gPanLeftLimit;
 extern int32_t gPanRightLimit;
 extern int16_t gTiltUpLimit;
 extern int16_t gTiltDownLimit;
 
-/** Sets all of these values as they are before the first request. */
+/** Sets the changeable values to their initial ones. */
 void ResetRangeObjects();
 
 Netsnmp_Node_Handler handle_rangePanLeftLimit, handle_rangePanRightLimit, handle_rangePanHomePosition,

@@ -16,11 +16,11 @@ namespace {
 
 constexpr long kLongestTimeout = 65535;
 
-/** How the time-out objects differ. */
+/** Differences between the time-out objects. */
 struct TimeoutObject {
     const char *handlerName;
     const char *axisName;
-    const char *argument; ///< of the service's call, as the failure text shows it
+    const char *argument; ///< in the failure text only; operators' log filters match it
     uint32_t &current;
     uint16_t &pending;
 };
@@ -29,7 +29,7 @@ const TimeoutObject kPan = {"handle_timeoutPan", "pan", "newPanTimeout", gLastPa
 const TimeoutObject kTilt = {"handle_timeoutTilt", "tilt", "newTiltTimeout", gLastTiltTimeout, gNewTiltTimeout};
 const TimeoutObject kZoom = {"handle_timeoutZoom", "zoom", "newZoomTimeout", gLastZoomTimeout, gNewZoomTimeout};
 
-/** Tells the service. Where 0 stands for no time-out here, the service gets the longest one. */
+/** Sends the time-out to the service: the longest one for 0, which stands for no time-out. */
 void SendTimeout(const TimeoutObject &object) {
     const uint32_t milliseconds = object.pending == 0 ? static_cast<uint32_t>(kLongestTimeout) : object.pending;
     const zorva_core_status status = zorva_api_positioning_set_velocity_command_timeout_send(
@@ -46,7 +46,7 @@ void SendTimeout(const TimeoutObject &object) {
 }
 
 int CheckTimeout(const TimeoutObject &object, netsnmp_request_info *request) {
-    // Negative values pass; their low 16 bits count.
+    // Negative values pass, and their low 16 bits count.
     const long milliseconds = *request->requestvb->val.integer;
     if (milliseconds <= kLongestTimeout) {
         return SNMP_ERR_NOERROR;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The time-out objects of continuous moves. The service has one time-out for all axes, so a SET of any of the three
- * changes it for all, while each object answers what it was set to itself.
+ * The time-out objects of continuous moves. The service has one time-out for all axes, so a SET of one object changes
+ * the time-out of all axes. Each object answers its own value.
  */
 #ifndef QUARNSNMP_TIMEOUT_OBJECTS_H
 #define QUARNSNMP_TIMEOUT_OBJECTS_H
@@ -11,7 +11,7 @@
 
 namespace positioning {
 
-/** Value being set, between the phases of a SET, in milliseconds. */
+/** Pending values, between the phases of a SET, in milliseconds. */
 extern uint16_t gNewPanTimeout;
 extern uint16_t gNewTiltTimeout;
 extern uint16_t gNewZoomTimeout;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "unit_conversion.h"
 
+#include <array>
 #include <cstdlib>
 #include <optional>
 
@@ -29,14 +30,10 @@ struct Range {
     int32_t max = 0;
 };
 
-/** Velocity ranges of the axes, in millidegrees and deciX per second. */
-struct VelocityLimits {
-    Range pan;
-    Range tilt;
-    Range zoom;
-};
+/** Velocity ranges in millidegrees and deciX per second, in the order of Axis. */
+using VelocityLimits = std::array<Range, 3>;
 
-/** End of the optical range in deciX, which bounds the zoom while neither user limits nor digital zoom are on. */
+/** Reads the optical maximum in deciX, which bounds the zoom if neither user limits nor digital zoom are on. */
 int32_t ReadOpticalMaximum(int32_t softMinimum) {
     int32_t ptzPositionLimitsZoomMaxDeciX = 0;
     int32_t ptzPositionLimitsZoomDigitalMaxDeciX = 0;
@@ -44,7 +41,7 @@ int32_t ReadOpticalMaximum(int32_t softMinimum) {
     ZORVA_API_CALL(zorva_api_positioning_get_max_optical_and_digital_zoom_send(
         gApiCookie, gPositionings[kDefaultIndex].c_str(),
         &ptzPositionLimitsZoomMaxDeciX, &ptzPositionLimitsZoomDigitalMaxDeciX, &ptzPositionLimitsZoomCombinedMaxDeciX));
-    // The first number is what operators' log filters know, though it is not the optical maximum.
+    // The first number is the zoom minimum, not the optical maximum. Operators' log filters match this text.
     zorva_core_logging_log(GetLogCookie(), kLogNotice, "%s: get_max_optical_and_digital_zoom optical/digital=(%d,%d)",
                            "convertNTCIPToZorvaZoom", softMinimum, ptzPositionLimitsZoomDigitalMaxDeciX);
     return ptzPositionLimitsZoomMaxDeciX;
@@ -57,7 +54,7 @@ bool ReadDigitalZoomEnable() {
     return isDigitalZoomEnabled != 0;
 }
 
-/** The zoom positions that NTCIP's whole range stands for in a command. */
+/** Reads the zoom range in deciX that 0 to 65535 spans in a command. */
 Range ReadCommandZoomRange() {
     const PositionLimits limits = ReadSoftPositionLimits();
     zorva_core_logging_log(GetLogCookie(), kLogNotice,
@@ -72,8 +69,8 @@ Range ReadCommandZoomRange() {
 }
 
 /**
- * Reads the user's velocity limits and sees to it that pan ends at `maxPanSpeed` and tilt at half of it.
- * @return the limits in force then; nothing when they cannot be read
+ * Reads the user's velocity limits, and sets those of pan to `maxPanSpeed` and of tilt to half of it if they differ.
+ * @return the new limits; nothing if the read failed
  */
 std::optional<VelocityLimits> ApplySoftVelocityLimits(unsigned int maxPanSpeed) {
     uint8_t ptzEnablePanEnable = 0;
@@ -111,12 +108,12 @@ std::optional<VelocityLimits> ApplySoftVelocityLimits(unsigned int maxPanSpeed) 
     if (!known) {
         return std::nullopt;
     }
-    return VelocityLimits{{ptz_velocity_limits_pan_min_millidegrees, ptz_velocity_limits_pan_max_millidegrees},
-                          {ptz_velocity_limits_tilt_min_millidegrees, ptz_velocity_limits_tilt_max_millidegrees},
-                          {ptz_velocity_limits_zoom_min_deciX, ptz_velocity_limits_zoom_max_deciX}};
+    return VelocityLimits{{{ptz_velocity_limits_pan_min_millidegrees, ptz_velocity_limits_pan_max_millidegrees},
+                           {ptz_velocity_limits_tilt_min_millidegrees, ptz_velocity_limits_tilt_max_millidegrees},
+                           {ptz_velocity_limits_zoom_min_deciX, ptz_velocity_limits_zoom_max_deciX}}};
 }
 
-/** Reads what the mechanics can do; nothing when that fails. */
+/** Reads the velocity limits of the mechanics. @return nothing after a failed call */
 std::optional<VelocityLimits> ReadImplementationVelocityLimits() {
     int32_t ptz_velocity_limits_pan_min_millidegrees = 0;
     int32_t ptz_velocity_limits_pan_max_millidegrees = 0;
@@ -134,7 +131,7 @@ std::optional<VelocityLimits> ReadImplementationVelocityLimits() {
         LogFailure(failure);
         return std::nullopt;
     }
-    // The zoom minimum in both places is how the line always was; filters of the log rely on its shape only.
+    // The line shows the zoom minimum in both zoom places. Operators' log filters match this text.
     zorva_core_logging_log(GetLogCookie(), kLogNotice,
                            "%s: get_implementation_velocity_limits, "
                            "%d=pvmin,%d=pvmax,%d=tvmin,%d=tvmax,%d=zvmin,%d=zvmax",
@@ -142,9 +139,15 @@ std::optional<VelocityLimits> ReadImplementationVelocityLimits() {
                            ptz_velocity_limits_pan_max_millidegrees, ptz_velocity_limits_tilt_min_millidegrees,
                            ptz_velocity_limits_tilt_max_millidegrees, ptz_velocity_limits_zoom_min_deciX,
                            ptz_velocity_limits_zoom_min_deciX);
-    return VelocityLimits{{ptz_velocity_limits_pan_min_millidegrees, ptz_velocity_limits_pan_max_millidegrees},
-                          {ptz_velocity_limits_tilt_min_millidegrees, ptz_velocity_limits_tilt_max_millidegrees},
-                          {ptz_velocity_limits_zoom_min_deciX, ptz_velocity_limits_zoom_max_deciX}};
+    return VelocityLimits{{{ptz_velocity_limits_pan_min_millidegrees, ptz_velocity_limits_pan_max_millidegrees},
+                           {ptz_velocity_limits_tilt_min_millidegrees, ptz_velocity_limits_tilt_max_millidegrees},
+                           {ptz_velocity_limits_zoom_min_deciX, ptz_velocity_limits_zoom_max_deciX}}};
+}
+
+/** Returns the range of an axis; null for any other number. */
+const Range *RangeOf(const VelocityLimits &limits, Axis axis) {
+    const auto index = static_cast<std::size_t>(axis);
+    return index < limits.size() ? &limits.at(index) : nullptr;
 }
 
 int ScaleSpeed(signed char speed, const Range &range) {
@@ -231,15 +234,12 @@ int speedNTCIPToZorva(Axis axis, signed char speed, unsigned int maxPanSpeed) {
     if (!limits || speed == 0) {
         return 0;
     }
-    switch (axis) {
-    case kPanAxis:
-        return ScaleSpeed(speed, limits->pan);
-    case kTiltAxis:
-        return ScaleSpeed(speed, limits->tilt);
-    case kZoomAxis:
-        return limits->zoom.max; // the zoom has one speed
+    const Range *range = RangeOf(*limits, axis);
+    if (range == nullptr) {
+        return 0;
     }
-    return 0;
+    // The zoom has one speed.
+    return axis == kZoomAxis ? range->max : ScaleSpeed(speed, *range);
 }
 
 float speedPercentage(Axis axis, signed char speed) {
@@ -250,15 +250,8 @@ float speedPercentage(Axis axis, signed char speed) {
     if (!limits) {
         return 0.0F;
     }
-    switch (axis) {
-    case kPanAxis:
-        return SpeedFraction(speed, limits->pan);
-    case kTiltAxis:
-        return SpeedFraction(speed, limits->tilt);
-    case kZoomAxis:
-        return SpeedFraction(speed, limits->zoom);
-    }
-    return 0.0F;
+    const Range *range = RangeOf(*limits, axis);
+    return range != nullptr ? SpeedFraction(speed, *range) : 0.0F;
 }
 
 } // namespace positioning

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Presets: NTCIP numbers them 0 to 255, the camera's service knows them by identifiers of its own. Every command asks
- * for the identifier of its number first, and a store under a new number makes one up.
+ * Presets. NTCIP numbers them 0 to 255, and the camera's service has text IDs. Each command first reads the ID of its
+ * number. A store under a new number creates an ID.
  */
 #include <cerrno>
 #include <cstdlib>
@@ -38,7 +38,7 @@ int32_t newGoToPresetNumber = 0;
 uint8_t currentStorePresetNumber = 0;
 int32_t newStorePresetNumber = 0;
 
-/** A text that malloc() made. */
+/** Frees a text that malloc() allocated. */
 struct FreeText {
     void operator()(char *text) const {
         free(text);
@@ -50,7 +50,12 @@ bool IsEmpty(const PresetId &id) {
     return id == nullptr || *id == '\0';
 }
 
-/** The identifier that the service has for newGoToPresetNumber. @throws zorva::core::ZorvaApiException */
+/**
+ * Reads the ID of newGoToPresetNumber. The failure text names this variable and operators' log filters match it, so
+ * each command has a function of its own.
+ * @return an empty ID for a number without a preset
+ * @throws zorva::core::ZorvaApiException
+ */
 PresetId FindGoToPreset() {
     char *preset_id = nullptr;
     ZORVA_API_CALL(zorva_api_presets_tours_get_preset_id_for_quarnapi_id_send(gApiCookie,
@@ -58,7 +63,7 @@ PresetId FindGoToPreset() {
     return PresetId(preset_id);
 }
 
-/** The identifier that the service has for newStorePresetNumber. @throws zorva::core::ZorvaApiException */
+/** Reads the ID of newStorePresetNumber, as FindGoToPreset(). */
 PresetId FindStorePreset() {
     char *preset_id = nullptr;
     ZORVA_API_CALL(zorva_api_presets_tours_get_preset_id_for_quarnapi_id_send(gApiCookie,
@@ -66,7 +71,7 @@ PresetId FindStorePreset() {
     return PresetId(preset_id);
 }
 
-/** Moves to the preset newGoToPresetNumber; a number without a preset moves nothing. */
+/** Moves to the preset newGoToPresetNumber. Does nothing for a number without a preset. */
 void GoToPreset(const char *function) {
     const PresetId id = FindGoToPreset();
     if (IsEmpty(id)) {
@@ -80,8 +85,8 @@ void GoToPreset(const char *function) {
 }
 
 /**
- * A random identifier, of version 4. Boost's own generator is not used because it asks the kernel by a bare system
- * call.
+ * Creates a random UUID of version 4. The octets are those of getentropy(), because Boost's own generator makes a bare
+ * system call.
  * @throws boost::uuids::entropy_error
  */
 PresetId MakePresetId() {
@@ -109,11 +114,11 @@ void StorePreset(const char *function) {
                            newStorePresetNumber);
 }
 
-/** How the objects that take the number of a preset differ. */
+/** Differences between the two preset commands. */
 struct PresetCommand {
     const char *handlerName;
-    uint8_t &current; ///< last number that was committed
-    int32_t &pending; ///< number being set
+    uint8_t &current; ///< last committed number
+    int32_t &pending; ///< number between the phases of a SET
     void (*carryOut)(const char *function);
 };
 
@@ -121,13 +126,13 @@ const PresetCommand kGoTo = {"handle_presetGotoPosition", currentGoToPresetNumbe
 const PresetCommand kStore = {"handle_presetStorePosition", currentStorePresetNumber, newStorePresetNumber,
                               StorePreset};
 
-/** A GET answers an octet, though a SET takes an INTEGER. */
+/** Answers an OCTET STRING of one octet, although a SET needs an INTEGER. This is deliberate. */
 int AnswerNumber(const PresetCommand &command, netsnmp_request_info *request) {
     return SetRequestValue(request, ASN_OCTET_STR, &command.current, sizeof command.current);
 }
 
 int CheckNumber(const PresetCommand &command, netsnmp_request_info *request) {
-    // Negative numbers pass; their low 8 bits are kept, and the service is asked for the number itself.
+    // Negative numbers pass. Their low 8 bits are kept, and the service gets the number itself.
     const long number = *request->requestvb->val.integer;
     if (number <= kLastPreset) {
         return SNMP_ERR_NOERROR;
@@ -158,7 +163,7 @@ int HandlePresetCommand(const PresetCommand &command, const netsnmp_agent_reques
     return ServeLoggedPhase<kPhases>(command.handlerName, command, reqinfo->mode, requests);
 }
 
-/** Number of presets that the camera offers; 0 without the service and after a failed call. */
+/** Reads the number of presets that the camera offers. @return 0 without the service and after a failed call */
 uint32_t ReadMaximum(const char *function) {
     uint32_t maxPresets = 0;
     try {
@@ -211,7 +216,7 @@ const Service kService = {
 } // namespace
 
 bool InitPresets(void *ipcCookie) {
-    // Before the service is asked: the objects exist without it too.
+    // Before the discovery, as the objects exist without the service too.
     RegisterScalars(__func__, kObjects, std::size(kObjects));
     FindTargets(kService);
     OpenService(__func__, ipcCookie, kService);
