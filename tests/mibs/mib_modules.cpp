@@ -15,9 +15,8 @@ namespace mibs {
 
 namespace {
 
-std::string identifierOf(const tree *node) {
-    const std::string own = std::to_string(node->subid);
-    return node->parent != nullptr ? identifierOf(node->parent) + "." + own : own;
+std::string oidOf(const tree *node) {
+    return (node->parent != nullptr ? oidOf(node->parent) : "") + "." + std::to_string(node->subid);
 }
 
 std::string moduleOf(const tree *node) {
@@ -65,13 +64,16 @@ Object objectOf(const tree *node) {
     Object object;
     object.module = moduleOf(node);
     object.name = node->label;
-    object.identifier = identifierOf(node);
+    object.oid = oidOf(node);
     object.access = accessOf(node);
     object.type = typeOf(node);
     const char *convention = get_tc_descriptor(node->tc_index);
     object.convention = convention != nullptr ? convention : "";
     for (const range_list *range = node->ranges; range != nullptr; range = range->next) {
         object.ranges.emplace_back(boundOf(node, range->low), boundOf(node, range->high));
+    }
+    for (const enum_list *number = node->enums; number != nullptr; number = number->next) {
+        object.ranges.emplace_back(number->value, number->value);
     }
     if (node->parent != nullptr && node->parent->indexes != nullptr) {
         object.table = node->parent->parent->label;
@@ -115,7 +117,7 @@ bool Object::admits(std::int64_t number) const {
 }
 
 std::ostream &operator<<(std::ostream &stream, const Object &object) {
-    return stream << object.module << "::" << object.name << " " << object.identifier << " " << object.access << " "
+    return stream << object.module << "::" << object.name << " " << object.oid << " " << object.access << " "
                   << object.type << " " << object.convention;
 }
 
@@ -160,7 +162,7 @@ std::vector<Notification> LoadedModules::notifications() const {
         if (node->type != TYPE_NOTIFTYPE) {
             return;
         }
-        Notification notification{node->label, identifierOf(node), {}};
+        Notification notification{node->label, oidOf(node), {}};
         for (const varbind_list *varbind = node->varbinds; varbind != nullptr; varbind = varbind->next) {
             const tree *object = find_tree_node(varbind->vblabel, -1);
             if (object == nullptr) {
@@ -173,11 +175,11 @@ std::vector<Notification> LoadedModules::notifications() const {
     return result;
 }
 
-std::vector<std::string> LoadedModules::identifiersOf(const std::string &module) const {
+std::vector<std::string> LoadedModules::oidsOf(const std::string &module) const {
     std::vector<std::string> result;
     visit(get_tree_head(), [&](const tree *node) {
         if (moduleOf(node) == module) {
-            result.push_back(identifierOf(node));
+            result.push_back(oidOf(node));
         }
     });
     return result;

@@ -24,10 +24,10 @@ std::vector<std::string> shippedModules();
 struct Object {
     std::string module;
     std::string name;
-    std::string identifier; ///< without the instance
-    std::string access;     ///< as its MAX-ACCESS says
+    std::string oid;        ///< with a leading dot, without the instance
+    std::string access;     ///< its MAX-ACCESS
     std::string type;       ///< type of its values on the wire: INTEGER, Gauge32 or OCTET STRING
-    std::string convention; ///< its textual convention; empty when it has none
+    std::string convention; ///< its textual convention; empty without one
     std::vector<std::pair<std::int64_t, std::int64_t>> ranges; ///< of its numbers, or of its sizes
     std::string table;                                         ///< of which it is a column; empty for a scalar
 
@@ -38,7 +38,7 @@ struct Object {
 /** A notification and what it carries. */
 struct Notification {
     std::string name;
-    std::string identifier;
+    std::string oid;
     std::vector<Object> objects;
 };
 
@@ -62,8 +62,8 @@ public:
 
     std::vector<Notification> notifications() const;
 
-    /** Identifiers that a module gives a name to, whatever for. */
-    std::vector<std::string> identifiersOf(const std::string &module) const;
+    /** OIDs of all names that a module defines. */
+    std::vector<std::string> oidsOf(const std::string &module) const;
 
 private:
     std::vector<std::string> complaints_;

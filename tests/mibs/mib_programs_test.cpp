@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The MIB modules in programs of others: they load without a word on a machine that has no other module, names and
-// identifiers lead to each other, and a checker finds only what cannot be otherwise.
+// The MIB modules in other programs: they load silently without any other module, names and OIDs translate to each
+// other, and a checker finds only the inevitable.
 #include <algorithm>
 #include <filesystem>
 #include <map>
@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "mib_modules.h"
+#include "object_oids.h"
 #include "process.h"
 #include "temporary_directory.h"
 
@@ -19,7 +20,7 @@ using namespace mibs;
 using testing::IsEmpty;
 using testing::UnorderedElementsAreArray;
 
-/** Output of a command, all of it. */
+/** Returns all output of a command. */
 std::string outputOf(const std::vector<std::string> &command, const std::map<std::string, std::string> &environment) {
     const support::CommandResult result = support::runCommand(command, environment);
     return result.errors + result.output;
@@ -27,7 +28,7 @@ std::string outputOf(const std::vector<std::string> &command, const std::map<std
 
 /** Runs snmptranslate with modules of the project, without the configuration of the machine. */
 std::string translated(const std::string &modules, const std::vector<std::string> &arguments) {
-    // The program says so when it makes this directory.
+    // Without this directory, the program reports that it creates it.
     const support::TemporaryDirectory persistent;
     std::filesystem::create_directories(persistent.file("cert_indexes"));
     std::vector<std::string> command{"snmptranslate", "-M", directory(), "-m", modules};
@@ -35,7 +36,8 @@ std::string translated(const std::string &modules, const std::vector<std::string
     return outputOf(command, {{"SNMPCONFPATH", persistent.path()}, {"SNMP_PERSISTENT_DIR", persistent.path()}});
 }
 
-/** What the checker says at a level that has all errors and warnings but those about style, without file and line. */
+/** Runs the checker at the level of all errors and warnings but those about style. @return them without file and line
+ */
 std::vector<std::string> findingsIn(const std::string &module) {
     const std::string path = directory() + "/" + module + ".txt";
     std::istringstream output(outputOf({"smilint", "-c", "/dev/null", "-m", "-l", "3", path},
@@ -48,16 +50,16 @@ std::vector<std::string> findingsIn(const std::string &module) {
 }
 
 struct Translation {
-    const char *modules;
-    const char *identifier;
-    const char *name;
+    std::string modules;
+    std::string oid;
+    std::string name;
 };
 
 void PrintTo(const Translation &translation, std::ostream *stream) {
     *stream << translation.modules << " " << translation.name;
 }
 
-/** A module's name without what the name of a test must not have. */
+/** Removes the characters that a test's name must not have. */
 std::string nameOfTest(const testing::TestParamInfo<std::string> &module) {
     std::string name = module.param;
     name.erase(std::remove(name.begin(), name.end(), '-'), name.end());
@@ -67,51 +69,51 @@ std::string nameOfTest(const testing::TestParamInfo<std::string> &module) {
 class MibModule : public testing::TestWithParam<std::string> {};
 class MibNames : public testing::TestWithParam<Translation> {};
 
-// Every module brings those that it imports.
-constexpr Translation kTranslations[] = {
-    {"QUARN-CAMERA-MIB", ".1.3.6.1.4.1.99999.1.1.2.0.0", "QUARN-CAMERA-MIB::modelName.0"},
-    {"QUARN-CAMERA-MIB", ".1.3.6.1.4.1.99999.1.1.7.0.0", "QUARN-CAMERA-MIB::temperature.0"},
-    {"QUARN-CAMERA-MIB", ".1.3.6.1.4.1.99999.1.3.2.1.3.2", "QUARN-CAMERA-MIB::relayStatesState.2"},
-    {"QUARN-NTCIP-1201-MIB", ".1.3.6.1.4.1.1206.4.2.6.1.3.1.4.0", "QUARN-NTCIP-1201-MIB::moduleModel.0"},
-    {"QUARN-NTCIP-1205-MIB", ".1.3.6.1.4.1.1206.4.2.7.4.1.0", "QUARN-NTCIP-1205-MIB::positionPan.0"},
-    {"QUARN-NTCIP-1205-MIB", ".1.3.6.1.4.1.1206.4.2.7.6.1.0.0", "QUARN-NTCIP-1205-MIB::alarmStatus.0"},
-    {"QUARN-NTCIP-1205-MIB", ".1.3.6.1.4.1.1206.4.2.6.1.2.0", "QUARN-NTCIP-1201-MIB::maxModules.0"},
-    {"QUARN-NTCIP-1205-MIB", ".1.3.6.1.4.1.99999.1.1.100.0.0", "QUARN-CAMERA-MIB::rebootDevice.0"},
-    {"QUARN-CAMERA-TRAPS-MIB", ".1.3.6.1.4.1.99999.1.1.7.0", "QUARN-CAMERA-TRAPS-MIB::temperatureChanged"},
-    {"QUARN-CAMERA-TRAPS-MIB", ".1.3.6.1.4.1.99999.1.1.8.0", "QUARN-CAMERA-TRAPS-MIB::powerChanged"},
-    // The module that is loaded first gives the name where object and notification have the same identifier.
-    {"QUARN-CAMERA-MIB:QUARN-CAMERA-TRAPS-MIB", ".1.3.6.1.4.1.99999.1.1.9.0.0", "QUARN-CAMERA-MIB::voltage.0"},
-    {"QUARN-CAMERA-TRAPS-MIB:QUARN-CAMERA-MIB", ".1.3.6.1.4.1.99999.1.1.9.0", "QUARN-CAMERA-TRAPS-MIB::voltageChanged"},
-    {"QUARN-CAMERA-TRAPS-MIB:QUARN-CAMERA-MIB", ".1.3.6.1.4.1.99999.1.1.1.0.0", "QUARN-CAMERA-MIB::modelNumber.0"},
-    {"ALL", ".1.3.6.1.4.1.99999.1.1.7.0.0", "QUARN-CAMERA-MIB::temperature.0"},
+// Each module loads those that it imports.
+const Translation kTranslations[] = {
+    {"QUARN-CAMERA-MIB", oids::modelName, "QUARN-CAMERA-MIB::modelName.0"},
+    {"QUARN-CAMERA-MIB", oids::temperature, "QUARN-CAMERA-MIB::temperature.0"},
+    {"QUARN-CAMERA-MIB", oids::row(oids::relayStatesState, 2), "QUARN-CAMERA-MIB::relayStatesState.2"},
+    {"QUARN-NTCIP-1201-MIB", oids::moduleModel, "QUARN-NTCIP-1201-MIB::moduleModel.0"},
+    {"QUARN-NTCIP-1205-MIB", oids::positionPan, "QUARN-NTCIP-1205-MIB::positionPan.0"},
+    {"QUARN-NTCIP-1205-MIB", oids::alarmStatus, "QUARN-NTCIP-1205-MIB::alarmStatus.0"},
+    {"QUARN-NTCIP-1205-MIB", oids::maxModules, "QUARN-NTCIP-1201-MIB::maxModules.0"},
+    {"QUARN-NTCIP-1205-MIB", oids::rebootDevice, "QUARN-CAMERA-MIB::rebootDevice.0"},
+    {"QUARN-CAMERA-TRAPS-MIB", oids::registered::temperature, "QUARN-CAMERA-TRAPS-MIB::temperatureChanged"},
+    {"QUARN-CAMERA-TRAPS-MIB", oids::registered::power, "QUARN-CAMERA-TRAPS-MIB::powerChanged"},
+    // The module that is loaded first determines the name where object and notification have the same OID.
+    {"QUARN-CAMERA-MIB:QUARN-CAMERA-TRAPS-MIB", oids::voltage, "QUARN-CAMERA-MIB::voltage.0"},
+    {"QUARN-CAMERA-TRAPS-MIB:QUARN-CAMERA-MIB", oids::registered::voltage, "QUARN-CAMERA-TRAPS-MIB::voltageChanged"},
+    {"QUARN-CAMERA-TRAPS-MIB:QUARN-CAMERA-MIB", oids::modelNumber, "QUARN-CAMERA-MIB::modelNumber.0"},
+    {"ALL", oids::temperature, "QUARN-CAMERA-MIB::temperature.0"},
 };
 
 } // namespace
 
-TEST_P(MibModule, LoadsWithoutAWord) {
+TEST_P(MibModule, LoadsSilently) {
     const LoadedModules modules({GetParam()});
     EXPECT_THAT(modules.complaints(), IsEmpty());
-    EXPECT_THAT(modules.identifiersOf(GetParam()), testing::Not(IsEmpty()));
+    EXPECT_THAT(modules.oidsOf(GetParam()), testing::Not(IsEmpty()));
     EXPECT_EQ(translated(GetParam(), {"-On", ".1.3"}), ".1.3\n");
 }
 
 TEST_P(MibModule, PassesTheChecker) {
     const LoadedModules modules({GetParam()});
     std::vector<std::string> unavoidable;
-    const auto note = [&](const std::string &name, const std::string &identifier) {
-        // Identifiers that end in 0 are what the camera serves.
-        if (identifier.substr(identifier.rfind('.')) == ".0") {
+    const auto note = [&](const std::string &name, const std::string &dotted) {
+        // Cameras serve OIDs that end in 0.
+        if (dotted.substr(dotted.rfind('.')) == ".0") {
             unavoidable.push_back("{last-subid-zero} last subidentifier assigned to `" + name + "' may not be zero");
         }
     };
     for (const Object &object : modules.objects()) {
         if (object.module == GetParam()) {
-            note(object.name, object.identifier);
+            note(object.name, object.oid);
         }
     }
     for (const Notification &notification : modules.notifications()) {
-        note(notification.name, notification.identifier);
-        // Its value has the same identifier, and so lies below the notification's parent.
+        note(notification.name, notification.oid);
+        // Its value has the same OID, and so lies below the notification's parent.
         unavoidable.emplace_back("{parent-notification} notifications's parent node must be a simple node");
     }
     EXPECT_THAT(findingsIn(GetParam()), UnorderedElementsAreArray(unavoidable));
@@ -119,9 +121,9 @@ TEST_P(MibModule, PassesTheChecker) {
 
 INSTANTIATE_TEST_SUITE_P(Shipped, MibModule, testing::ValuesIn(shippedModules()), nameOfTest);
 
-TEST_P(MibNames, LeadToIdentifiersAndBack) {
-    EXPECT_EQ(translated(GetParam().modules, {GetParam().identifier}), GetParam().name + std::string("\n"));
-    EXPECT_EQ(translated(GetParam().modules, {"-On", GetParam().name}), GetParam().identifier + std::string("\n"));
+TEST_P(MibNames, LeadToOidsAndBack) {
+    EXPECT_EQ(translated(GetParam().modules, {GetParam().oid}), GetParam().name + "\n");
+    EXPECT_EQ(translated(GetParam().modules, {"-On", GetParam().name}), GetParam().oid + "\n");
 }
 
 INSTANTIATE_TEST_SUITE_P(Shipped, MibNames, testing::ValuesIn(kTranslations));
