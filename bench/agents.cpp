@@ -13,13 +13,13 @@ harness::AgentOptions agentOptions(const std::string &cameraDirectory) {
 
 std::unique_ptr<harness::Agent> startAgent(const harness::AgentOptions &options) {
     auto agent = std::make_unique<harness::Agent>(options);
-    tie(agent->pid(), kAgentProcessor);
+    pinToProcessor(agent->pid(), kAgentProcessor);
     return agent;
 }
 
 CameraAgent::CameraAgent(const std::string &cameraName)
     : camera(cameraName), agent(startAgent(agentOptions(camera.directory()))) {
-    tie(camera.pid(), kAgentProcessor);
+    pinToProcessor(camera.pid(), kAgentProcessor);
 }
 
 } // namespace bench

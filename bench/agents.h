@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/** @file Agents for measurements, tied to their processor. */
+/** @file Agents under measurement, pinned to their processor. */
 #ifndef QUARNSNMP_BENCH_AGENTS_H
 #define QUARNSNMP_BENCH_AGENTS_H
 
@@ -11,13 +11,13 @@
 
 namespace bench {
 
-/** Options of an agent with the module, which logs as it does on a camera. @param cameraDirectory of its camera */
+/** Returns options of an agent with the module and the log level of a camera. @param cameraDirectory of its sockets */
 harness::AgentOptions agentOptions(const std::string &cameraDirectory);
 
-/** Starts an agent on the processor of agents. */
+/** Starts an agent on the processor reserved for agents. */
 std::unique_ptr<harness::Agent> startAgent(const harness::AgentOptions &options);
 
-/** A camera with an agent that has the module for it. */
+/** A camera, and an agent whose module is connected to it. */
 struct CameraAgent {
     explicit CameraAgent(const std::string &cameraName);
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/** @file Measurements with real agents; see usage(). */
+/** @file Program for the suites of measurements with real agents. */
 #include <array>
 #include <cstdio>
 #include <exception>
@@ -8,50 +8,50 @@
 
 #include <gtest/gtest.h>
 
-#include "families.h"
+#include "suites.h"
 
 namespace {
 
-struct Family {
+struct Suite {
     const char *name;
     void (*measure)(const bench::Effort &effort);
 };
 
-constexpr std::array kFamilies = {
-    Family{"rates", bench::measureRates},
-    Family{"growth", bench::measureGrowth},
-    Family{"footprint", bench::measureFootprint},
-    Family{"traps", bench::measureTraps},
-    Family{"slow-camera", bench::measureSlowCamera},
+constexpr std::array kSuites = {
+    Suite{"rates", bench::measureRates},
+    Suite{"growth", bench::measureGrowth},
+    Suite{"footprint", bench::measureFootprint},
+    Suite{"traps", bench::measureTraps},
+    Suite{"slow-camera", bench::measureSlowCamera},
 };
 
-constexpr const char *kUsage = "usage: bench-agent [--quick] [--plot FILE] [FAMILY...]\n"
-                               "families: rates growth footprint traps slow-camera; all of them without one\n"
-                               "--quick measures one short round\n"
-                               "--plot FILE is where slow-camera draws its plot (default: throughput.svg)\n";
+constexpr const char *kUsage = "usage: bench-agent [--quick] [--data FILE] [SUITE...]\n"
+                               "suites: rates growth footprint traps slow-camera (default: all)\n"
+                               "--quick      run one short round\n"
+                               "--data FILE  data file written by slow-camera (default: throughput.tsv)\n";
 
 struct Arguments {
     bench::Effort effort;
-    std::vector<const Family *> families;
+    std::vector<const Suite *> suites;
 };
 
-/** @return whether the arguments make sense */
-bool read(const std::vector<std::string> &texts, Arguments &arguments) {
+/** Parses the arguments. @return false for an unknown argument */
+bool parse(const std::vector<std::string> &texts, Arguments &arguments) {
     for (auto text = texts.begin(); text != texts.end(); ++text) {
         if (*text == "--quick") {
             arguments.effort.rounds = 1;
             arguments.effort.slice = std::chrono::milliseconds(100);
             arguments.effort.loads = 5;
-        } else if (*text == "--plot" && text + 1 != texts.end()) {
-            arguments.effort.plot = *++text;
+        } else if (*text == "--data" && text + 1 != texts.end()) {
+            arguments.effort.data = *++text;
         } else {
-            const std::size_t before = arguments.families.size();
-            for (const Family &family : kFamilies) {
-                if (*text == family.name) {
-                    arguments.families.push_back(&family);
+            const std::size_t before = arguments.suites.size();
+            for (const Suite &suite : kSuites) {
+                if (*text == suite.name) {
+                    arguments.suites.push_back(&suite);
                 }
             }
-            if (arguments.families.size() == before) {
+            if (arguments.suites.size() == before) {
                 return false;
             }
         }
@@ -63,23 +63,23 @@ bool read(const std::vector<std::string> &texts, Arguments &arguments) {
 
 int main(int argc, char **argv) {
     Arguments arguments;
-    if (!read({argv + 1, argv + argc}, arguments)) {
+    if (!parse({argv + 1, argv + argc}, arguments)) {
         std::fputs(kUsage, stderr);
         return 2;
     }
-    if (arguments.families.empty()) {
-        for (const Family &family : kFamilies) {
-            arguments.families.push_back(&family);
+    if (arguments.suites.empty()) {
+        for (const Suite &suite : kSuites) {
+            arguments.suites.push_back(&suite);
         }
     }
     try {
-        for (const Family *family : arguments.families) {
-            family->measure(arguments.effort);
+        for (const Suite *suite : arguments.suites) {
+            suite->measure(arguments.effort);
         }
     } catch (const std::exception &error) {
         std::fprintf(stderr, "bench-agent: %s\n", error.what());
         return 1;
     }
-    // Agents and cameras that do not end as they should report to the test framework.
+    // Unclean exits of agents and cameras are failures of the test framework.
     return testing::UnitTest::GetInstance()->ad_hoc_test_result().Failed() ? 1 : 0;
 }

@@ -4,10 +4,10 @@
 #include <stdexcept>
 
 #include "agents.h"
-#include "families.h"
-#include "objects.h"
+#include "object_oids.h"
 #include "process_information.h"
 #include "settings.h"
+#include "suites.h"
 #include "table.h"
 
 namespace bench {
@@ -18,7 +18,7 @@ using harness::Agent;
 using harness::AgentOptions;
 using harness::Manager;
 
-/** The agent's own table of loadable modules, of which the module has the first row. */
+/** Status column of the agent's table of loadable modules, in the module's row. */
 constexpr const char *kModuleStatus = ".1.3.6.1.4.1.2021.13.14.2.1.5.1";
 constexpr std::int64_t kLoad = 4;
 constexpr std::int64_t kUnload = 5;
@@ -34,7 +34,7 @@ double strippedKibibytes() {
 
 double residentKibibytes(const AgentOptions &options) {
     const Agent agent(options);
-    Manager(agent.peer()).get(kModelName);
+    Manager(agent.peer()).get(oids::modelName);
     return static_cast<double>(support::residentKilobytes(agent.pid()));
 }
 
@@ -46,7 +46,7 @@ void measureMemory(const AgentOptions &options, const Effort &effort) {
         const double before = residentKibibytes(without);
         added.push_back(residentKibibytes(options) - before);
     }
-    printRounds("memory that loading adds to the agent, with the libraries it brings", added, "KiB", 0);
+    printRounds("memory added to the agent, with the module's libraries", added, "KiB", 0);
 }
 
 double setStatus(Manager &manager, std::int64_t status) {
@@ -66,11 +66,11 @@ void measureLoading(AgentOptions options, const Effort &effort) {
     for (int i = 0; i < effort.loads; ++i) {
         unloads.push_back(setStatus(manager, kUnload));
         loads.push_back(setStatus(manager, kLoad));
-        if (!manager.get(kModelName).ok()) {
-            throw std::runtime_error("the agent does not answer");
+        if (!manager.get(oids::modelName).ok()) {
+            throw std::runtime_error("the agent does not respond");
         }
     }
-    printRounds("time to load, all services answering", loads, "ms", 2);
+    printRounds("time to load with all services up", loads, "ms", 2);
     printRounds("time to unload", unloads, "ms", 2);
 }
 
@@ -79,7 +79,7 @@ void measureLoading(AgentOptions options, const Effort &effort) {
 void measureFootprint(const Effort &effort) {
     const support::Camera camera("dome");
     const AgentOptions options = agentOptions(camera.directory());
-    printFamily("What the module costs while nobody asks");
+    printHeading("Cost of an idle module");
     printValue("size of the module, stripped", strippedKibibytes(), "KiB", 0);
     measureMemory(options, effort);
     measureLoading(options, effort);

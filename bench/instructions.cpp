@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/** @file Writes the instructions that requests take, which tests/budget/ bounds, as lines of the table. */
+/** @file Prints the instruction counts of requests, which tests/budget/ limits, as rows of the table. */
 #include <cstdio>
 #include <exception>
 
@@ -10,7 +10,7 @@
 int main() {
     try {
         const auto counted = budget::countInstructions();
-        bench::printFamily("Instructions of the module's own code for a request", "of the budget");
+        bench::printHeading("Instructions of the module's own code per request", "relative to the budget");
         for (const budget::Subject &subject : budget::kSubjects) {
             const auto own = static_cast<double>(counted.at(std::string(subject.name)).own);
             char share[16];

@@ -17,17 +17,17 @@ namespace {
 
 constexpr std::chrono::seconds kDeadline{10};
 
-// Somebody else who gets the processor may keep it for milliseconds; a busy agent answers before.
-constexpr std::chrono::microseconds kPatience{20};
+// Yielding may cost the processor for milliseconds, and a busy agent responds sooner than that.
+constexpr std::chrono::microseconds kPollTime{20};
 
-/** 24 bits of a request-id are ours. */
+/** Bits of the request-id that identify a request. */
 constexpr std::uint32_t kIdMask = 0xFFFFFF;
 
 } // namespace
 
 LoadGenerator::LoadGenerator(const std::vector<std::uint16_t> &ports)
-    : socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
-    if (socket < 0) {
+    : socket_(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
+    if (socket_ < 0) {
         throw std::system_error(errno, std::generic_category(), "socket");
     }
     for (const std::uint16_t port : ports) {
@@ -35,26 +35,26 @@ LoadGenerator::LoadGenerator(const std::vector<std::uint16_t> &ports)
         address.sin_family = AF_INET;
         address.sin_port = htons(port);
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        agents.push_back(address);
+        agents_.push_back(address);
     }
 }
 
 LoadGenerator::~LoadGenerator() {
-    ::close(socket);
+    ::close(socket_);
 }
 
 Outcome LoadGenerator::run(Message message, std::size_t window, std::chrono::milliseconds duration) {
     Outcome outcome;
     const Clock::time_point start = Clock::now();
     const Clock::time_point end = start + duration;
-    std::size_t underWay = 0;
+    std::size_t outstanding = 0;
     bool isSending = true;
-    while (isSending || underWay > 0) {
-        for (; isSending && underWay < window; ++underWay) {
+    while (isSending || outstanding > 0) {
+        for (; isSending && outstanding < window; ++outstanding) {
             send(message);
         }
-        outcome.microseconds.push_back(receive(message.variables()));
-        --underWay;
+        outcome.microseconds.push_back(receive(message.responseValues()));
+        --outstanding;
         isSending = Clock::now() < end;
     }
     const std::chrono::duration<double> elapsed = Clock::now() - start;
@@ -63,45 +63,45 @@ Outcome LoadGenerator::run(Message message, std::size_t window, std::chrono::mil
 }
 
 void LoadGenerator::send(Message &message) {
-    nextId = (nextId + 1) & kIdMask;
-    Slot &slot = slots[nextId % kMostUnderWay];
+    lastId_ = (lastId_ + 1) & kIdMask;
+    Slot &slot = slots_[lastId_ % kMaximumWindow];
     if (slot.isUsed) {
-        throw std::runtime_error("an answer is missing");
+        throw std::runtime_error("a response is missing");
     }
-    slot = {nextId, true, Clock::now()};
-    const std::string_view octets = message.with(nextId);
-    const sockaddr_in &agent = agents[nextId % agents.size()];
-    if (::sendto(socket, octets.data(), octets.size(), 0, reinterpret_cast<const sockaddr *>(&agent), sizeof agent) <
+    slot = {lastId_, true, Clock::now()};
+    const std::string_view octets = message.withId(lastId_);
+    const sockaddr_in &agent = agents_[lastId_ % agents_.size()];
+    if (::sendto(socket_, octets.data(), octets.size(), 0, reinterpret_cast<const sockaddr *>(&agent), sizeof agent) <
         0) {
         throw std::system_error(errno, std::generic_category(), "sendto");
     }
 }
 
-/** Waits for an answer and checks it. @return microseconds since its request */
-double LoadGenerator::receive(std::size_t variables) {
+/** Receives and checks a response. @param values  expected number of values @return response time in microseconds */
+double LoadGenerator::receive(std::size_t values) {
     const Clock::time_point start = Clock::now();
     ssize_t length = -1;
-    while ((length = ::recv(socket, buffer.data(), buffer.size(), MSG_DONTWAIT)) < 0) {
+    while ((length = ::recv(socket_, buffer_.data(), buffer_.size(), MSG_DONTWAIT)) < 0) {
         if (errno != EAGAIN) {
             throw std::system_error(errno, std::generic_category(), "recv");
         }
         const Clock::duration waited = Clock::now() - start;
         if (waited > kDeadline) {
-            throw std::runtime_error("an answer does not come");
+            throw std::runtime_error("a response is missing");
         }
-        if (waited > kPatience) {
+        if (waited > kPollTime) {
             ::sched_yield();
         }
     }
     const Clock::time_point arrival = Clock::now();
-    const Answer answer = parse({buffer.data(), static_cast<std::size_t>(length)});
-    Slot &slot = slots[answer.id % kMostUnderWay];
-    if (!slot.isUsed || slot.id != answer.id) {
-        throw std::runtime_error("an answer that was not asked for");
+    const Response response = parse({buffer_.data(), static_cast<std::size_t>(length)});
+    Slot &slot = slots_[response.id % kMaximumWindow];
+    if (!slot.isUsed || slot.id != response.id) {
+        throw std::runtime_error("a response does not match any request");
     }
-    if (answer.error != 0 || answer.variables != variables) {
-        throw std::runtime_error("an answer with error-status " + std::to_string(answer.error) + " and " +
-                                 std::to_string(answer.variables) + " values instead of " + std::to_string(variables));
+    if (response.error != 0 || response.values != values) {
+        throw std::runtime_error("a response has error-status " + std::to_string(response.error) + " and " +
+                                 std::to_string(response.values) + " values instead of " + std::to_string(values));
     }
     slot.isUsed = false;
     return std::chrono::duration<double, std::micro>(arrival - slot.sent).count();

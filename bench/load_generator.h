@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/**
- * @file
- * A manager that is faster than an agent.
- */
+/** @file Manager that is faster than an agent. */
 #ifndef QUARNSNMP_BENCH_LOAD_GENERATOR_H
 #define QUARNSNMP_BENCH_LOAD_GENERATOR_H
 
@@ -16,38 +13,38 @@
 
 namespace bench {
 
-/** How agents kept up with a load. */
+/** Result of a load. */
 struct Outcome {
-    double perSecond = 0;             ///< answers
-    std::vector<double> microseconds; ///< from each request to its answer
+    double perSecond = 0;             ///< responses
+    std::vector<double> microseconds; ///< response time of each request
 };
 
 /**
- * Sends one message again and again. It does not sleep while it waits, so that agents need not wake it; when it
- * has waited for a while it lets others on its processor run. One thread only.
+ * Sends one message repeatedly. Polls its socket instead of sleeping, so that agents never have to wake it, and yields
+ * its processor after a short time. Not thread-safe.
  */
 class LoadGenerator {
 public:
-    /** @param ports of agents on the loopback interface, which get the messages in turn */
+    /** @param ports  of agents on the loopback interface, which receive the messages in turn */
     explicit LoadGenerator(const std::vector<std::uint16_t> &ports);
     ~LoadGenerator();
     LoadGenerator(const LoadGenerator &) = delete;
     LoadGenerator &operator=(const LoadGenerator &) = delete;
 
     /**
-     * Keeps a number of requests under way, and waits for the last answers at the end.
-     * @param window    how many, at most kMostUnderWay
-     * @param duration  how long to send; at least one request is sent
-     * @throws std::runtime_error when an answer does not come, is an error, lacks variables or was not asked for
+     * Keeps a number of requests outstanding, and finally waits for the last responses.
+     * @param window    number of outstanding requests, at most kMaximumWindow
+     * @param duration  time to send; at least one request is sent
+     * @throws std::runtime_error for a missing or unexpected response, or one with an error or too few values
      */
     Outcome run(Message message, std::size_t window, std::chrono::milliseconds duration);
 
-    static constexpr std::size_t kMostUnderWay = 256;
+    static constexpr std::size_t kMaximumWindow = 256;
 
 private:
     using Clock = std::chrono::steady_clock;
 
-    /** A request that is under way. */
+    /** State of an outstanding request. */
     struct Slot {
         std::uint32_t id = 0;
         bool isUsed = false;
@@ -55,13 +52,13 @@ private:
     };
 
     void send(Message &message);
-    double receive(std::size_t variables);
+    double receive(std::size_t values);
 
-    int socket;
-    std::vector<sockaddr_in> agents;
-    std::vector<Slot> slots = std::vector<Slot>(kMostUnderWay); ///< by the low bits of the request-id
-    std::uint32_t nextId = 0;
-    std::vector<char> buffer = std::vector<char>(65536);
+    int socket_;
+    std::vector<sockaddr_in> agents_;
+    std::vector<Slot> slots_ = std::vector<Slot>(kMaximumWindow); ///< indexed by the low bits of the request-id
+    std::uint32_t lastId_ = 0;
+    std::vector<char> buffer_ = std::vector<char>(65536);
 };
 
 } // namespace bench

@@ -1,183 +1,166 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "message.h"
 
-#include <sstream>
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <memory>
 #include <stdexcept>
+
+#include "netsnmp_convert.h"
+#include "netsnmp_types.h"
 
 namespace bench {
 
 namespace {
 
-constexpr unsigned char kInteger = 0x02;
-constexpr unsigned char kOctets = 0x04;
-constexpr unsigned char kIdentifier = 0x06;
-constexpr unsigned char kSequence = 0x30;
-constexpr unsigned char kNoValueMask = 0x80; // noSuchObject, noSuchInstance and endOfMibView have this bit
-
-// A request-id of four octets without a sign, whose first octet stays: its encoding always has the same length.
-constexpr char kIdFirst = 0x40;
-constexpr std::size_t kIdLength = 4;
-constexpr std::uint32_t kIdBits = 0xFFFFFF;
-
 constexpr const char *kCommunity = "private";
 
-std::string encoded(unsigned char tag, std::string_view content) {
-    std::string result(1, static_cast<char>(tag));
-    if (content.size() < 0x80) {
-        result += static_cast<char>(content.size());
-    } else {
-        result += static_cast<char>(0x82U);
-        result += static_cast<char>(content.size() >> 8U);
-        result += static_cast<char>(content.size() & 0xFFU);
+// The first octet of a request-id is constant and has no sign bit, so that all request-ids take four octets.
+constexpr long kInitialId = 0x40404040;
+constexpr std::string_view kEncodedInitialId = "\x02\x04\x40\x40\x40\x40";
+constexpr std::size_t kIdHeader = 2;
+constexpr std::size_t kIdOctets = 4;
+constexpr long kIdMask = 0xFFFFFF;
+
+constexpr unsigned char kExceptionMask = 0x80; // set in noSuchObject, noSuchInstance and endOfMibView
+
+std::string encode(netsnmp_pdu &pdu) {
+    netsnmp_session session;
+    snmp_sess_init(&session);
+    session.version = SNMP_VERSION_2c;
+    u_char *buffer = nullptr;
+    std::size_t size = 0;
+    std::size_t length = 0;
+    const int status = snmp_build(&buffer, &size, &length, &session, &pdu);
+    const std::unique_ptr<u_char, decltype(&std::free)> owner(buffer, &std::free);
+    if (status < 0) {
+        throw std::runtime_error("a request cannot be encoded");
     }
-    return result.append(content);
+    // The library encodes from the end of the buffer to its beginning.
+    return {reinterpret_cast<const char *>(buffer) + size - length, length};
 }
 
-std::string subIdentifier(std::uint32_t number) {
-    std::string result(1, static_cast<char>(number & 0x7FU));
-    while ((number >>= 7U) != 0) {
-        result.insert(0, 1, static_cast<char>((number & 0x7FU) | 0x80U));
-    }
-    return result;
-}
-
-std::string identifier(const std::string &dotted) {
-    std::istringstream stream(dotted);
-    std::vector<std::uint32_t> numbers;
-    for (std::string part; std::getline(stream, part, '.');) {
-        numbers.push_back(static_cast<std::uint32_t>(std::stoul(part)));
-    }
-    std::string content(1, static_cast<char>(numbers.at(0) * 40 + numbers.at(1)));
-    for (std::size_t i = 2; i < numbers.size(); ++i) {
-        content += subIdentifier(numbers[i]);
-    }
-    return encoded(kIdentifier, content);
-}
-
-std::string varbindList(const std::vector<Varbind> &varbinds) {
-    const std::string null = encoded(0x05, "");
-    std::string list;
-    for (const Varbind &each : varbinds) {
-        list += encoded(kSequence, identifier(each.identifier) + (each.value.empty() ? null : each.value));
-    }
-    return encoded(kSequence, list);
-}
-
-/** Reads elements one after the other. */
-class Decoder {
+/** Reads the elements of a response one after the other. */
+class Reader {
 public:
-    explicit Decoder(std::string_view text) : rest(text) {}
+    explicit Reader(std::string_view octets)
+        : next_(reinterpret_cast<u_char *>(const_cast<char *>(octets.data()))), left_(octets.size()) {}
 
     bool isAtEnd() const {
-        return rest.empty();
+        return left_ == 0;
     }
 
-    unsigned char tag() const {
-        return octet(0);
-    }
-
-    /** Content of the next element. */
-    std::string_view next() {
-        std::size_t length = octet(1);
-        std::size_t header = 2;
-        if (length >= 0x80) {
-            const std::size_t count = length & 0x7FU;
-            length = 0;
-            for (std::size_t i = 0; i < count; ++i) {
-                length = length << 8U | octet(header++);
-            }
-        }
-        if (length > rest.size() - header) {
+    /** Enters a sequence that extends to the end of the octets. */
+    void enter(u_char expectedType) {
+        const std::size_t before = left_;
+        const u_char *const start = next_;
+        u_char type = expectedType;
+        advance(asn_parse_sequence(next_, &left_, &type, expectedType, "response"));
+        if (static_cast<std::size_t>(next_ - start) + left_ != before) {
             fail();
         }
-        const std::string_view content = rest.substr(header, length);
-        rest.remove_prefix(header + length);
-        return content;
     }
 
-    std::uint32_t nextNumber() {
-        std::uint32_t number = 0;
-        for (const char each : next()) {
-            number = number << 8U | static_cast<unsigned char>(each);
-        }
-        return number;
+    long number() {
+        u_char type = 0;
+        long value = 0;
+        advance(asn_parse_int(next_, &left_, &type, &value, sizeof value));
+        return value;
     }
 
-    [[noreturn]] static void fail() {
-        throw std::runtime_error("an answer that is none");
+    void skipString() {
+        u_char type = 0;
+        std::array<u_char, 64> text{};
+        std::size_t length = text.size();
+        advance(asn_parse_string(next_, &left_, &type, text.data(), &length));
+    }
+
+    /** Reads a varbind. @return the type of its value */
+    u_char varbind() {
+        std::array<oid, MAX_OID_LEN> name; // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the library
+        std::size_t nameLength = name.size();
+        u_char type = 0;
+        u_char *value = nullptr;
+        std::size_t valueLength = 0;
+        advance(snmp_parse_var_op(next_, name.data(), &nameLength, &type, &valueLength, &value, &left_));
+        return type;
     }
 
 private:
-    unsigned char octet(std::size_t position) const {
-        if (position >= rest.size()) {
-            fail();
-        }
-        return static_cast<unsigned char>(rest[position]);
+    [[noreturn]] static void fail() {
+        throw std::runtime_error("a response is malformed");
     }
 
-    std::string_view rest;
+    void advance(u_char *position) {
+        if (position == nullptr) {
+            fail();
+        }
+        next_ = position;
+    }
+
+    u_char *next_;
+    std::size_t left_;
 };
 
 } // namespace
 
-std::string integer(std::int32_t value) {
-    // In as few octets as show the sign.
-    std::string content(1, static_cast<char>(value & 0xFF));
-    for (std::int32_t rest = value; rest > 127 || rest < -128;) {
-        rest >>= 8;
-        content.insert(0, 1, static_cast<char>(rest & 0xFF));
+Message::Message(int command, const std::vector<snmp::Varbind> &varbinds, std::size_t repetitions)
+    : responseValues_(varbinds.size() * repetitions) {
+    const snmp::PduPointer pdu(snmp_pdu_create(command));
+    pdu->version = SNMP_VERSION_2c;
+    pdu->reqid = kInitialId;
+    pdu->community = reinterpret_cast<u_char *>(::strdup(kCommunity));
+    pdu->community_len = std::string_view(kCommunity).size();
+    if (command == SNMP_MSG_GETBULK) {
+        pdu->non_repeaters = 0;
+        pdu->max_repetitions = static_cast<long>(repetitions);
     }
-    return encoded(kInteger, content);
-}
-
-std::string octets(std::string_view value) {
-    return encoded(kOctets, value);
-}
-
-Message::Message(Pdu kind, const std::vector<Varbind> &varbinds, std::int32_t repetitions)
-    : answered(kind == Pdu::GetBulk ? varbinds.size() * static_cast<std::size_t>(repetitions) : varbinds.size()) {
-    const std::string id = encoded(kInteger, std::string(kIdLength, kIdFirst));
-    const std::string tail = integer(0) + integer(repetitions) + varbindList(varbinds);
-    const std::string head = integer(1) + octets(kCommunity);
-    message = encoded(kSequence, head + encoded(static_cast<unsigned char>(kind), id + tail));
-    idPosition = message.size() - tail.size() - kIdLength;
-}
-
-std::string_view Message::with(std::uint32_t id) {
-    for (std::size_t i = 1; i < kIdLength; ++i) {
-        message[idPosition + i] = static_cast<char>(id >> 8U * (kIdLength - 1 - i) & 0xFFU);
+    for (const snmp::Varbind &varbind : varbinds) {
+        snmp::append(*pdu, varbind);
     }
-    return message;
+    octets_ = encode(*pdu);
+    idPosition_ = octets_.find(kEncodedInitialId) + kIdHeader;
 }
 
-std::size_t Message::variables() const {
-    return answered;
-}
-
-Answer parse(std::string_view message) {
-    Decoder outer(message);
-    Decoder whole(outer.next());
-    whole.next(); // version
-    whole.next(); // community
-    if (whole.tag() != static_cast<unsigned char>(Pdu::Response)) {
-        Decoder::fail();
+std::string_view Message::withId(std::uint32_t id) {
+    for (std::size_t i = 1; i < kIdOctets; ++i) {
+        octets_[idPosition_ + i] = static_cast<char>(id >> 8U * (kIdOctets - 1 - i) & 0xFFU);
     }
-    Decoder pdu(whole.next());
-    Answer answer;
-    answer.id = pdu.nextNumber() & kIdBits;
-    answer.error = static_cast<std::int32_t>(pdu.nextNumber());
-    pdu.next(); // error-index
-    for (Decoder list(pdu.next()); !list.isAtEnd();) {
-        Decoder varbind(list.next());
-        varbind.next(); // name
-        if ((varbind.tag() & kNoValueMask) == 0) {
-            ++answer.variables;
+    return octets_;
+}
+
+Message getRequest(const std::vector<std::string> &oids) {
+    std::vector<snmp::Varbind> varbinds;
+    std::transform(oids.begin(), oids.end(), std::back_inserter(varbinds), &snmp::nameOnly);
+    return {SNMP_MSG_GET, varbinds, 1};
+}
+
+Message getBulkRequest(const std::string &oid, std::size_t repetitions) {
+    return {SNMP_MSG_GETBULK, {snmp::nameOnly(oid)}, repetitions};
+}
+
+Message setRequest(const snmp::Varbind &varbind) {
+    return {SNMP_MSG_SET, {varbind}, 1};
+}
+
+Response parse(std::string_view message) {
+    Reader reader(message);
+    reader.enter(ASN_SEQUENCE | ASN_CONSTRUCTOR);
+    reader.number();     // version
+    reader.skipString(); // community
+    reader.enter(SNMP_MSG_RESPONSE);
+    Response response;
+    response.id = static_cast<std::uint32_t>(reader.number() & kIdMask);
+    response.error = reader.number();
+    reader.number(); // error-index
+    reader.enter(ASN_SEQUENCE | ASN_CONSTRUCTOR);
+    while (!reader.isAtEnd()) {
+        if ((reader.varbind() & kExceptionMask) == 0) {
+            ++response.values;
         }
     }
-    if (!outer.isAtEnd() || !whole.isAtEnd() || !pdu.isAtEnd()) {
-        Decoder::fail();
-    }
-    return answer;
+    return response;
 }
 
 } // namespace bench

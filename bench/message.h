@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/**
- * @file
- * SNMPv2c messages, encoded once before a measurement and sent as they are, with another request-id each time.
- */
+/** @file SNMPv2c messages that are encoded once and sent many times, each time with another request-id. */
 #ifndef QUARNSNMP_BENCH_MESSAGE_H
 #define QUARNSNMP_BENCH_MESSAGE_H
 
@@ -12,51 +9,51 @@
 #include <string_view>
 #include <vector>
 
+#include "varbind.h"
+
 namespace bench {
 
-/** Kinds of PDUs, as their tags. */
-enum class Pdu : std::uint8_t { Get = 0xA0, GetNext = 0xA1, Response = 0xA2, Set = 0xA3, GetBulk = 0xA5, Trap = 0xA7 };
-
-/** One variable to ask for, or to set. */
-struct Varbind {
-    std::string identifier; ///< dotted, without a leading dot
-    std::string value = {}; ///< encoded, as integer() and octets() do; empty to ask
-};
-
-/** Encoded values. */
-std::string integer(std::int32_t value);
-std::string octets(std::string_view value);
-
-/** A message to send. */
+/** An encoded request with read and write access. */
 class Message {
 public:
-    /**
-     * Encodes a message, from somebody who may read and write.
-     * @param repetitions  of a GetBulk; its variables all repeat
-     */
-    Message(Pdu kind, const std::vector<Varbind> &varbinds, std::int32_t repetitions = 0);
+    /** Sets the request-id. @param id  24 bits @return the octets to send, valid until the next call */
+    std::string_view withId(std::uint32_t id);
 
-    /** The octets to send, with a request-id. @param id of which 24 bits count */
-    std::string_view with(std::uint32_t id);
-
-    /** How many variables the answer has. */
-    std::size_t variables() const;
+    /** Returns the number of values in the response. */
+    std::size_t responseValues() const {
+        return responseValues_;
+    }
 
 private:
-    std::string message;
-    std::size_t idPosition = 0;
-    std::size_t answered;
+    friend Message getRequest(const std::vector<std::string> &oids);
+    friend Message getBulkRequest(const std::string &oid, std::size_t repetitions);
+    friend Message setRequest(const snmp::Varbind &varbind);
+
+    Message(int command, const std::vector<snmp::Varbind> &varbinds, std::size_t repetitions);
+
+    std::string octets_;
+    std::size_t idPosition_;
+    std::size_t responseValues_;
 };
 
-/** What an answer says. */
-struct Answer {
-    std::uint32_t id = 0; ///< the 24 bits of Message::with()
-    std::int32_t error = 0;
-    std::size_t variables = 0; ///< those that have a value
+/** Encodes a GET of one or more instances. @throws std::exception for a malformed OID, as the other two functions */
+Message getRequest(const std::vector<std::string> &oids);
+
+/** Encodes a GETBULK of the instances that follow an OID. @param repetitions  number of values to return */
+Message getBulkRequest(const std::string &oid, std::size_t repetitions);
+
+/** Encodes a SET. */
+Message setRequest(const snmp::Varbind &varbind);
+
+/** Content of a response. */
+struct Response {
+    std::uint32_t id = 0;   ///< 24 bits, as in Message::withId()
+    long error = 0;         ///< error-status
+    std::size_t values = 0; ///< varbinds without an exception such as noSuchObject
 };
 
-/** Takes an answer apart. @throws std::runtime_error when it is none, or has something after its end */
-Answer parse(std::string_view message);
+/** Decodes a response. @throws std::runtime_error for a malformed one or another kind of message */
+Response parse(std::string_view message);
 
 } // namespace bench
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * What the module's conversions and request helpers cost, in the agent's library but without an agent, and on a core
- * library that answers at once.
+ * Benchmarks of the module's conversions and request helpers. They run on the agent's library without an agent, and on
+ * the silent core library.
  */
 #include <cstdint>
 #include <exception>
@@ -80,7 +80,7 @@ constexpr Helper kHelpers[] = {
     {"GetRowAndColFromRequest", findCell},
 };
 
-void help(benchmark::State &state, const Helper &helper) {
+void runHelper(benchmark::State &state, const Helper &helper) {
     requests::Request request("1.3.6.1.4.1.99999.1.3.2.1.3.1.1", requests::NewValue::integer(1));
     netsnmp_table_request_info table{};
     table.colnum = 3;
@@ -105,8 +105,8 @@ int main(int argc, char **argv) {
         benchmark::RegisterBenchmark(conversion.name, [&](benchmark::State &state) { convert(state, conversion); });
     }
     for (const Helper &helper : kHelpers) {
-        benchmark::RegisterBenchmark(helper.name, [&](benchmark::State &state) { help(state, helper); });
+        benchmark::RegisterBenchmark(helper.name, [&](benchmark::State &state) { runHelper(state, helper); });
     }
-    bench::runBenchmarks(asTable, "The module's parts, on a core library that answers at once");
+    bench::runBenchmarks(asTable, "Parts of the module, with the silent core library");
     return 0;
 }

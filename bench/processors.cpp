@@ -19,7 +19,7 @@ namespace {
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-/** The processors that this program had when it was started. */
+/** Returns the processors that were available when the program started. */
 const std::vector<int> &processors() {
     static const std::vector<int> numbers = [] {
         cpu_set_t set;
@@ -39,7 +39,7 @@ const std::vector<int> &processors() {
 
 } // namespace
 
-void tie(pid_t process, int processor) {
+void pinToProcessor(pid_t process, int processor) {
     const auto wanted = static_cast<std::size_t>(processor);
     const std::vector<int> &numbers = processors();
     const int number = wanted < numbers.size() ? numbers[wanted] : numbers.back();
@@ -57,7 +57,7 @@ double processorTime(pid_t process) {
     std::ifstream file("/proc/" + std::to_string(process) + "/schedstat");
     double nanoseconds = 0;
     if (!(file >> nanoseconds)) {
-        throw std::runtime_error("the kernel does not tell the time of a thread");
+        throw std::runtime_error("the kernel does not provide the processor time of a thread");
     }
     return nanoseconds / 1000;
 }

@@ -5,11 +5,11 @@
 
 #include "agents.h"
 #include "eventually.h"
-#include "families.h"
 #include "load_generator.h"
-#include "objects.h"
+#include "object_oids.h"
 #include "processors.h"
 #include "statistics.h"
+#include "suites.h"
 #include "table.h"
 
 namespace bench {
@@ -18,41 +18,41 @@ namespace {
 
 using harness::Manager;
 
-// The same scalar in other ways, all in one agent.
-constexpr const char *kSubagentScalar = "1.3.6.1.4.1.99999.98.1.0";
-constexpr const char *kScriptSubtree = "1.3.6.1.4.1.99999.98.2";
-constexpr const char *kScriptScalar = "1.3.6.1.4.1.99999.98.2.0";
-constexpr const char *kExtendSubtree = "1.3.6.1.4.1.99999.98.3";
-constexpr const char *kExtendScalar = "1.3.6.1.4.1.99999.98.3.3.1.1.6.115.99.97.108.97.114"; // "scalar"
+// Alternatives to a module, each with one scalar, all in one agent.
+constexpr const char *kSubagentScalar = ".1.3.6.1.4.1.99999.98.1.0";
+constexpr const char *kScriptSubtree = ".1.3.6.1.4.1.99999.98.2";
+constexpr const char *kScriptScalar = ".1.3.6.1.4.1.99999.98.2.0";
+constexpr const char *kExtendSubtree = ".1.3.6.1.4.1.99999.98.3";
+constexpr const char *kExtendScalar = ".1.3.6.1.4.1.99999.98.3.3.1.1.6.115.99.97.108.97.114"; // "scalar"
 
-/** An agent without the module that has its scalar from a subagent, from a script and from a command. */
-class RivalAgent {
+/** Agent without the module. Serves one scalar each from a subagent, a script and a command. */
+class BaselineAgent {
 public:
-    RivalAgent() : agent(startAgent(options())), subagent({{BENCH_SUBAGENT, socket()}, {{"MIBS", ""}}}) {
-        tie(subagent.pid(), kAgentProcessor);
-        Manager manager(agent->peer());
+    BaselineAgent() : agent_(startAgent(options())), subagent_({{BENCH_SUBAGENT, socket()}, {{"MIBS", ""}}}) {
+        pinToProcessor(subagent_.pid(), kAgentProcessor);
+        Manager manager(agent_->peer());
         for (const char *scalar : {kSubagentScalar, kScriptScalar, kExtendScalar}) {
             if (!support::eventually(std::chrono::seconds(10), [&] { return hasValue(manager.get(scalar)); })) {
-                throw std::runtime_error(std::string("the agent has no ") + scalar);
+                throw std::runtime_error(std::string("the agent does not serve ") + scalar);
             }
         }
     }
 
     const harness::Agent &operator*() const {
-        return *agent;
+        return *agent_;
     }
 
 private:
     std::string socket() const {
-        return directory.file("agentx");
+        return directory_.file("agentx");
     }
 
     harness::AgentOptions options() const {
         harness::AgentOptions result;
         result.configuration = {"master agentx", "agentXSocket " + socket(),
-                                std::string("pass_persist .") + kScriptSubtree + " " + BENCH_SCRIPT,
-                                // -1: the command runs for each request, as it must when its answer is to be new.
-                                std::string("extend -cacheTime -1 .") + kExtendSubtree + " scalar /bin/echo 1"};
+                                std::string("pass_persist ") + kScriptSubtree + " " + BENCH_SCRIPT,
+                                // -1 disables the cache, so that every response is current.
+                                std::string("extend -cacheTime -1 ") + kExtendSubtree + " scalar /bin/echo 1"};
         return result;
     }
 
@@ -60,94 +60,92 @@ private:
         return result.ok() && static_cast<unsigned>(result.single().type) < 0x80;
     }
 
-    support::TemporaryDirectory directory;
-    std::unique_ptr<harness::Agent> agent;
-    support::Process subagent;
+    support::TemporaryDirectory directory_;
+    std::unique_ptr<harness::Agent> agent_;
+    support::Process subagent_;
 };
 
-/** What is sent. */
+/** A request to send. */
 struct Load {
     const char *what;
     Message message;
     const harness::Agent &agent;
-    std::size_t reference = 0; ///< with which load it is compared
+    std::size_t reference = 0; ///< index of the load to compare with
 };
 
-constexpr std::size_t kTenOfTheAgent = 1;
+constexpr std::size_t kTenOfAgent = 1;
 
-std::vector<Varbind> tenVariables(const std::vector<std::string> &identifiers) {
-    std::vector<Varbind> result;
+/** Returns a GET with ten varbinds, in which the OIDs take turns. */
+Message tenVarbinds(const std::vector<std::string> &oids) {
+    std::vector<std::string> ten;
     for (std::size_t i = 0; i < 10; ++i) {
-        result.push_back({identifiers[i % identifiers.size()]});
+        ten.push_back(oids[i % oids.size()]);
     }
-    return result;
+    return getRequest(ten);
 }
 
-std::vector<Load> loads(const harness::Agent &own, const harness::Agent &rivals) {
-    const auto everything = Manager(own.peer()).bulkWalk(".1.3.6.1.4.1").size();
+std::vector<Load> loads(const harness::Agent &own, const harness::Agent &baseline) {
+    const std::size_t everything = Manager(own.peer()).bulkWalk(".1.3.6.1.4.1").size();
     return {
-        {"GET sysUpTime.0, the agent's own: the ceiling", {Pdu::Get, {{kSystemUpTime}}}, own},
-        {"GET of 10 times sysUpTime.0", {Pdu::Get, tenVariables({kSystemUpTime})}, own},
-        {"GET of 10 held objects, against 10 times sysUpTime.0",
-         {Pdu::Get, tenVariables({kModelName, kModuleType, kTrueNorthOffset, kPositionPan})},
-         own,
-         kTenOfTheAgent},
-        {"GET of a held number", {Pdu::Get, {{kModuleType}}}, own},
-        {"GET of a held text", {Pdu::Get, {{kModelName}}}, own},
-        {"GET of a held command", {Pdu::Get, {{kPositionPan}}}, own},
-        {"GET with one service call", {Pdu::Get, {{kTemperature}}}, own},
-        {"GET with one service call and a log line", {Pdu::Get, {{kPanLeftLimit}}}, own},
-        {"SET of a held number, four phases", {Pdu::Set, {{kTrueNorthOffset, integer(65535)}}}, own},
-        {"SET that moves an axis", {Pdu::Set, {{kPositionPan, octets("\x02\x7F\x50\x46")}}}, own},
-        {"GETBULK of everything the module has",
-         {Pdu::GetBulk, {{"1.3.6.1.4.1"}}, static_cast<std::int32_t>(everything)},
-         own},
-        {"GET, AgentX subagent", {Pdu::Get, {{kSubagentScalar}}}, rivals},
-        {"SET, AgentX subagent", {Pdu::Set, {{kSubagentScalar, integer(1)}}}, rivals},
-        {"GET, pass_persist script", {Pdu::Get, {{kScriptScalar}}}, rivals},
-        {"GET, extend", {Pdu::Get, {{kExtendScalar}}}, rivals},
+        {"GET sysUpTime.0, of the agent itself: the ceiling", getRequest({oids::sysUpTime}), own},
+        {"GET of 10 times sysUpTime.0", tenVarbinds({oids::sysUpTime}), own},
+        {"GET of 10 cached objects, relative to 10 times sysUpTime.0",
+         tenVarbinds({oids::modelName, oids::moduleType, oids::rangeTrueNorthOffset, oids::positionPan}), own,
+         kTenOfAgent},
+        {"GET of a cached number", getRequest({oids::moduleType}), own},
+        {"GET of a cached text", getRequest({oids::modelName}), own},
+        {"GET of a cached command", getRequest({oids::positionPan}), own},
+        {"GET with one service call", getRequest({oids::temperature}), own},
+        {"GET with one service call and a log line", getRequest({oids::rangePanLeftLimit}), own},
+        {"SET of a cached number, four phases", setRequest(snmp::integer(oids::rangeTrueNorthOffset, 65535)), own},
+        {"SET that moves an axis", setRequest(snmp::octetString(oids::positionPan, "\x02\x7F\x50\x46")), own},
+        {"GETBULK of all objects of the module", getBulkRequest(".1.3.6.1.4.1", everything), own},
+        {"GET, AgentX subagent", getRequest({kSubagentScalar}), baseline},
+        {"SET, AgentX subagent", setRequest(snmp::integer(kSubagentScalar, 1)), baseline},
+        {"GET, pass_persist script", getRequest({kScriptScalar}), baseline},
+        {"GET, extend", getRequest({kExtendScalar}), baseline},
     };
 }
 
-/** Rounds of one load. */
+/** Results of one load, with one value per round. */
 struct Figures {
     std::vector<double> perSecond;
-    std::vector<double> processor; ///< microseconds of the agent's processor for an answer
-    std::vector<double> middle;    ///< microseconds
-    std::vector<double> late;      ///< microseconds that one of a hundred answers exceeds
+    std::vector<double> processor;    ///< processor time of the agent per response, in microseconds
+    std::vector<double> median;       ///< response time in microseconds
+    std::vector<double> percentile99; ///< response time in microseconds
 };
 
 constexpr std::size_t kShift = 4;
 
-/** Measures all loads in turn, round by round, so that what else the machine does meets all of them. */
+/** Measures all loads in each round, so that other activity on the machine affects all of them. */
 std::vector<Figures> measure(const std::vector<Load> &loads, std::size_t window, const Effort &effort) {
     std::vector<Figures> figures(loads.size());
     for (int round = 0; round < effort.rounds; ++round) {
         for (std::size_t turn = 0; turn < loads.size(); ++turn) {
-            // Each round begins with another load, so that none always follows the same one.
+            // Each round starts with another load, so that the order of the loads varies.
             const std::size_t i = (turn + static_cast<std::size_t>(round) * kShift) % loads.size();
             const double before = processorTime(loads[i].agent.pid());
             const Outcome outcome = LoadGenerator({loads[i].agent.port()}).run(loads[i].message, window, effort.slice);
             figures[i].perSecond.push_back(outcome.perSecond);
             figures[i].processor.push_back((processorTime(loads[i].agent.pid()) - before) /
                                            static_cast<double>(outcome.microseconds.size()));
-            figures[i].middle.push_back(quantile(outcome.microseconds, 0.5));
-            figures[i].late.push_back(quantile(outcome.microseconds, 0.99));
+            figures[i].median.push_back(quantile(outcome.microseconds, 0.5));
+            figures[i].percentile99.push_back(quantile(outcome.microseconds, 0.99));
         }
     }
     return figures;
 }
 
-/** Which figure is shown, and how. */
+/** Selection and format of a figure. */
 struct Column {
     std::vector<double> Figures::*rounds;
     const char *unit;
     int decimals;
 };
 
-void print(const std::vector<Load> &loads, const std::vector<Figures> &figures, const char *family,
+void print(const std::vector<Load> &loads, const std::vector<Figures> &figures, const char *heading,
            const char *comparison, const Column &column) {
-    printFamily(family, comparison);
+    printHeading(heading, comparison);
     for (std::size_t i = 0; i < loads.size(); ++i) {
         const std::vector<double> &rounds = figures[i].*column.rounds;
         printRounds(loads[i].what, rounds, column.unit, column.decimals,
@@ -159,20 +157,20 @@ void print(const std::vector<Load> &loads, const std::vector<Figures> &figures, 
 
 void measureRates(const Effort &effort) {
     const CameraAgent own("dome");
-    const RivalAgent rivals;
-    tie(::getpid(), kManagerProcessor);
-    const std::vector<Load> all = loads(*own.agent, *rivals);
+    const BaselineAgent baseline;
+    pinToProcessor(::getpid(), kManagerProcessor);
+    const std::vector<Load> all = loads(*own.agent, *baseline);
 
-    // So many that an agent has enough to do while somebody else has the manager's processor for a moment.
+    // Enough requests to keep an agent busy while another process briefly takes the manager's processor.
     constexpr std::size_t kBusy = 64;
     const std::vector<Figures> busy = measure(all, kBusy, effort);
     const std::vector<Figures> alone = measure(all, 1, effort);
-    print(all, busy, "Requests in a second, 64 under way", "of the ceiling", {&Figures::perSecond, "/s", 0});
-    print(all, busy, "Time of the agent's thread for a request, 64 under way", "of the ceiling's",
+    print(all, busy, "Requests per second, 64 outstanding", "relative to the ceiling", {&Figures::perSecond, "/s", 0});
+    print(all, busy, "Time of the agent's thread per request, 64 outstanding", "relative to the ceiling",
           {&Figures::processor, "µs", 1});
-    print(all, alone, "Time until the answer, one under way: median", "of the ceiling's", {&Figures::middle, "µs", 1});
-    print(all, alone, "Time until the answer, one under way: 99th percentile", "of the ceiling's",
-          {&Figures::late, "µs", 1});
+    print(all, alone, "Response time, 1 outstanding: median", "relative to the ceiling", {&Figures::median, "µs", 1});
+    print(all, alone, "Response time, 1 outstanding: 99th percentile", "relative to the ceiling",
+          {&Figures::percentile99, "µs", 1});
 }
 
 } // namespace bench

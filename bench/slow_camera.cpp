@@ -1,42 +1,43 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <array>
 #include <exception>
+#include <fstream>
+#include <iomanip>
 #include <stdexcept>
 #include <thread>
 
 #include <unistd.h>
 
 #include "agents.h"
-#include "families.h"
-#include "line_chart.h"
 #include "load_generator.h"
-#include "objects.h"
+#include "object_oids.h"
 #include "processors.h"
 #include "statistics.h"
+#include "suites.h"
 #include "table.h"
 
 namespace bench {
 
 namespace {
 
-/** How late the camera's answers are, in milliseconds; 0 is as fast as it can. */
+/** Delays of the camera's responses in milliseconds. */
 constexpr std::array<int, 8> kDelays = {0, 1, 2, 5, 10, 20, 50, 100};
-constexpr int kLeastAnswers = 10; // of a measurement, however late they are
+constexpr int kMinimumResponses = 10; // per measurement, even with the longest delay
 
-void order(const support::Camera &camera, int delay) {
-    const bool obeyed =
+void setDelay(const support::Camera &camera, int delay) {
+    const bool isSet =
         camera.control("clear").status.clean() &&
         (delay == 0 || camera.control("delay", "temperature", "get_temperature_send", std::to_string(delay), "--always")
                            .status.clean());
-    if (!obeyed) {
-        throw std::runtime_error("the camera does not take orders");
+    if (!isSet) {
+        throw std::runtime_error("the camera rejects the delay");
     }
 }
 
-/** Answers in a second to two managers with one request under way each. */
+/** Responses per second to two simultaneous managers with one outstanding request each. */
 struct Rates {
-    double called = 0; ///< of the object that the camera is asked for
-    double held = 0;   ///< of an object that the module holds, at the same time
+    double called = 0; ///< for an object that needs a call to the camera
+    double cached = 0; ///< for an object cached by the module
 };
 
 Rates rates(std::uint16_t port, std::chrono::milliseconds duration) {
@@ -44,13 +45,13 @@ Rates rates(std::uint16_t port, std::chrono::milliseconds duration) {
     std::exception_ptr failure;
     std::thread other([&] {
         try {
-            result.held = LoadGenerator({port}).run(Message(Pdu::Get, {{kModuleType}}), 1, duration).perSecond;
+            result.cached = LoadGenerator({port}).run(getRequest({oids::moduleType}), 1, duration).perSecond;
         } catch (...) {
             failure = std::current_exception();
         }
     });
     try {
-        result.called = LoadGenerator({port}).run(Message(Pdu::Get, {{kTemperature}}), 1, duration).perSecond;
+        result.called = LoadGenerator({port}).run(getRequest({oids::temperature}), 1, duration).perSecond;
     } catch (...) {
         failure = std::current_exception();
     }
@@ -61,50 +62,55 @@ Rates rates(std::uint16_t port, std::chrono::milliseconds duration) {
     return result;
 }
 
-/** Rounds of one delay. */
+/** Results for one delay, with one value per round. */
 struct Figures {
     std::vector<double> called;
-    std::vector<double> held;
+    std::vector<double> cached;
 };
 
 std::array<Figures, kDelays.size()> measure(const CameraAgent &pair, const Effort &effort) {
     std::array<Figures, kDelays.size()> figures;
     for (int round = 0; round < effort.rounds; ++round) {
         for (std::size_t i = 0; i < kDelays.size(); ++i) {
-            order(pair.camera, kDelays.at(i));
-            const std::chrono::milliseconds least(kDelays.at(i) * kLeastAnswers);
+            setDelay(pair.camera, kDelays.at(i));
+            const std::chrono::milliseconds least(kDelays.at(i) * kMinimumResponses);
             const Rates both = rates(pair.agent->port(), std::max(effort.slice, least));
             figures.at(i).called.push_back(both.called);
-            figures.at(i).held.push_back(both.held);
+            figures.at(i).cached.push_back(both.cached);
         }
     }
     return figures;
 }
 
+/** Writes the medians for the chart, one delay per line. @throws std::runtime_error when the file cannot be written */
+void writeData(const std::array<Figures, kDelays.size()> &figures, const std::string &path) {
+    std::ofstream file(path);
+    file << std::fixed << std::setprecision(1)
+         << "# delay of a call (ms)\tobject that needs a call (requests/s)\tcached object (requests/s)\n";
+    for (std::size_t i = 0; i < kDelays.size(); ++i) {
+        const Figures &each = figures.at(i);
+        file << kDelays.at(i) << '\t' << median(each.called) << '\t' << median(each.cached) << '\n';
+    }
+    if (!file.flush()) {
+        throw std::runtime_error(path + " cannot be written");
+    }
+}
+
 } // namespace
 
 void measureSlowCamera(const Effort &effort) {
-    tie(::getpid(), kManagerProcessor);
+    pinToProcessor(::getpid(), kManagerProcessor);
     const CameraAgent pair("dome");
     const std::array<Figures, kDelays.size()> figures = measure(pair, effort);
 
-    printFamily("A slow camera: two managers, one request under way each", "of the prompt camera's");
-    LineChart chart;
-    chart.title = "Requests in a second over the time that the camera takes";
-    chart.xTitle = "time that the camera takes for a call (ms)";
-    chart.yTitle = "answers in a second";
-    chart.series = {{"an object that needs a call", {}}, {"an object that the module holds, at the same time", {}}};
+    printHeading("Slow camera: two managers, 1 outstanding request each", "relative to no delay");
     for (std::size_t i = 0; i < kDelays.size(); ++i) {
         const Figures &each = figures.at(i);
-        const std::string delay = kDelays.at(i) == 0 ? "prompt" : std::to_string(kDelays.at(i));
-        const std::string text = kDelays.at(i) == 0 ? "prompt camera: " : delay + " ms for a call: ";
+        const std::string text = kDelays.at(i) == 0 ? "no delay: " : std::to_string(kDelays.at(i)) + " ms per call: ";
         printRounds(text + "GET with one service call", each.called, "/s", 0, ratios(each.called, figures[0].called));
-        printRounds(text + "GET of a held number", each.held, "/s", 0, ratios(each.held, figures[0].held));
-        chart.xLabels.push_back(delay);
-        chart.series[0].values.push_back(median(each.called));
-        chart.series[1].values.push_back(median(each.held));
+        printRounds(text + "GET of a cached number", each.cached, "/s", 0, ratios(each.cached, figures[0].cached));
     }
-    writeSvg(chart, effort.plot);
+    writeData(figures, effort.data);
 }
 
 } // namespace bench

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * What the calls of the stand-in library cost, with a simulated camera at the other end. Each benchmark measures every
- * iteration by itself and reports the median and the 99th percentile, because the mean of what waits for another
- * process says more about the machine than about the program.
+ * Benchmarks of the stand-in library's calls to a simulated camera. Each benchmark times every iteration and reports
+ * the median and the 99th percentile, because the mean of an operation that waits for another process depends mostly on
+ * the machine.
  */
 #include <array>
 #include <chrono>
@@ -25,10 +25,10 @@ namespace {
 
 constexpr benchmark::IterationCount kCalls = 50000;
 constexpr benchmark::IterationCount kOpenings = 2000;
-// Long enough for the camera to go to sleep.
+// Long enough for the camera to stop polling and sleep.
 constexpr std::chrono::microseconds kPause{1000};
-// A line costs less than two looks at the clock.
-constexpr int kLinesAtOnce = 1000;
+// A line takes less time than two reads of the clock.
+constexpr int kLinesPerIteration = 1000;
 
 void expectSuccess(zorva_core_status status) {
     if (status != 0) {
@@ -38,14 +38,14 @@ void expectSuccess(zorva_core_status status) {
 
 void setEnvironment(const char *name, const std::string &value) {
     if (::setenv(name, value.c_str(), 1) != 0) {
-        throw std::runtime_error("the environment is full");
+        throw std::runtime_error("the environment cannot be changed");
     }
 }
 
 /**
- * Measures `action` once per iteration.
- * @param times  how often `action` does what is to be measured
- * @param pause  time between the iterations, which is not measured
+ * Times `action` once per iteration.
+ * @param times  number of measured operations in one `action`
+ * @param pause  time between iterations, not included in the result
  */
 template <typename Action>
 void measure(benchmark::State &state, const Action &action, int times = 1, std::chrono::microseconds pause = {}) {
@@ -63,13 +63,14 @@ void measure(benchmark::State &state, const Action &action, int times = 1, std::
         }
     }
     state.counters[bench::kMedianCounter] = bench::quantile(nanoseconds, 0.5);
-    state.counters[bench::kLateCounter] = bench::quantile(nanoseconds, 0.99);
+    state.counters[bench::kPercentile99Counter] = bench::quantile(nanoseconds, 0.99);
 }
 
-/** The library as the module uses it, with the handles of the services that are measured. */
+/** Use of the library as by the module. */
 class Session {
 public:
-    /** @param directory of the camera @param logLevel as the environment has it @param logFile path of the log */
+    /** @param directory  of the camera's sockets @param logLevel  a level's number or word @param logFile  path of the
+     * log */
     Session(const std::string &directory, const std::string &logLevel, const std::string &logFile) {
         setEnvironment("QUARNSNMP_CAMERA_DIR", directory);
         setEnvironment("QUARNSNMP_LOG_LEVEL", logLevel);
@@ -90,7 +91,7 @@ public:
         return cookie;
     }
 
-    /** The first target of a service. */
+    /** Returns the first target of a service. */
     static std::string target(const char *service) {
         std::vector<std::string> ids;
         if (!zorva::core::getTargetIds(service, ids) || ids.empty()) {
@@ -145,7 +146,7 @@ void getNineValues(benchmark::State &state, const Session &session) {
 void setOneValue(benchmark::State &state, const Session &session) {
     void *const cookie = session.open(&zorva_api_relay_initiator_init);
     const std::string target = Session::target("relay");
-    // A relay is switched only after it has been set up.
+    // A relay must be configured before it can be switched.
     expectSuccess(zorva_api_relay_set_configuration_send(cookie, target.c_str(), 1, 0, 1, 0, 1, 1, 1));
     uint8_t wanted = 0;
     measure(state, [&] {
@@ -167,11 +168,11 @@ void openAndCloseService(benchmark::State &state, const Session &session) {
 
 void logLine(benchmark::State &state, const Session &session) {
     const auto write = [&session] {
-        for (int i = 0; i < kLinesAtOnce; ++i) {
+        for (int i = 0; i < kLinesPerIteration; ++i) {
             zorva_core_logging_log(session.log, 7, "registerScalar: %s is %d", "zoomPosition", i);
         }
     };
-    measure(state, write, kLinesAtOnce);
+    measure(state, write, kLinesPerIteration);
 }
 
 struct Measurement {
@@ -188,7 +189,7 @@ constexpr std::array<Measurement, 8> kMeasurements = {{
     {"call that sets one value", setOneValue, kCalls, "info"},
     {"getTargetIds", getTargetIds, kCalls, "info"},
     {"initiator_init and initiator_deinit", openAndCloseService, kOpenings, "info"},
-    {"debug line that is not wanted", logLine, kOpenings, "info"},
+    {"debug line that is dropped", logLine, kOpenings, "info"},
     {"debug line that is written", logLine, kOpenings / 10, "debug"},
 }};
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/** @file The figures that measurements come down to. */
+/** @file Statistics of measured values. */
 #ifndef QUARNSNMP_BENCH_STATISTICS_H
 #define QUARNSNMP_BENCH_STATISTICS_H
 
@@ -7,13 +7,13 @@
 
 namespace bench {
 
-/** The value below which this share of the values lies; at least one value is needed. @param share from 0 to 1 */
+/** Returns a quantile of at least one value. @param share  from 0 to 1, such as 0.99 for the 99th percentile */
 double quantile(std::vector<double> values, double share);
 
-/** The value in the middle. */
+/** Returns the median of at least one value. */
 double median(std::vector<double> values);
 
-/** Each value divided by that of the same round; both lists are equally long. */
+/** Divides each value by the reference of the same round; both lists have the same length. */
 std::vector<double> ratios(const std::vector<double> &values, const std::vector<double> &references);
 
 } // namespace bench

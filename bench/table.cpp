@@ -19,12 +19,12 @@ std::string formatted(double value, int decimals) {
 void printLine(const std::string &what, const std::string &value, const std::string &spread,
                const std::string &comparison) {
     std::printf("| %s | %s | %s | %s |\n", what.c_str(), value.c_str(), spread.c_str(), comparison.c_str());
-    std::fflush(stdout); // a measurement takes its time, and somebody may be watching
+    std::fflush(stdout); // shows progress, since measurements take a while
 }
 
 } // namespace
 
-void printFamily(const std::string &name, const std::string &comparison) {
+void printHeading(const std::string &name, const std::string &comparison) {
     printLine("**" + name + "**", "", "", comparison);
 }
 

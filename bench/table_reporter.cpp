@@ -13,7 +13,7 @@ namespace {
 
 using Run = benchmark::BenchmarkReporter::Run;
 
-/** Values of a counter in all repetitions; empty when the benchmark does not have it. */
+/** Returns the values of a counter in all repetitions; empty if the benchmark does not have it. */
 std::vector<double> counted(const std::vector<Run> &runs, const char *counter) {
     std::vector<double> values;
     for (const Run &run : runs) {
@@ -25,6 +25,7 @@ std::vector<double> counted(const std::vector<Run> &runs, const char *counter) {
     return values;
 }
 
+/** Returns the time per iteration in all repetitions. */
 std::vector<double> timed(const std::vector<Run> &runs) {
     std::vector<double> values;
     for (const Run &run : runs) {
@@ -36,21 +37,21 @@ std::vector<double> timed(const std::vector<Run> &runs) {
 }
 
 void printNanoseconds(const std::string &what, const std::vector<double> &values) {
-    constexpr double kLong = 1000; // tenths do not matter any more
-    printRounds(what, values, "ns", median(values) < kLong ? 1 : 0);
+    constexpr double kThreshold = 1000; // from here on, tenths do not matter
+    printRounds(what, values, "ns", median(values) < kThreshold ? 1 : 0);
 }
 
 void printBenchmark(const std::vector<Run> &runs) {
     const std::string &name = runs.front().run_name.function_name;
     if (std::any_of(runs.begin(), runs.end(), [](const Run &run) { return run.error_occurred; })) {
-        printFamily(name + " failed: " + runs.front().error_message);
+        printHeading(name + " failed: " + runs.front().error_message);
         return;
     }
     const std::vector<double> medians = counted(runs, kMedianCounter);
     printNanoseconds(name, medians.empty() ? timed(runs) : medians);
-    const std::vector<double> late = counted(runs, kLateCounter);
-    if (!late.empty()) {
-        printNanoseconds(name + ", 99th percentile", late);
+    const std::vector<double> percentile99 = counted(runs, kPercentile99Counter);
+    if (!percentile99.empty()) {
+        printNanoseconds(name + ", 99th percentile", percentile99);
     }
 }
 
@@ -61,25 +62,25 @@ bool TableReporter::ReportContext(const Context & /*context*/) {
 }
 
 void TableReporter::ReportRuns(const std::vector<Run> &runs) {
-    // The library's own medians come in a call of their own.
+    // The library reports its own aggregates in separate calls.
     if (!runs.empty() && runs.front().run_type == Run::RT_Iteration) {
-        benchmarks[runs.front().family_index] = runs;
+        benchmarks_[runs.front().family_index] = runs;
     }
 }
 
 void TableReporter::Finalize() {
-    for (const auto &[index, runs] : benchmarks) {
+    for (const auto &[index, runs] : benchmarks_) {
         printBenchmark(runs);
     }
 }
 
-void runBenchmarks(bool asTable, const char *family) {
+void runBenchmarks(bool asTable, const char *heading) {
     if (!asTable) {
         benchmark::RunSpecifiedBenchmarks();
         return;
     }
     TableReporter reporter;
-    printFamily(family);
+    printHeading(heading);
     benchmark::RunSpecifiedBenchmarks(&reporter);
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/** @file What the benchmark library measures, as lines of the table. */
+/** @file Results of the benchmark library as rows of the table. */
 #ifndef QUARNSNMP_BENCH_TABLE_REPORTER_H
 #define QUARNSNMP_BENCH_TABLE_REPORTER_H
 
@@ -11,13 +11,13 @@
 
 namespace bench {
 
-/** Counters of a benchmark that measures each iteration by itself, in nanoseconds. */
+/** Counters of a benchmark that times each iteration itself, in nanoseconds. */
 inline constexpr const char *kMedianCounter = "median_ns";
-inline constexpr const char *kLateCounter = "p99_ns";
+inline constexpr const char *kPercentile99Counter = "p99_ns";
 
 /**
- * Writes a line for each benchmark, with the median of its repetitions: of the time of an iteration, or of the counters
- * above where a benchmark has them.
+ * Prints one row per benchmark, or two with the counters above. A row has the median of the repetitions: of the
+ * counter, or of the time per iteration without counters.
  */
 class TableReporter : public benchmark::BenchmarkReporter {
 public:
@@ -26,13 +26,13 @@ public:
     void Finalize() override;
 
 private:
-    std::map<std::int64_t, std::vector<Run>> benchmarks; ///< in the order in which they were registered
+    std::map<std::int64_t, std::vector<Run>> benchmarks_; ///< in the order of their registration
 };
 
-/** Runs what is registered: with a table as in bench/run when the argument --table was given, else as usual. */
-void runBenchmarks(bool asTable, const char *family);
+/** Runs the registered benchmarks. @param asTable  prints rows under a heading instead of the library's own report */
+void runBenchmarks(bool asTable, const char *heading);
 
-/** Takes --table out of a program's arguments. @return whether it was there */
+/** Removes --table from the arguments of a program. @return true if it was present */
 bool takeTableArgument(int &argc, char **argv);
 
 } // namespace bench

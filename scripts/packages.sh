@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
-# The Debian packages that the commands of this project need; to be sourced after common.sh.
+# Debian packages required by the commands of this project; to be sourced after common.sh.
 
-# To build the module and the simulated camera, and to run them in an agent.
+# Required to build the module and the simulated camera, and to run them.
 # shellcheck disable=SC2034 # used by the commands that source this file
 run_packages=(
     g++ cmake ninja-build
@@ -10,7 +10,7 @@ run_packages=(
     snmpd snmp snmptrapd
 )
 
-# What the tests need beyond that.
+# Additionally required by the tests.
 # shellcheck disable=SC2034
 test_packages=(
     git binutils valgrind strace
@@ -20,21 +20,21 @@ test_packages=(
     prometheus prometheus-snmp-exporter
 )
 
-# To build for AArch64 and to run that here.
+# Required to build for AArch64 and to emulate it.
 # shellcheck disable=SC2034
 aarch64_packages=(g++-aarch64-linux-gnu qemu-user-static)
 
-# What makes the Debian packages, and what they are tested with.
+# Required to build the Debian packages, and to test them.
 # shellcheck disable=SC2034
 package_packages=(dpkg-dev file)
 # shellcheck disable=SC2034
 package_test_packages=(lintian mmdebstrap systemd binutils)
 
-# What the benchmarks need beyond what is needed to run the module.
+# Required by the benchmarks, in addition to run_packages.
 # shellcheck disable=SC2034
-bench_packages=(binutils libgtest-dev libgmock-dev libbenchmark-dev valgrind)
+bench_packages=(binutils gnuplot-nox libgtest-dev libgmock-dev libbenchmark-dev valgrind)
 
-# What the sysroot for AArch64 holds, as packages of that architecture.
+# Content of the AArch64 sysroot, as packages of that architecture.
 # shellcheck disable=SC2034
 aarch64_sysroot_packages=(
     libc6-dev libstdc++-12-dev
@@ -54,11 +54,11 @@ as_root() {
     elif command -v sudo >/dev/null; then
         sudo -- "$@"
     else
-        fail "neither root nor sudo; as root, run: $*"
+        fail "neither root nor sudo is available; as root, run: $*"
     fi
 }
 
-# The systemd units that the named packages start and enable; nothing for packages without any.
+# Lists the systemd units that the named packages start and enable.
 units_of() {
     local package
     for package in "$@"; do
@@ -70,11 +70,10 @@ units_of() {
     done
 }
 
-# A package starts and enables its service when it is installed. Here its program is a tool: on a machine where nobody
-# wanted an SNMP agent, one would be left listening, and a trap receiver on all interfaces. A mask that lasts until the
-# next boot at most keeps systemd from starting them. (A policy-rc.d would do so too, but it holds for all services, and
-# if the installation were interrupted it would stay.) Without systemd, a service runs until it is stopped right after
-# the installation. The services of packages that were there before are left alone.
+# Prevents packages from starting their services during installation. The project needs the programs only; an unwanted
+# SNMP agent or trap receiver would listen on the machine's interfaces. The mask lasts until the next boot at most.
+# (policy-rc.d would affect all services, and would remain after an interrupted installation.) Without systemd, a
+# service runs until unmask_services() stops it. Services of packages that were already installed do not change.
 # Usage: mask_services PACKAGE...
 mask_services() {
     local units
@@ -84,7 +83,7 @@ mask_services() {
     fi
 }
 
-# Undoes mask_services() and keeps the services of these packages from being started at the next boot.
+# Undoes mask_services() and disables the services, so that they do not start at the next boot.
 unmask_services() {
     local package units
     read -r -d '' -a units < <(units_of "$@") || true
@@ -106,18 +105,18 @@ apt_install() {
         apt-get install --yes --no-install-recommends -o DPkg::Lock::Timeout=300 -- "$@"
 }
 
-# The lists of a fresh machine are empty and those of an old one may be outdated; either makes the first attempt fail.
+# Installs packages, and updates the package lists if that fails: they may be missing or outdated.
 apt_install_or_update() {
     apt_install "$@" || { as_root apt-get update && apt_install "$@"; }
 }
 
-# Installs those of the named packages that are missing. Usage: ensure_packages LOG-FILE PACKAGE...
+# Installs the missing ones of the named packages. Usage: ensure_packages LOG-FILE PACKAGE...
 ensure_packages() {
     local log=$1 package
     local missing=()
     shift
     if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
-        fail "this machine has no apt-get; it needs what these packages of Debian 12 hold: $*"
+        fail "apt-get is missing on this machine; install the equivalents of these Debian 12 packages: $*"
     fi
     for package in "$@"; do
         if ! is_installed "$package"; then
@@ -128,7 +127,7 @@ ensure_packages() {
         return
     fi
     if ((EUID != 0)) && ! command -v sudo >/dev/null; then
-        fail "packages are missing, and this is neither root nor sudo; as root, run: apt-get install ${missing[*]}"
+        fail "packages are missing, and neither root nor sudo is available; as root, run: apt-get install ${missing[*]}"
     fi
     printf '    installing %s\n' "${missing[*]}"
     mask_services "${missing[@]}"

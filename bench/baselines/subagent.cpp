@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The one scalar that a module would hold, in a process of its own: a subagent of the agent whose AgentX socket is the
- * argument. It runs until it is ended.
+ * Baseline: one scalar from an AgentX subagent. The argument is the AgentX socket of the agent. Runs until terminated.
  */
 #include <cstdio>
 
