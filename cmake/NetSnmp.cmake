@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# The agent's libraries, as the imported targets netsnmp::agent (what a loadable module uses) and netsnmp::client.
+# Net-SNMP as imported targets: netsnmp::agent for loadable modules, netsnmp::client for clients.
 find_path(NETSNMP_INCLUDE_DIR net-snmp/net-snmp-config.h)
 find_library(NETSNMP_LIBRARY netsnmp)
 find_library(NETSNMP_AGENT_LIBRARY netsnmpagent)

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# The Debian packages: after a build, `cpack` in its directory makes one for each component that was built.
-# scripts/packages-build.sh makes those of both architectures.
+# Debian packages. After a build, `cpack` in the build directory creates a package per component.
+# scripts/packages-build.sh creates the packages of both architectures.
 include(GNUInstallDirs)
 
 set(packaging ${CMAKE_CURRENT_SOURCE_DIR}/packaging)
@@ -15,8 +15,8 @@ if(QUARNSNMP_BUILD_SIMULATOR)
   list(APPEND CPACK_COMPONENTS_ALL simulator)
 endif()
 
-# What has its place outside the prefix is for packages only: an installation below somebody's own prefix must not write
-# to the system's directories.
+# Files outside the prefix are part of the packages only. `cmake --install` with another prefix must not write to system
+# directories.
 install(FILES ${packaging}/quarnsnmp/quarnsnmp.conf
   DESTINATION /etc/snmp/snmpd.conf.d COMPONENT module EXCLUDE_FROM_ALL)
 if(QUARNSNMP_BUILD_SIMULATOR)
@@ -26,42 +26,42 @@ endif()
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/quarnsnmp COMPONENT module EXCLUDE_FROM_ALL
   FILES_MATCHING PATTERN "*.md" PATTERN decisions EXCLUDE PATTERN releasing.md EXCLUDE)
 
-# Description and dependencies beyond the shared libraries. The first line of a description is its summary; the project's
-# own, which CPack would put in front, stays out.
+# Descriptions, and dependencies in addition to shared libraries. The first line of a description is its summary; CPack
+# must not add that of the project.
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_DEBIAN_MODULE_DESCRIPTION [[SNMP agent module for PTZ cameras
-A module for the Net-SNMP agent of a pan/tilt/zoom camera. With it, a central
-system monitors and drives the camera over SNMP: NTCIP 1205 (camera control)
-and NTCIP 1201 (what the device is), identity, health, alarm inputs and
-relays, and traps when something changes.
+A module for the Net-SNMP agent of a pan/tilt/zoom camera. It lets a central
+system monitor and control the camera over SNMP: camera control (NTCIP 1205),
+device identification (NTCIP 1201), identity, health, alarm inputs and relays.
+Traps report changes.
 
-The module reaches the camera through its library libzorva-core.so. The
-camera brings that; on other machines, the package quarnsnmp-simulator has a
-stand-in for it and a simulated camera.
+The module controls the camera through its library libzorva-core.so, which is
+part of the camera's software. On other machines, quarnsnmp-simulator provides
+a stand-in for the library and a simulated camera.
 
-After the installation the agent is as it was: the module is enabled in
+The installation does not change the agent. To enable the module, edit
 /etc/snmp/snmpd.conf.d/quarnsnmp.conf.]])
-# A module belongs to its agent: it uses the agent's library in the agent's process.
+# The module runs in the agent's process and uses its libraries.
 set(CPACK_DEBIAN_MODULE_PACKAGE_DEPENDS "snmpd")
 set(CPACK_DEBIAN_MODULE_PACKAGE_SUGGESTS "quarnsnmp-tools, quarnsnmp-simulator")
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION [[control PTZ cameras over SNMP from the command line
-ptzctl moves cameras that have the SNMP objects of NTCIP 1205, reads what they
-say about themselves, and explains what it reads and writes. It works with
-several cameras at a time, in SNMPv2c and SNMPv3.
+ptzctl moves cameras with the SNMP objects of NTCIP 1205, reads their identity
+and state, and explains the values that it reads and writes. It controls
+several cameras at a time, with SNMPv2c and SNMPv3.
 
-The MIB modules of the camera are here, too: with them, the programs of the
-package snmp and other managers show names in place of numbers.]])
+The package also contains the MIB modules of the camera. With them, the
+programs of the package snmp and other managers show names instead of numbers.]])
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS "snmp")
 set(CPACK_DEBIAN_SIMULATOR_DESCRIPTION [[simulated PTZ camera to try SNMP on
-quarnsnmp-camera plays the services of a pan/tilt/zoom camera: axes and lenses
-that take their time, presets, alarm inputs, relays, temperature and power.
-quarnsnmp-camctl shows and changes what it plays, and makes services fail.
+quarnsnmp-camera simulates the services of a pan/tilt/zoom camera: axes and
+lenses that move in real time, presets, alarm inputs, relays, temperature and
+power. quarnsnmp-camctl shows and changes its state and injects faults.
 
-The SNMP agent module of the package quarnsnmp reaches it through the stand-in
-for the camera's library that is here. Do not install this package on a
-camera: the stand-in is found before the camera's own library.
+The SNMP agent module of the package quarnsnmp accesses the simulated camera
+through a stand-in for the camera's library. Do not install this package on a
+camera, because the stand-in takes precedence over the camera's own library.
 
-The service quarnsnmp-camera.service is installed, and not enabled.]])
+The package installs quarnsnmp-camera.service, but does not enable it.]])
 set(CPACK_DEBIAN_SIMULATOR_PACKAGE_RECOMMENDS "quarnsnmp")
 set(CPACK_DEBIAN_SIMULATOR_PACKAGE_SUGGESTS "quarnsnmp-tools")
 
@@ -82,10 +82,10 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   endif()
 endforeach()
 
-# The newest entry of the changelog is the release that is packed.
+# The latest changelog entry must match the packed release.
 file(STRINGS ${packaging}/changelog release_line LIMIT_COUNT 1)
 if(NOT release_line MATCHES "^quarnsnmp \\(${PROJECT_VERSION}\\) ")
-  message(FATAL_ERROR "packaging/changelog begins with '${release_line}'; expected an entry for ${PROJECT_VERSION}")
+  message(FATAL_ERROR "packaging/changelog starts with '${release_line}'; expected an entry for ${PROJECT_VERSION}")
 endif()
 file(STRINGS ${packaging}/changelog maintainer_line LIMIT_COUNT 1 REGEX "^ -- ")
 string(REGEX REPLACE "^ -- (.*>)  .*$" "\\1" CPACK_PACKAGE_CONTACT "${maintainer_line}")
@@ -103,7 +103,7 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# The core library, which belongs to no package that the module may depend on.
+# The core library is private: the module must not depend on a package that contains it.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 if(NOT ZORVA_CORE_LIBRARY STREQUAL "")
   cmake_path(GET ZORVA_CORE_LIBRARY PARENT_PATH core_library_directory)

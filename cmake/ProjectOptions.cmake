@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# Compiler options of every target of this project, as the interface target `project-options`.
+# Compiler options of all targets of this project, as the interface target `project-options`.
 set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -10,12 +10,12 @@ target_compile_options(project-options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wformat=2 -Wundef -Wcast-align -Wold-style-cast
   -Woverloaded-virtual -Wnon-virtual-dtor -Wimplicit-fallthrough -Werror)
 
-# GCC marks the static objects of inline functions and templates STB_GNU_UNIQUE, which keeps a shared object mapped
-# after dlclose(); a reload of the module would then find its old state and no poll thread.
+# GCC marks static objects of inline functions and templates as STB_GNU_UNIQUE, which keeps a shared object mapped after
+# dlclose(). A reloaded module would then find its old state and no poll thread.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(project-options INTERFACE -fno-gnu-unique)
 elseif(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-  # In place of a check of clang-tidy that takes much longer.
+  # Replaces a much slower check of clang-tidy.
   target_compile_options(project-options INTERFACE -Wreserved-identifier)
 endif()
 
@@ -24,11 +24,11 @@ if(QUARNSNMP_SANITIZER STREQUAL "address")
 elseif(QUARNSNMP_SANITIZER STREQUAL "thread")
   set(sanitizer_options -fsanitize=thread -fno-omit-frame-pointer)
 elseif(NOT QUARNSNMP_SANITIZER STREQUAL "")
-  message(FATAL_ERROR "QUARNSNMP_SANITIZER is '${QUARNSNMP_SANITIZER}'; expected nothing, 'address' or 'thread'")
+  message(FATAL_ERROR "QUARNSNMP_SANITIZER is '${QUARNSNMP_SANITIZER}'; expected '', 'address' or 'thread'")
 endif()
 if(QUARNSNMP_BUILD_FUZZERS)
   if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-    message(FATAL_ERROR "QUARNSNMP_BUILD_FUZZERS needs clang, which brings libFuzzer; the compiler is "
+    message(FATAL_ERROR "QUARNSNMP_BUILD_FUZZERS requires clang, which includes libFuzzer; the compiler is "
                         "${CMAKE_CXX_COMPILER_ID}. Use the preset 'fuzz', or set CMAKE_CXX_COMPILER to clang++")
   endif()
   list(APPEND sanitizer_options -fsanitize=fuzzer-no-link)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# Cross-compiles for the camera: Linux on AArch64, against the sysroot that scripts/aarch64-sysroot.sh makes.
+# Cross-compiles for the camera, Linux on AArch64, with the sysroot created by scripts/aarch64-sysroot.sh.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
@@ -9,10 +9,10 @@ set(QUARNSNMP_SYSROOT ${CMAKE_CURRENT_LIST_DIR}/../build/aarch64-sysroot CACHE P
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES QUARNSNMP_SYSROOT)
 get_filename_component(CMAKE_SYSROOT ${QUARNSNMP_SYSROOT} ABSOLUTE)
 if(NOT EXISTS ${CMAKE_SYSROOT}/contents)
-  message(FATAL_ERROR "There is no sysroot in ${CMAKE_SYSROOT}; make it with scripts/aarch64-sysroot.sh")
+  message(FATAL_ERROR "There is no sysroot in ${CMAKE_SYSROOT}; create it with scripts/aarch64-sysroot.sh")
 endif()
 
-# Runs the tests.
+# Emulator for the tests.
 find_program(QUARNSNMP_EMULATOR qemu-aarch64-static)
 mark_as_advanced(QUARNSNMP_EMULATOR)
 if(QUARNSNMP_EMULATOR)

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# Run by cpack when everything lies where it will be packed: Debian wants manuals and changelogs compressed, and the
-# rules that install them also serve installations without a package.
+# Run by cpack before it packs the files. Compresses manuals and changelogs as Debian requires; `cmake --install` leaves
+# them uncompressed.
 file(GLOB_RECURSE texts
   ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*/usr/share/man/*.[1-8]
   ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*/usr/share/doc/*/changelog)

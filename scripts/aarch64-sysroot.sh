@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Makes a sysroot for AArch64 from Debian's packages, for the preset `aarch64`: headers and libraries to build with, and
-# an agent to load the module. The packages are unpacked and not installed, because arm64's development packages cannot
-# be installed beside the native ones. Usage: scripts/aarch64-sysroot.sh [DIRECTORY]
+# Creates a sysroot for the preset `aarch64` from Debian packages: headers and libraries for the build, and an agent for
+# the tests. The packages are unpacked, not installed, because arm64 development packages conflict with the native ones.
+# Usage: scripts/aarch64-sysroot.sh [DIRECTORY]
 set -euo pipefail
 
 root=$(dirname -- "$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")")
@@ -13,12 +13,12 @@ source "$root/scripts/packages.sh"
 
 sysroot=$(readlink -m -- "${1:-$root/build/aarch64-sysroot}")
 state=$sysroot.apt
-# Of the packages in the sysroot, for dpkg's tools.
+# Package database of the sysroot, for the tools of dpkg.
 database=$sysroot/var/lib/dpkg
-# The file that is written last says that the sysroot is complete, and with what.
+# Written last: marks a complete sysroot and lists its packages.
 contents=$sysroot/contents
 
-# An apt of its own: nothing of the machine's package state is read or changed but its sources and keys.
+# Runs apt-get with a separate state. Only the sources and keys of the machine are used.
 foreign_apt() {
     apt-get -q \
         -o APT::Architecture=arm64 -o APT::Architectures=arm64 -o APT::Sandbox::User=root \
@@ -32,13 +32,13 @@ unpack_packages() {
     printf '%s\n' "$(dpkg --print-architecture)" arm64 >"$database/arch"
     for archive in "$state"/cache/archives/*.deb; do
         dpkg -x "$archive" "$sysroot"
-        note_package "$archive"
+        record_package "$archive"
     done
 }
 
-# Enters an unpacked package into the database, as installed: where its files are here, and what a program that uses its
-# libraries depends on. Usage: note_package ARCHIVE
-note_package() {
+# Records an unpacked package as installed in the database: the paths of its files, and the dependencies of programs
+# that use its libraries. Usage: record_package ARCHIVE
+record_package() {
     local archive=$1 name kind
     name=$(dpkg-deb --field "$archive" Package)
     if [[ $(dpkg-deb --field "$archive" Multi-Arch) == same ]]; then
@@ -52,7 +52,7 @@ note_package() {
     done
 }
 
-# Absolute links of the packages would lead out of the sysroot.
+# Absolute links of the packages would point outside the sysroot.
 make_links_relative() {
     local link target
     while IFS= read -r -d '' link; do
@@ -61,7 +61,7 @@ make_links_relative() {
     done < <(find "$sysroot" -type l -lname '/*' -print0)
 }
 
-command -v apt-get >/dev/null || fail "this machine has no apt-get, which the sysroot is made with"
+command -v apt-get >/dev/null || fail "apt-get is missing on this machine; it is required to create the sysroot"
 if [[ -f $contents && -f $database/status && $(cat -- "$contents") == "${aarch64_sysroot_packages[*]}" ]]; then
     exit 0
 fi

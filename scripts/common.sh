@@ -1,14 +1,14 @@
 # SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
-# What the commands of this project have in common; to be sourced.
+# Common functions of the commands of this project; to be sourced.
 
-# Ends the command with one line that says why.
+# Exits with a one-line error message.
 fail() {
     printf '%s: %s\n' "${0##*/}" "$*" >&2
     exit 1
 }
 
-# Runs a command with its output in a file; a failure ends this command with the last lines of it.
+# Runs a command with its output in a file. On failure, prints the last lines and exits.
 # Usage: run_logged WHAT FILE COMMAND...
 run_logged() {
     local what=$1 log=$2
@@ -16,7 +16,7 @@ run_logged() {
     mkdir -p -- "$(dirname -- "$log")"
     if ! "$@" >"$log" 2>&1; then
         tail -n 40 -- "$log" >&2
-        fail "$what failed; its last lines are above, all of them are in $log"
+        fail "$what failed; the last lines of its output are above, the full output is in $log"
     fi
 }
 
@@ -24,14 +24,14 @@ run_logged() {
 build_preset() {
     local root=$1 preset=$2
     shift 2
-    # cmake finds presets in the current directory only.
+    # cmake looks for presets in the current directory only.
     run_logged "configuring the build '$preset'" "$root/build/log/$preset-configure.log" \
         env --chdir="$root" "$@" cmake --preset "$preset"
     run_logged "the build '$preset'" "$root/build/log/$preset-build.log" \
         env --chdir="$root" "$@" cmake --build --preset "$preset"
 }
 
-# Whether a process has bound a UDP port. Any local address counts: most of the time it is all of them.
+# Tests whether a UDP port is in use, on any local address. Usage: udp_port_in_use PORT
 udp_port_in_use() {
     local suffix table address
     printf -v suffix ':%04X' "$1"

@@ -11,7 +11,7 @@ source "$root/scripts/packages.sh"
 
 output=$root/build/packages
 
-# Packs the build of a preset. Usage: pack PRESET
+# Builds and packs a preset. Usage: pack PRESET
 pack() {
     local work=$output/$1
     build_preset "$root" "$1"
@@ -22,7 +22,7 @@ pack() {
 }
 
 if [[ $(dpkg --print-architecture) != amd64 ]]; then
-    fail "this machine is not amd64, for which the preset 'release' makes packages here"
+    fail "packages can be built on amd64 only, because the preset 'release' builds for this machine"
 fi
 ensure_packages "$root/build/log/packages.log" \
     "${run_packages[@]}" "${aarch64_packages[@]}" "${package_packages[@]}"

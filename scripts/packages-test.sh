@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Tests the Debian packages: with lintian; installed, used and purged in a root of their own (amd64); unpacked beside
-# what they depend on (arm64). Usage: scripts/packages-test.sh [DIRECTORY]
-# DIRECTORY holds the packages of both architectures; without it they are built. QUARNSNMP_SYSROOT names the sysroot
-# that those of arm64 were built with, when it is another than the project's.
+# Tests the Debian packages: checks them with lintian; installs, uses and purges those of amd64 in a separate root file
+# system; unpacks those of arm64 and checks their dependencies. Usage: scripts/packages-test.sh [DIRECTORY]
+# DIRECTORY contains the packages of both architectures; by default they are built first. QUARNSNMP_SYSROOT is the
+# sysroot of the arm64 packages, by default that of the project.
 set -euo pipefail
 
 root=$(dirname -- "$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")")
@@ -20,7 +20,7 @@ agent_address=127.0.0.1
 camera_pid=
 agent_pid=
 
-# Ends the processes that were started here.
+# Terminates camera and agent.
 stop_programs() {
     local pid attempt
     for pid in $agent_pid $camera_pid; do
@@ -39,7 +39,7 @@ stop_programs() {
 # Usage: archive PACKAGE ARCHITECTURE
 archive() {
     local found=("$packages/$1"_*_"$2".deb)
-    [[ -f ${found[0]} && ${#found[@]} == 1 ]] || fail "not one package $1 for $2 in $packages"
+    [[ -f ${found[0]} && ${#found[@]} == 1 ]] || fail "expected exactly one package $1 for $2 in $packages"
     printf '%s\n' "${found[0]}"
 }
 
@@ -55,12 +55,12 @@ field() {
     dpkg-deb --field "$(archive "$1" "$2")" "$3"
 }
 
-# The packages that a package needs, one a line, without versions.
+# Lists the dependencies of a package, one per line, without versions.
 dependencies() {
     field "$1" "$2" Depends | sed 's/([^)]*)//g; s/,/\n/g' | tr -d ' ' | sort
 }
 
-# In the root of the test, as root there.
+# Runs a command as root in the root file system of the test.
 inside() {
     chroot "$debian" /usr/bin/env --ignore-environment PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C HOME=/root \
         DEBIAN_FRONTEND=noninteractive "$@"
@@ -79,13 +79,13 @@ await() {
     done
 }
 
-# A build that is packed again makes the same packages.
+# Packing the same build again must produce identical packages.
 test_repetition() {
     local again=$packages/again deb
     run_logged "packing the build 'release' again" "$root/build/log/packages-again.log" \
         env --chdir="$root/build/release" cpack -B "$again"
     for deb in "$again"/*.deb; do
-        cmp -- "$deb" "$packages/${deb##*/}" || fail "${deb##*/} is not the same when it is made again"
+        cmp -- "$deb" "$packages/${deb##*/}" || fail "${deb##*/} differs when it is built again"
     done
     rm -r -- "$again"
 }
@@ -93,59 +93,59 @@ test_repetition() {
 test_lintian() {
     local debs
     mapfile -t debs < <(archives amd64 && archives arm64)
-    lintian --allow-root --fail-on error,warning -- "${debs[@]}" || fail "lintian has found something; see above"
+    lintian --allow-root --fail-on error,warning -- "${debs[@]}" || fail "lintian reports problems; see above"
 }
 
-# The version is that of the latest change, and of the commands that install the packages.
+# The version must be that of the latest changelog entry and of the commands in docs/install.md.
 test_version() {
     local name version
     version=$(sed -n '1s/^quarnsnmp (\([^)]*\)) .*/\1/p' "$root/packaging/changelog")
     for name in "${names[@]}"; do
         [[ $(field "$name" amd64 Version) == "$version" ]] ||
-            fail "$name is version $(field "$name" amd64 Version), but packaging/changelog begins with '$version'"
+            fail "$name is version $(field "$name" amd64 Version), but packaging/changelog starts with '$version'"
         grep -qF "./${name}_${version}_amd64.deb" "$root/docs/install.md" ||
             fail "docs/install.md does not install version $version of $name"
     done
 }
 
-# Both architectures have the same files, and depend on the same packages.
+# Both architectures must have the same files and dependencies.
 test_architectures() {
     local name
     for name in "${names[@]}"; do
-        [[ $(field "$name" arm64 Architecture) == arm64 ]] || fail "$name says that it is not for arm64"
+        [[ $(field "$name" arm64 Architecture) == arm64 ]] || fail "$name is not for arm64"
         diff <(dpkg-deb --fsys-tarfile "$(archive "$name" amd64)" | tar --list | sort) \
             <(dpkg-deb --fsys-tarfile "$(archive "$name" arm64)" | tar --list | sort) ||
             fail "the packages $name of amd64 (<) and arm64 (>) have different files"
         diff <(dependencies "$name" amd64) <(dependencies "$name" arm64) ||
-            fail "the packages $name of amd64 (<) and arm64 (>) depend on different packages"
+            fail "the packages $name of amd64 (<) and arm64 (>) have different dependencies"
     done
 }
 
-# Unpacks the packages of arm64 into a root whose package database is that of the sysroot. Nothing of it can run there.
+# Unpacks the arm64 packages into a root with the package database of the sysroot. Their programs are not run.
 test_arm64() {
     local arm64=$work/arm64 file debs programs=0
     mkdir -p -- "$arm64/var/lib"
     cp -a -- "$sysroot/var/lib/dpkg" "$arm64/var/lib/"
     mapfile -t debs < <(archives arm64)
     run_logged "unpacking the packages of arm64" "$work/arm64.log" dpkg --root="$arm64" --unpack "${debs[@]}"
-    run_logged "checking what the packages of arm64 depend on" "$work/arm64.log" \
+    run_logged "checking the dependencies of the arm64 packages" "$work/arm64.log" \
         dpkg --root="$arm64" --simulate --configure "${names[@]}"
     for file in "$arm64"/usr/bin/* "$arm64"/usr/lib/quarnsnmp/*; do
         [[ $(LC_ALL=C readelf --file-header "$file" 2>/dev/null) == *'Machine: '*AArch64* ]] ||
-            fail "$file is no program or library for AArch64"
+            fail "$file is not a program or library for AArch64"
         programs=$((programs + 1))
     done
     ((programs == 5)) || fail "the packages of arm64 have $programs programs and libraries; expected 5"
 }
 
-# Makes a root with Debian's agent and SNMP programs, with what the packages depend on, and with nothing else, so that a
-# dependency that is not declared is missed. It is kept: only another list of packages needs another root.
+# Creates a Debian root file system with the SNMP programs and the declared dependencies of the packages only, so that an
+# undeclared dependency causes a failure. It is kept until the list of packages changes.
 make_root() {
     local base=$root/build/packages-root name wanted sources
     sources=$(debian_sources)
     wanted=$(for name in "${names[@]}"; do dependencies "$name" amd64; done | sort -u | paste -sd ,),snmp
     if [[ ! -f $base.tar || $(cat -- "$base.contents" 2>/dev/null) != "$wanted" ]]; then
-        run_logged "making a root of Debian" "$root/build/log/packages-root.log" \
+        run_logged "creating a Debian root file system" "$root/build/log/packages-root.log" \
             mmdebstrap --variant=minbase --dpkgopt=force-unsafe-io \
             --include="$wanted" bookworm "$base.tar" "$sources"
         printf '%s' "$wanted" >"$base.contents"
@@ -157,7 +157,7 @@ make_root() {
     fi
 }
 
-# The file that says where this machine has Debian from.
+# Prints the file with the Debian sources of this machine.
 debian_sources() {
     local file
     for file in /etc/apt/sources.list.d/debian.sources /etc/apt/sources.list; do
@@ -166,10 +166,10 @@ debian_sources() {
             return
         fi
     done
-    fail "neither /etc/apt/sources.list nor sources.list.d/debian.sources says where Debian is"
+    fail "neither /etc/apt/sources.list nor sources.list.d/debian.sources contains Debian sources"
 }
 
-# What is ours in the configuration: a port that is free, and who may do what on this machine.
+# Configures a free port and write access from this machine.
 prepare_agent() {
     local port
     for ((port = 20161; port < 20261; ++port)); do
@@ -178,12 +178,12 @@ prepare_agent() {
     agent_address=127.0.0.1:$port
     sed -i "s/^agentaddress .*/agentaddress udp:$agent_address/" "$debian/etc/snmp/snmpd.conf"
     echo 'rwcommunity private 127.0.0.1 -V quarnsnmp' >"$debian/etc/snmp/snmpd.conf.d/local.conf"
-    # Every request to start, stop or restart a service is noted and refused.
+    # Records and refuses all requests to start, stop or restart a service.
     printf '#!/bin/sh\necho "$*" >>/services\nexit 101\n' >"$debian/usr/sbin/policy-rc.d"
     chmod 755 -- "$debian/usr/sbin/policy-rc.d"
 }
 
-# All that is in the root, but what dpkg and the agent write down for themselves.
+# Lists the files in the root, except state files of dpkg and of the agent.
 contents_of_root() {
     local others='\./(proc|var/(agentx|cache|log|lib/(dpkg|snmp)))'
     (cd -- "$debian" &&
@@ -192,7 +192,7 @@ contents_of_root() {
 
 # Usage: expect_no_requests WHO
 expect_no_requests() {
-    [[ ! -e $debian/services ]] || fail "$1 wanted to start or stop a service: $(cat -- "$debian/services")"
+    [[ ! -e $debian/services ]] || fail "$1 requested to start or stop a service: $(cat -- "$debian/services")"
 }
 
 test_installation() {
@@ -202,14 +202,14 @@ test_installation() {
     rm -r -- "$debian/debs"
     expect_no_requests "the installation"
     if grep -v '^#' "$debian/etc/snmp/snmpd.conf.d/quarnsnmp.conf" | grep .; then
-        fail "the agent's configuration is not all comments as it is installed; see above"
+        fail "the installed agent configuration has active lines; see above"
     fi
     if find "$debian/etc/systemd" -name 'quarnsnmp*' | grep .; then
-        fail "the camera's service is enabled as it is installed; see above"
+        fail "the installation enables the camera's service; see above"
     fi
 }
 
-# The manuals that are installed have the options and commands that the programs tell of, and no others.
+# The manuals must describe exactly the options and commands in the help texts of the programs.
 test_manuals() {
     local program
     for program in quarnsnmp-camera quarnsnmp-camctl; do
@@ -220,7 +220,7 @@ test_manuals() {
     done
 }
 
-# The options of a program and its commands, and the commands and their options.
+# Lists the options and commands of a program, and the options of each command.
 help_of() {
     local program=$1 command
     inside "$program" --help | grep -oE '^ +(-h,)?--[a-z]+' | grep -oE -- '--[a-z]+'
@@ -230,29 +230,29 @@ help_of() {
     done
 }
 
-# systemd does not run in the root, so its own checker reads the unit, with the program where it is seen from here.
+# systemd does not run in the root, so systemd-analyze checks the unit, with the path of the program from outside.
 test_unit() {
     local unit=$work/quarnsnmp-camera.service
     sed "s:^ExecStart=:&$debian:" "$debian/lib/systemd/system/quarnsnmp-camera.service" >"$unit"
     run_logged "the check of the unit" "$work/unit.log" systemd-analyze verify --man=no "$unit"
-    [[ ! -s $work/unit.log ]] || fail "systemd says of the unit: $(cat -- "$work/unit.log")"
-    run_logged "the check of the unit's rights" "$work/unit-security.log" \
+    [[ ! -s $work/unit.log ]] || fail "systemd-analyze reports problems of the unit: $(cat -- "$work/unit.log")"
+    run_logged "the check of the unit's security" "$work/unit-security.log" \
         systemd-analyze security --offline=true --threshold=20 "$unit"
 }
 
-# The command that a unit in the root starts. Usage: command_of UNIT
+# Prints the command of a unit in the root. Usage: command_of UNIT
 command_of() {
     sed -n 's/^ExecStart=//p' "$debian/lib/systemd/system/$1.service"
 }
 
-# Starts camera and agent as their units do.
+# Starts camera and agent with the commands of their units.
 start_programs() {
     local directory command
     for directory in run var/lib; do
         inside install -d -m 0700 -o Debian-snmp -g Debian-snmp "/$directory/quarnsnmp-camera"
     done
     read -r -a command < <(command_of quarnsnmp-camera)
-    # Otherwise the camera finds its files from where its program is, and that in /proc.
+    # The camera derives the path of its files from its program in /proc. Without /proc, name the file.
     [[ -e $debian/proc/self/exe ]] || command+=(--camera /usr/share/quarnsnmp/cameras/dome.json)
     setpriv --pdeathsig TERM \
         chroot --userspec=Debian-snmp:Debian-snmp "$debian" "${command[@]}" >"$work/camera.log" 2>&1 &
@@ -261,7 +261,7 @@ start_programs() {
     read -r -a command < <(command_of snmpd)
     setpriv --pdeathsig TERM chroot "$debian" "${command[@]}" >"$work/agent.log" 2>&1 &
     agent_pid=$!
-    await "an answer with the model's name" "$work/agent.log" get modelName.0
+    await "a response with the model's name" "$work/agent.log" get modelName.0
 }
 
 # Usage: get OBJECT
@@ -271,19 +271,19 @@ get() {
 
 test_use() {
     local walk=$work/walk arc object
-    # As docs/install.md says.
+    # As described in docs/install.md.
     inside sed -i -E 's/^#(view|dlmod)/\1/' /etc/snmp/snmpd.conf.d/quarnsnmp.conf
     start_programs
     [[ $(get modelName.0) == 'QN-4000 Dome' ]] || fail "the model's name is '$(get modelName.0)'"
     for arc in nema quarn; do
         inside snmpwalk -v2c -c private -m QUARN-NTCIP-1205-MIB "$agent_address" "$arc"
     done >"$walk"
-    # An object without a name shows as numbers below another one's.
+    # snmpwalk prints an object without a name as numbers below a named one.
     if grep -vE '^QUARN-[A-Z0-9-]+::[A-Za-z]+\.[0-9]+ = ' "$walk"; then
-        fail "the walk has something that is not an object with a name; see above"
+        fail "the walk returns objects without a name; see above"
     fi
     for object in rangePanLeftLimit.0 relayStatesState.2; do
-        grep -q "::$object = " "$walk" || fail "there is no $object in the walk, which is in $walk"
+        grep -q "::$object = " "$walk" || fail "$object is missing in the walk, see $walk"
     done
     inside ptzctl --host "$agent_address" --community private pan to 90 >"$work/ptzctl.log" 2>&1 ||
         fail "ptzctl: $(cat -- "$work/ptzctl.log")"
@@ -296,21 +296,21 @@ camera_is_at() {
     inside quarnsnmp-camctl state | tr -d ' \n' | grep -qE "\"pan\":\{[^}]*\"position\":$1[,}]"
 }
 
-# What removing leaves is the configuration, and what purging leaves is nothing. Usage: test_removal CONTENTS-BEFORE
+# Removal must keep the configuration only, and a purge nothing. Usage: test_removal CONTENTS-BEFORE
 test_removal() {
     local link=/etc/systemd/system/multi-user.target.wants/quarnsnmp-camera.service
-    # As systemctl enable does.
+    # Same as systemctl enable.
     inside mkdir -p "${link%/*}"
     inside ln -s /lib/systemd/system/quarnsnmp-camera.service "$link"
-    run_logged "removing" "$work/remove.log" inside dpkg --remove "${names[@]}"
-    [[ ! -L $debian$link ]] || fail "removing leaves the service enabled"
-    [[ -f $debian/etc/snmp/snmpd.conf.d/quarnsnmp.conf ]] || fail "removing takes the agent's configuration away"
-    run_logged "purging" "$work/purge.log" inside dpkg --purge "${names[@]}"
-    expect_no_requests "removing"
-    # A directory of systemd's own, and the sockets' directory, which systemd removes when the service ends.
+    run_logged "the removal" "$work/remove.log" inside dpkg --remove "${names[@]}"
+    [[ ! -L $debian$link ]] || fail "the service is still enabled after removal"
+    [[ -f $debian/etc/snmp/snmpd.conf.d/quarnsnmp.conf ]] || fail "removal deletes the agent's configuration"
+    run_logged "the purge" "$work/purge.log" inside dpkg --purge "${names[@]}"
+    expect_no_requests "the removal"
+    # A directory that belongs to systemd, and the sockets' directory, which systemd removes when the service stops.
     inside rmdir --ignore-fail-on-non-empty "${link%/*}"
     inside rmdir /run/quarnsnmp-camera
-    diff "$1" <(contents_of_root) || fail "purging does not leave what was there before (<); see above"
+    diff "$1" <(contents_of_root) || fail "the purge does not restore the initial state (<); see above"
 }
 
 packages=$(readlink -m -- "${1:-$root/build/packages}")
@@ -322,7 +322,7 @@ if ((EUID != 0)); then
     as_root env QUARNSNMP_SYSROOT="$sysroot" "$0" "$packages"
     exit
 fi
-# What is mounted in a namespace of this command's own is gone when it ends.
+# Mounts in a private namespace disappear when this command exits.
 if [[ -z ${QUARNSNMP_OWN_MOUNTS:-} ]] && unshare --mount true 2>/dev/null; then
     exec env QUARNSNMP_OWN_MOUNTS=yes unshare --mount "$0" "$packages"
 fi
@@ -348,4 +348,4 @@ if [[ -n ${QUARNSNMP_OWN_MOUNTS:-} ]]; then
     umount "$debian/proc"
 fi
 rm -rf -- "$debian" "$work/arm64"
-echo "the packages of amd64 and arm64 are in order"
+echo "The packages of amd64 and arm64 pass all tests."
