@@ -138,8 +138,8 @@ test_arm64() {
     ((programs == 5)) || fail "the packages of arm64 have $programs programs and libraries; expected 5"
 }
 
-# Creates a Debian root file system with the SNMP programs and the declared dependencies of the packages only, so that an
-# undeclared dependency causes a failure. It is kept until the list of packages changes.
+# Creates a Debian root file system with the SNMP programs and the declared dependencies of the packages only, so that
+# an undeclared dependency causes a failure. It is kept until the list of packages changes.
 make_root() {
     local base=$root/build/packages-root name wanted sources
     sources=$(debian_sources)
