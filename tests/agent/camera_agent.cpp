@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "camera_agent.h"
 
+#include "object_oids.h"
+#include "settings.h"
+
 namespace harness {
 
 AgentOptions withCamera(AgentOptions options, const Camera &camera) {
@@ -9,6 +12,19 @@ AgentOptions withCamera(AgentOptions options, const Camera &camera) {
     options.cameraDirectory = module.cameraDirectory;
     options.environment.insert(module.environment.begin(), module.environment.end());
     return options;
+}
+
+std::string modelName(const Agent &agent) {
+    const Result result = Manager(agent.peer()).get(oids::modelName);
+    return result.ok() && result.single().type == Type::Octets ? result.single().octets : "";
+}
+
+std::size_t threadsWithoutModule() {
+    return agentPrefix().empty() ? 1 : 2;
+}
+
+std::size_t threadsWithModule() {
+    return threadsWithoutModule() + 1;
 }
 
 CameraAgent::CameraAgent(const std::string &camera, const AgentOptions &agent)

@@ -18,6 +18,13 @@ namespace harness {
 /** Options of an agent with the module of this build, for a running camera. @param options what else it is to have */
 AgentOptions withCamera(AgentOptions options, const Camera &camera);
 
+/** Returns modelName as the agent answers it; empty without such an object. */
+std::string modelName(const Agent &agent);
+
+/** Number of an agent's threads: its own, one of the emulator that it may run in, and the module's poll thread. */
+std::size_t threadsWithoutModule();
+std::size_t threadsWithModule();
+
 /** A camera with an agent, and a manager that may write. */
 class CameraAgent : public testing::Test {
 protected:

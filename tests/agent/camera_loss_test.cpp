@@ -4,18 +4,16 @@
 #include <gtest/gtest.h>
 
 #include "camera.h"
+#include "camera_agent.h"
 #include "eventually.h"
-#include "identity_objects.h"
-#include "positioning_objects.h"
+#include "object_oids.h"
+#include "position_commands.h"
 #include "process_information.h"
 
 namespace {
 
 using namespace harness;
-using namespace identity;
-using positioning_objects::kPositionPan;
-using positioning_objects::kRangePanHomePosition;
-using positioning_objects::stop;
+using position_commands::stop;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
@@ -25,10 +23,10 @@ constexpr const char *kReadOperation = "get_static_information_send";
 void expectNoIdentity(const Agent &agent) {
     Manager manager(agent.peer());
     for (const char *oid :
-         {kModelNumber, kModelName, kSerialNumber, kFirmwareVersion, kSoftwareVersion, kHardwareVersion}) {
+         {oids::modelNumber, oids::modelName, oids::serialNumber, oids::fwVersion, oids::swVersion, oids::hwVersion}) {
         EXPECT_EQ(manager.get(oid).single().type, Type::NoSuchObject) << oid;
     }
-    EXPECT_EQ(manager.get(kRangePanHomePosition).single().number, 65535);
+    EXPECT_EQ(manager.get(oids::rangePanHomePosition).single().number, 65535);
 }
 
 /** A module that finds no service waits for the lens services; at this pace of its clock that takes no time. */
@@ -63,7 +61,7 @@ TEST(CameraLoss, AReloadFindsTheCameraAgainAfterItsPowerWasCut) {
         agent.hup();
         EXPECT_EQ(modelName(agent), name);
     }
-    EXPECT_EQ(agent.log().count(std::string("oid ") + kVendorSubtree), 0U) << "registered twice";
+    EXPECT_EQ(agent.log().count(std::string("oid ") + oids::kVendorSubtree), 0U) << "registered twice";
 }
 
 TEST(CameraLoss, WithoutACameraTheModuleAnswersForPanAndTilt) {
@@ -73,7 +71,7 @@ TEST(CameraLoss, WithoutACameraTheModuleAnswersForPanAndTilt) {
     expectNoIdentity(agent);
     EXPECT_EQ(agent.moduleLog().count("no zorva API dev info"), 3U) << agent.moduleLog().text();
     EXPECT_EQ(agent.moduleLog().count("no zorva API positionings"), 1U);
-    EXPECT_THAT(Manager(agent.peer()).walk(kNtcipSubtree), testing::SizeIs(12 + 3)) << "and the presets";
+    EXPECT_THAT(Manager(agent.peer()).walk(oids::kNtcipSubtree), testing::SizeIs(12 + 3)) << "and the presets";
     EXPECT_EQ(threadCount(agent.pid()), threadsWithModule());
     camera.start();
     agent.hup();
@@ -134,14 +132,14 @@ TEST(CameraLoss, ACameraThatIsStoppedInItsTracksHoldsACommandForItsCallsOnly) {
     const Agent agent(withModule(camera.directory()));
     Manager manager(agent.peer());
     const std::string name = modelName(agent);
-    EXPECT_TRUE(manager.get(kPositionPan).ok());
+    EXPECT_TRUE(manager.get(oids::positionPan).ok());
     ASSERT_EQ(kill(camera.pid(), SIGSTOP), 0);
     EXPECT_EQ(modelName(agent), name);
     // One call, which is given up after two seconds.
-    EXPECT_TRUE(manager.set({octets(kPositionPan, stop())}).ok());
+    EXPECT_TRUE(manager.set({octets(oids::positionPan, stop())}).ok());
     ASSERT_EQ(kill(camera.pid(), SIGCONT), 0);
     EXPECT_EQ(agent.moduleLog().count("Failed zorva api call: zorva_api_positioning_set_velocity_send("), 1U);
-    EXPECT_TRUE(manager.set({octets(kPositionPan, stop())}).ok());
+    EXPECT_TRUE(manager.set({octets(oids::positionPan, stop())}).ok());
     EXPECT_EQ(agent.moduleLog().count("Failed zorva api call"), 1U);
 }
 

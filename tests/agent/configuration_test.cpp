@@ -9,16 +9,14 @@
 #include <gtest/gtest.h>
 
 #include "configured_agent.h"
-#include "identity_objects.h"
+#include "object_oids.h"
 #include "process_information.h"
 #include "trap_receiver.h"
-#include "well_known_objects.h"
 
 namespace {
 
 using namespace configured_agent;
 using namespace harness;
-using namespace identity;
 using nlohmann::json;
 using std::chrono::milliseconds;
 using testing::HasSubstr;
@@ -79,7 +77,7 @@ protected:
 
 void expectNoAnswer(Manager &&manager, const std::string &who) {
     manager.setTimeout(kShortWait);
-    const Result result = manager.get(kModelName);
+    const Result result = manager.get(oids::modelName);
     EXPECT_FALSE(result.answered) << who << ": " << result;
     EXPECT_THAT(result.report, IsEmpty()) << who;
 }
@@ -143,25 +141,25 @@ TEST_F(LabConfiguration, ListensOnTheLoopbackInterfaceOnly) {
 }
 
 TEST_F(LabConfiguration, PublicSeesTheSystemAndTheCameraAndWritesNothing) {
-    expectToSeeOnly(reader_, {kSystem, kNtcipSubtree, kVendorSubtree});
+    expectToSeeOnly(reader_, {oids::kSystemSubtree, oids::kNtcipSubtree, oids::kVendorSubtree});
     expectWrites(reader_, commands(), ErrorStatus::NoAccess);
     expectWrites(reader_, settings(), ErrorStatus::NoAccess);
     expectWrites(reader_, objectsOfTheAgent(), ErrorStatus::NoAccess);
 }
 
 TEST_F(LabConfiguration, PrivateWritesTheCameraAndNothingElse) {
-    expectToSeeOnly(manager_, {kNtcipSubtree, kVendorSubtree});
+    expectToSeeOnly(manager_, {oids::kNtcipSubtree, oids::kVendorSubtree});
     expectWrites(manager_, commands(), ErrorStatus::None);
     expectWrites(manager_, settings(), ErrorStatus::None);
     expectWrites(manager_, objectsOfTheAgent(), ErrorStatus::NoAccess);
-    EXPECT_EQ(get(kModelName), "\"QN-4000 Dome\"") << "the module is still there";
+    EXPECT_EQ(get(oids::modelName), "\"QN-4000 Dome\"") << "the module is still there";
 }
 
 TEST_F(LabConfiguration, OtherCommunitiesAreNotAnswered) {
     for (const char *community : {"", "Public", "admin"}) {
         expectNoAnswer(Manager(agent_.peer(), community), community);
     }
-    EXPECT_TRUE(reader_.get(kModelName).ok());
+    EXPECT_TRUE(reader_.get(oids::modelName).ok());
 }
 
 TEST(LabConfigurationTraps, AreSentAsVersion2) {
@@ -174,21 +172,21 @@ TEST(LabConfigurationTraps, AreSentAsVersion2) {
 }
 
 TEST_F(FieldConfiguration, TheViewerSeesTheSystemAndTheCameraAndWritesNothing) {
-    expectToSeeOnly(viewer_, {kSystem, kNtcipSubtree, kVendorSubtree});
-    EXPECT_EQ(valueText(viewer_.get(kModelName).single()), "\"QN-4000 Dome\"");
+    expectToSeeOnly(viewer_, {oids::kSystemSubtree, oids::kNtcipSubtree, oids::kVendorSubtree});
+    EXPECT_EQ(valueText(viewer_.get(oids::modelName).single()), "\"QN-4000 Dome\"");
     expectWrites(viewer_, commands(), ErrorStatus::NoAccess);
     expectWrites(viewer_, settings(), ErrorStatus::NoAccess);
     expectWrites(viewer_, objectsOfTheAgent(), ErrorStatus::NoAccess);
 }
 
 TEST_F(FieldConfiguration, TheOperatorWritesTheCameraAndNothingElse) {
-    expectToSeeOnly(operator_, {kSystem, kNtcipSubtree, kVendorSubtree});
+    expectToSeeOnly(operator_, {oids::kSystemSubtree, oids::kNtcipSubtree, oids::kVendorSubtree});
     expectWrites(operator_, commands(), ErrorStatus::None);
     EXPECT_THAT(presets(), IsEmpty());
     expectWrites(operator_, settings(), ErrorStatus::None);
     EXPECT_THAT(presets(), SizeIs(1));
     expectWrites(operator_, objectsOfTheAgent(), ErrorStatus::NoAccess);
-    EXPECT_TRUE(operator_.get(kModelName).ok()) << "the module is still there";
+    EXPECT_TRUE(operator_.get(oids::modelName).ok()) << "the module is still there";
 }
 
 TEST_F(FieldConfiguration, TheOperatorRestartsTheCameraAndTheViewerDoesNot) {
@@ -205,7 +203,7 @@ TEST_F(FieldConfiguration, CommunitiesAreNotAnswered) {
             expectNoAnswer(Manager(agent_.peer(), community, version), community);
         }
     }
-    EXPECT_TRUE(viewer_.get(kModelName).ok());
+    EXPECT_TRUE(viewer_.get(oids::modelName).ok());
 }
 
 TEST_P(FieldConfigurationRefuses, WhatIsNotSignedAndEncryptedByItsUser) {
@@ -216,14 +214,14 @@ TEST_P(FieldConfigurationRefuses, WhatIsNotSignedAndEncryptedByItsUser) {
     if (!answered && !reported) {
         stranger->setTimeout(kShortWait);
     }
-    for (const Result &result : {stranger->get(kModelName), stranger->set({reboot()})}) {
+    for (const Result &result : {stranger->get(oids::modelName), stranger->set({reboot()})}) {
         EXPECT_EQ(result.answered, answered) << result;
         EXPECT_EQ(result.error, error) << result;
         EXPECT_EQ(!result.report.empty(), reported) << result;
         EXPECT_THAT(result.report, testing::StartsWith(report));
     }
     stranger.reset(); // its keys must not be taken for the operator's
-    EXPECT_TRUE(operator_.get(kModelName).ok());
+    EXPECT_TRUE(operator_.get(oids::modelName).ok());
     EXPECT_EQ(logged("rebooting system now"), 0U);
 }
 
@@ -263,7 +261,7 @@ TEST_F(FieldConfigurationWithAWideView, TheAgentTakesWhatTheShippedViewsKeepFrom
         EXPECT_TRUE(result.answered) << object.name << ": " << result;
         EXPECT_NE(result.error, ErrorStatus::NoAccess) << object.name << ": " << result;
     }
-    EXPECT_EQ(operator_.get(kModelName).single().type, Type::NoSuchObject) << "the module can be unloaded";
+    EXPECT_EQ(operator_.get(oids::modelName).single().type, Type::NoSuchObject) << "the module can be unloaded";
 }
 
 TEST(FieldConfigurationTraps, AreSignedAndEncryptedByTheNotifier) {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "object_oids.h"
 #include "settings.h"
 
 namespace configured_agent {
@@ -25,26 +26,26 @@ std::vector<Replacement> placed(std::vector<Replacement> replacements, const std
 std::vector<Written> commands() {
     const std::string stop(4, '\0');
     return {
-        {"positionPan", octets(".1.3.6.1.4.1.1206.4.2.7.4.1.0", stop)},
-        {"positionTilt", octets(".1.3.6.1.4.1.1206.4.2.7.4.2.0", stop)},
-        {"positionZoomLens", octets(".1.3.6.1.4.1.1206.4.2.7.4.3.0", stop)},
-        {"positionFocusLens", octets(".1.3.6.1.4.1.1206.4.2.7.4.4.0", stop)},
-        {"positionIrisLens", octets(".1.3.6.1.4.1.1206.4.2.7.4.5.0", stop)},
-        {"presetGotoPosition", integer(".1.3.6.1.4.1.1206.4.2.7.3.1.0", 9)},
-        {"systemLensFeatureControl", octets(".1.3.6.1.4.1.1206.4.2.7.5.4.0", {'\x40', '\0'})},
-        {"outputControl", octets(".1.3.6.1.4.1.1206.4.2.7.8.2.0", {'\x01', '\0'})},
-        {"relayStatesTable.3", integer(".1.3.6.1.4.1.99999.1.3.2.1.3.1", 0)},
+        {"positionPan", octets(oids::positionPan, stop)},
+        {"positionTilt", octets(oids::positionTilt, stop)},
+        {"positionZoomLens", octets(oids::positionZoomLens, stop)},
+        {"positionFocusLens", octets(oids::positionFocusLens, stop)},
+        {"positionIrisLens", octets(oids::positionIrisLens, stop)},
+        {"presetGotoPosition", integer(oids::presetGotoPosition, 9)},
+        {"systemLensFeatureControl", octets(oids::systemLensFeatureControl, {'\x40', '\0'})},
+        {"outputControl", octets(oids::outputControl, {'\x01', '\0'})},
+        {"relayStatesTable.3", integer(oids::row(oids::relayStatesState, 1), 0)},
     };
 }
 
 std::vector<Written> settings() {
     return {
-        {"rangeTrueNorthOffset", integer(".1.3.6.1.4.1.1206.4.2.7.1.5.0", 0)},
-        {"timeoutPan", integer(".1.3.6.1.4.1.1206.4.2.7.2.1.0", 1000)},
-        {"timeoutTilt", integer(".1.3.6.1.4.1.1206.4.2.7.2.2.0", 1000)},
-        {"timeoutZoom", integer(".1.3.6.1.4.1.1206.4.2.7.2.3.0", 1000)},
-        {"presetStorePosition", integer(".1.3.6.1.4.1.1206.4.2.7.3.2.0", 9)},
-        {"systemLensEquipped", octets(".1.3.6.1.4.1.1206.4.2.7.5.6.0", "\x40")},
+        {"rangeTrueNorthOffset", integer(oids::rangeTrueNorthOffset, 0)},
+        {"timeoutPan", integer(oids::timeoutPan, 1000)},
+        {"timeoutTilt", integer(oids::timeoutTilt, 1000)},
+        {"timeoutZoom", integer(oids::timeoutZoom, 1000)},
+        {"presetStorePosition", integer(oids::presetStorePosition, 9)},
+        {"systemLensEquipped", octets(oids::systemLensEquipped, "\x40")},
         {"rebootDevice", integer(reboot().oid, 0)},
     };
 }
@@ -65,8 +66,8 @@ std::vector<Written> objectsOfTheAgent() {
     };
 }
 
-Variable reboot() {
-    return integer(".1.3.6.1.4.1.99999.1.1.100.0.0", 1);
+Varbind reboot() {
+    return integer(oids::rebootDevice, 1);
 }
 
 AgentOptions labAgent(const std::string &traps) {
@@ -104,15 +105,15 @@ void expectWrites(Manager &manager, const std::vector<Written> &objects, ErrorSt
 }
 
 void expectToSeeOnly(Manager &manager, const std::vector<std::string> &subtrees) {
-    const std::vector<Variable> seen = manager.bulkWalk(".1.3");
-    for (const Variable &variable : seen) {
+    const std::vector<Varbind> seen = manager.bulkWalk(".1.3");
+    for (const Varbind &varbind : seen) {
         EXPECT_TRUE(std::any_of(subtrees.begin(), subtrees.end(), [&](const std::string &subtree) {
-            return isBelow(variable.oid, subtree);
-        })) << variable;
+            return isBelow(varbind.oid, subtree);
+        })) << varbind;
     }
     for (const std::string &subtree : subtrees) {
-        EXPECT_TRUE(std::any_of(seen.begin(), seen.end(), [&](const Variable &variable) {
-            return isBelow(variable.oid, subtree);
+        EXPECT_TRUE(std::any_of(seen.begin(), seen.end(), [&](const Varbind &varbind) {
+            return isBelow(varbind.oid, subtree);
         })) << subtree;
     }
 }

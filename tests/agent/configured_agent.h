@@ -14,7 +14,7 @@ namespace configured_agent {
 /** An object that can be written, and a value for it. */
 struct Written {
     const char *name;
-    harness::Variable value;
+    harness::Varbind value;
 };
 
 /** What moves the camera or switches something. */
@@ -27,7 +27,7 @@ std::vector<Written> settings();
 std::vector<Written> objectsOfTheAgent();
 
 /** The one that restarts the camera. */
-harness::Variable reboot();
+harness::Varbind reboot();
 
 inline const harness::User kViewer = {"viewer", "viewer signs with this", "viewer encrypts with this"};
 inline const harness::User kOperator = {"operator", "operator signs with this", "operator encrypts with this"};

@@ -3,24 +3,20 @@
 
 #include <algorithm>
 
-#include "positioning_objects.h"
+#include "object_oids.h"
+#include "position_commands.h"
 
 namespace faults {
 
 namespace {
 
 using namespace harness;
-using namespace positioning_objects;
+using namespace position_commands;
 using namespace std::string_literals;
 using Calls = std::vector<Call>;
 
-std::string ntcip(const std::string &rest) {
-    return ".1.3.6.1.4.1.1206.4.2." + rest;
-}
-
-std::string vendor(const std::string &rest) {
-    return ".1.3.6.1.4.1.99999.1." + rest;
-}
+/** The module table of NTCIP 1201, above moduleNumber and the others. */
+constexpr const char *kModuleTable = ".1.3.6.1.4.1.1206.4.2.6";
 
 /** A call whose failure is logged by a text of its own, or not at all. */
 Call call(const std::string &service, const std::string &operation, const std::string &log = "") {
@@ -42,7 +38,7 @@ Calls together(Calls first, const Calls &rest) {
     return first;
 }
 
-Request set(const Variable &value, const Calls &calls = {}) {
+Request set(const Varbind &value, const Calls &calls = {}) {
     return {value, calls, false, valueText(value)};
 }
 
@@ -51,7 +47,7 @@ std::string focusOf(const Services &services) {
     return services.count("lens_focus") != 0 ? "lens_focus" : "focus_stepper";
 }
 
-/** What a GET of the objects below an identifier calls; all others are held by the module. */
+/** Calls of a GET of the objects below an OID. The module holds all other objects. */
 struct ReadRule {
     std::string subtree;
     Calls calls;
@@ -65,22 +61,22 @@ std::vector<ReadRule> readRules(const Services &services) {
     constexpr unsigned kFocus = 0x40;
     constexpr unsigned kAll = 0xFF;
     return {
-        {kRangePanLeftLimit, {soft}, false},
-        {kRangePanRightLimit, {soft}, false},
-        {kRangeTiltUpLimit, {soft, mechanics}, false},
-        {kRangeTiltDownLimit, {soft, mechanics}, false},
-        {ntcip("7.1.1"), {logged("presets_tours", "get_max_presets", kAll)}, false},
-        {ntcip("7.5.5"),
+        {oids::rangePanLeftLimit, {soft}, false},
+        {oids::rangePanRightLimit, {soft}, false},
+        {oids::rangeTiltUpLimit, {soft, mechanics}, false},
+        {oids::rangeTiltDownLimit, {soft, mechanics}, false},
+        {oids::rangeMaximumPreset, {logged("presets_tours", "get_max_presets", kAll)}, false},
+        {oids::systemLensFeatureStatus,
          {logged(focusOf(services), "get_manual_mode_enable", kFocus),
           logged("exposure", "get_manual_mode_enable", kIris)},
          false},
-        {ntcip("7.7.1"), {call("alarm", "get_state")}, true},
-        {ntcip("7.8.1"), {call("relay", "get_state", "handle_outputStatus: MODE_SET_RESERVE2 fail")}, true},
-        {vendor("1.7"), {sensor("temperature", "get_temperature")}, true},
-        {vendor("1.8"), {sensor("power", "get_power_state")}, true},
-        {vendor("1.9"), {sensor("power", "get_voltage_state")}, true},
-        {vendor("3.1.1.3"), {call("alarm", "get_state")}, true},
-        {vendor("3.2.1.3"), {call("relay", "get_state")}, true},
+        {oids::inputStatus, {call("alarm", "get_state")}, true},
+        {oids::outputStatus, {call("relay", "get_state", "handle_outputStatus: MODE_SET_RESERVE2 fail")}, true},
+        {oids::temperature, {sensor("temperature", "get_temperature")}, true},
+        {oids::power, {sensor("power", "get_power_state")}, true},
+        {oids::voltage, {sensor("power", "get_voltage_state")}, true},
+        {oids::alarmStatesState, {call("alarm", "get_state")}, true},
+        {oids::relayStatesState, {call("relay", "get_state")}, true},
     };
 }
 
@@ -126,10 +122,10 @@ std::vector<Request> featureCommands(const Services &services) {
     const Call startFocus = call(focus, focus == "lens_focus" ? "do_auto_focus" : "start_quick_auto_focus");
     const Call setFocus = call(focus, "set_manual_mode_enable");
     const Call setIris = call("exposure", "set_manual_mode_enable");
-    const std::string control = ntcip("7.5.4.0");
+    const std::string control = oids::systemLensFeatureControl;
     return {set(octets(control, "\xC0\x00"s), {setFocus, setIris}),
-            set(octets(control, "\xC0\x80"s), {setFocus, startFocus, setIris}), set(octets(ntcip("7.5.6.0"), "\x40")),
-            set(octets(ntcip("7.5.6.0"), "\xC0"))};
+            set(octets(control, "\xC0\x80"s), {setFocus, startFocus, setIris}),
+            set(octets(oids::systemLensEquipped, "\x40")), set(octets(oids::systemLensEquipped, "\xC0"))};
 }
 
 std::vector<Request> timeoutCommands(const char *oid) {
@@ -148,8 +144,8 @@ Request preset(const std::string &oid, char number, const std::string &operation
 std::vector<Request> presetCommands() {
     std::vector<Request> commands;
     for (const char number : {'\x07', '\x08'}) {
-        commands.push_back(preset(ntcip("7.3.2.0"), number, "set_preset_with_current_position"));
-        commands.push_back(preset(ntcip("7.3.1.0"), number, "move_to_preset"));
+        commands.push_back(preset(oids::presetStorePosition, number, "set_preset_with_current_position"));
+        commands.push_back(preset(oids::presetGotoPosition, number, "move_to_preset"));
     }
     return commands;
 }
@@ -166,10 +162,10 @@ std::vector<Request> relayCommands() {
                                     calls("handle_relayStates"));
     std::vector<Request> commands;
     for (const char *command : {"\x01\x80", "\x02\x80"}) {
-        commands.push_back(set(octets(ntcip("7.8.2.0"), command), calls("handle_outputControl")));
+        commands.push_back(set(octets(oids::outputControl, command), calls("handle_outputControl")));
     }
-    for (const char *row : {"1", "2"}) {
-        commands.push_back(set(integer(vendor("3.2.1.3.") + row, 0), rowCalls));
+    for (const unsigned row : {1U, 2U}) {
+        commands.push_back(set(integer(oids::row(oids::relayStatesState, row), 0), rowCalls));
     }
     for (Request &command : commands) {
         command.genErr = true;
@@ -179,7 +175,7 @@ std::vector<Request> relayCommands() {
 }
 
 std::vector<Request> rebootCommands() {
-    const std::string oid = vendor("1.100.0.0");
+    const std::string oid = oids::rebootDevice;
     Request reboot =
         set(integer(oid, 1),
             {call("device_management", "reboot", "handle_rebootDevice: snmpset reboot - rebooting system now!!!!")});
@@ -190,13 +186,13 @@ std::vector<Request> rebootCommands() {
 
 std::vector<Request> zoomCommands(const Services &services) {
     if (services.count("positioning") == 0) {
-        return lensCommands(kPositionZoomLens, {"zoom_stepper", "get_position", "set_position", ""});
+        return lensCommands(oids::positionZoomLens, {"zoom_stepper", "get_position", "set_position", ""});
     }
     const Calls conversion = {logged("positioning", "get_soft_position_limits"),
                               logged("positioning", "get_digital_zoom_enable"),
                               logged("positioning", "get_max_optical_and_digital_zoom")};
-    std::vector<Request> commands = positionCommands(kPositionZoomLens, conversion);
-    const std::vector<Request> timeouts = timeoutCommands(kTimeoutZoom);
+    std::vector<Request> commands = positionCommands(oids::positionZoomLens, conversion);
+    const std::vector<Request> timeouts = timeoutCommands(oids::timeoutZoom);
     commands.insert(commands.end(), timeouts.begin(), timeouts.end());
     return commands;
 }
@@ -206,14 +202,14 @@ std::vector<std::vector<Request>> commandFamilies(const Services &services) {
     const LensDrive focusDrive = focus == "lens_focus" ? LensDrive{focus, "get_manual_focus_position",
                                                                    "set_manual_focus_position", "set_velocity"}
                                                        : LensDrive{focus, "get_position", "set_position", ""};
-    return {positionCommands(kPositionPan, {}),
-            positionCommands(kPositionTilt, {}),
+    return {positionCommands(oids::positionPan, {}),
+            positionCommands(oids::positionTilt, {}),
             zoomCommands(services),
-            timeoutCommands(kTimeoutPan),
-            timeoutCommands(kTimeoutTilt),
-            {set(integer(kRangeTrueNorthOffset, 0)), set(integer(kRangeTrueNorthOffset, 65535))},
-            lensCommands(ntcip("7.4.4.0"), focusDrive),
-            lensCommands(ntcip("7.4.5.0"), {"iris", "get_position", "set_position", "set_velocity"}),
+            timeoutCommands(oids::timeoutPan),
+            timeoutCommands(oids::timeoutTilt),
+            {set(integer(oids::rangeTrueNorthOffset, 0)), set(integer(oids::rangeTrueNorthOffset, 65535))},
+            lensCommands(oids::positionFocusLens, focusDrive),
+            lensCommands(oids::positionIrisLens, {"iris", "get_position", "set_position", "set_velocity"}),
             featureCommands(services),
             presetCommands(),
             relayCommands(),
@@ -244,7 +240,7 @@ std::vector<Row> rows() {
 } // namespace
 
 bool Request::isGet() const {
-    return variable.type == Type::Null;
+    return varbind.type == Type::Null;
 }
 
 std::vector<std::string> allServices() {
@@ -264,14 +260,14 @@ std::vector<std::string> operationsOf(const std::string &service) {
     return operations;
 }
 
-std::vector<Request> reads(const std::vector<Variable> &walk, const Services &services) {
+std::vector<Request> reads(const std::vector<Varbind> &walk, const Services &services) {
     const std::vector<ReadRule> rules = readRules(services);
     std::vector<Request> requests;
-    for (const Variable &variable : walk) {
+    for (const Varbind &varbind : walk) {
         Request request;
-        request.variable.oid = variable.oid;
+        request.varbind.oid = varbind.oid;
         for (const ReadRule &rule : rules) {
-            if (isBelow(variable.oid, rule.subtree)) {
+            if (isBelow(varbind.oid, rule.subtree)) {
                 request.calls = rule.calls;
                 request.genErr = rule.genErr;
             }
@@ -282,18 +278,18 @@ std::vector<Request> reads(const std::vector<Variable> &walk, const Services &se
     return requests;
 }
 
-std::vector<Request> writes(const std::vector<Variable> &walk, const Services &services) {
+std::vector<Request> writes(const std::vector<Varbind> &walk, const Services &services) {
     std::set<std::string> shown;
-    for (const Variable &variable : walk) {
-        shown.insert(variable.oid);
+    for (const Varbind &varbind : walk) {
+        shown.insert(varbind.oid);
     }
     std::vector<Request> requests;
     std::set<std::string> written;
     for (const std::vector<Request> &family : commandFamilies(services)) {
         for (const Request &request : family) {
-            if (shown.count(request.variable.oid) != 0) {
+            if (shown.count(request.varbind.oid) != 0) {
                 requests.push_back(request);
-                written.insert(request.variable.oid);
+                written.insert(request.varbind.oid);
             }
         }
     }
@@ -308,24 +304,32 @@ std::vector<Request> writes(const std::vector<Variable> &walk, const Services &s
 
 std::vector<StartFault> startFaults(const std::string &service) {
     const std::string init = "initiator_init";
-    const std::vector<std::string> identity = {ntcip("6"),    vendor("1.1"), vendor("1.2"), vendor("1.3"),
-                                               vendor("1.4"), vendor("1.5"), vendor("1.6")};
-    const std::vector<std::string> focus = {ntcip("7.1.9"), ntcip("7.2.4"), ntcip("7.4.4"), ntcip("7.5")};
-    const std::vector<std::string> zoom = {ntcip("7.1.8"), ntcip("7.2.3"), ntcip("7.4.3")};
+    const std::vector<std::string> identity = {kModuleTable,    oids::modelNumber, oids::modelName, oids::serialNumber,
+                                               oids::fwVersion, oids::swVersion,   oids::hwVersion};
+    const std::vector<std::string> focus = {oids::rangeFocusLimit,         oids::timeoutFocus,
+                                            oids::positionFocusLens,       oids::systemLensFeatureControl,
+                                            oids::systemLensFeatureStatus, oids::systemLensEquipped};
+    const std::vector<std::string> zoom = {oids::rangeZoomLimit, oids::timeoutZoom, oids::positionZoomLens};
     const auto rangeFails = [](const std::string &name, const std::string &operation) {
         const Call read = logged(name, operation);
         return StartFault{name, read.operation, read.log, {}};
     };
     const std::vector<StartFault> faults = {
-        {"alarm", init, "InitAlarm: failed alarm initiator init", {ntcip("7.6"), ntcip("7.7"), vendor("3.1")}},
+        {"alarm",
+         init,
+         "InitAlarm: failed alarm initiator init",
+         {oids::alarmStatus, oids::inputStatus, oids::registered::alarmStatesTable}},
         {"device_information", init, "InitDeviceInfo: failed dev info initiator init", identity},
         {"device_information", "get_static_information_send", "InitDeviceInfo: failed dev info:get_static_information",
          identity},
-        {"device_management", init, "InitRebootInfo: failed dev info initiator init", {vendor("1.100")}},
-        {"exposure", init, ": failed exposure initiator init", {}, {{ntcip("7.5.5.0"), "\"@\""}}},
+        {"device_management", init, "InitRebootInfo: failed dev info initiator init", {oids::rebootDevice}},
+        {"exposure", init, ": failed exposure initiator init", {}, {{oids::systemLensFeatureStatus, "\"@\""}}},
         {"focus_stepper", init, "InitFocusStepper: failed focus_stepper initiator init", focus},
         rangeFails("focus_stepper", "get_limits"),
-        {"iris", init, "InitIris: failed iris initiator init", {ntcip("7.1.10"), ntcip("7.2.5"), ntcip("7.4.5")}},
+        {"iris",
+         init,
+         "InitIris: failed iris initiator init",
+         {oids::rangeIrisLimit, oids::timeoutIris, oids::positionIrisLens}},
         rangeFails("iris", "get_position"),
         {"lens_focus", init, "InitFocus: failed focus initiator init", focus},
         rangeFails("lens_focus", "get_manual_focus_position"),
@@ -333,16 +337,19 @@ std::vector<StartFault> startFaults(const std::string &service) {
          init,
          "InitPositioning: failed positioning initiator init",
          zoom,
-         {{kRangePanRightLimit, "0"},
-          {kRangeTiltUpLimit, "0"},
-          {kRangeTiltDownLimit, "0"},
-          {kTimeoutPan, "0"},
-          {kTimeoutTilt, "0"}}},
+         {{oids::rangePanRightLimit, "0"},
+          {oids::rangeTiltUpLimit, "0"},
+          {oids::rangeTiltDownLimit, "0"},
+          {oids::timeoutPan, "0"},
+          {oids::timeoutTilt, "0"}}},
         rangeFails("positioning", "get_velocity_command_timeout"),
-        {"power", init, "InitPower: failed power initiator init", {vendor("1.8"), vendor("1.9")}},
-        {"presets_tours", init, "InitPresets: failed presets initiator init", {}, {{ntcip("7.1.1.0"), "0"}}},
-        {"relay", init, "InitRelay: failed relay initiator init", {ntcip("7.8"), vendor("3.2")}},
-        {"temperature", init, "InitTemperature: failed temp initiator init", {vendor("1.7")}},
+        {"power", init, "InitPower: failed power initiator init", {oids::power, oids::voltage}},
+        {"presets_tours", init, "InitPresets: failed presets initiator init", {}, {{oids::rangeMaximumPreset, "0"}}},
+        {"relay",
+         init,
+         "InitRelay: failed relay initiator init",
+         {oids::outputStatus, oids::outputControl, oids::registered::relayStatesTable}},
+        {"temperature", init, "InitTemperature: failed temp initiator init", {oids::temperature}},
         {"zoom_stepper", init, "InitZoomStepper: failed zoom zoom stepper initiator init", zoom},
         rangeFails("zoom_stepper", "get_limits"),
     };

@@ -25,7 +25,7 @@ struct Call {
 
 /** A GET, or a SET of one value. */
 struct Request {
-    harness::Variable variable; ///< a GET has none but the identifier
+    harness::Varbind varbind; ///< a GET has no value
     std::vector<Call> calls = {};
     bool genErr = false;     ///< what a failed call is answered with; otherwise it does not show in the status
     std::string held = {};   ///< what a GET answers after the SET, as valueText() writes it; empty when that depends
@@ -47,10 +47,10 @@ std::vector<std::string> allServices();
 std::vector<std::string> operationsOf(const std::string &service);
 
 /** GETs of everything that a camera with these services shows in a walk. */
-std::vector<Request> reads(const std::vector<harness::Variable> &walk, const Services &services);
+std::vector<Request> reads(const std::vector<harness::Varbind> &walk, const Services &services);
 
 /** SETs of everything that it shows. What can be written gets all kinds of commands, the rest an INTEGER. */
-std::vector<Request> writes(const std::vector<harness::Variable> &walk, const Services &services);
+std::vector<Request> writes(const std::vector<harness::Varbind> &walk, const Services &services);
 
 /** A service that does not open, or a call that fails, while the module starts. */
 struct StartFault {

@@ -5,7 +5,7 @@
 #include <iterator>
 
 #include "eventually.h"
-#include "identity_objects.h"
+#include "object_oids.h"
 
 namespace faults {
 
@@ -28,7 +28,7 @@ Services servicesOf(const Camera &camera) {
 }
 
 /** The answer with the bits at 0 that failed calls would have told. */
-std::string withoutBits(const Variable &answered, const std::string &asEver, const std::vector<Call> &failed) {
+std::string withoutBits(const Varbind &answered, const std::string &asEver, const std::vector<Call> &failed) {
     unsigned lost = 0;
     for (const Call &call : failed) {
         lost |= call.lostBits;
@@ -63,15 +63,15 @@ const Services &FaultSweep::services() const {
     return services_;
 }
 
-std::vector<Variable> FaultSweep::walk() {
-    std::vector<Variable> all = manager_.walk(identity::kNtcipSubtree);
-    const std::vector<Variable> vendor = manager_.walk(identity::kVendorSubtree);
+std::vector<Varbind> FaultSweep::walk() {
+    std::vector<Varbind> all = manager_.walk(oids::kNtcipSubtree);
+    const std::vector<Varbind> vendor = manager_.walk(oids::kVendorSubtree);
     all.insert(all.end(), vendor.begin(), vendor.end());
     return all;
 }
 
 Result FaultSweep::ask(const Request &request) {
-    return request.isGet() ? manager_.get(request.variable.oid) : manager_.set({request.variable});
+    return request.isGet() ? manager_.get(request.varbind.oid) : manager_.set({request.varbind});
 }
 
 std::size_t FaultSweep::errorsLogged(std::size_t start) const {
@@ -84,18 +84,18 @@ void FaultSweep::learn(Request &request) {
     }
     const std::size_t start = agent_.moduleLog().size();
     const Result result = ask(request);
-    EXPECT_TRUE(result.answered) << request.variable;
+    EXPECT_TRUE(result.answered) << request.varbind;
     request.error = result.error;
     request.errorsLogged = errorsLogged(start);
     if (request.isGet() || !request.held.empty() || !request.calls.empty()) {
-        EXPECT_TRUE(result.ok()) << request.variable << ": " << result;
-        EXPECT_EQ(request.errorsLogged, 0U) << request.variable;
+        EXPECT_TRUE(result.ok()) << request.varbind << ": " << result;
+        EXPECT_EQ(request.errorsLogged, 0U) << request.varbind;
         request.answer = valueText(result.single());
     }
 }
 
 void FaultSweep::learn() {
-    const std::vector<Variable> shown = walk();
+    const std::vector<Varbind> shown = walk();
     reads_ = reads(shown, services_);
     writes_ = writes(shown, services_);
     for (std::vector<Request> *requests : {&writes_, &reads_}) {
@@ -117,7 +117,7 @@ void FaultSweep::expectAnswer(const Request &request, const std::vector<Call> &f
     if (request.isGet()) {
         EXPECT_EQ(valueText(result.single()), withoutBits(result.single(), request.answer, failed));
     } else if (!request.held.empty()) {
-        EXPECT_EQ(get(request.variable.oid), request.held);
+        EXPECT_EQ(get(request.varbind.oid), request.held);
     }
 }
 
@@ -138,7 +138,7 @@ void FaultSweep::send(const Request &request, const Fault &fault) {
     if (request.onlyFailed && (failed.empty() || fault.perCall.count() != 0)) {
         return; // a call that is answered late is carried out all the same
     }
-    SCOPED_TRACE(testing::Message() << (request.isGet() ? "GET " : "SET ") << request.variable);
+    SCOPED_TRACE(testing::Message() << (request.isGet() ? "GET " : "SET ") << request.varbind);
     const std::size_t logStart = agent_.moduleLog().size();
     manager_.setTimeout(patient(kAtOnce) + fault.perCall * struck.size());
     const auto start = std::chrono::steady_clock::now();

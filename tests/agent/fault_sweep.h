@@ -37,7 +37,7 @@ protected:
     const Services &services() const;
 
     /** Everything that the module shows. */
-    std::vector<harness::Variable> walk();
+    std::vector<harness::Varbind> walk();
 
     /** Reads all and writes all under a fault, and judges every answer. */
     void sweep(const Fault &fault);

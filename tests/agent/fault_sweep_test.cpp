@@ -12,7 +12,7 @@
 #include "eventually.h"
 #include "fault_sweep.h"
 #include "footprint.h"
-#include "identity_objects.h"
+#include "object_oids.h"
 #include "process_information.h"
 
 namespace {
@@ -80,9 +80,9 @@ protected:
     /** What is shown after a reload. */
     std::vector<std::string> shown() {
         std::vector<std::string> lines;
-        for (const char *root : {identity::kNtcipSubtree, identity::kVendorSubtree}) {
-            for (const Variable &variable : manager_.walk(root)) {
-                lines.push_back(variable.oid + " " + valueText(variable));
+        for (const char *root : {oids::kNtcipSubtree, oids::kVendorSubtree}) {
+            for (const Varbind &varbind : manager_.walk(root)) {
+                lines.push_back(varbind.oid + " " + valueText(varbind));
             }
         }
         return lines;
@@ -153,7 +153,7 @@ protected:
         }
         agent_.hup();
         EXPECT_THAT(shown(), testing::SizeIs(12 + 3));
-        EXPECT_THAT(manager_.walk(identity::kVendorSubtree), IsEmpty());
+        EXPECT_THAT(manager_.walk(oids::kVendorSubtree), IsEmpty());
         control("clear");
         agent_.hup();
         EXPECT_EQ(shown(), before);

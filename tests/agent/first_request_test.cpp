@@ -8,13 +8,11 @@
 
 #include "camera_agent.h"
 #include "golden_walk.h"
-#include "identity_objects.h"
-#include "well_known_objects.h"
+#include "object_oids.h"
 
 namespace {
 
 using namespace harness;
-using namespace identity;
 
 /** A camera with an identity and nothing else. */
 CameraFile cameraWith(const std::string &model, const std::string &firmware) {
@@ -40,12 +38,12 @@ TEST(FirstRequest, TheCamerasOwnTextsReachTheManager) {
     const Camera camera(file.path);
     const Agent agent(withModule(camera.directory()));
     Manager manager(agent.peer());
-    EXPECT_EQ(answer(manager, kModelNumber), "Model of this test");
-    EXPECT_EQ(answer(manager, kModelName), "Model of this test");
-    EXPECT_EQ(answer(manager, kSerialNumber), "SN0042");
-    EXPECT_EQ(answer(manager, kFirmwareVersion), "1.4.2-20200512");
-    EXPECT_EQ(answer(manager, kSoftwareVersion), "1.4.2-20200512");
-    EXPECT_EQ(answer(manager, kHardwareVersion), "B7");
+    EXPECT_EQ(answer(manager, oids::modelNumber), "Model of this test");
+    EXPECT_EQ(answer(manager, oids::modelName), "Model of this test");
+    EXPECT_EQ(answer(manager, oids::serialNumber), "SN0042");
+    EXPECT_EQ(answer(manager, oids::fwVersion), "1.4.2-20200512");
+    EXPECT_EQ(answer(manager, oids::swVersion), "1.4.2-20200512");
+    EXPECT_EQ(answer(manager, oids::hwVersion), "B7");
 }
 
 TEST(FirstRequest, AnEmptyModelNameIsAnEmptyString) {
@@ -53,8 +51,8 @@ TEST(FirstRequest, AnEmptyModelNameIsAnEmptyString) {
     const Camera camera(file.path);
     const Agent agent(withModule(camera.directory()));
     Manager manager(agent.peer());
-    EXPECT_EQ(answer(manager, kModelNumber), "");
-    EXPECT_EQ(answer(manager, kModelName), "");
+    EXPECT_EQ(answer(manager, oids::modelNumber), "");
+    EXPECT_EQ(answer(manager, oids::modelName), "");
 }
 
 TEST(FirstRequest, CamerasAnswerAsRecorded) {
@@ -78,34 +76,35 @@ TEST(FirstRequest, TheStoredIdentifierIsNoInstance) {
     const Camera camera("minimal");
     const Agent agent(withModule(camera.directory()));
     Manager manager(agent.peer());
-    EXPECT_EQ(manager.get(".1.3.6.1.4.1.99999.1.1.1.0").single().type, Type::NoSuchInstance);
+    EXPECT_EQ(manager.get(oids::registered::modelNumber).single().type, Type::NoSuchInstance);
     EXPECT_EQ(manager.get(".1.3.6.1.4.1.99999.1.1.1.0.1").single().type, Type::NoSuchInstance);
     EXPECT_EQ(manager.get(".1.3.6.1.4.1.99999.1.1.1.0.0.0").single().type, Type::NoSuchInstance);
-    EXPECT_EQ(manager.getNext(".1.3.6.1.4.1.99999.1.1.1.0").single().oid, kModelNumber);
+    EXPECT_EQ(manager.getNext(oids::registered::modelNumber).single().oid, oids::modelNumber);
 }
 
 TEST(FirstRequest, TheIdentityCannotBeWritten) {
     const Camera camera("minimal");
     const Agent agent(withModule(camera.directory()));
     Manager manager(agent.peer());
-    const std::string before = answer(manager, kModelName);
+    const std::string before = answer(manager, oids::modelName);
     for (const char *oid :
-         {kModelNumber, kModelName, kSerialNumber, kFirmwareVersion, kSoftwareVersion, kHardwareVersion}) {
+         {oids::modelNumber, oids::modelName, oids::serialNumber, oids::fwVersion, oids::swVersion, oids::hwVersion}) {
         const Result result = manager.set({octets(oid, "mine")});
         EXPECT_EQ(result.error, ErrorStatus::NotWritable) << oid;
         EXPECT_EQ(result.errorIndex, 1) << oid;
     }
-    EXPECT_EQ(answer(manager, kModelName), before);
+    EXPECT_EQ(answer(manager, oids::modelName), before);
 }
 
 TEST(FirstRequest, SeveralObjectsInOneRequest) {
     const Camera camera("dome");
     const Agent agent(withModule(camera.directory()));
-    const Result result = Manager(agent.peer()).get(kModelName, kUpTime, kModelName, kSerialNumber);
+    const Result result =
+        Manager(agent.peer()).get(oids::modelName, oids::sysUpTime, oids::modelName, oids::serialNumber);
     ASSERT_TRUE(result.ok()) << result;
-    ASSERT_EQ(result.variables.size(), 4U);
-    EXPECT_EQ(result.variables[0], result.variables[2]);
-    EXPECT_EQ(result.variables[3].type, Type::Octets);
+    ASSERT_EQ(result.varbinds.size(), 4U);
+    EXPECT_EQ(result.varbinds[0], result.varbinds[2]);
+    EXPECT_EQ(result.varbinds[3].type, Type::Octets);
 }
 
 TEST(FirstRequest, TheModuleLogsItsRegistrations) {

@@ -6,29 +6,18 @@
 
 #include "camera_agent.h"
 #include "eventually.h"
-#include "identity_objects.h"
+#include "object_oids.h"
 #include "polled_sensors.h"
 #include "trap_receiver.h"
-#include "well_known_objects.h"
 
 namespace {
 
 using namespace harness;
-using namespace identity;
 using nlohmann::json;
 using std::chrono::seconds;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-const std::string kTemperatureObject = ".1.3.6.1.4.1.99999.1.1.7.0";
-const std::string kPowerObject = ".1.3.6.1.4.1.99999.1.1.8.0";
-const std::string kVoltageObject = ".1.3.6.1.4.1.99999.1.1.9.0";
-const std::string kRebootDevice = ".1.3.6.1.4.1.99999.1.1.100.0";
-
-std::string instance(const std::string &oid) {
-    return oid + ".0";
-}
 
 class Health : public CameraAgent {
 protected:
@@ -58,9 +47,9 @@ protected:
     std::vector<Sent> sent() const {
         std::vector<Sent> result;
         for (const Trap &trap : receiver.traps()) {
-            if (isBelow(trap.notification(), ".1.3.6.1.4.1.99999")) {
-                EXPECT_THAT(trap.variables, SizeIs(3)) << trap;
-                result.emplace_back(trap.variables.back().oid, trap.variables.back().number);
+            if (isBelow(trap.notification(), oids::kVendorSubtree)) {
+                EXPECT_THAT(trap.varbinds, SizeIs(3)) << trap;
+                result.emplace_back(trap.varbinds.back().oid, trap.varbinds.back().number);
             }
         }
         return result;
@@ -97,29 +86,29 @@ TEST_F(Health, TheSensorsAreReadForEveryRequest) {
     setField(camera_, "power/1", "powerState", 2);
     setField(camera_, "power/1", "voltageState", 3);
     setField(camera_, "temperature/1", "temperature", 42999);
-    EXPECT_EQ(get(instance(kPowerObject)), "2");
-    EXPECT_EQ(get(instance(kVoltageObject)), "3");
-    EXPECT_EQ(get(instance(kTemperatureObject)), "42");
+    EXPECT_EQ(get(oids::power), "2");
+    EXPECT_EQ(get(oids::voltage), "3");
+    EXPECT_EQ(get(oids::temperature), "42");
     setField(camera_, "temperature/1", "temperature", -1500);
-    EXPECT_EQ(manager_.get(instance(kTemperatureObject)).single().number, 4294967295);
-    EXPECT_EQ(manager_.get(instance(kTemperatureObject)).single().type, Type::Gauge32);
+    EXPECT_EQ(manager_.get(oids::temperature).single().number, 4294967295);
+    EXPECT_EQ(manager_.get(oids::temperature).single().type, Type::Gauge32);
 }
 
 TEST_F(Health, AServiceThatFailsFailsTheRequest) {
     control("fail", "power", "get_voltage_state_send", "1");
-    EXPECT_EQ(manager_.get(instance(kVoltageObject)).error, ErrorStatus::GenErr);
-    EXPECT_EQ(get(instance(kVoltageObject)), "0");
+    EXPECT_EQ(manager_.get(oids::voltage).error, ErrorStatus::GenErr);
+    EXPECT_EQ(get(oids::voltage), "0");
     control("down", "temperature");
-    EXPECT_EQ(manager_.get(instance(kTemperatureObject)).error, ErrorStatus::GenErr);
+    EXPECT_EQ(manager_.get(oids::temperature).error, ErrorStatus::GenErr);
     EXPECT_EQ(logged("zorva_api_power_get_voltage_state_send sensor 0 failed"), 1U);
     EXPECT_EQ(logged("zorva_api_temperature_get_temperature_send sensor 0 failed"), 1U);
     control("up", "temperature");
-    EXPECT_EQ(get(instance(kTemperatureObject)), "31");
+    EXPECT_EQ(get(oids::temperature), "31");
 }
 
 TEST_F(Health, NothingCanBeWritten) {
-    for (const std::string &oid : {kPowerObject, kVoltageObject, kTemperatureObject}) {
-        EXPECT_EQ(manager_.set(instance(oid), Type::Integer, 1).error, ErrorStatus::NotWritable) << oid;
+    for (const char *oid : {oids::power, oids::voltage, oids::temperature}) {
+        EXPECT_EQ(manager_.set(oid, Type::Integer, 1).error, ErrorStatus::NotWritable) << oid;
     }
 }
 
@@ -131,8 +120,9 @@ TEST_F(HealthTraps, EveryChangeOfPowerAndVoltageIsTold) {
     pollWith(kPowerSensor, 1);
     pollWith(kPowerSensor, 2);
     pollWith(kVoltageSensor, 9);
-    EXPECT_TRUE(arrives({kVoltageObject, 9}));
-    EXPECT_THAT(sent(), ElementsAre(Sent{kPowerObject, 1}, Sent{kPowerObject, 2}, Sent{kVoltageObject, 9}));
+    EXPECT_TRUE(arrives({oids::registered::voltage, 9}));
+    EXPECT_THAT(sent(), ElementsAre(Sent{oids::registered::power, 1}, Sent{oids::registered::power, 2},
+                                    Sent{oids::registered::voltage, 9}));
     EXPECT_EQ(logged("PollPower: trap triggered for power 2 -> 2"), 1U);
     EXPECT_EQ(logged("PollPower: trap triggered for voltage 9 -> 9"), 1U);
 }
@@ -140,14 +130,14 @@ TEST_F(HealthTraps, EveryChangeOfPowerAndVoltageIsTold) {
 TEST_F(HealthTraps, ATrapHasItsVarbindsInOrder) {
     awaitPoll(kPowerSensor);
     pollWith(kPowerSensor, 5);
-    ASSERT_TRUE(arrives({kPowerObject, 5}));
+    ASSERT_TRUE(arrives({oids::registered::power, 5}));
     const Trap trap = receiver.traps().back();
-    ASSERT_THAT(trap.variables, SizeIs(3)) << trap;
-    EXPECT_EQ(trap.variables[0].oid, kUpTime);
-    EXPECT_EQ(trap.variables[1].oid, kTrapOid);
-    EXPECT_EQ(trap.variables[1].octets, kPowerObject);
-    EXPECT_EQ(trap.variables[2].oid, kPowerObject) << "the object, without the instance";
-    EXPECT_EQ(trap.variables[2].type, Type::Gauge32);
+    ASSERT_THAT(trap.varbinds, SizeIs(3)) << trap;
+    EXPECT_EQ(trap.varbinds[0].oid, oids::sysUpTime);
+    EXPECT_EQ(trap.varbinds[1].oid, oids::snmpTrapOID);
+    EXPECT_EQ(trap.varbinds[1].octets, oids::registered::power);
+    EXPECT_EQ(trap.varbinds[2].oid, oids::registered::power) << "the object, without the instance";
+    EXPECT_EQ(trap.varbinds[2].type, Type::Gauge32);
 }
 
 TEST_F(HealthTraps, TheTemperatureIsToldWhenItHasMovedByMoreThanTwoDegrees) {
@@ -160,11 +150,12 @@ TEST_F(HealthTraps, TheTemperatureIsToldWhenItHasMovedByMoreThanTwoDegrees) {
     pollWith(kTemperatureSensor, -1500);
     pollWith(kTemperatureSensor, 1000);
     pollWith(kTemperatureSensor, 2000);
-    EXPECT_TRUE(arrives({kTemperatureObject, 2}));
+    EXPECT_TRUE(arrives({oids::registered::temperature, 2}));
     std::vector<Sent> traps = sent();
     traps.erase(traps.begin(), traps.begin() + static_cast<std::ptrdiff_t>(warming));
-    EXPECT_THAT(traps, ElementsAre(Sent{kTemperatureObject, 43}, Sent{kTemperatureObject, 4294967295},
-                                   Sent{kTemperatureObject, 2}));
+    EXPECT_THAT(traps,
+                ElementsAre(Sent{oids::registered::temperature, 43}, Sent{oids::registered::temperature, 4294967295},
+                            Sent{oids::registered::temperature, 2}));
     EXPECT_EQ(logged("PollTemperature: trap triggered for temp 40 -> 43"), 1U);
     EXPECT_EQ(logged("PollTemperature: trap triggered for temp 43 -> -1"), 1U);
 }
@@ -178,7 +169,7 @@ TEST_F(HealthTraps, WhatCannotBeReadIsNotTold) {
     control("clear");
     awaitPoll(kTemperatureSensor);
     pollWith(kTemperatureSensor, 50000);
-    EXPECT_TRUE(arrives({kTemperatureObject, 50}));
+    EXPECT_TRUE(arrives({oids::registered::temperature, 50}));
     EXPECT_THAT(sent(), SizeIs(1));
 }
 
@@ -188,7 +179,7 @@ TEST_F(HealthTraps, AServiceThatWasAwayIsPolledAgain) {
     EXPECT_TRUE(eventually(seconds(20), [&] { return logged("get_power_state_send sensor 0 failed") > 1; }));
     show(kPowerSensor, 4);
     control("up", "power");
-    EXPECT_TRUE(arrives({kPowerObject, 4}));
+    EXPECT_TRUE(arrives({oids::registered::power, 4}));
     EXPECT_THAT(sent(), SizeIs(1));
 }
 
@@ -197,44 +188,44 @@ TEST_F(HealthTraps, TheyGoOnAfterAReload) {
     agent_.hup();
     awaitPoll(kPowerSensor);
     pollWith(kPowerSensor, 7);
-    EXPECT_TRUE(arrives({kPowerObject, 7}));
+    EXPECT_TRUE(arrives({oids::registered::power, 7}));
     EXPECT_THAT(sent(), SizeIs(1)) << "the first reading after the reload is not told";
 }
 
 TEST_F(DaemonHealthTraps, TheyComeFromADaemonAndAfterItsReload) {
     awaitPoll(kPowerSensor);
     pollWith(kPowerSensor, 1);
-    EXPECT_TRUE(arrives({kPowerObject, 1}));
+    EXPECT_TRUE(arrives({oids::registered::power, 1}));
     agent_.hup();
     awaitPoll(kPowerSensor);
     pollWith(kPowerSensor, 2);
-    EXPECT_TRUE(arrives({kPowerObject, 2}));
+    EXPECT_TRUE(arrives({oids::registered::power, 2}));
     EXPECT_THAT(sent(), SizeIs(2));
 }
 
 TEST_F(Reboot, TheCameraGoesAwayAndComesBackWhileTheAgentAnswers) {
-    const Result result = manager_.set(instance(kRebootDevice), Type::Integer, 1);
+    const Result result = manager_.set(oids::rebootDevice, Type::Integer, 1);
     ASSERT_TRUE(result.ok()) << result;
     EXPECT_EQ(result.single().number, 1);
     EXPECT_EQ(logged("handle_rebootDevice: snmpset reboot - rebooting system now!!!!"), 1U);
     ASSERT_TRUE(events_.waitFor({{"event", "service_down"}, {"service", "temperature"}}));
     int answered = 0;
     EXPECT_TRUE(eventually(seconds(20), [&] {
-        EXPECT_EQ(manager_.get(kModelName).single().type, Type::Octets);
-        EXPECT_EQ(get(instance(kRebootDevice)), "1");
+        EXPECT_EQ(manager_.get(oids::modelName).single().type, Type::Octets);
+        EXPECT_EQ(get(oids::rebootDevice), "1");
         ++answered;
-        return manager_.get(instance(kTemperatureObject)).ok();
+        return manager_.get(oids::temperature).ok();
     }));
     EXPECT_GT(answered, 1) << "the camera was away in between";
-    EXPECT_EQ(get(instance(kTemperatureObject)), "31");
+    EXPECT_EQ(get(oids::temperature), "31");
 }
 
 TEST_F(Reboot, OtherNumbersAreKeptAndDoNothing) {
-    setInteger(instance(kRebootDevice), 7);
-    EXPECT_EQ(get(instance(kRebootDevice)), "7");
-    EXPECT_EQ(manager_.set({octets(instance(kRebootDevice), "1")}).error, ErrorStatus::WrongType);
+    setInteger(oids::rebootDevice, 7);
+    EXPECT_EQ(get(oids::rebootDevice), "7");
+    EXPECT_EQ(manager_.set({octets(oids::rebootDevice, "1")}).error, ErrorStatus::WrongType);
     control("fail", "device_management", "reboot_send", "1");
-    setInteger(instance(kRebootDevice), 1);
-    EXPECT_EQ(get(instance(kRebootDevice)), "0") << "the camera has refused";
+    setInteger(oids::rebootDevice, 1);
+    EXPECT_EQ(get(oids::rebootDevice), "0") << "the camera has refused";
     EXPECT_THAT(events_.matching({{"event", "reboot"}}), IsEmpty());
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "camera_agent.h"
+#include "object_oids.h"
 #include "settings.h"
 
 namespace {
@@ -13,23 +14,13 @@ using nlohmann::json;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char *kAlarmStatus = ".1.3.6.1.4.1.1206.4.2.7.6.1.0.0";
-constexpr const char *kInputStatus = ".1.3.6.1.4.1.1206.4.2.7.7.1.0";
-constexpr const char *kOutputStatus = ".1.3.6.1.4.1.1206.4.2.7.8.1.0";
-constexpr const char *kOutputControl = ".1.3.6.1.4.1.1206.4.2.7.8.2.0";
-constexpr const char *kAlarmTable = ".1.3.6.1.4.1.99999.1.3.1";
-constexpr const char *kRelayTable = ".1.3.6.1.4.1.99999.1.3.2";
-constexpr int kState = 3;
-
-std::string cell(const char *table, int column, std::uint32_t row) {
-    return std::string(table) + ".1." + std::to_string(column) + "." + std::to_string(row);
-}
+const std::string kMissingColumn = std::string(oids::registered::relayStatesTable) + ".1.7.1";
 
 std::string alarmState(std::uint32_t row) {
-    return cell(kAlarmTable, kState, row);
+    return oids::row(oids::alarmStatesState, row);
 }
 std::string relayState(std::uint32_t row) {
-    return cell(kRelayTable, kState, row);
+    return oids::row(oids::relayStatesState, row);
 }
 
 class Inputs : public CameraAgent {
@@ -60,9 +51,9 @@ protected:
     WideInputsAndOutputs() : CameraAgent(file.path) {}
 };
 
-/** MIB files with which the agent writes identifiers by name. */
-struct NamedIdentifiers {
-    NamedIdentifiers() {
+/** MIB files that give the agent names for OIDs. */
+struct NamedOids {
+    NamedOids() {
         directory.write("test-mib.txt", R"(TEST-MIB DEFINITIONS ::= BEGIN
             testInputs OBJECT IDENTIFIER ::= { iso 3 6 1 4 1 99999 1 3 1 1 }
             testInputState OBJECT IDENTIFIER ::= { testInputs 3 }
@@ -75,7 +66,7 @@ struct NamedIdentifiers {
     AgentOptions agent;
 };
 
-class NamedInputsAndOutputs : private NamedIdentifiers, public CameraAgent {
+class NamedInputsAndOutputs : private NamedOids, public CameraAgent {
 protected:
     NamedInputsAndOutputs() : CameraAgent("dome", agent) {}
 };
@@ -83,18 +74,18 @@ protected:
 } // namespace
 
 TEST_F(Inputs, TheBitmapAndTheTableFollowTheInputs) {
-    EXPECT_EQ(get(kInputStatus), "0x00");
+    EXPECT_EQ(get(oids::inputStatus), "0x00");
     setField(camera_, "alarm/2", "state", 1);
     setField(camera_, "alarm/4", "state", 3);
-    EXPECT_EQ(get(kInputStatus), "0x0a");
+    EXPECT_EQ(get(oids::inputStatus), "0x0a");
     EXPECT_EQ(get(alarmState(2)), "1");
     EXPECT_EQ(get(alarmState(4)), "3") << "all of it, of which the bitmap has the lowest bit";
     setField(camera_, "alarm/4", "state", -2);
     EXPECT_EQ(get(alarmState(4)), "-2");
-    EXPECT_EQ(get(kInputStatus), "0x02");
-    EXPECT_EQ(get(kAlarmStatus), "0x00");
-    EXPECT_EQ(get(cell(kAlarmTable, 1, 2)), "\"GPIO\"");
-    EXPECT_EQ(get(cell(kAlarmTable, 2, 1)), "0");
+    EXPECT_EQ(get(oids::inputStatus), "0x02");
+    EXPECT_EQ(get(oids::alarmStatus), "0x00");
+    EXPECT_EQ(get(oids::row(oids::alarmStatesKind, 2)), "\"GPIO\"");
+    EXPECT_EQ(get(oids::row(oids::alarmStatesNumber, 1)), "0");
 }
 
 TEST_F(Inputs, AnInputThatFailsFailsTheRequestAndKeepsWhatWasRead) {
@@ -103,11 +94,11 @@ TEST_F(Inputs, AnInputThatFailsFailsTheRequestAndKeepsWhatWasRead) {
     control("set", "alarm/4", "state", "1");
     // Two reads pass before the third fails.
     control("down", "alarm");
-    EXPECT_EQ(manager_.get(kInputStatus).error, ErrorStatus::GenErr);
+    EXPECT_EQ(manager_.get(oids::inputStatus).error, ErrorStatus::GenErr);
     EXPECT_EQ(manager_.get(alarmState(3)).error, ErrorStatus::GenErr);
-    EXPECT_EQ(get(cell(kAlarmTable, 2, 3)), "2") << "held by the module";
+    EXPECT_EQ(get(oids::row(oids::alarmStatesNumber, 3)), "2") << "held by the module";
     control("up", "alarm");
-    EXPECT_EQ(get(kInputStatus), "0x0b");
+    EXPECT_EQ(get(oids::inputStatus), "0x0b");
 }
 
 TEST_F(Inputs, RowsThatAreNotThereAreNeverRead) {
@@ -120,7 +111,7 @@ TEST_F(Inputs, RowsThatAreNotThereAreNeverRead) {
 }
 
 TEST_F(Inputs, CannotBeWritten) {
-    for (const std::string &oid : {std::string(kInputStatus), std::string(kAlarmStatus), alarmState(1)}) {
+    for (const std::string &oid : {std::string(oids::inputStatus), std::string(oids::alarmStatus), alarmState(1)}) {
         const Result result = manager_.set(oid, Type::Integer, 1);
         EXPECT_FALSE(result.ok()) << oid;
         EXPECT_EQ(result.errorIndex, 1) << oid;
@@ -129,32 +120,32 @@ TEST_F(Inputs, CannotBeWritten) {
 }
 
 TEST_F(WideInputsAndOutputs, TheBitmapsShowTheFirstOfThemAndTheTablesAll) {
-    EXPECT_EQ(get(kInputStatus), "0x0f");
-    EXPECT_EQ(get(kOutputStatus), "0x03");
+    EXPECT_EQ(get(oids::inputStatus), "0x0f");
+    EXPECT_EQ(get(oids::outputStatus), "0x03");
     EXPECT_EQ(get(alarmState(6)), "1");
     EXPECT_EQ(get(relayState(3)), "1");
-    EXPECT_EQ(manager_.walk(kAlarmTable).size(), 3U * 6U);
-    EXPECT_EQ(manager_.walk(kRelayTable).size(), 3U * 3U);
-    set(kOutputControl, std::string("\x03\x00", 2));
+    EXPECT_EQ(manager_.walk(oids::registered::alarmStatesTable).size(), 3U * 6U);
+    EXPECT_EQ(manager_.walk(oids::registered::relayStatesTable).size(), 3U * 3U);
+    set(oids::outputControl, std::string("\x03\x00", 2));
     EXPECT_EQ(get(relayState(3)), "0");
-    EXPECT_EQ(get(kOutputStatus), "0x03");
+    EXPECT_EQ(get(oids::outputStatus), "0x03");
 }
 
 TEST_F(Outputs, AControlCommandSwitchesTheRelayThatItNames) {
-    set(kOutputControl, "\x02\x80");
+    set(oids::outputControl, "\x02\x80");
     EXPECT_EQ(relay(2), 1);
-    EXPECT_EQ(get(kOutputStatus), "0x02");
-    EXPECT_EQ(get(kOutputControl), "0x0280");
-    set(kOutputControl, "\x02\x7F");
+    EXPECT_EQ(get(oids::outputStatus), "0x02");
+    EXPECT_EQ(get(oids::outputControl), "0x0280");
+    set(oids::outputControl, "\x02\x7F");
     EXPECT_EQ(relay(2), 0) << "only bit 7 counts";
-    EXPECT_EQ(get(kOutputControl), "0x027f");
+    EXPECT_EQ(get(oids::outputControl), "0x027f");
     EXPECT_EQ(relay(1), 0);
 }
 
 TEST_F(Outputs, ARelayIsSetUpBeforeItIsFirstSwitched) {
     const CameraEvents events(camera_);
-    set(kOutputControl, "\x01\x80");
-    set(kOutputControl, std::string("\x01\x00", 2));
+    set(oids::outputControl, "\x01\x80");
+    set(oids::outputControl, std::string("\x01\x00", 2));
     ASSERT_TRUE(events.waitFor({{"operation", "set_state_send"}, {"arguments", {0}}}));
     EXPECT_THAT(operations(events), ElementsAre("set_configuration_send", "set_state_send", "set_state_send"));
     EXPECT_EQ(events.matching({{"operation", "set_configuration_send"}}).at(0).at("arguments"),
@@ -164,14 +155,14 @@ TEST_F(Outputs, ARelayIsSetUpBeforeItIsFirstSwitched) {
 TEST_F(Outputs, ARelayThatIsNotThereIsAcceptedAndDoesNothing) {
     const CameraEvents events(camera_);
     for (const char number : {'\x00', '\x03', '\x05', '\xFF'}) {
-        set(kOutputControl, {number, '\x80'});
-        EXPECT_EQ(manager_.get(kOutputControl).single().octets, (std::string{number, '\x80'}));
+        set(oids::outputControl, {number, '\x80'});
+        EXPECT_EQ(manager_.get(oids::outputControl).single().octets, (std::string{number, '\x80'}));
     }
-    set(kOutputControl, "");
-    EXPECT_EQ(get(kOutputControl), "0x0000");
-    set(kOutputControl, "\x01");
+    set(oids::outputControl, "");
+    EXPECT_EQ(get(oids::outputControl), "0x0000");
+    set(oids::outputControl, "\x01");
     ASSERT_TRUE(events.waitFor({{"operation", "set_state_send"}, {"arguments", {0}}, {"target", "relay/1"}}));
-    EXPECT_EQ(get(kOutputControl), "0x0100") << "the missing octet is 0";
+    EXPECT_EQ(get(oids::outputControl), "0x0100") << "the missing octet is 0";
     EXPECT_THAT(operations(events), ElementsAre("set_configuration_send", "set_state_send"));
 }
 
@@ -179,12 +170,12 @@ TEST_F(Outputs, TheTableSwitchesARow) {
     setInteger(relayState(2), 1);
     EXPECT_EQ(relay(2), 1);
     EXPECT_EQ(get(relayState(2)), "1");
-    EXPECT_EQ(get(kOutputControl), "0x0000") << "the control object holds its own command";
+    EXPECT_EQ(get(oids::outputControl), "0x0000") << "the control object holds its own command";
     setInteger(relayState(2), 256);
     EXPECT_EQ(relay(2), 0) << "only the low octet reaches the relay";
     EXPECT_EQ(manager_.set({octets(relayState(2), "1")}).error, ErrorStatus::WrongType);
     EXPECT_EQ(logged("handle_relayStates: MODE_SET_RESERVE1 fail"), 1U);
-    EXPECT_EQ(manager_.set(cell(kRelayTable, 2, 1), Type::Integer, 5).error, ErrorStatus::NotWritable);
+    EXPECT_EQ(manager_.set(oids::row(oids::relayStatesNumber, 1), Type::Integer, 5).error, ErrorStatus::NotWritable);
 }
 
 TEST_F(Outputs, SeveralRowsInOneRequestSwitchTheLastOfThem) {
@@ -216,16 +207,16 @@ TEST_F(Outputs, RowsThatAreNotThereAreNeverRead) {
 }
 
 TEST_F(Outputs, AColumnThatIsNotThereIsNoneAndTheOthersAreAnswered) {
-    const Result result = manager_.get(relayState(1), cell(kRelayTable, 7, 1), relayState(2));
-    ASSERT_EQ(result.variables.size(), 3U) << result;
-    EXPECT_EQ(valueText(result.variables[0]), "0");
-    EXPECT_EQ(result.variables[1].type, Type::NoSuchObject);
-    EXPECT_EQ(valueText(result.variables[2]), "0");
+    const Result result = manager_.get(relayState(1), kMissingColumn, relayState(2));
+    ASSERT_EQ(result.varbinds.size(), 3U) << result;
+    EXPECT_EQ(valueText(result.varbinds[0]), "0");
+    EXPECT_EQ(result.varbinds[1].type, Type::NoSuchObject);
+    EXPECT_EQ(valueText(result.varbinds[2]), "0");
 }
 
 TEST_F(Outputs, ANameThatIsNoCellIsRefusedTogetherWithCells) {
-    const std::string table = kRelayTable;
-    for (const std::string &name : {table + ".1", table + ".1.3", table + ".2.3.1", cell(kRelayTable, 7, 1)}) {
+    const std::string table = oids::registered::relayStatesTable;
+    for (const std::string &name : {table + ".1", table + ".1.3", table + ".2.3.1", kMissingColumn}) {
         const Result result = manager_.set({integer(relayState(1), 1), integer(name, 1)});
         EXPECT_EQ(result.error, ErrorStatus::NoCreation) << name;
         EXPECT_EQ(result.errorIndex, 2) << name;
@@ -238,7 +229,7 @@ TEST_F(Outputs, ANameThatIsNoCellIsRefusedTogetherWithCells) {
 
 TEST_F(Outputs, ARelayThatFailsIsToldToTheManager) {
     control("fail", "relay", "set_state_send", "1");
-    EXPECT_EQ(manager_.set({octets(kOutputControl, "\x01\x80")}).error, ErrorStatus::GenErr);
+    EXPECT_EQ(manager_.set({octets(oids::outputControl, "\x01\x80")}).error, ErrorStatus::GenErr);
     EXPECT_EQ(logged("handle_outputControl: MODE_COMMIT fail"), 1U);
     control("fail", "relay", "get_configuration_send", "1");
     EXPECT_EQ(manager_.set(relayState(1), Type::Integer, 1).error, ErrorStatus::GenErr);
@@ -247,7 +238,7 @@ TEST_F(Outputs, ARelayThatFailsIsToldToTheManager) {
     EXPECT_EQ(manager_.set(relayState(1), Type::Integer, 1).error, ErrorStatus::GenErr);
     EXPECT_EQ(logged("handle_relayStates: MODE_SET_RESERVE2 fail"), 1U);
     control("fail", "relay", "get_state_send", "1");
-    EXPECT_EQ(manager_.get(kOutputStatus).error, ErrorStatus::GenErr);
+    EXPECT_EQ(manager_.get(oids::outputStatus).error, ErrorStatus::GenErr);
     EXPECT_EQ(logged("handle_outputStatus: MODE_SET_RESERVE2 fail"), 1U);
     EXPECT_EQ(relay(1), 0);
     setInteger(relayState(1), 1);

@@ -6,27 +6,18 @@
 #include "camera_agent.h"
 #include "eventually.h"
 #include "golden_walk.h"
-#include "positioning_objects.h"
+#include "object_oids.h"
+#include "position_commands.h"
 
 namespace {
 
 using namespace harness;
-using namespace positioning_objects;
+using namespace position_commands;
 using namespace std::string_literals;
 using nlohmann::json;
 using std::chrono::seconds;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr const char *kRangeFocusLimit = ".1.3.6.1.4.1.1206.4.2.7.1.9.0";
-constexpr const char *kRangeIrisLimit = ".1.3.6.1.4.1.1206.4.2.7.1.10.0";
-constexpr const char *kTimeoutFocus = ".1.3.6.1.4.1.1206.4.2.7.2.4.0";
-constexpr const char *kTimeoutIris = ".1.3.6.1.4.1.1206.4.2.7.2.5.0";
-constexpr const char *kPositionFocusLens = ".1.3.6.1.4.1.1206.4.2.7.4.4.0";
-constexpr const char *kPositionIrisLens = ".1.3.6.1.4.1.1206.4.2.7.4.5.0";
-constexpr const char *kFeatureControl = ".1.3.6.1.4.1.1206.4.2.7.5.4.0";
-constexpr const char *kFeatureStatus = ".1.3.6.1.4.1.1206.4.2.7.5.5.0";
-constexpr const char *kEquipped = ".1.3.6.1.4.1.1206.4.2.7.5.6.0";
 
 const std::string kFocus = "lens_focus/1";
 const std::string kFocusStepper = "focus_stepper/1";
@@ -103,88 +94,88 @@ protected:
 } // namespace
 
 TEST_F(Lens, FocusGoesToPositionsAndByDeltas) {
-    set(kFeatureControl, kAllManual);
-    set(kPositionFocusLens, absolute(0, 0x8000));
+    set(oids::systemLensFeatureControl, kAllManual);
+    set(oids::positionFocusLens, absolute(0, 0x8000));
     EXPECT_TRUE(arrives(kFocus, 5000));
-    set(kPositionFocusLens, delta(1, 0x4000));
+    set(oids::positionFocusLens, delta(1, 0x4000));
     EXPECT_TRUE(arrives(kFocus, 7500));
-    set(kPositionFocusLens, delta(-1, 0xFFFF));
+    set(oids::positionFocusLens, delta(-1, 0xFFFF));
     EXPECT_TRUE(arrives(kFocus, 0));
-    set(kPositionFocusLens, absolute(0, 0xFFFF));
+    set(oids::positionFocusLens, absolute(0, 0xFFFF));
     EXPECT_TRUE(arrives(kFocus, 10000));
-    EXPECT_EQ(get(kPositionFocusLens), "0x0200ffff");
+    EXPECT_EQ(get(oids::positionFocusLens), "0x0200ffff");
 }
 
 TEST_F(Lens, FocusRunsUntilItsEndOrAStop) {
-    set(kFeatureControl, kAllManual);
-    set(kPositionFocusLens, continuous(-1));
+    set(oids::systemLensFeatureControl, kAllManual);
+    set(oids::positionFocusLens, continuous(-1));
     EXPECT_TRUE(arrives(kFocus, 0));
-    set(kPositionFocusLens, continuous(100));
+    set(oids::positionFocusLens, continuous(100));
     ASSERT_TRUE(moves(kFocus));
-    set(kPositionFocusLens, stop());
+    set(oids::positionFocusLens, stop());
     EXPECT_TRUE(eventually(seconds(10), [&] { return drive(kFocus).at("velocity") == 0; }));
     EXPECT_LT(drive(kFocus).at("position"), 10000);
-    set(kPositionFocusLens, continuous(100));
+    set(oids::positionFocusLens, continuous(100));
     ASSERT_TRUE(moves(kFocus));
-    set(kPositionFocusLens, continuous(0));
+    set(oids::positionFocusLens, continuous(0));
     EXPECT_TRUE(eventually(seconds(10), [&] { return drive(kFocus).at("velocity") == 0; }));
     EXPECT_EQ(logged("handle_positionFocusLens: focus near"), 1U);
     EXPECT_EQ(logged("handle_positionFocusLens: focus far"), 2U);
 }
 
 TEST_F(Lens, IrisGoesToPositionsRunsAndStops) {
-    set(kFeatureControl, kAllManual);
-    set(kPositionIrisLens, absolute(0, 0x8000));
+    set(oids::systemLensFeatureControl, kAllManual);
+    set(oids::positionIrisLens, absolute(0, 0x8000));
     EXPECT_TRUE(arrives(kIris, 128));
-    set(kPositionIrisLens, continuous(1));
+    set(oids::positionIrisLens, continuous(1));
     EXPECT_TRUE(arrives(kIris, 255));
-    set(kPositionIrisLens, continuous(-1));
+    set(oids::positionIrisLens, continuous(-1));
     ASSERT_TRUE(moves(kIris));
-    set(kPositionIrisLens, stop());
+    set(oids::positionIrisLens, stop());
     EXPECT_TRUE(eventually(seconds(10), [&] { return drive(kIris).at("velocity") == 0; }));
 }
 
 TEST_F(Lens, IrisOpensFullyWhenADeltaGoesBelowZero) {
-    set(kFeatureControl, kAllManual);
-    set(kPositionIrisLens, absolute(0, 0x2000));
+    set(oids::systemLensFeatureControl, kAllManual);
+    set(oids::positionIrisLens, absolute(0, 0x2000));
     EXPECT_TRUE(arrives(kIris, 32));
-    set(kPositionIrisLens, delta(-1, 0x4000));
+    set(oids::positionIrisLens, delta(-1, 0x4000));
     EXPECT_TRUE(arrives(kIris, 255));
 }
 
 TEST_F(Lens, CommandsThatMakeNoSenseAreRefused) {
-    expectRefusals(kPositionFocusLens, "handle_positionFocusLens", "focus");
-    expectRefusals(kPositionIrisLens, "handle_positionIrisLens", "iris");
-    EXPECT_EQ(get(kPositionFocusLens), "0x00000000");
-    EXPECT_EQ(get(kPositionIrisLens), "0x00000000");
+    expectRefusals(oids::positionFocusLens, "handle_positionFocusLens", "focus");
+    expectRefusals(oids::positionIrisLens, "handle_positionIrisLens", "iris");
+    EXPECT_EQ(get(oids::positionFocusLens), "0x00000000");
+    EXPECT_EQ(get(oids::positionIrisLens), "0x00000000");
 }
 
 TEST_F(Lens, RangesAndTimeoutsAreConstant) {
-    for (const char *oid : {kRangeFocusLimit, kRangeIrisLimit, kTimeoutFocus, kTimeoutIris}) {
+    for (const char *oid : {oids::rangeFocusLimit, oids::rangeIrisLimit, oids::timeoutFocus, oids::timeoutIris}) {
         EXPECT_EQ(get(oid), "0") << oid;
     }
-    for (const char *oid : {kTimeoutFocus, kTimeoutIris}) {
+    for (const char *oid : {oids::timeoutFocus, oids::timeoutIris}) {
         EXPECT_EQ(manager_.set(oid, Type::Integer, 0).error, ErrorStatus::GenErr) << oid;
     }
-    for (const char *oid : {kRangeFocusLimit, kRangeIrisLimit}) {
+    for (const char *oid : {oids::rangeFocusLimit, oids::rangeIrisLimit}) {
         EXPECT_EQ(manager_.set(oid, Type::Integer, 0).error, ErrorStatus::NotWritable) << oid;
     }
 }
 
 TEST_F(Lens, OneCommandSwitchesFocusAndIris) {
     const CameraEvents events(camera_);
-    set(kFeatureControl, kAllManual);
-    EXPECT_EQ(get(kFeatureStatus), "0x00");
-    set(kFeatureControl, kAllAutomatic);
-    EXPECT_EQ(get(kFeatureStatus), "0xc0");
-    EXPECT_EQ(get(kFeatureControl), "0xc080");
-    set(kFeatureControl, "\x80\x00"s);
-    EXPECT_EQ(get(kFeatureStatus), "\"@\"") << "40, automatic focus";
-    set(kFeatureControl, "\x00\x80"s);
-    EXPECT_EQ(get(kFeatureStatus), "\"@\"");
-    EXPECT_EQ(refusal(kFeatureControl, "\x40\x01"s), ErrorStatus::WrongValue);
-    EXPECT_EQ(refusal(kFeatureControl, "\x41\x80"s), ErrorStatus::WrongValue);
-    EXPECT_EQ(refusal(kFeatureControl, "\x40"s), ErrorStatus::WrongValue);
+    set(oids::systemLensFeatureControl, kAllManual);
+    EXPECT_EQ(get(oids::systemLensFeatureStatus), "0x00");
+    set(oids::systemLensFeatureControl, kAllAutomatic);
+    EXPECT_EQ(get(oids::systemLensFeatureStatus), "0xc0");
+    EXPECT_EQ(get(oids::systemLensFeatureControl), "0xc080");
+    set(oids::systemLensFeatureControl, "\x80\x00"s);
+    EXPECT_EQ(get(oids::systemLensFeatureStatus), "\"@\"") << "40, automatic focus";
+    set(oids::systemLensFeatureControl, "\x00\x80"s);
+    EXPECT_EQ(get(oids::systemLensFeatureStatus), "\"@\"");
+    EXPECT_EQ(refusal(oids::systemLensFeatureControl, "\x40\x01"s), ErrorStatus::WrongValue);
+    EXPECT_EQ(refusal(oids::systemLensFeatureControl, "\x41\x80"s), ErrorStatus::WrongValue);
+    EXPECT_EQ(refusal(oids::systemLensFeatureControl, "\x40"s), ErrorStatus::WrongValue);
     EXPECT_EQ(logged("handle_systemLensFeatureControl1: iris position not 2-bytes, val_len=1"), 1U);
     EXPECT_THAT(operations(events),
                 ElementsAre("set_manual_mode_enable_send", "set_manual_mode_enable_send", "set_manual_mode_enable_send",
@@ -192,45 +183,45 @@ TEST_F(Lens, OneCommandSwitchesFocusAndIris) {
 }
 
 TEST_F(Lens, AutomaticFocusSettlesWhereThePictureIsSharp) {
-    set(kFeatureControl, kAllManual);
-    set(kPositionFocusLens, absolute(0, 0));
+    set(oids::systemLensFeatureControl, kAllManual);
+    set(oids::positionFocusLens, absolute(0, 0));
     ASSERT_TRUE(arrives(kFocus, 0));
-    set(kFeatureControl, "\x40\x80"s);
+    set(oids::systemLensFeatureControl, "\x40\x80"s);
     EXPECT_TRUE(arrives(kFocus, drive(kFocus).at("sharpPosition")));
-    EXPECT_EQ(get(kPositionFocusLens), "0x02000000") << "the last command, not where the lens is";
+    EXPECT_EQ(get(oids::positionFocusLens), "0x02000000") << "the last command, not where the lens is";
 }
 
 TEST_F(Lens, TheStatusFollowsTheDeviceAndTheControlDoesNot) {
-    set(kFeatureControl, kAllAutomatic);
+    set(oids::systemLensFeatureControl, kAllAutomatic);
     setField(camera_, "exposure/1", "manualMode", true);
-    EXPECT_EQ(get(kFeatureStatus), "\"@\"");
-    EXPECT_EQ(get(kFeatureControl), "0xc080");
+    EXPECT_EQ(get(oids::systemLensFeatureStatus), "\"@\"");
+    EXPECT_EQ(get(oids::systemLensFeatureControl), "0xc080");
     control("fail", "lens_focus", "get_manual_mode_enable_send", "1");
-    EXPECT_EQ(get(kFeatureStatus), "0x00") << "what cannot be read is 0";
+    EXPECT_EQ(get(oids::systemLensFeatureStatus), "0x00") << "what cannot be read is 0";
     EXPECT_EQ(logged("Failed zorva api call: zorva_api_lens_focus_get_manual_mode_enable_send("), 1U);
     EXPECT_EQ(logged("handle_systemLensFeatureStatus1: autoIris=FALSE,autoFocus=TRUE"), 1U);
 }
 
 TEST_F(Lens, EquippedAnswersASetWithEightOctetsOfWhichOneCounts) {
-    EXPECT_EQ(get(kEquipped), "0x00");
-    const Result result = manager_.set({octets(kEquipped, "\x40")});
+    EXPECT_EQ(get(oids::systemLensEquipped), "0x00");
+    const Result result = manager_.set({octets(oids::systemLensEquipped, "\x40")});
     ASSERT_TRUE(result.ok()) << result;
     EXPECT_EQ(result.single().octets, "\x40\0\0\0\0\0\0\0"s);
-    EXPECT_EQ(get(kEquipped), "\"@\"");
-    EXPECT_EQ(refusal(kEquipped, "\x41"s), ErrorStatus::WrongValue);
-    EXPECT_EQ(refusal(kEquipped, "\x40\x40"s), ErrorStatus::WrongValue);
+    EXPECT_EQ(get(oids::systemLensEquipped), "\"@\"");
+    EXPECT_EQ(refusal(oids::systemLensEquipped, "\x41"s), ErrorStatus::WrongValue);
+    EXPECT_EQ(refusal(oids::systemLensEquipped, "\x40\x40"s), ErrorStatus::WrongValue);
     EXPECT_EQ(logged("handle_systemLensEquipped1: systemLensEquipped not 1-bytes, val_len=2"), 1U);
-    EXPECT_EQ(get(kEquipped), "\"@\"");
+    EXPECT_EQ(get(oids::systemLensEquipped), "\"@\"");
 }
 
 TEST_F(Lens, ACommandWhileTheServiceIsAwayIsAcceptedAndLost) {
-    set(kFeatureControl, kAllManual);
+    set(oids::systemLensFeatureControl, kAllManual);
     control("down", "lens_focus");
-    set(kPositionFocusLens, absolute(0, 0xFFFF));
-    EXPECT_EQ(get(kPositionFocusLens), "0x0200ffff");
+    set(oids::positionFocusLens, absolute(0, 0xFFFF));
+    EXPECT_EQ(get(oids::positionFocusLens), "0x0200ffff");
     control("up", "lens_focus");
     EXPECT_EQ(drive(kFocus).at("position"), 5000);
-    set(kPositionFocusLens, absolute(0, 0));
+    set(oids::positionFocusLens, absolute(0, 0));
     EXPECT_TRUE(arrives(kFocus, 0));
 }
 
@@ -239,47 +230,47 @@ TEST_F(StepperLens, AnswersAsRecorded) {
 }
 
 TEST_F(StepperLens, FocusStepsToPositionsAndCannotBeStopped) {
-    set(kFeatureControl, kAllManual);
-    set(kPositionFocusLens, absolute(0, 0x8000));
+    set(oids::systemLensFeatureControl, kAllManual);
+    set(oids::positionFocusLens, absolute(0, 0x8000));
     EXPECT_TRUE(arrives(kFocusStepper, 2000));
     const CameraEvents events(camera_);
-    set(kPositionFocusLens, delta(-1, 0x4000));
+    set(oids::positionFocusLens, delta(-1, 0x4000));
     ASSERT_TRUE(moves(kFocusStepper));
-    set(kPositionFocusLens, stop());
-    set(kPositionFocusLens, continuous(127));
+    set(oids::positionFocusLens, stop());
+    set(oids::positionFocusLens, continuous(127));
     EXPECT_TRUE(arrives(kFocusStepper, 1000));
     EXPECT_THAT(operations(events), ElementsAre("set_position_send"));
     EXPECT_EQ(events.matching({{"operation", "set_position_send"}}).at(0).at("arguments"), json({1000, 800}))
         << "at the highest speed";
     EXPECT_EQ(logged("handle_positionFocusStepperLens: stop focus (0)"), 1U);
-    EXPECT_EQ(get(kPositionFocusLens), "0x037f0000");
-    expectRefusals(kPositionFocusLens, "handle_positionFocusStepperLens", "focus");
+    EXPECT_EQ(get(oids::positionFocusLens), "0x037f0000");
+    expectRefusals(oids::positionFocusLens, "handle_positionFocusStepperLens", "focus");
 }
 
 TEST_F(StepperLens, ZoomIsServedByTheStepper) {
-    set(kPositionZoomLens, absolute(0, 0x8000));
+    set(oids::positionZoomLens, absolute(0, 0x8000));
     EXPECT_TRUE(arrives(kZoomStepper, 3000));
-    set(kPositionZoomLens, delta(-1, 0x1000));
+    set(oids::positionZoomLens, delta(-1, 0x1000));
     EXPECT_TRUE(arrives(kZoomStepper, 2625));
-    set(kPositionZoomLens, continuous(127));
-    set(kPositionZoomLens, stop());
+    set(oids::positionZoomLens, continuous(127));
+    set(oids::positionZoomLens, stop());
     EXPECT_EQ(drive(kZoomStepper).at("position"), 2625);
-    EXPECT_EQ(get(kPositionZoomLens), "0x00000000");
-    expectRefusals(kPositionZoomLens, "handle_zoomStepperPositionZoomLens", "zoom");
-    EXPECT_EQ(get(kRangeZoomLimit), "0");
-    EXPECT_EQ(manager_.set(kTimeoutZoom, Type::Integer, 0).error, ErrorStatus::GenErr);
+    EXPECT_EQ(get(oids::positionZoomLens), "0x00000000");
+    expectRefusals(oids::positionZoomLens, "handle_zoomStepperPositionZoomLens", "zoom");
+    EXPECT_EQ(get(oids::rangeZoomLimit), "0");
+    EXPECT_EQ(manager_.set(oids::timeoutZoom, Type::Integer, 0).error, ErrorStatus::GenErr);
 }
 
 TEST_F(StepperLens, AutomaticFocusIsAQuickRun) {
-    set(kFeatureControl, kAllManual);
-    EXPECT_EQ(get(kFeatureStatus), "0x00");
-    set(kPositionFocusLens, absolute(0, 0));
+    set(oids::systemLensFeatureControl, kAllManual);
+    EXPECT_EQ(get(oids::systemLensFeatureStatus), "0x00");
+    set(oids::positionFocusLens, absolute(0, 0));
     ASSERT_TRUE(arrives(kFocusStepper, 0));
-    set(kFeatureControl, kAllAutomatic);
+    set(oids::systemLensFeatureControl, kAllAutomatic);
     EXPECT_EQ(logged("handle_systemLensFeatureControl2: starting quick auto-focus"), 1U);
     EXPECT_TRUE(arrives(kFocusStepper, drive(kFocusStepper).at("sharpPosition")));
-    EXPECT_EQ(get(kFeatureStatus), "0xc0");
-    EXPECT_EQ(manager_.set({octets(kEquipped, "\xC0")}).single().octets, "\xC0\0\0\0\0\0\0\0"s);
+    EXPECT_EQ(get(oids::systemLensFeatureStatus), "0xc0");
+    EXPECT_EQ(manager_.set({octets(oids::systemLensEquipped, "\xC0")}).single().octets, "\xC0\0\0\0\0\0\0\0"s);
 }
 
 TEST_F(TwinFocusLens, AnswersAsRecorded) {
@@ -294,8 +285,8 @@ TEST_F(TwinFocusLens, TheMotorDrivenLensHasTheObjectsAndSixRefusalsAreLogged) {
         EXPECT_EQ(logged("registerScalar: Registration for "s + name + " OID not OK"), 1U) << name;
     }
     const CameraEvents events(camera_);
-    set(kFeatureControl, kAllManual);
-    set(kPositionFocusLens, absolute(0, 0xFFFF));
+    set(oids::systemLensFeatureControl, kAllManual);
+    set(oids::positionFocusLens, absolute(0, 0xFFFF));
     EXPECT_TRUE(arrives(kFocus, 8000));
     EXPECT_EQ(drive(kFocusStepper).at("position"), 900);
     EXPECT_THAT(events.matching({{"event", "command"}, {"service", "focus_stepper"}}), IsEmpty());
@@ -306,7 +297,7 @@ TEST_F(TwinZoomLens, PositioningHasTheZoomAndThreeRefusalsAreLogged) {
     for (const char *name : {"rangeZoomLimit", "timeoutZoom", "positionZoomLens"}) {
         EXPECT_EQ(logged("registerScalar: Registration for "s + name + " OID not OK"), 1U) << name;
     }
-    set(kPositionZoomLens, absolute(127, 65535));
+    set(oids::positionZoomLens, absolute(127, 65535));
     EXPECT_TRUE(eventually(seconds(10), [&] { return drive("positioning/1").at("zoom").at("position") == 1000; }));
     EXPECT_EQ(drive(kZoomStepper).at("position"), 0);
 }
@@ -318,7 +309,7 @@ TEST(LensDiscovery, AServiceThatComesLateIsFound) {
     AgentOptions options = withModule(camera.directory());
     options.fakeTime = "+0 x60";
     const Agent agent(options);
-    EXPECT_EQ(Manager(agent.peer()).get(kFeatureStatus).single().type, Type::Octets);
+    EXPECT_EQ(Manager(agent.peer()).get(oids::systemLensFeatureStatus).single().type, Type::Octets);
     EXPECT_EQ(agent.moduleLog().count("no zorva API alarms"), 1U);
     EXPECT_EQ(agent.moduleLog().count("no zorva API dev info"), 1U);
     EXPECT_EQ(agent.moduleLog().count("no zorva API focuses"), 1U) << "of the stepper that the dome does not have";
@@ -332,6 +323,6 @@ TEST(LensDiscovery, AServiceThatNeverComesIsGivenUp) {
     const Agent agent(options);
     EXPECT_EQ(agent.moduleLog().count("no zorva API focuses"), 2U);
     Manager manager(agent.peer());
-    EXPECT_NE(manager.get(kPositionFocusLens).single().type, Type::Octets);
-    EXPECT_EQ(manager.get(kPositionIrisLens).single().type, Type::Octets);
+    EXPECT_NE(manager.get(oids::positionFocusLens).single().type, Type::Octets);
+    EXPECT_EQ(manager.get(oids::positionIrisLens).single().type, Type::Octets);
 }

@@ -7,17 +7,16 @@
 #include <gtest/gtest.h>
 
 #include "camera.h"
+#include "camera_agent.h"
 #include "eventually.h"
 #include "footprint.h"
-#include "identity_objects.h"
+#include "object_oids.h"
 #include "process_information.h"
 #include "settings.h"
-#include "well_known_objects.h"
 
 namespace {
 
 using namespace harness;
-using namespace identity;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
@@ -26,7 +25,7 @@ std::size_t duplicates(const Agent &agent) {
     std::size_t count = 0;
     for (const std::string &line : agent.log().lines()) {
         const bool ours =
-            line.find(kVendorSubtree) != std::string::npos || line.find(kNtcipSubtree) != std::string::npos;
+            line.find(oids::kVendorSubtree) != std::string::npos || line.find(oids::kNtcipSubtree) != std::string::npos;
         count += ours && line.find("duplicate registration") != std::string::npos ? 1U : 0U;
     }
     return count;
@@ -40,7 +39,7 @@ constexpr std::int64_t kUnload = 5;
 
 /** The status object of this module in the agent's table of loadable modules. */
 std::string statusObject(Manager &manager) {
-    for (const Variable &name : manager.walk(kModuleNames)) {
+    for (const Varbind &name : manager.walk(kModuleNames)) {
         if (name.octets == "quarnsnmp") {
             return kModuleStatuses + name.oid.substr(name.oid.rfind('.'));
         }
@@ -119,10 +118,10 @@ void compareReloads(const AgentOptions &options, int times) {
 TEST(Lifecycle, AReloadBringsEverythingBack) {
     const Camera camera("dome");
     Agent agent(withModule(camera.directory()));
-    const std::vector<Variable> before = Manager(agent.peer()).walk(kVendorSubtree);
+    const std::vector<Varbind> before = Manager(agent.peer()).walk(oids::kVendorSubtree);
     ASSERT_FALSE(before.empty());
     agent.hup();
-    EXPECT_EQ(Manager(agent.peer()).walk(kVendorSubtree), before);
+    EXPECT_EQ(Manager(agent.peer()).walk(oids::kVendorSubtree), before);
     EXPECT_EQ(threadCount(agent.pid()), threadsWithModule());
     EXPECT_EQ(duplicates(agent), 0U);
     EXPECT_EQ(agent.moduleLog().count("timer_thread_func: LEAVING IN THREAD FUNC due to interruption"), 1U);
@@ -149,8 +148,8 @@ TEST(Lifecycle, UnloadingReallyUnloads) {
     ASSERT_TRUE(manager.set(status, Type::Integer, kUnload).ok());
     EXPECT_FALSE(mapsFile(agent.pid(), modulePath()));
     EXPECT_EQ(threadCount(agent.pid()), threadsWithoutModule());
-    EXPECT_EQ(manager.get(kModelName).single().type, Type::NoSuchObject);
-    EXPECT_THAT(manager.walk(kVendorSubtree), testing::IsEmpty());
+    EXPECT_EQ(manager.get(oids::modelName).single().type, Type::NoSuchObject);
+    EXPECT_THAT(manager.walk(oids::kVendorSubtree), testing::IsEmpty());
 
     ASSERT_TRUE(manager.set(status, Type::Integer, kLoad).ok());
     EXPECT_TRUE(mapsFile(agent.pid(), modulePath()));
@@ -168,12 +167,12 @@ TEST(Lifecycle, NothingOfTheModuleIsCalledAfterItIsUnloaded) {
     ASSERT_TRUE(manager.set(statusObject(manager), Type::Integer, kUnload).ok());
     // Two of the poll thread's periods, with all kinds of requests in between.
     constexpr std::int64_t kTwoMinutes = std::int64_t{2} * 60 * 100;
-    const std::int64_t start = manager.get(kUpTime).single().number;
+    const std::int64_t start = manager.get(oids::sysUpTime).single().number;
     ASSERT_TRUE(eventually(seconds(30), [&] {
-        EXPECT_EQ(manager.get(kModelName).single().type, Type::NoSuchObject);
-        EXPECT_TRUE(manager.walk(kVendorSubtree).empty());
-        EXPECT_NE(manager.set({octets(kModelName, "x")}).error, ErrorStatus::None);
-        return manager.get(kUpTime).single().number > start + kTwoMinutes;
+        EXPECT_EQ(manager.get(oids::modelName).single().type, Type::NoSuchObject);
+        EXPECT_TRUE(manager.walk(oids::kVendorSubtree).empty());
+        EXPECT_NE(manager.set({octets(oids::modelName, "x")}).error, ErrorStatus::None);
+        return manager.get(oids::sysUpTime).single().number > start + kTwoMinutes;
     }));
     EXPECT_TRUE(agent.running());
 }
@@ -218,9 +217,9 @@ TEST(LifecycleSlow, AThousandUnloadsAndLoadsAtRunTime) {
             before = footprint(agent);
         }
         ASSERT_TRUE(manager.set(status, Type::Integer, kUnload).ok()) << i;
-        ASSERT_EQ(manager.get(kModelName).single().type, Type::NoSuchObject) << i;
+        ASSERT_EQ(manager.get(oids::modelName).single().type, Type::NoSuchObject) << i;
         ASSERT_TRUE(manager.set(status, Type::Integer, kLoad).ok()) << i;
-        ASSERT_EQ(manager.get(kModelName).single().type, Type::Octets) << i;
+        ASSERT_EQ(manager.get(oids::modelName).single().type, Type::Octets) << i;
     }
     expectFlat(before, footprint(agent));
     EXPECT_EQ(duplicates(agent), 0U);

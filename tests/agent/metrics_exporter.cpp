@@ -13,8 +13,8 @@
 
 namespace monitoring {
 
-using support::LogFile;
 using std::chrono::seconds;
+using support::LogFile;
 
 namespace {
 

@@ -9,6 +9,7 @@
 
 #include "camera_agent.h"
 #include "eventually.h"
+#include "object_oids.h"
 #include "polled_sensors.h"
 #include "settings.h"
 #include "trap_receiver.h"
@@ -90,7 +91,7 @@ class NamesOfTraps : protected NamingReceiver, public CameraAgent, protected Pol
 protected:
     NamesOfTraps() : CameraAgent("dome", agent), PolledSensors(camera_) {}
 
-    /** Waits for a trap whose identifier and whose value are printed by this name. */
+    /** Waits for a trap whose OID and value are printed with this name. */
     void expectPrinted(const std::string &name, const std::string &value) const {
         const std::string qualified = std::string(kTrapModule) + "::" + name;
         const auto line = AllOf(HasSubstr(" = OID: " + qualified + "\t"), EndsWith("\t" + qualified + " = " + value));
@@ -102,15 +103,15 @@ protected:
 } // namespace
 
 TEST_P(NamesOfEach, EveryLineOfAWalkHasAName) {
-    const std::vector<std::pair<std::string, std::string>> subtrees{{"nema", ".1.3.6.1.4.1.1206"},
-                                                                    {"quarn", ".1.3.6.1.4.1.99999"}};
-    for (const auto &[name, identifier] : subtrees) {
+    const std::vector<std::pair<std::string, std::string>> subtrees{{"nema", oids::kNtcipSubtree},
+                                                                    {"quarn", oids::kVendorSubtree}};
+    for (const auto &[name, oid] : subtrees) {
         std::vector<std::string> lines = linesOf(output("snmpwalk", {name}));
         // What the program prints last where nothing follows the subtree; it is no object.
         if (!lines.empty() && lines.back().find(" = No more variables left") != std::string::npos) {
             lines.pop_back();
         }
-        EXPECT_EQ(lines.size(), manager_.walk(identifier).size()) << name;
+        EXPECT_EQ(lines.size(), manager_.walk(oid).size()) << name;
         EXPECT_THAT(lines, Not(IsEmpty()));
         for (const std::string &line : lines) {
             EXPECT_THAT(
@@ -126,7 +127,7 @@ TEST_F(NamesOfDome, ReachTheObjects) {
     EXPECT_EQ(output("snmpget", {"modelName.0"}), "QUARN-CAMERA-MIB::modelName.0 = STRING: QN-4000 Dome\n");
     EXPECT_EQ(output("snmpset", {"positionPan.0", "x", "027F5046"}),
               "QUARN-NTCIP-1205-MIB::positionPan.0 = STRING: 2 7f 50 46\n");
-    EXPECT_EQ(get(".1.3.6.1.4.1.1206.4.2.7.4.1.0"), "0x027f5046");
+    EXPECT_EQ(get(oids::positionPan), "0x027f5046");
     EXPECT_EQ(output("snmpset", {"timeoutPan.0", "i", "5000"}),
               "QUARN-NTCIP-1205-MIB::timeoutPan.0 = INTEGER: 5000 milliseconds\n");
     EXPECT_EQ(output("snmpset", {"relayStatesState.2", "i", "1"}),

@@ -5,6 +5,7 @@
 
 #include "camera_agent.h"
 #include "eventually.h"
+#include "object_oids.h"
 
 namespace {
 
@@ -14,9 +15,6 @@ using testing::IsEmpty;
 using testing::MatchesRegex;
 using testing::SizeIs;
 
-constexpr const char *kRangeMaximumPreset = ".1.3.6.1.4.1.1206.4.2.7.1.1.0";
-constexpr const char *kPresetGotoPosition = ".1.3.6.1.4.1.1206.4.2.7.3.1.0";
-constexpr const char *kPresetStorePosition = ".1.3.6.1.4.1.1206.4.2.7.3.2.0";
 constexpr const char *kPanTarget = "positioning/1";
 
 class Presets : public CameraAgent {
@@ -50,7 +48,7 @@ protected:
 
 TEST_F(Presets, APresetIsStoredAndMovedTo) {
     putPan(90000);
-    setInteger(kPresetStorePosition, 7);
+    setInteger(oids::presetStorePosition, 7);
     ASSERT_THAT(presets(), SizeIs(1));
     const json preset = presets().at(0);
     EXPECT_EQ(preset.at("name"), "Preset 7");
@@ -59,71 +57,71 @@ TEST_F(Presets, APresetIsStoredAndMovedTo) {
     EXPECT_THAT(preset.at("id").get<std::string>(),
                 MatchesRegex("[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}"));
     putPan(0);
-    setInteger(kPresetGotoPosition, 7);
+    setInteger(oids::presetGotoPosition, 7);
     EXPECT_TRUE(panArrivesAt(90000));
-    EXPECT_EQ(get(kPresetGotoPosition), "0x07") << "written as a number, read as an octet";
-    EXPECT_EQ(get(kPresetStorePosition), "0x07");
+    EXPECT_EQ(get(oids::presetGotoPosition), "0x07") << "written as a number, read as an octet";
+    EXPECT_EQ(get(oids::presetStorePosition), "0x07");
 }
 
 TEST_F(Presets, StoringAgainKeepsTheIdentifier) {
-    setInteger(kPresetStorePosition, 12);
+    setInteger(oids::presetStorePosition, 12);
     const json before = presets().at(0);
     putPan(45000);
-    setInteger(kPresetStorePosition, 12);
+    setInteger(oids::presetStorePosition, 12);
     ASSERT_THAT(presets(), SizeIs(1));
     EXPECT_EQ(presets().at(0).at("id"), before.at("id"));
     EXPECT_EQ(presets().at(0).at("name"), "Preset 12");
     EXPECT_EQ(presets().at(0).at("pan"), 45000);
-    setInteger(kPresetStorePosition, 13);
+    setInteger(oids::presetStorePosition, 13);
     EXPECT_THAT(presets(), SizeIs(2));
     EXPECT_NE(presets().at(0).at("id"), presets().at(1).at("id"));
 }
 
 TEST_F(Presets, GoingToANumberWithoutAPresetDoesNothing) {
     const CameraEvents events(camera_);
-    setInteger(kPresetGotoPosition, 99);
-    EXPECT_EQ(get(kPresetGotoPosition), "\"c\"");
+    setInteger(oids::presetGotoPosition, 99);
+    EXPECT_EQ(get(oids::presetGotoPosition), "\"c\"");
     setField(camera_, "alarm/1", "state", 1);
     ASSERT_TRUE(events.waitFor({{"event", "changed"}, {"target", "alarm/1"}}));
     EXPECT_THAT(operations(events), IsEmpty());
 }
 
 TEST_F(Presets, NumbersBeyond255AreRefused) {
-    EXPECT_EQ(manager_.set(kPresetGotoPosition, Type::Integer, 256).error, ErrorStatus::WrongValue);
-    EXPECT_EQ(manager_.set(kPresetStorePosition, Type::Integer, 2147483647).error, ErrorStatus::WrongValue);
+    EXPECT_EQ(manager_.set(oids::presetGotoPosition, Type::Integer, 256).error, ErrorStatus::WrongValue);
+    EXPECT_EQ(manager_.set(oids::presetStorePosition, Type::Integer, 2147483647).error, ErrorStatus::WrongValue);
     EXPECT_EQ(logged("handle_presetGotoPosition: preset number (256) outside range 0-255"), 1U);
     EXPECT_EQ(logged("handle_presetStorePosition: preset number (2147483647) outside range 0-255"), 1U);
-    EXPECT_EQ(manager_.set({octets(kPresetGotoPosition, "\x07")}).error, ErrorStatus::WrongType);
-    EXPECT_EQ(get(kPresetGotoPosition), "0x00");
-    setInteger(kPresetGotoPosition, -1);
-    EXPECT_EQ(get(kPresetGotoPosition), "0xff");
+    EXPECT_EQ(manager_.set({octets(oids::presetGotoPosition, "\x07")}).error, ErrorStatus::WrongType);
+    EXPECT_EQ(get(oids::presetGotoPosition), "0x00");
+    setInteger(oids::presetGotoPosition, -1);
+    EXPECT_EQ(get(oids::presetGotoPosition), "0xff");
 }
 
 TEST_F(Presets, AFailureOfTheCameraIsLoggedAndTheCommandAccepted) {
     control("fail", "presets_tours", "set_preset_with_current_position_send", "1");
-    setInteger(kPresetStorePosition, 3);
+    setInteger(oids::presetStorePosition, 3);
     EXPECT_THAT(presets(), IsEmpty());
     EXPECT_EQ(logged("Failed zorva api call: zorva_api_presets_tours_set_preset_with_current_position_send("), 1U);
     control("down", "presets_tours");
-    setInteger(kPresetGotoPosition, 3);
-    EXPECT_EQ(get(kPresetGotoPosition), "0x03");
-    EXPECT_EQ(get(kRangeMaximumPreset), "0");
+    setInteger(oids::presetGotoPosition, 3);
+    EXPECT_EQ(get(oids::presetGotoPosition), "0x03");
+    EXPECT_EQ(get(oids::rangeMaximumPreset), "0");
     control("up", "presets_tours");
-    EXPECT_EQ(get(kRangeMaximumPreset), "255");
+    EXPECT_EQ(get(oids::rangeMaximumPreset), "255");
 }
 
 TEST_F(Presets, TheNumberOfPresetsIsTheCameras) {
     setField(camera_, "presets_tours/1", "maximumPresets", 16);
-    EXPECT_EQ(get(kRangeMaximumPreset), "16");
+    EXPECT_EQ(get(oids::rangeMaximumPreset), "16");
     EXPECT_EQ(logged("handle_rangeMaximumPreset: get_max_presets, 16"), 1U);
 }
 
 TEST_F(FixedCameraPresets, HoldsNumbersAndMovesNothing) {
-    EXPECT_EQ(get(kRangeMaximumPreset), "0");
-    setInteger(kPresetGotoPosition, 5);
-    setInteger(kPresetStorePosition, 6);
-    EXPECT_EQ(get(kPresetGotoPosition), "0x05");
-    EXPECT_EQ(get(kPresetStorePosition), "0x06");
+    EXPECT_EQ(get(oids::rangeMaximumPreset), "0");
+    setInteger(oids::presetGotoPosition, 5);
+    setInteger(oids::presetStorePosition, 6);
+    EXPECT_EQ(get(oids::presetGotoPosition), "0x05");
+    EXPECT_EQ(get(oids::presetStorePosition), "0x06");
     EXPECT_EQ(logged("no zorva API presets"), 1U);
     EXPECT_EQ(logged("Failed zorva api call"), 0U);
 }

@@ -42,7 +42,7 @@ public:
         environment.insert({{"HOME", directory.path()},
                             {"SNMPCONFPATH", directory.path()},
                             {"SNMP_PERSISTENT_DIR", directory.path()}});
-        // An empty variable says nothing, whatever the one who runs the tests has set.
+        // An empty varbind says nothing, whatever the one who runs the tests has set.
         for (const char *name : {"HOST", "COMMUNITY", "USER", "LEVEL", "AUTH", "PRIVACY", "SNMP_VERSION", "BYTE_ORDER",
                                  "AUTH_PASSPHRASE", "PRIVACY_PASSPHRASE"}) {
             environment.insert({std::string("PTZCTL_") + name, ""});

@@ -7,6 +7,7 @@
 
 #include "configured_agent.h"
 #include "eventually.h"
+#include "object_oids.h"
 #include "polled_sensors.h"
 #include "ptzctl_client.h"
 
@@ -126,10 +127,9 @@ TEST_F(PtzctlTraps, TrapsAreExplainedUntilCtrlC) {
 }
 
 TEST_F(PtzctlTraps, AnInformIsAnswered) {
-    const CommandResult sender =
-        runCommand({"snmpinform", "-v2c", "-c", "public", "-m", "", "-r", "0", "-t", "10", traps(), "1",
-                    ".1.3.6.1.4.1.99999.1.1.8.0", ".1.3.6.1.4.1.99999.1.1.8.0", "u", "7"},
-                   client_.completed({}), seconds(30));
+    const CommandResult sender = runCommand({"snmpinform", "-v2c", "-c", "public", "-m", "", "-r", "0", "-t", "10",
+                                             traps(), "1", oids::registered::power, oids::registered::power, "u", "7"},
+                                            client_.completed({}), seconds(30));
     EXPECT_TRUE(sender.status.clean()) << sender.errors;
     EXPECT_TRUE(received().waitFor("power is 7: the state of the power supply has changed", seconds(10)));
 }

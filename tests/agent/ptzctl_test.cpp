@@ -7,6 +7,7 @@
 
 #include "camera_agent.h"
 #include "eventually.h"
+#include "object_oids.h"
 #include "ptzctl_client.h"
 
 namespace {
@@ -100,7 +101,7 @@ TEST_F(Ptzctl, MovesGoWhereTheyShould) {
     EXPECT_TRUE(arrives("pan", 90000));
     EXPECT_TRUE(arrives("tilt", -30000));
     EXPECT_TRUE(arrives("zoom", 300));
-    EXPECT_EQ(get(".1.3.6.1.4.1.1206.4.2.7.4.1.0"), "0x027f2823");
+    EXPECT_EQ(get(oids::positionPan), "0x027f2823");
 }
 
 TEST_F(Ptzctl, StepsGoInBothDirections) {
@@ -174,10 +175,9 @@ TEST_F(Ptzctl, SettingsAreReadAndWritten) {
     EXPECT_THAT(done({"limits"}), HasSubstr("Tilt     up 20.00°, down -90.00°, steps of 0.01°\n"));
     done({"timeouts", "tilt", "5000"});
     EXPECT_THAT(done({"timeouts"}), HasSubstr("Tilt   5000 ms\n"));
-    EXPECT_EQ(get(".1.3.6.1.4.1.1206.4.2.7.2.2.0"), "5000");
+    EXPECT_EQ(get(oids::timeoutTilt), "5000");
     done({"set", "timeoutPan", "1234"});
-    EXPECT_EQ(done({"get", "timeoutPan", ".1.3.6.1.4.1.99999.1.1.2.0.0"}),
-              "timeoutPan  1234 ms\nmodelName   QN-4000 Dome\n");
+    EXPECT_EQ(done({"get", "timeoutPan", oids::modelName}), "timeoutPan  1234 ms\nmodelName   QN-4000 Dome\n");
     EXPECT_THAT(complains(kRefused, {"set", "rangeTrueNorthOffset", "5"}),
                 HasSubstr("the camera refused rangeTrueNorthOffset = 5: wrongValue\n  "));
     EXPECT_THAT(complains(kRefused, {"timeouts", "focus", "5"}), HasSubstr("genErr"));
@@ -193,7 +193,7 @@ TEST_F(Ptzctl, ARestartIsAskedForOnlyWithConsent) {
 
 TEST_F(Ptzctl, OctetsCanBeInTheOrderOfPublicTexts) {
     EXPECT_THAT(done({"--byte-order", "high", "pan", "to", "180", "--verbose"}), HasSubstr("[02 40 46 50]"));
-    EXPECT_EQ(get(".1.3.6.1.4.1.1206.4.2.7.4.1.0"), "0x02404650");
+    EXPECT_EQ(get(oids::positionPan), "0x02404650");
 }
 
 TEST_F(Ptzctl, WhoMayNotWriteMovesNothing) {

@@ -71,14 +71,14 @@ void count(const Request &request, const Result &result, Counts &counts) {
     ++(request.isGet() ? counts.gets : counts.sets);
     if (!result.answered) {
         ++counts.unanswered;
-        ADD_FAILURE() << request.variable << " is not answered";
+        ADD_FAILURE() << request.varbind << " is not answered";
     } else if (result.error == ErrorStatus::GenErr && request.error != ErrorStatus::GenErr) {
         ++counts.failed;
     } else if (isAbsent(request, result)) {
         ++counts.absent;
     } else if (result.error != request.error) {
         ++counts.unexpected;
-        ADD_FAILURE() << request.variable << ": " << result;
+        ADD_FAILURE() << request.varbind << ": " << result;
     }
 }
 
@@ -94,7 +94,7 @@ void load(const std::string &peer, std::vector<Request> requests, std::size_t fi
                 continue;
             }
             const Clock::time_point start = Clock::now();
-            const Result result = request.isGet() ? manager.get(request.variable.oid) : manager.set({request.variable});
+            const Result result = request.isGet() ? manager.get(request.varbind.oid) : manager.set({request.varbind});
             counts.longest = std::max(counts.longest, std::chrono::duration_cast<milliseconds>(Clock::now() - start));
             count(request, result, counts);
             if (counts.unanswered + counts.unexpected != 0) {

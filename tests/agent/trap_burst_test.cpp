@@ -30,7 +30,7 @@ std::vector<std::int64_t> values(const TrapReceiver &receiver) {
     std::vector<std::int64_t> result;
     for (const Trap &trap : receiver.traps()) {
         if (trap.notification() == kBurst) {
-            result.push_back(trap.variables.back().number);
+            result.push_back(trap.varbinds.back().number);
         }
     }
     return result;

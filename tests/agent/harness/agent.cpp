@@ -13,8 +13,8 @@
 
 #include "agent_files.h"
 #include "eventually.h"
+#include "object_oids.h"
 #include "settings.h"
-#include "well_known_objects.h"
 
 namespace harness {
 
@@ -184,10 +184,10 @@ bool Agent::answers(std::chrono::milliseconds timeout) const {
     if (!options_.asker) {
         Manager manager(peer(), "public");
         manager.setTimeout(timeout);
-        return manager.get(kUpTime).ok();
+        return manager.get(oids::sysUpTime).ok();
     }
     Manager manager(peer(), *options_.asker, timeout);
-    return manager.get(kUpTime).ok();
+    return manager.get(oids::sysUpTime).ok();
 }
 
 pid_t Agent::daemonPid() const {

@@ -21,8 +21,8 @@ struct Line {
     std::string text() const {
         return oid + " " + type + " " + value;
     }
-    bool matches(const Variable &variable) const {
-        return oid == variable.oid && type == typeName(variable.type) && (value == "*" || value == valueText(variable));
+    bool matches(const Varbind &varbind) const {
+        return oid == varbind.oid && type == typeName(varbind.type) && (value == "*" || value == valueText(varbind));
     }
 };
 
@@ -46,15 +46,15 @@ std::vector<Line> readLines(const std::string &path) {
 }
 
 /** Writes a walk; values that were recorded as `*` stay so. */
-void writeLines(const std::string &path, const std::vector<Line> &before, const std::vector<Variable> &walk) {
+void writeLines(const std::string &path, const std::vector<Line> &before, const std::vector<Varbind> &walk) {
     std::map<std::string, bool> starred;
     for (const Line &line : before) {
         starred[line.oid + " " + line.type] = line.value == "*";
     }
     std::ofstream stream(path, std::ios::trunc);
-    for (const Variable &variable : walk) {
-        const std::string type = typeName(variable.type);
-        stream << variable.oid << " " << type << " " << (starred[variable.oid + " " + type] ? "*" : valueText(variable))
+    for (const Varbind &varbind : walk) {
+        const std::string type = typeName(varbind.type);
+        stream << varbind.oid << " " << type << " " << (starred[varbind.oid + " " + type] ? "*" : valueText(varbind))
                << "\n";
     }
     stream.close();
@@ -64,7 +64,7 @@ void writeLines(const std::string &path, const std::vector<Line> &before, const 
 }
 
 /** Merges both sides by identifier and names what does not match. */
-std::string difference(const std::vector<Line> &wanted, const std::vector<Variable> &found) {
+std::string difference(const std::vector<Line> &wanted, const std::vector<Varbind> &found) {
     std::string result;
     std::size_t w = 0;
     std::size_t f = 0;
@@ -115,7 +115,7 @@ std::string inconsistencies(Manager &manager, const std::string &root, const std
 
 testing::AssertionResult matchesWalkFile(Manager &manager, const std::string &root, const std::string &path,
                                          bool update) {
-    const std::vector<Variable> walk = manager.bulkWalk(root);
+    const std::vector<Varbind> walk = manager.bulkWalk(root);
     if (walk.empty()) {
         return testing::AssertionFailure() << "the agent serves nothing below " << root;
     }

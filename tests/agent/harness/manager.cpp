@@ -36,41 +36,41 @@ std::string textOf(const oid *numbers, std::size_t count) {
 }
 
 /** Adds a varbind to a request in the encoding that the library wants for its type. */
-void append(netsnmp_pdu *pdu, const Variable &variable) {
-    const std::vector<oid> name = nativeOid(variable.oid);
-    const auto type = static_cast<u_char>(variable.type);
+void append(netsnmp_pdu *pdu, const Varbind &varbind) {
+    const std::vector<oid> name = nativeOid(varbind.oid);
+    const auto type = static_cast<u_char>(varbind.type);
     const netsnmp_variable_list *added = nullptr;
-    switch (variable.type) {
+    switch (varbind.type) {
     case Type::Integer:
     case Type::Counter32:
     case Type::Gauge32:
     case Type::TimeTicks: {
-        const auto value = static_cast<long>(variable.number);
+        const auto value = static_cast<long>(varbind.number);
         added = snmp_pdu_add_variable(pdu, name.data(), name.size(), type, &value, sizeof value);
         break;
     }
     case Type::Counter64: {
-        const auto value = static_cast<std::uint64_t>(variable.number);
+        const auto value = static_cast<std::uint64_t>(varbind.number);
         const counter64 halves{static_cast<u_long>(value >> 32U), static_cast<u_long>(value & 0xffffffffU)};
         added = snmp_pdu_add_variable(pdu, name.data(), name.size(), type, &halves, sizeof halves);
         break;
     }
     case Type::Oid: {
-        const std::vector<oid> value = nativeOid(variable.octets);
+        const std::vector<oid> value = nativeOid(varbind.octets);
         added = snmp_pdu_add_variable(pdu, name.data(), name.size(), type, value.data(), value.size() * sizeof(oid));
         break;
     }
     default:
         added =
-            snmp_pdu_add_variable(pdu, name.data(), name.size(), type, variable.octets.data(), variable.octets.size());
+            snmp_pdu_add_variable(pdu, name.data(), name.size(), type, varbind.octets.data(), varbind.octets.size());
     }
     if (added == nullptr) {
-        throw std::runtime_error("the SNMP library does not take " + text(variable));
+        throw std::runtime_error("the SNMP library does not take " + text(varbind));
     }
 }
 
-Variable read(const netsnmp_variable_list &native) {
-    Variable result;
+Varbind read(const netsnmp_variable_list &native) {
+    Varbind result;
     result.oid = textOf(native.name, native.name_length);
     result.type = static_cast<Type>(native.type);
     switch (result.type) {
@@ -156,8 +156,8 @@ std::string reportOf(void *session) {
     }
 }
 
-std::vector<Variable> namesOnly(const std::vector<std::string> &oids) {
-    std::vector<Variable> result;
+std::vector<Varbind> namesOnly(const std::vector<std::string> &oids) {
+    std::vector<Varbind> result;
     result.reserve(oids.size());
     for (const std::string &name : oids) {
         result.push_back({name, Type::Null, 0, ""});
@@ -171,12 +171,12 @@ bool Result::ok() const {
     return answered && error == ErrorStatus::None;
 }
 
-const Variable &Result::single() const {
-    if (variables.size() != 1) {
+const Varbind &Result::single() const {
+    if (varbinds.size() != 1) {
         throw std::runtime_error("an answer with one varbind was expected, not " +
-                                 (answered ? std::to_string(variables.size()) : "none at all"));
+                                 (answered ? std::to_string(varbinds.size()) : "none at all"));
     }
-    return variables.front();
+    return varbinds.front();
 }
 
 std::ostream &operator<<(std::ostream &stream, ErrorStatus status) {
@@ -188,8 +188,8 @@ std::ostream &operator<<(std::ostream &stream, const Result &result) {
         return stream << "no answer" << (result.report.empty() ? "" : ": " + result.report);
     }
     stream << result.error << " at " << result.errorIndex;
-    for (const Variable &variable : result.variables) {
-        stream << "\n  " << variable;
+    for (const Varbind &varbind : result.varbinds) {
+        stream << "\n  " << varbind;
     }
     return stream;
 }
@@ -218,7 +218,7 @@ void Manager::setTimeout(std::chrono::microseconds timeout) {
     snmp_sess_session(session_)->timeout = static_cast<long>(timeout.count());
 }
 
-Result Manager::request(int command, const std::vector<Variable> &variables, long nonRepeaters, long maxRepetitions) {
+Result Manager::request(int command, const std::vector<Varbind> &varbinds, long nonRepeaters, long maxRepetitions) {
     PduPointer pdu(snmp_pdu_create(command), snmp_free_pdu);
     if (!pdu) {
         throw std::runtime_error("no memory for a request");
@@ -227,8 +227,8 @@ Result Manager::request(int command, const std::vector<Variable> &variables, lon
         pdu->non_repeaters = nonRepeaters;
         pdu->max_repetitions = maxRepetitions;
     }
-    for (const Variable &variable : variables) {
-        append(pdu.get(), variable);
+    for (const Varbind &varbind : varbinds) {
+        append(pdu.get(), varbind);
     }
     netsnmp_pdu *raw = nullptr;
     const int status = snmp_sess_synch_response(session_, pdu.release(), &raw);
@@ -254,7 +254,7 @@ Result Manager::request(int command, const std::vector<Variable> &variables, lon
     result.error = static_cast<ErrorStatus>(answer->errstat);
     result.errorIndex = answer->errindex;
     for (const netsnmp_variable_list *native = answer->variables; native != nullptr; native = native->next_variable) {
-        result.variables.push_back(read(*native));
+        result.varbinds.push_back(read(*native));
     }
     return result;
 }
@@ -271,39 +271,39 @@ Result Manager::getBulk(long nonRepeaters, long maxRepetitions, const std::vecto
     return request(SNMP_MSG_GETBULK, namesOnly(oids), nonRepeaters, maxRepetitions);
 }
 
-Result Manager::set(const std::vector<Variable> &values) {
+Result Manager::set(const std::vector<Varbind> &values) {
     return request(SNMP_MSG_SET, values, 0, 0);
 }
 
 Result Manager::set(const std::string &oid, Type type, std::int64_t value) {
-    return set({Variable{oid, type, value, ""}});
+    return set({Varbind{oid, type, value, ""}});
 }
 
-std::vector<Variable> Manager::walk(const std::string &root) {
+std::vector<Varbind> Manager::walk(const std::string &root) {
     return collect(root, 0);
 }
 
-std::vector<Variable> Manager::bulkWalk(const std::string &root, long repetitions) {
+std::vector<Varbind> Manager::bulkWalk(const std::string &root, long repetitions) {
     return collect(root, repetitions);
 }
 
-std::vector<Variable> Manager::collect(const std::string &root, long repetitions) {
-    std::vector<Variable> found;
+std::vector<Varbind> Manager::collect(const std::string &root, long repetitions) {
+    std::vector<Varbind> found;
     std::string last = oidText(parseOid(root));
     while (true) {
         const Result result = repetitions > 0 ? getBulk(0, repetitions, {last}) : getNextAll({last});
-        if (!result.ok() || result.variables.empty()) {
+        if (!result.ok() || result.varbinds.empty()) {
             throw std::runtime_error("the walk stops behind " + last + (result.answered ? ": error" : ": no answer"));
         }
-        for (const Variable &variable : result.variables) {
-            if (variable.type == Type::EndOfMibView || !isBelow(variable.oid, root)) {
+        for (const Varbind &varbind : result.varbinds) {
+            if (varbind.type == Type::EndOfMibView || !isBelow(varbind.oid, root)) {
                 return found;
             }
-            if (!comesBefore(last, variable.oid)) {
-                throw std::runtime_error("the walk goes backwards from " + last + " to " + variable.oid);
+            if (!comesBefore(last, varbind.oid)) {
+                throw std::runtime_error("the walk goes backwards from " + last + " to " + varbind.oid);
             }
-            last = variable.oid;
-            found.push_back(variable);
+            last = varbind.oid;
+            found.push_back(varbind);
         }
     }
 }

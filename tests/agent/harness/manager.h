@@ -13,7 +13,7 @@
 
 #include "eventually.h"
 #include "user.h"
-#include "variable.h"
+#include "varbind.h"
 
 namespace harness {
 
@@ -45,13 +45,13 @@ struct Result {
     std::string report;    ///< why an SNMPv3 agent did not read the request, in the library's words; no answer then
     ErrorStatus error = ErrorStatus::None;
     long errorIndex = 0; ///< number of the varbind that the error is about, from 1; 0 when it is about none
-    std::vector<Variable> variables;
+    std::vector<Varbind> varbinds;
 
     /** Whether an answer without an error came. */
     bool ok() const;
 
     /** The varbind of an answer that has exactly one. @throws std::runtime_error when it has none or several */
-    const Variable &single() const;
+    const Varbind &single() const;
 };
 
 /** The versions with communities. */
@@ -112,7 +112,7 @@ public:
     Result getBulk(long nonRepeaters, long maxRepetitions, const std::vector<std::string> &oids);
 
     /** Writes objects, all in one request. */
-    Result set(const std::vector<Variable> &values);
+    Result set(const std::vector<Varbind> &values);
 
     /** Writes one object of any type that has a number. */
     Result set(const std::string &oid, Type type, std::int64_t value);
@@ -121,14 +121,14 @@ public:
      * Reads all that lies below an identifier, object by object.
      * @throws std::runtime_error when the agent does not answer, answers an error, or goes backwards
      */
-    std::vector<Variable> walk(const std::string &root);
+    std::vector<Varbind> walk(const std::string &root);
 
     /** As walk(), with GETBULK requests. @param repetitions objects per request */
-    std::vector<Variable> bulkWalk(const std::string &root, long repetitions = 20);
+    std::vector<Varbind> bulkWalk(const std::string &root, long repetitions = 20);
 
 private:
-    Result request(int command, const std::vector<Variable> &variables, long nonRepeaters, long maxRepetitions);
-    std::vector<Variable> collect(const std::string &root, long repetitions);
+    Result request(int command, const std::vector<Varbind> &varbinds, long nonRepeaters, long maxRepetitions);
+    std::vector<Varbind> collect(const std::string &root, long repetitions);
 
     void *session_;
 };

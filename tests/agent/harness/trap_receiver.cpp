@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "eventually.h"
+#include "object_oids.h"
 #include "settings.h"
-#include "well_known_objects.h"
 
 namespace harness {
 
@@ -49,7 +49,7 @@ std::string octetsFromAddress(const std::string &text) {
 }
 
 /** Reads `TYPE: value` as the receiver prints it with the options of TrapReceiver. */
-void readValue(const std::string &printed, Variable &variable) {
+void readValue(const std::string &printed, Varbind &varbind) {
     static constexpr std::array<std::pair<const char *, Type>, 4> kNumbers{{
         {"INTEGER: ", Type::Integer},
         {"Gauge32: ", Type::Gauge32},
@@ -61,24 +61,24 @@ void readValue(const std::string &printed, Variable &variable) {
     const auto *number =
         std::find_if(kNumbers.begin(), kNumbers.end(), [&](const auto &entry) { return startsWith(entry.first); });
     if (number != kNumbers.end()) {
-        variable.type = number->second;
-        variable.number = std::stoll(value);
+        varbind.type = number->second;
+        varbind.number = std::stoll(value);
     } else if (startsWith("OID: ")) {
-        variable.type = Type::Oid;
-        variable.octets = value;
+        varbind.type = Type::Oid;
+        varbind.octets = value;
     } else if (startsWith("Hex-STRING: ")) {
-        variable.type = Type::Octets;
-        variable.octets = octetsFromHexadecimal(value);
+        varbind.type = Type::Octets;
+        varbind.octets = octetsFromHexadecimal(value);
     } else if (printed == "\"\"") {
-        variable.type = Type::Octets;
+        varbind.type = Type::Octets;
     } else if (startsWith("IpAddress: ")) {
-        variable.type = Type::IpAddress;
-        variable.octets = octetsFromAddress(value);
+        varbind.type = Type::IpAddress;
+        varbind.octets = octetsFromAddress(value);
     } else if (printed == "NULL") {
-        variable.type = Type::Null;
+        varbind.type = Type::Null;
     } else if (!printed.empty() && printed.find_first_not_of("0123456789") == std::string::npos) {
-        variable.type = Type::TimeTicks;
-        variable.number = std::stoll(printed);
+        varbind.type = Type::TimeTicks;
+        varbind.number = std::stoll(printed);
     } else {
         throw std::runtime_error("the trap receiver printed a value of an unknown kind: " + printed);
     }
@@ -93,31 +93,31 @@ Trap readTrap(const std::string &line) {
         if (equals == std::string::npos) {
             throw std::runtime_error("the trap receiver printed no varbind: " + parts[i]);
         }
-        Variable variable;
-        variable.oid = parts[i].substr(0, equals);
-        readValue(parts[i].substr(equals + 3), variable);
-        trap.variables.push_back(variable);
+        Varbind varbind;
+        varbind.oid = parts[i].substr(0, equals);
+        readValue(parts[i].substr(equals + 3), varbind);
+        trap.varbinds.push_back(varbind);
     }
     return trap;
 }
 
 } // namespace
 
-const Variable *Trap::find(const std::string &oid) const {
-    const auto found = std::find_if(variables.begin(), variables.end(),
-                                    [&oid](const Variable &variable) { return variable.oid == oid; });
-    return found != variables.end() ? &*found : nullptr;
+const Varbind *Trap::find(const std::string &oid) const {
+    const auto found =
+        std::find_if(varbinds.begin(), varbinds.end(), [&oid](const Varbind &varbind) { return varbind.oid == oid; });
+    return found != varbinds.end() ? &*found : nullptr;
 }
 
 std::string Trap::notification() const {
-    const Variable *found = find(kTrapOid);
+    const Varbind *found = find(oids::snmpTrapOID);
     return found != nullptr ? found->octets : "";
 }
 
 std::ostream &operator<<(std::ostream &stream, const Trap &trap) {
     stream << trap.kind;
-    for (const Variable &variable : trap.variables) {
-        stream << "\n  " << variable;
+    for (const Varbind &varbind : trap.varbinds) {
+        stream << "\n  " << varbind;
     }
     return stream;
 }

@@ -18,7 +18,7 @@
 #include "process.h"
 #include "reserved_port.h"
 #include "temporary_directory.h"
-#include "variable.h"
+#include "varbind.h"
 
 namespace harness {
 
@@ -26,11 +26,11 @@ using namespace support;
 
 /** One notification. */
 struct Trap {
-    std::string kind;                ///< what the receiver says of it, such as "TRAP2, SNMP v2c, community public"
-    std::vector<Variable> variables; ///< all varbinds, sysUpTime.0 and snmpTrapOID.0 included
+    std::string kind;              ///< what the receiver says of it, such as "TRAP2, SNMP v2c, community public"
+    std::vector<Varbind> varbinds; ///< all varbinds, sysUpTime.0 and snmpTrapOID.0 included
 
     /** The first varbind of an identifier; null when there is none. */
-    const Variable *find(const std::string &oid) const;
+    const Varbind *find(const std::string &oid) const;
 
     /** Value of snmpTrapOID.0; empty when there is none. */
     std::string notification() const;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "variable.h"
+#include "varbind.h"
 
 #include <algorithm>
 #include <array>
@@ -50,39 +50,39 @@ std::string typeName(Type type) {
     return found != kTypeNames.end() ? found->second : hexadecimal(std::string(1, static_cast<char>(type)));
 }
 
-bool operator==(const Variable &left, const Variable &right) {
+bool operator==(const Varbind &left, const Varbind &right) {
     return left.oid == right.oid && left.type == right.type && left.number == right.number &&
            left.octets == right.octets;
 }
 
-bool operator!=(const Variable &left, const Variable &right) {
+bool operator!=(const Varbind &left, const Varbind &right) {
     return !(left == right);
 }
 
-Variable integer(const std::string &oid, std::int64_t value) {
+Varbind integer(const std::string &oid, std::int64_t value) {
     return {oid, Type::Integer, value, ""};
 }
 
-Variable octets(const std::string &oid, const std::string &value) {
+Varbind octets(const std::string &oid, const std::string &value) {
     return {oid, Type::Octets, 0, value};
 }
 
-std::string valueText(const Variable &variable) {
-    switch (variable.type) {
+std::string valueText(const Varbind &varbind) {
+    switch (varbind.type) {
     case Type::Integer:
     case Type::Counter32:
     case Type::Gauge32:
     case Type::TimeTicks:
     case Type::Counter64:
-        return std::to_string(variable.number);
+        return std::to_string(varbind.number);
     case Type::Oid:
-        return variable.octets;
+        return varbind.octets;
     case Type::Octets:
-        return std::all_of(variable.octets.begin(), variable.octets.end(), isPlain) ? '"' + variable.octets + '"'
-                                                                                    : hexadecimal(variable.octets);
+        return std::all_of(varbind.octets.begin(), varbind.octets.end(), isPlain) ? '"' + varbind.octets + '"'
+                                                                                  : hexadecimal(varbind.octets);
     case Type::IpAddress:
     case Type::Opaque:
-        return hexadecimal(variable.octets);
+        return hexadecimal(varbind.octets);
     case Type::Null:
     case Type::NoSuchObject:
     case Type::NoSuchInstance:
@@ -92,12 +92,12 @@ std::string valueText(const Variable &variable) {
     return "-";
 }
 
-std::string text(const Variable &variable) {
-    return variable.oid + " " + typeName(variable.type) + " " + valueText(variable);
+std::string text(const Varbind &varbind) {
+    return varbind.oid + " " + typeName(varbind.type) + " " + valueText(varbind);
 }
 
-std::ostream &operator<<(std::ostream &stream, const Variable &variable) {
-    return stream << text(variable);
+std::ostream &operator<<(std::ostream &stream, const Varbind &varbind) {
+    return stream << text(varbind);
 }
 
 std::vector<std::uint32_t> parseOid(const std::string &oid) {

@@ -3,8 +3,8 @@
  * @file
  * Object identifiers and values, independent of the SNMP library's own types.
  */
-#ifndef QUARNSNMP_HARNESS_VARIABLE_H
-#define QUARNSNMP_HARNESS_VARIABLE_H
+#ifndef QUARNSNMP_HARNESS_VARBIND_H
+#define QUARNSNMP_HARNESS_VARBIND_H
 
 #include <cstdint>
 #include <ostream>
@@ -34,31 +34,31 @@ enum class Type : unsigned char {
 std::string typeName(Type type);
 
 /** One varbind. */
-struct Variable {
+struct Varbind {
     std::string oid; ///< dotted, with a leading dot
     Type type = Type::Null;
     std::int64_t number = 0; ///< value of Integer, Counter32, Gauge32, TimeTicks and Counter64; else 0
     std::string octets;      ///< octets of Octets, IpAddress and Opaque; dotted text of Oid; else empty
 };
 
-bool operator==(const Variable &left, const Variable &right);
-bool operator!=(const Variable &left, const Variable &right);
+bool operator==(const Varbind &left, const Varbind &right);
+bool operator!=(const Varbind &left, const Varbind &right);
 
 /** An INTEGER for a request. */
-Variable integer(const std::string &oid, std::int64_t value);
+Varbind integer(const std::string &oid, std::int64_t value);
 
 /** An OCTET STRING for a request. */
-Variable octets(const std::string &oid, const std::string &value);
+Varbind octets(const std::string &oid, const std::string &value);
 
 /** The value as text: a number, a dotted identifier, octets in quotes when all are printable, in hexadecimal otherwise.
  */
-std::string valueText(const Variable &variable);
+std::string valueText(const Varbind &varbind);
 
 /** The whole varbind as the line `oid type value` of a recorded walk. */
-std::string text(const Variable &variable);
+std::string text(const Varbind &varbind);
 
 /** Lets the test framework print varbinds. */
-std::ostream &operator<<(std::ostream &stream, const Variable &variable);
+std::ostream &operator<<(std::ostream &stream, const Varbind &varbind);
 
 /**
  * Splits a dotted identifier into its numbers; the leading dot may be missing.
