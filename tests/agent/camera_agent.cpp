@@ -31,11 +31,11 @@ CameraAgent::CameraAgent(const std::string &camera, const AgentOptions &agent)
     : camera_(camera), agent_(withCamera(agent, camera_)), manager_(agent_.peer()) {}
 
 std::string CameraAgent::get(const std::string &oid) {
-    return valueText(manager_.get(oid).single());
+    return recordedValue(manager_.get(oid).single());
 }
 
 void CameraAgent::set(const std::string &oid, const std::string &octets) {
-    const Result result = manager_.set({harness::octets(oid, octets)});
+    const Result result = manager_.set({octetString(oid, octets)});
     EXPECT_TRUE(result.ok()) << oid << ": " << result;
 }
 

@@ -35,7 +35,7 @@ protected:
      */
     explicit CameraAgent(const std::string &camera, const AgentOptions &agent = {});
 
-    /** Reads an object. @return its value as valueText() writes it */
+    /** Reads an object. @return its value as recordedValue() writes it */
     std::string get(const std::string &oid);
 
     /** Writes octets to an object; a refusal fails the test. */

@@ -136,10 +136,10 @@ TEST(CameraLoss, ACameraThatIsStoppedInItsTracksHoldsACommandForItsCallsOnly) {
     ASSERT_EQ(kill(camera.pid(), SIGSTOP), 0);
     EXPECT_EQ(modelName(agent), name);
     // One call, which is given up after two seconds.
-    EXPECT_TRUE(manager.set({octets(oids::positionPan, stop())}).ok());
+    EXPECT_TRUE(manager.set({octetString(oids::positionPan, stop())}).ok());
     ASSERT_EQ(kill(camera.pid(), SIGCONT), 0);
     EXPECT_EQ(agent.moduleLog().count("Failed zorva api call: zorva_api_positioning_set_velocity_send("), 1U);
-    EXPECT_TRUE(manager.set({octets(oids::positionPan, stop())}).ok());
+    EXPECT_TRUE(manager.set({octetString(oids::positionPan, stop())}).ok());
     EXPECT_EQ(agent.moduleLog().count("Failed zorva api call"), 1U);
 }
 

@@ -173,7 +173,7 @@ TEST(LabConfigurationTraps, AreSentAsVersion2) {
 
 TEST_F(FieldConfiguration, TheViewerSeesTheSystemAndTheCameraAndWritesNothing) {
     expectToSeeOnly(viewer_, {oids::kSystemSubtree, oids::kNtcipSubtree, oids::kVendorSubtree});
-    EXPECT_EQ(valueText(viewer_.get(oids::modelName).single()), "\"QN-4000 Dome\"");
+    EXPECT_EQ(recordedValue(viewer_.get(oids::modelName).single()), "\"QN-4000 Dome\"");
     expectWrites(viewer_, commands(), ErrorStatus::NoAccess);
     expectWrites(viewer_, settings(), ErrorStatus::NoAccess);
     expectWrites(viewer_, objectsOfTheAgent(), ErrorStatus::NoAccess);

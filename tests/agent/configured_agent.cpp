@@ -26,14 +26,14 @@ std::vector<Replacement> placed(std::vector<Replacement> replacements, const std
 std::vector<Written> commands() {
     const std::string stop(4, '\0');
     return {
-        {"positionPan", octets(oids::positionPan, stop)},
-        {"positionTilt", octets(oids::positionTilt, stop)},
-        {"positionZoomLens", octets(oids::positionZoomLens, stop)},
-        {"positionFocusLens", octets(oids::positionFocusLens, stop)},
-        {"positionIrisLens", octets(oids::positionIrisLens, stop)},
+        {"positionPan", octetString(oids::positionPan, stop)},
+        {"positionTilt", octetString(oids::positionTilt, stop)},
+        {"positionZoomLens", octetString(oids::positionZoomLens, stop)},
+        {"positionFocusLens", octetString(oids::positionFocusLens, stop)},
+        {"positionIrisLens", octetString(oids::positionIrisLens, stop)},
         {"presetGotoPosition", integer(oids::presetGotoPosition, 9)},
-        {"systemLensFeatureControl", octets(oids::systemLensFeatureControl, {'\x40', '\0'})},
-        {"outputControl", octets(oids::outputControl, {'\x01', '\0'})},
+        {"systemLensFeatureControl", octetString(oids::systemLensFeatureControl, {'\x40', '\0'})},
+        {"outputControl", octetString(oids::outputControl, {'\x01', '\0'})},
         {"relayStatesTable.3", integer(oids::row(oids::relayStatesState, 1), 0)},
     };
 }
@@ -45,7 +45,7 @@ std::vector<Written> settings() {
         {"timeoutTilt", integer(oids::timeoutTilt, 1000)},
         {"timeoutZoom", integer(oids::timeoutZoom, 1000)},
         {"presetStorePosition", integer(oids::presetStorePosition, 9)},
-        {"systemLensEquipped", octets(oids::systemLensEquipped, "\x40")},
+        {"systemLensEquipped", octetString(oids::systemLensEquipped, "\x40")},
         {"rebootDevice", integer(reboot().oid, 0)},
     };
 }
@@ -55,7 +55,7 @@ std::vector<Written> objectsOfTheAgent() {
     constexpr std::int64_t kCreateAndWait = 5;
     constexpr std::int64_t kFalse = 2;
     return {
-        {"sysName", octets(".1.3.6.1.2.1.1.5.0", "something")},
+        {"sysName", octetString(".1.3.6.1.2.1.1.5.0", "something")},
         {"snmpEnableAuthenTraps", integer(".1.3.6.1.2.1.11.30.0", kFalse)},
         {"nsDebugEnabled", integer(".1.3.6.1.4.1.8072.1.7.1.1.0", kFalse)},
         {"nsExtendStatus of a new command", integer(".1.3.6.1.4.1.8072.1.3.2.2.1.21.1.97", kCreateAndWait)},

@@ -39,7 +39,7 @@ Calls together(Calls first, const Calls &rest) {
 }
 
 Request set(const Varbind &value, const Calls &calls = {}) {
-    return {value, calls, false, valueText(value)};
+    return {value, calls, false, recordedValue(value)};
 }
 
 /** The service that drives the focus: the plain motor goes before the stepper motor. */
@@ -95,9 +95,9 @@ std::vector<Request> positionCommands(const char *oid, const Calls &conversion) 
     const Calls move =
         together(together(together(start, conversion), speed), {positioning("move_to_position_with_speed_percentage")});
     const Calls run = together(together({soft}, speed), {positioning("set_velocity_with_timeout")});
-    return {set(octets(oid, delta(64, 0)), move), set(octets(oid, continuous(-64)), run),
-            set(octets(oid, absolute(127, 1000)), move), set(octets(oid, continuous(64)), run),
-            set(octets(oid, stop()), {positioning("set_velocity")})};
+    return {set(octetString(oid, delta(64, 0)), move), set(octetString(oid, continuous(-64)), run),
+            set(octetString(oid, absolute(127, 1000)), move), set(octetString(oid, continuous(64)), run),
+            set(octetString(oid, stop()), {positioning("set_velocity")})};
 }
 
 /** How a drive of the lens is called; a text is empty where it has no such operation. */
@@ -112,9 +112,9 @@ std::vector<Request> lensCommands(const std::string &oid, const LensDrive &drive
     const auto calls = [&drive](const std::string &operation) {
         return operation.empty() ? Calls{} : Calls{call(drive.service, operation)};
     };
-    return {set(octets(oid, delta(1, 0x1000)), together(calls(drive.readPosition), calls(drive.moveTo))),
-            set(octets(oid, absolute(0, 0x4000)), calls(drive.moveTo)),
-            set(octets(oid, continuous(1)), calls(drive.run)), set(octets(oid, stop()), calls(drive.run))};
+    return {set(octetString(oid, delta(1, 0x1000)), together(calls(drive.readPosition), calls(drive.moveTo))),
+            set(octetString(oid, absolute(0, 0x4000)), calls(drive.moveTo)),
+            set(octetString(oid, continuous(1)), calls(drive.run)), set(octetString(oid, stop()), calls(drive.run))};
 }
 
 std::vector<Request> featureCommands(const Services &services) {
@@ -123,9 +123,9 @@ std::vector<Request> featureCommands(const Services &services) {
     const Call setFocus = call(focus, "set_manual_mode_enable");
     const Call setIris = call("exposure", "set_manual_mode_enable");
     const std::string control = oids::systemLensFeatureControl;
-    return {set(octets(control, "\xC0\x00"s), {setFocus, setIris}),
-            set(octets(control, "\xC0\x80"s), {setFocus, startFocus, setIris}),
-            set(octets(oids::systemLensEquipped, "\x40")), set(octets(oids::systemLensEquipped, "\xC0"))};
+    return {set(octetString(control, "\xC0\x00"s), {setFocus, setIris}),
+            set(octetString(control, "\xC0\x80"s), {setFocus, startFocus, setIris}),
+            set(octetString(oids::systemLensEquipped, "\x40")), set(octetString(oids::systemLensEquipped, "\xC0"))};
 }
 
 std::vector<Request> timeoutCommands(const char *oid) {
@@ -137,7 +137,7 @@ std::vector<Request> timeoutCommands(const char *oid) {
 Request preset(const std::string &oid, char number, const std::string &operation) {
     Request request = set(integer(oid, number), {logged("presets_tours", "get_preset_id_for_quarnapi_id"),
                                                  logged("presets_tours", operation)});
-    request.held = valueText(octets(oid, {number}));
+    request.held = recordedValue(octetString(oid, {number}));
     return request;
 }
 
@@ -162,7 +162,7 @@ std::vector<Request> relayCommands() {
                                     calls("handle_relayStates"));
     std::vector<Request> commands;
     for (const char *command : {"\x01\x80", "\x02\x80"}) {
-        commands.push_back(set(octets(oids::outputControl, command), calls("handle_outputControl")));
+        commands.push_back(set(octetString(oids::outputControl, command), calls("handle_outputControl")));
     }
     for (const unsigned row : {1U, 2U}) {
         commands.push_back(set(integer(oids::row(oids::relayStatesState, row), 0), rowCalls));

@@ -27,8 +27,8 @@ struct Call {
 struct Request {
     harness::Varbind varbind; ///< a GET has no value
     std::vector<Call> calls = {};
-    bool genErr = false;     ///< what a failed call is answered with; otherwise it does not show in the status
-    std::string held = {};   ///< what a GET answers after the SET, as valueText() writes it; empty when that depends
+    bool genErr = false;   ///< what a failed call is answered with; otherwise it does not show in the status
+    std::string held = {}; ///< what a GET answers after the SET, as recordedValue() writes it; empty when that depends
     bool onlyFailed = false; ///< a command that must not get through to the camera
     // As long as nothing fails:
     std::string answer = {};
@@ -58,7 +58,7 @@ struct StartFault {
     std::string operation;
     std::string log;                  ///< text of the log line that tells of it
     std::vector<std::string> missing; ///< subtrees without objects then
-    /** Objects with another value, and the value as valueText() writes it. */
+    /** Objects with another value, and the value as recordedValue() writes it. */
     std::vector<std::pair<std::string, std::string>> changed = {};
 };
 

@@ -41,7 +41,7 @@ std::string withoutBits(const Varbind &answered, const std::string &asEver, cons
     }
     // Objects with bits have one octet, which reads as 0xHH in the answers that they give here.
     const auto value = static_cast<char>(std::stoul(asEver, nullptr, 16) & ~lost);
-    return valueText(octets(answered.oid, {value}));
+    return recordedValue(octetString(answered.oid, {value}));
 }
 
 } // namespace
@@ -90,7 +90,7 @@ void FaultSweep::learn(Request &request) {
     if (request.isGet() || !request.held.empty() || !request.calls.empty()) {
         EXPECT_TRUE(result.ok()) << request.varbind << ": " << result;
         EXPECT_EQ(request.errorsLogged, 0U) << request.varbind;
-        request.answer = valueText(result.single());
+        request.answer = recordedValue(result.single());
     }
 }
 
@@ -115,7 +115,7 @@ void FaultSweep::expectAnswer(const Request &request, const std::vector<Call> &f
         return;
     }
     if (request.isGet()) {
-        EXPECT_EQ(valueText(result.single()), withoutBits(result.single(), request.answer, failed));
+        EXPECT_EQ(recordedValue(result.single()), withoutBits(result.single(), request.answer, failed));
     } else if (!request.held.empty()) {
         EXPECT_EQ(get(request.varbind.oid), request.held);
     }

@@ -82,7 +82,7 @@ protected:
         std::vector<std::string> lines;
         for (const char *root : {oids::kNtcipSubtree, oids::kVendorSubtree}) {
             for (const Varbind &varbind : manager_.walk(root)) {
-                lines.push_back(varbind.oid + " " + valueText(varbind));
+                lines.push_back(varbind.oid + " " + recordedValue(varbind));
             }
         }
         return lines;

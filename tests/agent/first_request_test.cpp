@@ -89,7 +89,7 @@ TEST(FirstRequest, TheIdentityCannotBeWritten) {
     const std::string before = answer(manager, oids::modelName);
     for (const char *oid :
          {oids::modelNumber, oids::modelName, oids::serialNumber, oids::fwVersion, oids::swVersion, oids::hwVersion}) {
-        const Result result = manager.set({octets(oid, "mine")});
+        const Result result = manager.set({octetString(oid, "mine")});
         EXPECT_EQ(result.error, ErrorStatus::NotWritable) << oid;
         EXPECT_EQ(result.errorIndex, 1) << oid;
     }

@@ -100,10 +100,11 @@ TEST(Manager, TellsErrorsFromMissingObjectsAndFromSilence) {
     EXPECT_EQ(reader.get(oids::modelName).single().type, Type::NoSuchObject);
     EXPECT_EQ(reader.get(std::string(oids::sysDescr) + ".7").single().type, Type::NoSuchInstance);
     EXPECT_EQ(reader.getNext(oids::kVendorSubtree).single().type, Type::EndOfMibView);
-    const Result refused = writer.set({octets(oids::sysContact, "somebody"), octets(oids::sysDescr, "not writable")});
+    const Result refused =
+        writer.set({octetString(oids::sysContact, "somebody"), octetString(oids::sysDescr, "not writable")});
     EXPECT_EQ(refused.error, ErrorStatus::NotWritable) << refused;
     EXPECT_EQ(refused.errorIndex, 2);
-    EXPECT_EQ(reader.set({octets(oids::sysContact, "somebody")}).error, ErrorStatus::NoAccess);
+    EXPECT_EQ(reader.set({octetString(oids::sysContact, "somebody")}).error, ErrorStatus::NoAccess);
     EXPECT_NE(reader.get(oids::sysContact).single().octets, "somebody");
     Manager stranger(agent.peer(), "unknown");
     stranger.setTimeout(std::chrono::milliseconds(200));
@@ -116,7 +117,7 @@ TEST(Manager, SendsEveryTypeWithItsOwnTag) {
     Agent agent;
     Manager manager(agent.peer());
     for (const Type type : {Type::Integer, Type::Counter32, Type::Gauge32, Type::TimeTicks, Type::Counter64}) {
-        EXPECT_EQ(manager.set(oids::sysContact, type, 4000000000).error, ErrorStatus::WrongType) << typeName(type);
+        EXPECT_EQ(manager.set(oids::sysContact, type, 4000000000).error, ErrorStatus::WrongType) << recordedType(type);
     }
     for (const Varbind &value :
          {Varbind{oids::sysContact, Type::Oid, 0, ".1.3.6"}, Varbind{oids::sysContact, Type::Null, 0, ""},

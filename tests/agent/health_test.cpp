@@ -223,7 +223,7 @@ TEST_F(Reboot, TheCameraGoesAwayAndComesBackWhileTheAgentAnswers) {
 TEST_F(Reboot, OtherNumbersAreKeptAndDoNothing) {
     setInteger(oids::rebootDevice, 7);
     EXPECT_EQ(get(oids::rebootDevice), "7");
-    EXPECT_EQ(manager_.set({octets(oids::rebootDevice, "1")}).error, ErrorStatus::WrongType);
+    EXPECT_EQ(manager_.set({octetString(oids::rebootDevice, "1")}).error, ErrorStatus::WrongType);
     control("fail", "device_management", "reboot_send", "1");
     setInteger(oids::rebootDevice, 1);
     EXPECT_EQ(get(oids::rebootDevice), "0") << "the camera has refused";

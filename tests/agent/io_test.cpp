@@ -173,7 +173,7 @@ TEST_F(Outputs, TheTableSwitchesARow) {
     EXPECT_EQ(get(oids::outputControl), "0x0000") << "the control object holds its own command";
     setInteger(relayState(2), 256);
     EXPECT_EQ(relay(2), 0) << "only the low octet reaches the relay";
-    EXPECT_EQ(manager_.set({octets(relayState(2), "1")}).error, ErrorStatus::WrongType);
+    EXPECT_EQ(manager_.set({octetString(relayState(2), "1")}).error, ErrorStatus::WrongType);
     EXPECT_EQ(logged("handle_relayStates: MODE_SET_RESERVE1 fail"), 1U);
     EXPECT_EQ(manager_.set(oids::row(oids::relayStatesNumber, 1), Type::Integer, 5).error, ErrorStatus::NotWritable);
 }
@@ -209,9 +209,9 @@ TEST_F(Outputs, RowsThatAreNotThereAreNeverRead) {
 TEST_F(Outputs, AColumnThatIsNotThereIsNoneAndTheOthersAreAnswered) {
     const Result result = manager_.get(relayState(1), kMissingColumn, relayState(2));
     ASSERT_EQ(result.varbinds.size(), 3U) << result;
-    EXPECT_EQ(valueText(result.varbinds[0]), "0");
+    EXPECT_EQ(recordedValue(result.varbinds[0]), "0");
     EXPECT_EQ(result.varbinds[1].type, Type::NoSuchObject);
-    EXPECT_EQ(valueText(result.varbinds[2]), "0");
+    EXPECT_EQ(recordedValue(result.varbinds[2]), "0");
 }
 
 TEST_F(Outputs, ANameThatIsNoCellIsRefusedTogetherWithCells) {
@@ -229,7 +229,7 @@ TEST_F(Outputs, ANameThatIsNoCellIsRefusedTogetherWithCells) {
 
 TEST_F(Outputs, ARelayThatFailsIsToldToTheManager) {
     control("fail", "relay", "set_state_send", "1");
-    EXPECT_EQ(manager_.set({octets(oids::outputControl, "\x01\x80")}).error, ErrorStatus::GenErr);
+    EXPECT_EQ(manager_.set({octetString(oids::outputControl, "\x01\x80")}).error, ErrorStatus::GenErr);
     EXPECT_EQ(logged("handle_outputControl: MODE_COMMIT fail"), 1U);
     control("fail", "relay", "get_configuration_send", "1");
     EXPECT_EQ(manager_.set(relayState(1), Type::Integer, 1).error, ErrorStatus::GenErr);

@@ -50,7 +50,7 @@ protected:
 
     /** What an object answers to a SET that it must refuse. */
     ErrorStatus refusal(const char *oid, const std::string &value) {
-        return manager_.set({octets(oid, value)}).error;
+        return manager_.set({octetString(oid, value)}).error;
     }
 
     /** What lens commands refuse, each its log line. */
@@ -204,7 +204,7 @@ TEST_F(Lens, TheStatusFollowsTheDeviceAndTheControlDoesNot) {
 
 TEST_F(Lens, EquippedAnswersASetWithEightOctetsOfWhichOneCounts) {
     EXPECT_EQ(get(oids::systemLensEquipped), "0x00");
-    const Result result = manager_.set({octets(oids::systemLensEquipped, "\x40")});
+    const Result result = manager_.set({octetString(oids::systemLensEquipped, "\x40")});
     ASSERT_TRUE(result.ok()) << result;
     EXPECT_EQ(result.single().octets, "\x40\0\0\0\0\0\0\0"s);
     EXPECT_EQ(get(oids::systemLensEquipped), "\"@\"");
@@ -270,7 +270,7 @@ TEST_F(StepperLens, AutomaticFocusIsAQuickRun) {
     EXPECT_EQ(logged("handle_systemLensFeatureControl2: starting quick auto-focus"), 1U);
     EXPECT_TRUE(arrives(kFocusStepper, drive(kFocusStepper).at("sharpPosition")));
     EXPECT_EQ(get(oids::systemLensFeatureStatus), "0xc0");
-    EXPECT_EQ(manager_.set({octets(oids::systemLensEquipped, "\xC0")}).single().octets, "\xC0\0\0\0\0\0\0\0"s);
+    EXPECT_EQ(manager_.set({octetString(oids::systemLensEquipped, "\xC0")}).single().octets, "\xC0\0\0\0\0\0\0\0"s);
 }
 
 TEST_F(TwinFocusLens, AnswersAsRecorded) {

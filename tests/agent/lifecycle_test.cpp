@@ -171,7 +171,7 @@ TEST(Lifecycle, NothingOfTheModuleIsCalledAfterItIsUnloaded) {
     ASSERT_TRUE(eventually(seconds(30), [&] {
         EXPECT_EQ(manager.get(oids::modelName).single().type, Type::NoSuchObject);
         EXPECT_TRUE(manager.walk(oids::kVendorSubtree).empty());
-        EXPECT_NE(manager.set({octets(oids::modelName, "x")}).error, ErrorStatus::None);
+        EXPECT_NE(manager.set({octetString(oids::modelName, "x")}).error, ErrorStatus::None);
         return manager.get(oids::sysUpTime).single().number > start + kTwoMinutes;
     }));
     EXPECT_TRUE(agent.running());

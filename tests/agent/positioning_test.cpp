@@ -124,8 +124,9 @@ TEST_F(Positioning, FullSpeedDownStopsAtTheLimit) {
 
 TEST_F(Positioning, AllAxesStartAndStopInOneRequest) {
     const auto all = [this](const std::string &command) {
-        const Result result = manager_.set({octets(oids::positionPan, command), octets(oids::positionTilt, command),
-                                            octets(oids::positionZoomLens, command)});
+        const Result result =
+            manager_.set({octetString(oids::positionPan, command), octetString(oids::positionTilt, command),
+                          octetString(oids::positionZoomLens, command)});
         EXPECT_TRUE(result.ok()) << result;
     };
     setField(camera_, kTarget, "tilt.position", -80000);
@@ -149,20 +150,22 @@ TEST_F(Positioning, OneBadVariableOfTwoMovesNothing) {
         ErrorStatus error;
         long index;
     } cases[] = {
-        {{octets(oids::positionPan, absolute(50, 100)), octets(oids::positionTilt, absolute(50, 36000))},
+        {{octetString(oids::positionPan, absolute(50, 100)), octetString(oids::positionTilt, absolute(50, 36000))},
          ErrorStatus::WrongValue,
          2},
-        {{octets(oids::positionPan, command(4)), octets(oids::positionTilt, absolute(50, 100))},
+        {{octetString(oids::positionPan, command(4)), octetString(oids::positionTilt, absolute(50, 100))},
          ErrorStatus::WrongValue,
          1},
-        {{octets(oids::positionTilt, absolute(50, 100)), integer(oids::positionPan, 1)}, ErrorStatus::WrongType, 2},
-        {{octets(oids::positionZoomLens, absolute(50, 100)), integer(oids::timeoutPan, 65536)},
+        {{octetString(oids::positionTilt, absolute(50, 100)), integer(oids::positionPan, 1)},
+         ErrorStatus::WrongType,
+         2},
+        {{octetString(oids::positionZoomLens, absolute(50, 100)), integer(oids::timeoutPan, 65536)},
          ErrorStatus::WrongValue,
          2},
-        {{octets(oids::positionZoomLens, command(0, 1)), octets(oids::positionPan, absolute(50, 100))},
+        {{octetString(oids::positionZoomLens, command(0, 1)), octetString(oids::positionPan, absolute(50, 100))},
          ErrorStatus::WrongValue,
          1},
-        {{octets(oids::positionPan, absolute(50, 100)), integer(oids::rangePanLeftLimit, 1)},
+        {{octetString(oids::positionPan, absolute(50, 100)), integer(oids::rangePanLeftLimit, 1)},
          ErrorStatus::NotWritable,
          2},
     };

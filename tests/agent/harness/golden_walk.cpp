@@ -22,7 +22,8 @@ struct Line {
         return oid + " " + type + " " + value;
     }
     bool matches(const Varbind &varbind) const {
-        return oid == varbind.oid && type == typeName(varbind.type) && (value == "*" || value == valueText(varbind));
+        return oid == varbind.oid && type == recordedType(varbind.type) &&
+               (value == "*" || value == recordedValue(varbind));
     }
 };
 
@@ -53,9 +54,9 @@ void writeLines(const std::string &path, const std::vector<Line> &before, const 
     }
     std::ofstream stream(path, std::ios::trunc);
     for (const Varbind &varbind : walk) {
-        const std::string type = typeName(varbind.type);
-        stream << varbind.oid << " " << type << " " << (starred[varbind.oid + " " + type] ? "*" : valueText(varbind))
-               << "\n";
+        const std::string type = recordedType(varbind.type);
+        stream << varbind.oid << " " << type << " "
+               << (starred[varbind.oid + " " + type] ? "*" : recordedValue(varbind)) << "\n";
     }
     stream.close();
     if (!stream) {
@@ -71,14 +72,14 @@ std::string difference(const std::vector<Line> &wanted, const std::vector<Varbin
     while (w < wanted.size() || f < found.size()) {
         if (w < wanted.size() && f < found.size() && wanted[w].oid == found[f].oid) {
             if (!wanted[w].matches(found[f])) {
-                result += "- " + wanted[w].text() + "\n+ " + text(found[f]) + "\n";
+                result += "- " + wanted[w].text() + "\n+ " + recordedLine(found[f]) + "\n";
             }
             ++w;
             ++f;
         } else if (f == found.size() || (w < wanted.size() && comesBefore(wanted[w].oid, found[f].oid))) {
             result += "- " + wanted[w++].text() + "\n";
         } else {
-            result += "+ " + text(found[f++]) + "\n";
+            result += "+ " + recordedLine(found[f++]) + "\n";
         }
     }
     return result;

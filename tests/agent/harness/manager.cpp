@@ -1,122 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "manager.h"
 
-// clang-format off
-#include <net-snmp/net-snmp-config.h>
-#include <net-snmp/net-snmp-includes.h>
-// clang-format on
-
+#include <algorithm>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <mutex>
 #include <stdexcept>
 
+#include "netsnmp_convert.h"
+#include "netsnmp_types.h"
 #include "secure_session.h"
 
 namespace harness {
 
 namespace {
-
-using PduPointer = std::unique_ptr<netsnmp_pdu, decltype(&snmp_free_pdu)>;
-
-std::vector<oid> nativeOid(const std::string &text) {
-    const std::vector<std::uint32_t> numbers = parseOid(text);
-    if (numbers.size() < 2 || numbers.size() > MAX_OID_LEN) {
-        throw std::invalid_argument("an object identifier has 2 to 128 numbers: '" + text + "'");
-    }
-    return {numbers.begin(), numbers.end()};
-}
-
-std::string textOf(const oid *numbers, std::size_t count) {
-    std::string result;
-    for (std::size_t i = 0; i < count; ++i) {
-        result += "." + std::to_string(numbers[i]);
-    }
-    return result;
-}
-
-/** Adds a varbind to a request in the encoding that the library wants for its type. */
-void append(netsnmp_pdu *pdu, const Varbind &varbind) {
-    const std::vector<oid> name = nativeOid(varbind.oid);
-    const auto type = static_cast<u_char>(varbind.type);
-    const netsnmp_variable_list *added = nullptr;
-    switch (varbind.type) {
-    case Type::Integer:
-    case Type::Counter32:
-    case Type::Gauge32:
-    case Type::TimeTicks: {
-        const auto value = static_cast<long>(varbind.number);
-        added = snmp_pdu_add_variable(pdu, name.data(), name.size(), type, &value, sizeof value);
-        break;
-    }
-    case Type::Counter64: {
-        const auto value = static_cast<std::uint64_t>(varbind.number);
-        const counter64 halves{static_cast<u_long>(value >> 32U), static_cast<u_long>(value & 0xffffffffU)};
-        added = snmp_pdu_add_variable(pdu, name.data(), name.size(), type, &halves, sizeof halves);
-        break;
-    }
-    case Type::Oid: {
-        const std::vector<oid> value = nativeOid(varbind.octets);
-        added = snmp_pdu_add_variable(pdu, name.data(), name.size(), type, value.data(), value.size() * sizeof(oid));
-        break;
-    }
-    default:
-        added =
-            snmp_pdu_add_variable(pdu, name.data(), name.size(), type, varbind.octets.data(), varbind.octets.size());
-    }
-    if (added == nullptr) {
-        throw std::runtime_error("the SNMP library does not take " + text(varbind));
-    }
-}
-
-Varbind read(const netsnmp_variable_list &native) {
-    Varbind result;
-    result.oid = textOf(native.name, native.name_length);
-    result.type = static_cast<Type>(native.type);
-    switch (result.type) {
-    case Type::Integer:
-        result.number = *native.val.integer;
-        break;
-    case Type::Counter32:
-    case Type::Gauge32:
-    case Type::TimeTicks:
-        // The library keeps 32 bits in a long; which of the two signs it extended is no matter of the protocol.
-        result.number = static_cast<std::uint32_t>(*native.val.integer);
-        break;
-    case Type::Counter64:
-        result.number = static_cast<std::int64_t>((static_cast<std::uint64_t>(native.val.counter64->high) << 32U) |
-                                                  native.val.counter64->low);
-        break;
-    case Type::Oid:
-        result.octets = textOf(native.val.objid, native.val_len / sizeof(oid));
-        break;
-    case Type::Octets:
-    case Type::IpAddress:
-    case Type::Opaque:
-        result.octets.assign(reinterpret_cast<const char *>(native.val.string), native.val_len);
-        break;
-    default:
-        break;
-    }
-    return result;
-}
-
-/** Names the library's last error of a session, or of opening one when there is none. */
-std::string libraryError(void *session) {
-    int systemError = 0;
-    int libraryError = 0;
-    char *message = nullptr;
-    if (session != nullptr) {
-        snmp_sess_error(session, &systemError, &libraryError, &message);
-    } else {
-        netsnmp_session none{};
-        none.s_snmp_errno = snmp_errno;
-        snmp_error(&none, &systemError, &libraryError, &message);
-    }
-    std::string result = message != nullptr ? message : "unknown error";
-    std::free(message);
-    return result;
-}
 
 void *open(const std::string &peer, const std::string &community, CommunityVersion version) {
     // Without init_snmp(), which would read the user's and the machine's configuration.
@@ -133,7 +31,7 @@ void *open(const std::string &peer, const std::string &community, CommunityVersi
     wanted.retries = 0;
     void *session = snmp_sess_open(&wanted);
     if (session == nullptr) {
-        throw std::runtime_error("cannot open a session with " + peer + ": " + libraryError(nullptr));
+        throw std::runtime_error("cannot open a session with " + peer + ": " + snmp::libraryError(nullptr));
     }
     return session;
 }
@@ -150,7 +48,7 @@ std::string reportOf(void *session) {
     case SNMPERR_AUTHENTICATION_FAILURE:
     case SNMPERR_NOT_IN_TIME_WINDOW:
     case SNMPERR_DECRYPTION_ERR:
-        return libraryError(session);
+        return snmp::libraryError(session);
     default:
         return "";
     }
@@ -158,10 +56,7 @@ std::string reportOf(void *session) {
 
 std::vector<Varbind> namesOnly(const std::vector<std::string> &oids) {
     std::vector<Varbind> result;
-    result.reserve(oids.size());
-    for (const std::string &name : oids) {
-        result.push_back({name, Type::Null, 0, ""});
-    }
+    std::transform(oids.begin(), oids.end(), std::back_inserter(result), snmp::nameOnly);
     return result;
 }
 
@@ -202,7 +97,7 @@ Manager::Manager(const std::string &peer, const std::string &community, Communit
 Manager::Manager(const std::string &peer, const User &user, std::chrono::microseconds timeout)
     : session_(openSecureSession(peer, user, timeout)) {
     if (session_ == nullptr) {
-        throw std::runtime_error("cannot open a session with " + peer + ": " + libraryError(nullptr));
+        throw std::runtime_error("cannot open a session with " + peer + ": " + snmp::libraryError(nullptr));
     }
 }
 
@@ -219,7 +114,7 @@ void Manager::setTimeout(std::chrono::microseconds timeout) {
 }
 
 Result Manager::request(int command, const std::vector<Varbind> &varbinds, long nonRepeaters, long maxRepetitions) {
-    PduPointer pdu(snmp_pdu_create(command), snmp_free_pdu);
+    snmp::PduPointer pdu(snmp_pdu_create(command));
     if (!pdu) {
         throw std::runtime_error("no memory for a request");
     }
@@ -228,11 +123,11 @@ Result Manager::request(int command, const std::vector<Varbind> &varbinds, long 
         pdu->max_repetitions = maxRepetitions;
     }
     for (const Varbind &varbind : varbinds) {
-        append(pdu.get(), varbind);
+        snmp::append(*pdu, varbind);
     }
     netsnmp_pdu *raw = nullptr;
     const int status = snmp_sess_synch_response(session_, pdu.release(), &raw);
-    const PduPointer answer(raw, snmp_free_pdu);
+    const snmp::PduPointer answer(raw);
     Result result;
     if (status == STAT_TIMEOUT) {
         return result;
@@ -248,14 +143,12 @@ Result Manager::request(int command, const std::vector<Varbind> &varbinds, long 
         }
     }
     if (status != STAT_SUCCESS || !answer) {
-        throw std::runtime_error("request failed: " + libraryError(session_));
+        throw std::runtime_error("request failed: " + snmp::libraryError(session_));
     }
     result.answered = true;
     result.error = static_cast<ErrorStatus>(answer->errstat);
     result.errorIndex = answer->errindex;
-    for (const netsnmp_variable_list *native = answer->variables; native != nullptr; native = native->next_variable) {
-        result.varbinds.push_back(read(*native));
-    }
+    result.varbinds = snmp::varbindsOf(*answer);
     return result;
 }
 
@@ -289,7 +182,7 @@ std::vector<Varbind> Manager::bulkWalk(const std::string &root, long repetitions
 
 std::vector<Varbind> Manager::collect(const std::string &root, long repetitions) {
     std::vector<Varbind> found;
-    std::string last = oidText(parseOid(root));
+    std::string last = root;
     while (true) {
         const Result result = repetitions > 0 ? getBulk(0, repetitions, {last}) : getNextAll({last});
         if (!result.ok() || result.varbinds.empty()) {

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "eventually.h"
+#include "recorded_values.h"
 #include "user.h"
-#include "varbind.h"
 
 namespace harness {
 

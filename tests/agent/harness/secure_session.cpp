@@ -1,15 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "secure_session.h"
 
-// clang-format off
-#include <net-snmp/net-snmp-config.h>
-#include <net-snmp/net-snmp-includes.h>
-#include <net-snmp/library/snmp_secmod.h>
-#include <net-snmp/library/transform_oids.h>
-// clang-format on
-
 #include <cstdlib>
 #include <stdexcept>
+
+#include "netsnmp_types.h"
 
 namespace harness {
 

@@ -42,7 +42,7 @@ std::string octetsFromHexadecimal(const std::string &text) {
 
 std::string octetsFromAddress(const std::string &text) {
     std::string result;
-    for (const std::uint32_t number : parseOid(text)) {
+    for (const std::uint32_t number : snmp::parseOid(text)) {
         result += static_cast<char>(number);
     }
     return result;

@@ -16,9 +16,9 @@
 
 #include "log_file.h"
 #include "process.h"
+#include "recorded_values.h"
 #include "reserved_port.h"
 #include "temporary_directory.h"
-#include "varbind.h"
 
 namespace harness {
 
