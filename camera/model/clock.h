@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The camera's time.
+ * Clock of the camera.
  */
 #ifndef QUARNSNMP_CAMERA_CLOCK_H
 #define QUARNSNMP_CAMERA_CLOCK_H
@@ -11,13 +11,13 @@
 
 namespace camera {
 
-/** Gives the seconds since the camera started; it never goes back. */
+/** Returns the seconds since the camera started; never decreases. */
 using Clock = std::function<double()>;
 
-/** A time that never comes. */
+/** Time of an event that never occurs. */
 inline constexpr double kNever = std::numeric_limits<double>::infinity();
 
-/** A clock that starts now and goes on whatever happens to the time of day. */
+/** Returns a clock that starts now and is independent of changes of the system time. */
 Clock startClock();
 
 } // namespace camera

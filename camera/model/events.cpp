@@ -42,7 +42,7 @@ void Events::publishAt(double time, const char *kind, nlohmann::json members) {
     lastTime_ = std::max(lastTime_, std::round(time * kPerSecond) / kPerSecond);
     members["time"] = lastTime_;
     members["event"] = kind;
-    // A listener may end any subscription, so each is looked up anew and copied for the length of its call.
+    // A listener may end any subscription, including its own. Each is looked up and copied for its call.
     std::vector<std::uint64_t> ids;
     ids.reserve(listeners_.size());
     for (const auto &entry : listeners_) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Events: what happens in the camera, told to whoever wants to know.
+ * Events of the camera and their listeners.
  */
 #ifndef QUARNSNMP_CAMERA_EVENTS_H
 #define QUARNSNMP_CAMERA_EVENTS_H
@@ -19,15 +19,14 @@
 namespace camera {
 
 /**
- * Hands events to listeners, in the order in which they happen. An event is an object with the seconds since the
- * camera started in "time", to the microsecond and never less than in the event before, its kind in "event", and
- * members of its kind.
+ * Publisher of events, in the order of their times. An event is an object with its kind in "event", the seconds since
+ * the camera started in "time", and further members. Times have a resolution of a microsecond and never decrease.
  */
 class Events {
 public:
     using Listener = std::function<void(const nlohmann::json &event)>;
 
-    /** Ends a listening when it goes; it must go before the events it belongs to. */
+    /** Registration of a listener, which ends with this object. The Events must outlive it. */
     class Subscription {
     public:
         Subscription() = default;
@@ -47,19 +46,19 @@ public:
     Events(const Events &) = delete;
     Events &operator=(const Events &) = delete;
 
-    /** Calls the listener for each event to come. A listener may end subscriptions, its own included. */
+    /** Registers a listener of all later events. A listener may end any subscription, including its own. */
     [[nodiscard]] Subscription subscribe(Listener listener);
 
-    /** Whether anybody listens; without listeners an event need not be put together. */
+    /** Returns true if there is a listener; otherwise, publishers can save the construction of events. */
     bool heard() const;
 
-    /** Publishes an event of a kind with its members that happens now. */
+    /** Publishes an event of the present. */
     void publish(const char *kind, nlohmann::json members);
 
-    /** Publishes an event that happened at a time, in seconds since the camera started. */
+    /** Publishes an event of a past time, in seconds since the camera started. */
     void publishAt(double time, const char *kind, nlohmann::json members);
 
-    /** Seconds since the camera started. */
+    /** Returns the seconds since the camera started. */
     double seconds() const;
 
 private:

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Field records: the one description of a state struct, which serves the reading of a camera file, the printing of the
- * state, the control program's `set` and the reference in the documentation.
+ * Field records: the single description of a state struct for the parser of camera files, the output of the state, the
+ * control command `set` and the reference in the documentation.
  *
- * A record's key is dotted, as in `pan.softPosition.minimum`; in JSON each dot is one level of nesting. The records of
- * a struct are flat, so that a struct inside a struct is just more records with a longer key.
+ * The key of a record is dotted, such as `pan.softPosition.minimum`. Each dot is a nesting level in JSON. The list of
+ * records is flat: the fields of a nested struct have longer keys.
  */
 #ifndef QUARNSNMP_CAMERA_FIELDS_H
 #define QUARNSNMP_CAMERA_FIELDS_H
@@ -19,15 +19,15 @@
 
 namespace camera {
 
-/** One field of a state struct. */
+/** Field of a state struct. */
 template <typename State>
 struct Field {
     std::string key;
-    std::string expected; ///< what a value must be, as in "an integer from 0 to 255"
+    std::string expected; ///< description of valid values, such as "an integer from 0 to 255"
     std::function<nlohmann::json(const State &)> get;
     /**
-     * Checks and stores a value; the problem's path is relative to the field. Stores nothing after a problem. Empty for
-     * a field that cannot be set.
+     * Checks and stores a value. On failure, stores nothing and returns an error with a path relative to the field.
+     * Empty for a read-only field.
      */
     std::function<std::optional<Problem>(State &, const nlohmann::json &)> set;
 };
@@ -35,7 +35,7 @@ struct Field {
 template <typename State>
 using Fields = std::vector<Field<State>>;
 
-/** A field whose values `parse` turns into the member's type, or into nothing when they do not fit. */
+/** Makes a field of a member. `parse` converts a JSON value to the member's type, and an invalid one to nothing. */
 template <typename State, typename Value, typename Parse>
 Field<State> parsedField(std::string key, Value State::*member, std::string expected, Parse parse) {
     auto set = [member, expected, parse](State &state, const nlohmann::json &value) -> std::optional<Problem> {
@@ -50,7 +50,7 @@ Field<State> parsedField(std::string key, Value State::*member, std::string expe
             std::move(set)};
 }
 
-/** An integer in a range, ends included; without one, all that the member's type holds. */
+/** Makes an integer field. The range includes its limits; the default is the range of the member's type. */
 template <typename State, typename Value>
 Field<State> integerField(std::string key, Value State::*member,
                           std::common_type_t<Value> lowest = std::numeric_limits<Value>::min(),
@@ -62,13 +62,13 @@ Field<State> integerField(std::string key, Value State::*member,
                        });
 }
 
-/** A field that cannot be set, because it follows from commands; `kind` is what it shows, as in "an integer". */
+/** Makes a read-only field, whose value follows from commands. @param kind  type of the value, as in "an integer" */
 template <typename State, typename Get>
 Field<State> readOnlyField(std::string key, const std::string &kind, Get get) {
     return {std::move(key), kind + "; read-only", std::move(get), nullptr};
 }
 
-/** A flag: true or false. */
+/** Makes a boolean field. */
 template <typename State>
 Field<State> flagField(std::string key, bool State::*member) {
     return parsedField(std::move(key), member, "true or false", [](const nlohmann::json &value) {
@@ -76,14 +76,14 @@ Field<State> flagField(std::string key, bool State::*member) {
     });
 }
 
-/** A text. */
+/** Makes a text field. */
 template <typename State>
 Field<State> textField(std::string key, std::string State::*member, std::size_t longest = kLongestText) {
     return parsedField(std::move(key), member, "a text of at most " + std::to_string(longest) + " octets",
                        [longest](const nlohmann::json &value) { return textIn(value, longest); });
 }
 
-/** A text or null. */
+/** Makes a field for a text or null. */
 template <typename State>
 Field<State> nullableTextField(std::string key, std::optional<std::string> State::*member) {
     std::string expected = "a text of at most " + std::to_string(kLongestText) + " octets or null";
@@ -101,7 +101,7 @@ Field<State> nullableTextField(std::string key, std::optional<std::string> State
     return {std::move(key), std::move(expected), std::move(get), std::move(set)};
 }
 
-/** The values of all fields as one object with dotted keys. */
+/** Returns the values of all fields as one object with dotted keys. */
 template <typename State>
 nlohmann::json fieldValues(const Fields<State> &fields, const State &state) {
     nlohmann::json values = nlohmann::json::object();
@@ -111,7 +111,7 @@ nlohmann::json fieldValues(const Fields<State> &fields, const State &state) {
     return values;
 }
 
-/** The keys of all fields that can be set. */
+/** Returns the keys of all fields that are not read-only. */
 template <typename State>
 std::vector<std::string> settableKeys(const Fields<State> &fields) {
     std::vector<std::string> keys;
@@ -123,21 +123,21 @@ std::vector<std::string> settableKeys(const Fields<State> &fields) {
     return keys;
 }
 
-/** Turns an object with dotted keys into nested objects. */
+/** Converts an object with dotted keys to nested objects. */
 nlohmann::json nested(const nlohmann::json &dotted);
 
-/** The names on the next level below a group of keys; the whole struct is the group "". */
+/** Returns the names on the next level below a group of keys; the group "" is the whole struct. */
 std::vector<std::string> membersOf(const std::vector<std::string> &keys, const std::string &group);
 
-/** Says that a field cannot be set. */
+/** Returns the error for a read-only field. */
 Problem readOnly(const std::string &key);
 
-/** Says that there is no such key, and which ones there are on the nearest level that exists. */
+/** Returns the error for an unknown key, with the valid keys of the nearest existing level. */
 Problem unknownKey(const std::vector<std::string> &keys, const std::string &key);
 
 /**
- * Stores a value in the field of a key or, when the key names a group, an object of values in the group's fields; the
- * group "" is the whole struct. After a problem part of the values may be stored, so callers work on a copy.
+ * Stores a value in the field of a key, or an object of values in a group of fields. The group "" is the whole struct.
+ * After an error, some of the values may be stored, so callers work on a copy.
  */
 template <typename State>
 std::optional<Problem> assign(const Fields<State> &fields, const std::string &key, const nlohmann::json &value,
@@ -162,7 +162,7 @@ std::optional<Problem> assign(const Fields<State> &fields, const std::string &ke
         return Problem{key, mismatch("an object with " + listed(members), value)};
     }
     for (const auto &item : value.items()) {
-        // A dotted key in a file would be a second way to write the same field.
+        // A dotted key would be a second form of the same field.
         if (item.key().empty() || item.key().find('.') != std::string::npos) {
             return unknownKey(settableKeys(fields), joinPath(key, item.key()));
         }
@@ -173,7 +173,7 @@ std::optional<Problem> assign(const Fields<State> &fields, const std::string &ke
     return std::nullopt;
 }
 
-/** A list of at most `longest` structs, each described by records of its own. */
+/** Makes a field for a list of at most `longest` structs with their own field records. */
 template <typename State, typename Element>
 Field<State> listField(std::string key, std::vector<Element> State::*member, const Fields<Element> &elementFields,
                        std::size_t longest) {
@@ -204,7 +204,7 @@ Field<State> listField(std::string key, std::vector<Element> State::*member, con
     return {std::move(key), std::move(expected), std::move(get), std::move(set)};
 }
 
-/** Adds the records of a struct inside the struct, under a key of its own. */
+/** Adds the records of a nested struct under a key. */
 template <typename State, typename Part>
 void addPart(Fields<State> &fields, const std::string &key, Part State::*member, const Fields<Part> &partFields) {
     for (const Field<Part> &field : partFields) {
@@ -227,15 +227,15 @@ void addBase(Fields<State> &fields, const Fields<Base> &baseFields) {
     }
 }
 
-/** Checks a field against limits that other fields hold; `limits` names them, as in "minimum to maximum". */
+/** Checks a field against the values of two other fields. @param limits  their keys, as in "minimum to maximum" */
 std::optional<Problem> checkWithin(const std::string &key, std::int64_t value, std::int64_t lowest,
                                    std::int64_t highest, const std::string &limits);
 
-/** Checks a field against a lower limit that the field `limit` holds. */
+/** Checks a field against the value of another field, its lower limit. @param limit  the key of that field */
 std::optional<Problem> checkAtLeast(const std::string &key, std::int64_t value, std::int64_t lowest,
                                     const std::string &limit);
 
-/** The first of some problems, so that checks can be listed. */
+/** Returns the first error of several checks; nothing if all passed. */
 std::optional<Problem> firstOf(std::initializer_list<std::optional<Problem>> problems);
 
 } // namespace camera

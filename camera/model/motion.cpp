@@ -9,10 +9,10 @@ namespace camera {
 
 namespace {
 
-/** Far less than a unit of any axis, and far more than the rounding of positions and times can sum up to. */
+/** Far below the unit of any axis, and far above the sum of rounding errors. */
 constexpr double kTolerance = 1e-3;
 
-/** Strings phases together. */
+/** Builder of a motion from consecutive phases. */
 class Plan {
 public:
     Plan(double time, const MotionPoint &from) : time_(time), point_(from) {}
@@ -35,7 +35,7 @@ public:
         }
     }
 
-    /** Replaces the position that the phases so far sum up to by the one that is meant. */
+    /** Replaces the position at the end of the phases by the exact one, without rounding errors. */
     void correctPosition(double position) {
         point_.position = position;
     }
@@ -56,12 +56,12 @@ private:
     std::vector<MotionPhase> phases_;
 };
 
-/** The distance in which a speed changes into another one. */
+/** Returns the distance of a change between two speeds. */
 double distanceBetween(double speed, double otherSpeed, double acceleration) {
     return acceleration > 0.0 ? std::fabs(speed * speed - otherSpeed * otherSpeed) / (2.0 * acceleration) : 0.0;
 }
 
-/** The highest speed of a move: on a short way there is no time to get as fast as allowed. */
+/** Returns the highest speed of a move; a short distance may not suffice for the allowed speed. */
 double peakSpeed(double distance, double speedNow, double speed, double acceleration) {
     if (acceleration <= 0.0 || speedNow >= speed) {
         return speed;
@@ -69,7 +69,7 @@ double peakSpeed(double distance, double speedNow, double speed, double accelera
     return std::min(speed, std::sqrt(acceleration * distance + speedNow * speedNow / 2.0));
 }
 
-/** When a phase gets to a position that lies on its way, in seconds after its start. */
+/** Returns the time at which a phase reaches a position on its way, in seconds after its start. */
 double timeTo(const MotionPhase &phase, double position) {
     const double way = position - phase.from.position;
     const double velocity = phase.from.velocity;
@@ -81,7 +81,7 @@ double timeTo(const MotionPhase &phase, double position) {
 } // namespace
 
 MotionPoint MotionPhase::after(double seconds) const {
-    // The product of no acceleration and an infinite time is not a number.
+    // The product of zero and an infinite time is not a number.
     const double change = acceleration != 0.0 ? acceleration * seconds : 0.0;
     return {from.position + (from.velocity + change / 2.0) * seconds, from.velocity + change};
 }

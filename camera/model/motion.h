@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Motion along one axis: position and velocity as functions of time. A motion is planned once, from where the axis is
- * and how fast it goes; afterwards any moment of it can be asked for, in any order and as often as wanted.
+ * Motion along one axis: position and velocity as functions of time. A motion is planned once, from a position and a
+ * velocity. Afterwards, its course can be evaluated at any time, in any order.
  *
- * Times are in seconds, positions in the axis's own unit, velocities in units per second and accelerations in units per
- * second squared. Speeds and accelerations have no sign. An acceleration of 0 stands for an axis that has any speed at
- * once.
+ * Times are in seconds, positions in the unit of the axis, velocities in units per second and accelerations in units
+ * per second squared. Speeds and accelerations have no sign. An acceleration of 0 stands for immediate changes of the
+ * velocity.
  */
 #ifndef QUARNSNMP_CAMERA_MOTION_H
 #define QUARNSNMP_CAMERA_MOTION_H
@@ -15,56 +15,56 @@
 
 namespace camera {
 
-/** Where an axis is, and how fast it goes. */
+/** Position and velocity at one time. */
 struct MotionPoint {
     double position = 0.0;
     double velocity = 0.0;
 };
 
-/** A part of a motion with one acceleration, in which the velocity does not change its sign. */
+/** Part of a motion with a constant acceleration, without a change of direction. */
 struct MotionPhase {
     double start = 0.0;
     MotionPoint from;          ///< at the start
-    double acceleration = 0.0; ///< with a sign
+    double acceleration = 0.0; ///< signed
     double duration = 0.0;     ///< may be infinite
 
-    /** The moment so many seconds after the start. */
+    /** Returns the point at a time after the start of the phase. */
     MotionPoint after(double seconds) const;
 };
 
-/** A motion, and the rest that follows it. */
+/** Motion and the following rest. */
 struct Motion {
-    std::vector<MotionPhase> phases; ///< one after the other without gaps; none when there is nothing to do
-    double endTime = 0.0;            ///< when it rests; infinite when it never does
-    double endPosition = 0.0;        ///< where it rests; infinite when it never does
+    std::vector<MotionPhase> phases; ///< consecutive, without gaps; empty for a motion without movement
+    double endTime = 0.0;            ///< start of the rest; infinite for a motion without an end
+    double endPosition = 0.0;        ///< position of the rest; infinite for a motion without an end
 
-    /** The moment of a time; before the beginning it is the first one. From the end on it is exactly the end. */
+    /** Returns the point at a time. Before the start, it is the first point; from the end on, exactly the last. */
     MotionPoint at(double time) const;
 };
 
-/** Where an axis comes to rest when it brakes now. */
+/** Returns the position of rest of an axis that brakes at once. */
 double restPosition(const MotionPoint &from, double acceleration);
 
-/** Brakes to rest. */
+/** Plans a stop: the axis brakes to rest. */
 Motion planStop(double time, const MotionPoint &from, double acceleration);
 
 /**
- * Goes to a position as fast as `speed` allows and rests there. An axis that goes the other way, or that is too fast to
- * rest in time, brakes first and comes back; one that is faster than `speed` slows down first.
- * @param target  may be infinite: the axis then goes on for ever
+ * Plans a move to a position at `speed`. An axis that moves in the other direction, or too fast to stop in time, brakes
+ * first and then returns. An axis above `speed` slows down first.
+ * @param target  may be infinite, for a motion without an end
  * @param speed  above 0
  */
 Motion planMove(double time, const MotionPoint &from, double target, double speed, double acceleration);
 
 /**
- * Gets to a velocity and keeps it until the axis has to brake to rest at a wall. An axis that is beyond the wall or
- * cannot rest in front of it brakes at once and does not come back.
+ * Plans a run: the axis reaches a velocity and keeps it until it brakes to rest at a wall. An axis beyond the wall, or
+ * too close to stop in front of it, brakes at once and does not return.
  * @param velocity  not 0
- * @param wall  in the direction of the velocity; infinite when there is none
+ * @param wall  in the direction of the velocity; infinite without a wall
  */
 Motion planRun(double time, const MotionPoint &from, double velocity, double wall, double acceleration);
 
-/** Cuts a motion off where it hits an end of the mechanics: there it rests at once. */
+/** Ends a motion at once where it reaches an end of the mechanics. */
 Motion stoppedByEnds(Motion motion, double lowest, double highest);
 
 } // namespace camera

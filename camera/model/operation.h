@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Operations: the calls of a service as typed handlers. Number, types and ranges of the arguments that arrive as JSON
- * are checked against the handler's parameters, so no handler checks them itself.
+ * Operations: the calls of a service as typed handlers. The parameters of a handler determine the number, types and
+ * ranges of the JSON arguments, so handlers need no checks of their own.
  */
 #ifndef QUARNSNMP_CAMERA_OPERATION_H
 #define QUARNSNMP_CAMERA_OPERATION_H
@@ -20,16 +20,16 @@ namespace camera {
 
 class CameraModel;
 
-/** Outcome of a call; the results count only with kSuccess. */
+/** Answer to a call; the results are valid only with kSuccess. */
 struct Answer {
     wire::Status status = wire::kSuccess;
     nlohmann::json results = nlohmann::json::array();
 };
 
-/** A text argument or result: nothing is a null text. */
+/** Text argument or result; nothing stands for a null text. */
 using Text = std::optional<std::string>;
 
-/** A handler's view of the call: the state of its target, the target's place in its service, and the whole camera. */
+/** Context of a call: the camera, the index of the target in its service, and the state of the target. */
 template <typename State>
 struct Scope {
     CameraModel &model;
@@ -37,10 +37,10 @@ struct Scope {
     State &state;
 };
 
-/** Reads one argument from JSON. @return whether it fits; `argument` is unchanged otherwise */
+/** Reads an argument from JSON. @return false for an invalid value, which leaves `argument` unchanged */
 template <typename Value>
 bool readArgument(const nlohmann::json &value, Value &argument) {
-    static_assert(std::is_integral_v<Value>, "a kind of argument that the protocol does not have");
+    static_assert(std::is_integral_v<Value>, "argument type without a form in the protocol");
     const std::optional<std::int64_t> number =
         integerIn(value, std::numeric_limits<Value>::min(), std::numeric_limits<Value>::max());
     if (number) {
@@ -53,7 +53,7 @@ bool readArgument<double>(const nlohmann::json &value, double &argument);
 template <>
 bool readArgument<Text>(const nlohmann::json &value, Text &argument);
 
-/** Name of an argument's type, for listings: "uint8", "int32", "uint32", "double" or "text". */
+/** Returns the name of an argument type: "uint8", "int32", "uint32", "double" or "text". */
 template <typename Value>
 constexpr const char *argumentKind() {
     if constexpr (std::is_same_v<Value, Text>) {
@@ -70,19 +70,19 @@ constexpr const char *argumentKind() {
     }
 }
 
-/** One call of a service. */
+/** Call of a service. */
 template <typename State>
 struct Operation {
     std::string name;
-    std::vector<std::string> arguments; ///< the kinds of its arguments
-    /** Runs the call. The arguments are what follows the first two elements of the request. */
+    std::vector<std::string> arguments; ///< types of the arguments; see argumentKind()
+    /** Runs the call. The arguments start at the third element of the request. */
     std::function<Answer(const Scope<State> &, const nlohmann::json &request)> run;
 };
 
 template <typename State>
 using Operations = std::vector<Operation<State>>;
 
-/** Number of elements in front of a request's arguments: the operation and the target. */
+/** Number of elements before the arguments of a request: the operation and the target. */
 inline constexpr std::size_t kRequestHead = 2;
 
 namespace detail {
@@ -95,7 +95,7 @@ bool readArguments(const nlohmann::json &request, Tuple &arguments, std::index_s
 
 } // namespace detail
 
-/** Makes an operation of a handler; arguments that do not fit its parameters answer kInvalidArgument without it. */
+/** Makes an operation with a handler. Arguments that do not match its parameters are refused: kInvalidArgument. */
 template <typename State, typename... Parameters>
 Operation<State> operation(std::string name, Answer (*handler)(const Scope<State> &, Parameters...)) {
     auto run = [handler](const Scope<State> &scope, const nlohmann::json &request) -> Answer {
@@ -113,7 +113,7 @@ namespace detail {
 template <typename Value>
 nlohmann::json resultValue(const Value &value) {
     if constexpr (std::is_same_v<Value, bool>) {
-        return value ? 1 : 0; // flags travel as numbers
+        return value ? 1 : 0; // flags are numbers in messages
     } else if constexpr (std::is_same_v<Value, Text>) {
         return value ? nlohmann::json(*value) : nlohmann::json();
     } else {
@@ -123,7 +123,7 @@ nlohmann::json resultValue(const Value &value) {
 
 } // namespace detail
 
-/** A successful answer with results. */
+/** Returns a successful answer with results. */
 template <typename... Values>
 Answer results(const Values &...values) {
     Answer answer;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * A service of the camera: its targets, their fields and its operations.
+ * Services of the camera: their targets, fields and operations.
  */
 #ifndef QUARNSNMP_CAMERA_SERVICE_H
 #define QUARNSNMP_CAMERA_SERVICE_H
@@ -15,49 +15,48 @@
 
 namespace camera {
 
-/** How states change with time, for services whose targets do more than commands tell them at once. */
+/** Time-dependent behaviour of a state, for services whose targets change between commands. */
 template <typename State>
 struct TimeCourse {
-    /** Brings a state to CameraModel::now(), and reports what happened to it by itself until then, in order. */
+    /** Updates a state to CameraModel::now(), and reports the timed events up to then in their order. */
     void (*advance)(const Scope<State> &) = nullptr;
-    /** When the next thing happens to a state by itself, in seconds since the camera started; else kNever. */
+    /** Returns the time of the next timed event in seconds since the camera started; kNever without one. */
     double (*nextTime)(const State &) = nullptr;
-    /** Draws the consequences of fields that were set; `before` is the state without them. */
+    /** Applies the consequences of changed fields. @param before  the state before the change */
     void (*afterSet)(const Scope<State> &, const State &before) = nullptr;
 };
 
-/** What is the same for all services of a kind; a state struct offers its own with `State::definition()`. */
+/** Definition of a service with targets of one type; each state struct provides it as `State::definition()`. */
 template <typename State>
 struct Definition {
     std::string service;
     Fields<State> fields;
     Operations<State> operations;
-    /** Checks fields against each other, after reading and after each set. */
+    /** Checks fields against each other, after parsing and after each set. */
     std::optional<Problem> (*check)(const State &) = [](const State & /*state*/) -> std::optional<Problem> {
         return std::nullopt;
     };
-    /** Nothing when states change through commands only. */
+    /** Nothing if states change only through commands. */
     std::optional<TimeCourse<State>> timeCourse = std::nullopt;
-    /** What a restart of the camera does to a state; `start` is what the target starts with. Null when that is nothing.
-     */
+    /** Applies a restart of the camera to a state. Null without an effect. @param start  start values of the target */
     void (*restart)(const Scope<State> &, const State &start) = nullptr;
 };
 
-/** Name and meaning of a field, for the reference and for messages. */
+/** Description of a field for the documentation and for messages. */
 struct FieldSummary {
     std::string key;
     std::string expected;
-    nlohmann::json initial; ///< value when a camera file leaves the field out
+    nlohmann::json initial; ///< default of the field in camera files
     bool settable = true;
 };
 
-/** Name and arguments of an operation. */
+/** Description of an operation. */
 struct OperationSummary {
     std::string name;
-    std::vector<std::string> arguments; ///< as argumentKind() names them
+    std::vector<std::string> arguments; ///< types; see argumentKind()
 };
 
-/** A service, whatever its targets hold. Indices of targets start at 0 and must exist. */
+/** Service with targets of any type. Target indices start at 0 and must be valid. */
 class Service {
 public:
     Service() = default;
@@ -74,46 +73,46 @@ public:
     virtual bool hasOperation(std::string_view operation) const = 0;
     virtual std::size_t targetCount() const = 0;
 
-    /** Adds a target with the values of a camera file; adds nothing after a problem. */
+    /** Adds a target with the values of a camera file. Adds nothing and returns an error on failure. */
     virtual std::optional<Problem> addTarget(const nlohmann::json &values) = 0;
 
-    /** A target's fields as one object with dotted keys. */
+    /** Returns the fields of a target as one object with dotted keys. */
     virtual nlohmann::json values(std::size_t index) const = 0;
 
-    /** Sets a field, or a group of them with an object; changes nothing after a problem. */
+    /** Sets a field, or a group of fields with an object. Changes nothing and returns an error on failure. */
     virtual std::optional<Problem> set(CameraModel &model, std::size_t index, const std::string &key,
                                        const nlohmann::json &value) = 0;
 
-    /** Checks a target's fields against each other. */
+    /** Checks the fields of a target against each other. */
     virtual std::optional<Problem> check(std::size_t index) const = 0;
 
-    /** Runs an operation; the request has at least the operation and the target. */
+    /** Runs an operation. @param request  has at least the operation and the target */
     virtual Answer call(CameraModel &model, std::size_t index, std::string_view operation,
                         const nlohmann::json &request) = 0;
 
-    /** Whether things happen to targets by themselves. */
+    /** Returns true if targets change between commands. */
     virtual bool hasTimeCourse() const = 0;
 
-    /** Brings a target to the model's present, and reports what happened to it by itself until then. */
+    /** Updates a target to the model's present time, and reports its timed events up to then. */
     virtual void advance(CameraModel &model, std::size_t index) = 0;
 
-    /** When the next thing happens to a target by itself, in seconds since the camera started; else kNever. */
+    /** Returns the time of the next timed event in seconds since the camera started; kNever without one. */
     virtual double nextTime(std::size_t index) const = 0;
 
-    /** Draws the consequences of what a target holds when the camera starts, as if all of it had been set. */
+    /** Applies the consequences of all fields of a target when the camera starts. */
     virtual void start(CameraModel &model, std::size_t index) = 0;
 
-    /** Whether a target comes out of a restart of the camera other than it went in. */
+    /** Returns true if a restart of the camera changes targets. */
     virtual bool hasRestart() const = 0;
 
-    /** Does to a target what a restart of the camera does; the target must have been brought to the present. */
+    /** Applies a restart of the camera to a target, which must be up to date. */
     virtual void restart(CameraModel &model, std::size_t index) = 0;
 
-    /** Makes what a target now holds what it starts with after a restart; before, that is what it was added with. */
+    /** Makes the present values of a target its start values after a restart, in place of those of addTarget(). */
     virtual void keep(std::size_t index) = 0;
 };
 
-/** The service whose targets are of one kind of state. */
+/** Service whose targets have one type of state. */
 template <typename State>
 class ServiceOf final : public Service {
 public:
@@ -153,7 +152,7 @@ public:
         return targets_.size();
     }
 
-    /** The state of a target; null when there is no such target. */
+    /** Returns the state of a target; null for an invalid index. */
     State *state(std::size_t index) {
         return index < targets_.size() ? &targets_[index] : nullptr;
     }
@@ -253,10 +252,10 @@ private:
     std::vector<State> starts_;
 };
 
-/** The names of all services that a camera can have, in alphabetical order. */
+/** Returns the names of all known services in alphabetical order. */
 std::vector<std::string> knownServices();
 
-/** Makes a service without targets; null for an unknown name. */
+/** Makes a service without targets. @return null for an unknown name */
 std::unique_ptr<Service> makeService(const std::string &name);
 
 } // namespace camera

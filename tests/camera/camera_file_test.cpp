@@ -173,11 +173,11 @@ INSTANTIATE_TEST_SUITE_P(
                 "services.presets_tours.targets[0].presets[0].id: expected a text that is not empty"},
         BadFile{"SameNumberTwice", file(R"({"presets_tours": {"targets": [{"maximumPresets": 9,
                          "presets": [{"id": "a"}, {"id": "b"}]}]}})"),
-                "services.presets_tours.targets[0].presets[1].number: expected one that presets[0] does not have "
-                "already"},
+                "services.presets_tours.targets[0].presets[1].number: expected a value other than that of "
+                "presets[0]"},
         BadFile{"SameIdTwice", file(R"({"presets_tours": {"targets": [{"maximumPresets": 9,
                          "presets": [{"id": "a"}, {"id": "a", "number": 2}]}]}})"),
-                "services.presets_tours.targets[0].presets[1].id: expected one that presets[0] does not have already"}),
+                "services.presets_tours.targets[0].presets[1].id: expected a value other than that of presets[0]"}),
     [](const testing::TestParamInfo<BadFile> &test) { return test.param.name; });
 
 std::string errorOf(const std::function<void()> &reading) {

@@ -216,7 +216,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadPresets{"UnknownKey", R"({"presets_tours/2": [{"id": "a"}, {"focus": 1}]})",
                    "presets_tours/2[1].focus: unknown key; expected one of: id, name, number, pan, tilt, zoom"},
         BadPresets{"SameIdTwice", R"({"presets_tours/1": [{"id": "a"}, {"id": "a", "number": 1}]})",
-                   "presets_tours/1[1].id: expected one that presets[0] does not have already"},
+                   "presets_tours/1[1].id: expected a value other than that of presets[0]"},
         BadPresets{"TooMany",
                    R"({"presets_tours/2": [{"id": "a"}, {"id": "b", "number": 1}, {"id": "c", "number": 2},
                        {"id": "d", "number": 3}]})",

@@ -16,7 +16,7 @@ void settle(const FocusMoment &moment, double time) {
     moment.report(time, "focus_settled", {{"position", moment.drive.position}});
 }
 
-/** Drives a run's drive to the sharp position, from where it is at that time. */
+/** Starts the move of a run to the sharp position. */
 void driveToSharp(const FocusMoment &moment, double time) {
     if (moment.drive.move || moment.drive.position != moment.focus.sharpPosition) {
         const double fastest = moment.limits.fastest / moment.limits.unitSpeed;
@@ -27,7 +27,7 @@ void driveToSharp(const FocusMoment &moment, double time) {
     }
 }
 
-/** Lets a run that drives go where the picture is sharp now, which may have changed, as its drive's place may have. */
+/** Redirects the move of a run after a change of the sharp position or of the drive's position. */
 void redirect(const FocusMoment &moment) {
     const bool onItsWay = moment.drive.move && moment.drive.move->target == moment.focus.sharpPosition;
     if (!onItsWay) {

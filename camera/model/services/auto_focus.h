@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Automatic focus: what brings a focus drive to where the picture is sharp, and keeps it there while the mode is
- * automatic.
+ * Automatic focus: control of a focus drive that keeps the picture sharp in automatic mode.
  *
- * A run searches for a time, drives to the sharp position, and settles exactly there. In automatic mode the drive is
- * always settled at the sharp position or in a run; in manual mode there are no runs.
+ * A run searches for a time, drives to the sharp position, and settles exactly there. In automatic mode, the drive is
+ * always either settled at the sharp position or in a run. Manual mode has no runs.
  */
 #ifndef QUARNSNMP_CAMERA_AUTO_FOCUS_H
 #define QUARNSNMP_CAMERA_AUTO_FOCUS_H
@@ -14,19 +13,19 @@
 
 namespace camera {
 
-/** What automatic focus knows and does. */
+/** State of automatic focus. */
 struct AutoFocus {
     bool manualMode = false;
-    std::int32_t sharpPosition = 0; ///< where the picture is sharp; another scene has another one
-    std::uint32_t searchTime = 0;   ///< how long a run searches before it drives, in milliseconds
-    bool focusing = false;          ///< whether there is a run
-    double searchEnd = kNever;      ///< when the run drives, in seconds since the camera started; kNever once it does
+    std::int32_t sharpPosition = 0; ///< position of the sharp picture; depends on the scene
+    std::uint32_t searchTime = 0;   ///< duration of a run's search, in milliseconds
+    bool focusing = false;          ///< true during a run
+    double searchEnd = kNever;      ///< end of the search, in seconds since the camera started; kNever afterwards
 };
 
-/** Automatic focus's records. */
+/** Returns the field records of automatic focus. */
 const Fields<AutoFocus> &autoFocusFields();
 
-/** A focus drive with its automatic at one moment, to which both must have been brought. */
+/** Focus drive and its automatic control at one time. Both must be up to date. */
 struct FocusMoment {
     Drive<std::int32_t> &drive;
     AutoFocus &focus;
@@ -35,25 +34,25 @@ struct FocusMoment {
     DriveReport report;
 };
 
-/** The present moment of a target; must not outlive the scope. */
+/** Returns the present moment of a target. Must not outlive the scope. */
 template <typename State>
 FocusMoment focusMoment(const Scope<State> &scope) {
     return {scope.state, scope.state, limitsOf(scope.state), scope.model.now(), reporter(scope)};
 }
 
-/** Starts a run, which takes the place of the one before and of any move. The mode must be automatic. */
+/** Starts a run, which replaces a present run or move. Requires automatic mode. */
 void startFocusRun(const FocusMoment &moment);
 
-/** Does what the mode asks for: ends a run in manual mode, sees to a sharp picture in automatic mode. */
+/** Applies the mode: ends a run in manual mode; starts or redirects a run if necessary in automatic mode. */
 void applyFocusMode(const FocusMoment &moment);
 
-/** Stops drive and run where they are. */
+/** Ends the run and stops the drive where it is. */
 void stopFocus(const FocusMoment &moment);
 
-/** Brings drive and run on to the moment, and reports what happened by itself until then. */
+/** Updates drive and run to the moment, and reports the timed events up to then. */
 void advanceFocus(const FocusMoment &moment);
 
-/** When the next thing happens by itself; else kNever. */
+/** Returns the time of the next timed event; kNever without one. */
 double nextFocusTime(const Drive<std::int32_t> &drive, const AutoFocus &focus);
 
 } // namespace camera

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * An axis of pan, tilt and zoom: a drive with limits of the user's beside those of the mechanics.
+ * Axis of pan, tilt or zoom: a drive with the limits of the mechanics and of the user.
  */
 #ifndef QUARNSNMP_CAMERA_AXIS_H
 #define QUARNSNMP_CAMERA_AXIS_H
@@ -10,30 +10,30 @@
 
 namespace camera {
 
-/** Limits set by the user, which count while they are enabled. */
+/** Limits of the user. */
 struct SoftLimits {
     bool enabled = false;
     std::int32_t minimum = 0;
     std::int32_t maximum = 0;
 };
 
-/** An axis. */
+/** Axis. */
 struct Axis : Drive<std::int32_t> {
     std::int32_t minimum = 0;
     std::int32_t maximum = 0;
-    bool endless = false; ///< beyond one end of the range the axis comes in again at the other
+    bool endless = false; ///< the axis continues at one end of its range after the other
     std::int32_t minimumSpeed = 0;
     std::int32_t maximumSpeed = 0;
-    std::int32_t acceleration = 0; ///< in units per second squared; 0 for any speed at once
+    std::int32_t acceleration = 0; ///< in units per second squared; 0 for immediate changes of the velocity
     SoftLimits softPosition;
     SoftLimits softSpeed;
     std::optional<std::int32_t> priority; ///< of the last command
 };
 
-/** An axis's records. */
+/** Returns the field records of an axis. */
 const Fields<Axis> &axisFields();
 
-/** The bounds of an axis whose mechanics and lens reach up to `highest`. */
+/** Returns the limits of an axis. @param highest  highest position of its mechanics and lens */
 DriveLimits limitsOf(const Axis &axis, std::int32_t highest);
 
 } // namespace camera

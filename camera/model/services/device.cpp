@@ -59,7 +59,7 @@ Answer setRelayState(const Scope<Relay> &scope, std::uint8_t state) {
     return {};
 }
 
-/** A relay falls back without power; its configuration is kept. */
+/** Restores the start state of a relay, which needs power, and keeps its configuration. */
 void restartRelay(const Scope<Relay> &scope, const Relay &start) {
     scope.state.state = start.state;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The services around the device: what it is, its restart, its inputs and outputs, its power and temperature.
+ * Services of the device: its description, restart, inputs, outputs, power and temperature.
  */
 #ifndef QUARNSNMP_CAMERA_DEVICE_H
 #define QUARNSNMP_CAMERA_DEVICE_H
@@ -10,14 +10,14 @@
 
 namespace camera {
 
-/** A target of `alarm`: one input. */
+/** Target of `alarm`: an input. */
 struct AlarmInput {
     std::int32_t state = 0;
 
     static const Definition<AlarmInput> &definition();
 };
 
-/** A target of `device_information`; the library says of the last five only that they are there. */
+/** Target of `device_information`. The meanings of the last five fields are undocumented. */
 struct DeviceInformation {
     Text model;
     Text firmware;
@@ -32,18 +32,18 @@ struct DeviceInformation {
     static const Definition<DeviceInformation> &definition();
 };
 
-/** Longest time that a restart can take, in seconds. */
+/** Longest duration of a restart, in seconds. */
 inline constexpr std::uint32_t kLongestReboot = 3600;
 
-/** A target of `device_management`. */
+/** Target of `device_management`. */
 struct DeviceManagement {
     std::uint32_t reboots = 0;
-    std::uint32_t rebootSeconds = 5; ///< how long the camera is away
+    std::uint32_t rebootSeconds = 5; ///< duration of a restart
 
     static const Definition<DeviceManagement> &definition();
 };
 
-/** A target of `power`; the numbers are the service's own. */
+/** Target of `power`. The numbers are service-specific. */
 struct Power {
     std::uint8_t powerState = 0;
     std::uint8_t voltageState = 0;
@@ -51,9 +51,9 @@ struct Power {
     static const Definition<Power> &definition();
 };
 
-/** A relay's configuration, named as its operations name it: the meanings are the maker's own. */
+/** Configuration of a relay, with the names of its operations. The meanings are undocumented. */
 struct RelayConfiguration {
-    std::uint8_t c1 = 0; ///< 0 while the relay has not been set up
+    std::uint8_t c1 = 0; ///< 0 for a relay without configuration
     std::uint8_t c2 = 0;
     std::int32_t c3 = 0;
     std::uint8_t c4 = 0;
@@ -62,7 +62,7 @@ struct RelayConfiguration {
     std::int32_t c7 = 0;
 };
 
-/** A target of `relay`: one output. */
+/** Target of `relay`: an output. */
 struct Relay {
     std::uint8_t state = 0; ///< bit 0: energised
     RelayConfiguration configuration;
@@ -70,7 +70,7 @@ struct Relay {
     static const Definition<Relay> &definition();
 };
 
-/** A target of `temperature`. */
+/** Target of `temperature`. */
 struct Temperature {
     std::int32_t temperature = 0; ///< in thousandths of a degree Celsius
 

@@ -12,7 +12,7 @@ namespace {
 
 using Kind = DriveMove::Kind;
 
-/** Putting a drive somewhere ends its move, even where it is already. */
+/** Makes the field of the position. Setting it ends a move, even without a change of the position. */
 template <typename Position>
 Field<Drive<Position>> positionField() {
     Field<Drive<Position>> field = integerField("position", &Drive<Position>::position);
@@ -32,7 +32,7 @@ nlohmann::json targetOf(const Drive<Position> &drive) {
     return hasTarget ? nlohmann::json(drive.move->target) : nlohmann::json();
 }
 
-/** The place within the range that a position counted on beyond it stands for. */
+/** Wraps the position of an endless drive into its range, and clamps that of others. */
 double withinRange(const DriveLimits &limits, double position) {
     if (limits.turn <= 0.0) {
         return std::clamp(position, limits.minimum, limits.maximum);
@@ -41,12 +41,12 @@ double withinRange(const DriveLimits &limits, double position) {
     return limits.minimum + (offset < 0.0 ? offset + limits.turn : offset);
 }
 
-/** As withinRange(), to the unit. Rounding first may be a step to the other end of the range. */
+/** Returns withinRange() of the rounded position. Rounding can cross the end of the range, so it comes first. */
 std::int64_t shownPosition(const DriveLimits &limits, double position) {
     return static_cast<std::int64_t>(withinRange(limits, std::round(position)));
 }
 
-/** Where a move ends that starts within the range; beyond the range when it goes round. */
+/** Returns the end of a move from a position in the range; unwrapped for a move across the ends. */
 double destinationOf(const DriveMove &move, double from) {
     const DriveLimits &limits = move.limits;
     const double place = withinRange(limits, static_cast<double>(move.wanted));
@@ -70,13 +70,13 @@ std::int32_t allowedVelocity(const DriveMove &move) {
     return static_cast<std::int32_t>(std::copysign(speed, wanted));
 }
 
-/** The speed of a move to a position: with a speed of 0 it would never get there. */
+/** Returns the speed of a move to a position: at least 1, because a move without speed would never end. */
 double speedOf(const DriveMove &move) {
     const DriveLimits &limits = move.limits;
     return std::max(1.0, std::clamp(move.speed * limits.unitSpeed, limits.slowest, limits.fastest));
 }
 
-/** Where a drive with a velocity has to stop. */
+/** Returns the position at which a drive with a velocity must stop. */
 double wallOf(const DriveMove &move) {
     if (move.limits.circles) {
         return std::copysign(kNever, move.velocity);
@@ -84,7 +84,7 @@ double wallOf(const DriveMove &move) {
     return move.velocity < 0 ? move.limits.lowest : move.limits.highest;
 }
 
-/** Plans how a command is carried out. */
+/** Plans the execution of a command. */
 void plan(DriveMove &move, const DriveLimits &limits, MotionPoint from, double now) {
     move.limits = limits;
     from.position = withinRange(limits, from.position);
@@ -120,7 +120,7 @@ void reportStart(const Drive<Position> &drive, double now, const DriveReport &re
     }
 }
 
-/** Brakes from a velocity whose time is over. */
+/** Brakes at the time-out of a velocity. */
 void timeOut(DriveMove &move, const DriveReport &report) {
     const double time = std::exchange(move.timeOut, kNever);
     const MotionPoint point = move.motion.at(time);
@@ -129,7 +129,7 @@ void timeOut(DriveMove &move, const DriveReport &report) {
     plan(move, move.limits, point, time);
 }
 
-/** Ends a move whose motion has come to its end. */
+/** Ends a move at the end of its motion. */
 template <typename Position>
 void arrive(Drive<Position> &drive, const DriveReport &report) {
     DriveMove &move = *drive.move;
@@ -139,7 +139,7 @@ void arrive(Drive<Position> &drive, const DriveReport &report) {
     drive.velocity = 0;
     const bool cutOff = position < move.destination || position > move.destination;
     if (move.kind == Kind::toPosition && cutOff) {
-        // It could not brake in front of an end of the mechanics, and goes on to where it was sent from there.
+        // An end of the mechanics stopped the drive, so it continues to its destination from there.
         plan(move, move.limits, {position, 0.0}, time);
         return;
     }

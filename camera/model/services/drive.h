@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * A drive: something that goes along one line, to a position or at a velocity until a limit or a time-out ends it.
- * Positions are whole units of the drive's own; velocities and speeds are per second, speeds without a sign.
+ * Drive: a motor that moves along one line to a position, or at a velocity until a limit or a time-out. Positions are
+ * integers in the drive's own unit. Velocities and speeds are per second; speeds have no sign.
  */
 #ifndef QUARNSNMP_CAMERA_DRIVE_H
 #define QUARNSNMP_CAMERA_DRIVE_H
@@ -15,92 +15,92 @@
 
 namespace camera {
 
-/** What bounds the moves of a drive. */
+/** Limits of a drive's moves. */
 struct DriveLimits {
     double minimum = 0.0; ///< ends of the mechanics
     double maximum = 0.0;
-    double lowest = 0.0; ///< where moves may end
+    double lowest = 0.0; ///< range of the ends of moves
     double highest = 0.0;
-    double unitSpeed = 1.0; ///< what a commanded speed of 1 stands for
-    double slowest = 0.0;   ///< the range of speeds that moves may have
+    double unitSpeed = 1.0; ///< speed for a commanded value of 1
+    double slowest = 0.0;   ///< range of speeds
     double fastest = 0.0;
-    double acceleration = 0.0; ///< in units per second squared; 0 for any speed at once
-    double turn = 0.0;         ///< length of the circle that an endless drive goes round on; 0 for a drive with ends
-    bool circles = false;      ///< whether a move may go from one end of the range to the other
+    double acceleration = 0.0; ///< in units per second squared; 0 for immediate changes of the velocity
+    double turn = 0.0;         ///< circumference of an endless drive; 0 for a drive with ends
+    bool circles = false;      ///< permits moves across the ends of the range
 };
 
 bool operator==(const DriveLimits &left, const DriveLimits &right);
 
-/** A command to a drive, and what has become of it. */
+/** Command to a drive, and its execution. */
 struct DriveMove {
     enum class Kind : std::uint8_t { toPosition, atVelocity, stop };
 
     Kind kind = Kind::stop;
     std::int64_t wanted = 0; ///< position or velocity, as commanded
-    double speed = 0.0;      ///< of a move to a position, as commanded; in DriveLimits::unitSpeed
-    double timeOut = kNever; ///< when a velocity ends, in seconds since the camera started
+    double speed = 0.0;      ///< commanded speed of a move to a position, in DriveLimits::unitSpeed
+    double timeOut = kNever; ///< end of a velocity, in seconds since the camera started
 
-    // Follows from the command and the limits.
+    // Results of the command and the limits.
     DriveLimits limits;
-    double destination = 0.0;  ///< of a move to a position, counted on beyond the range of an endless drive
-    std::int64_t target = 0;   ///< the same within the range
-    std::int32_t velocity = 0; ///< the one that is allowed
+    double destination = 0.0;  ///< end of a move to a position; unwrapped for an endless drive
+    std::int64_t target = 0;   ///< the same, wrapped into the range
+    std::int32_t velocity = 0; ///< velocity within the limits
     Motion motion;
 };
 
-/** The command to go to a position. */
+/** Returns a command to move to a position. */
 DriveMove moveTo(std::int64_t position, double speed);
 
-/** The command to go at a velocity; 0 brakes. */
+/** Returns a command to move at a velocity; 0 brakes. */
 DriveMove moveAt(std::int32_t velocity, double timeOut = kNever);
 
-/** A drive; the type of its positions is the one that its service's calls have, std::int32_t or std::uint32_t. */
+/** Drive. Position is the position type of its service's calls: std::int32_t or std::uint32_t. */
 template <typename Position>
 struct Drive {
     Position position = 0;
     std::int32_t velocity = 0;
-    std::optional<DriveMove> move; ///< what it is doing; nothing while it rests
+    std::optional<DriveMove> move; ///< present move; nothing at rest
 };
 
-/** The records that all drives have: position, velocity, target, moving. Setting the position ends a move. */
+/** Returns the common field records: position, velocity, target, moving. Setting the position ends a move. */
 template <typename Position>
 const Fields<Drive<Position>> &driveFields();
 
-/** Whether a drive can get to a position; limits within those of the mechanics do not count, moves end at them. */
+/** Returns true if the mechanics reach a position. Narrower limits do not matter, because moves end at them. */
 bool canReach(const DriveLimits &limits, std::int64_t position);
 
-/** Takes note of what happens to a drive: when, in seconds since the camera started, the kind of event, its members. */
+/** Receives an event of a drive: its time in seconds since the camera started, its kind and its members. */
 using DriveReport = std::function<void(double time, const char *kind, nlohmann::json members)>;
 
-/** Brings position and velocity to a time, and reports what happened by itself until then. */
+/** Updates position and velocity to a time, and reports the timed events up to then. */
 template <typename Position>
 void advance(Drive<Position> &drive, double now, const DriveReport &report);
 
-/** Gives a drive a command, which takes the place of the one before; the drive must have been brought to that time. */
+/** Starts a command, which replaces the previous one. The drive must be up to date. */
 template <typename Position>
 void command(Drive<Position> &drive, DriveMove move, const DriveLimits &limits, double now, const DriveReport &report);
 
 /**
- * Draws the consequences of fields that were set: reports the end of a move that setting the position ended, and goes
- * on with one under other limits.
- * @param before  the drive as it was
+ * Applies the consequences of changed fields: reports the end of a move by a new position, and replans a move under
+ * changed limits.
+ * @param before  the drive before the change
  */
 template <typename Position>
 void afterSet(Drive<Position> &drive, const Drive<Position> &before, const DriveLimits &limits, double now,
               const DriveReport &report);
 
-/** Goes on with a move under other limits; does nothing when they are the same, or the drive rests. */
+/** Replans a present move if the limits have changed. */
 template <typename Position>
 void applyLimits(Drive<Position> &drive, const DriveLimits &limits, double now, const DriveReport &report);
 
-/** Ends a move at once, at the position that the drive has. */
+/** Ends a move at once, at the present position. */
 template <typename Position>
 void halt(Drive<Position> &drive) {
     drive.move.reset();
     drive.velocity = 0;
 }
 
-/** When the next thing happens to a drive by itself; else kNever. */
+/** Returns the time of the next timed event of a drive; kNever without one. */
 template <typename Position>
 double nextTime(const Drive<Position> &drive) {
     return drive.move ? std::min(drive.move->timeOut, drive.move->motion.endTime) : kNever;

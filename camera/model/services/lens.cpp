@@ -7,7 +7,7 @@ namespace camera {
 
 namespace {
 
-/** Whether a drive belongs to its automatic, so that nobody else may move it. */
+/** Returns true if the automatic mode controls a drive, so manual commands are refused. */
 template <typename State>
 bool isAutomatic(const Scope<State> &scope) {
     if constexpr (std::is_base_of_v<AutoFocus, State>) {
@@ -20,7 +20,7 @@ bool isAutomatic(const Scope<State> &scope) {
     }
 }
 
-/** Moves a drive by hand: kNotSupported when it belongs to its automatic. */
+/** Starts a manual move. @return kNotSupported in automatic mode */
 template <typename State>
 Answer moveByHand(const Scope<State> &scope, DriveMove move) {
     if (isAutomatic(scope)) {
@@ -30,7 +30,7 @@ Answer moveByHand(const Scope<State> &scope, DriveMove move) {
     return {};
 }
 
-/** What `set_position_send` of a lens drive does; kInvalidArgument beyond its range. */
+/** Handles `set_position_send` of a lens drive. @return kInvalidArgument outside its range */
 template <typename State, typename Position>
 Answer moveLensDrive(const Scope<State> &scope, Position position) {
     if (!canReach(limitsOf(scope.state), position)) {
@@ -39,7 +39,7 @@ Answer moveLensDrive(const Scope<State> &scope, Position position) {
     return moveByHand(scope, moveTo(position, scope.state.speed));
 }
 
-/** What `set_velocity_send` of a lens drive does. */
+/** Handles `set_velocity_send` of a lens drive. */
 template <typename State>
 Answer runLensDrive(const Scope<State> &scope, std::int32_t direction, std::int32_t run) {
     if (direction < 0 || direction > 1 || run < 0 || run > 1) {
@@ -49,7 +49,7 @@ Answer runLensDrive(const Scope<State> &scope, std::int32_t direction, std::int3
     return moveByHand(scope, moveAt(direction == 0 ? speed : -speed));
 }
 
-/** What `set_position_send` of a stepper motor does. */
+/** Handles `set_position_send` of a stepper motor. */
 template <typename State>
 Answer setStepperPosition(const Scope<State> &scope, std::int32_t position, std::int32_t speed) {
     StepperMotor &motor = scope.state;
@@ -64,14 +64,14 @@ Answer setStepperPosition(const Scope<State> &scope, std::int32_t position, std:
     return answer;
 }
 
-/** The answer of `get_limits_send`. */
+/** Handles `get_limits_send`. */
 template <typename State>
 Answer stepperLimits(const Scope<State> &scope) {
     const StepperMotor &motor = scope.state;
     return results(motor.minimum, motor.maximum, motor.minimumSpeed, motor.maximumSpeed);
 }
 
-/** The answer of the operations that read position and range of a lens drive. */
+/** Handles the operations that read position and range of a lens drive. */
 template <typename State>
 Answer lensPosition(const Scope<State> &scope) {
     return results(scope.state.position, scope.state.minimum, scope.state.maximum);
@@ -82,7 +82,7 @@ Answer getManualMode(const Scope<State> &scope) {
     return results(scope.state.manualMode);
 }
 
-/** What `set_manual_mode_enable_send` does: the same as the camera that changes its mode by itself. */
+/** Handles `set_manual_mode_enable_send`, with the same effects as a `set` of the mode. */
 template <typename State>
 Answer setManualMode(const Scope<State> &scope, std::uint8_t enable) {
     const State before = scope.state;
@@ -91,7 +91,7 @@ Answer setManualMode(const Scope<State> &scope, std::uint8_t enable) {
     return {};
 }
 
-/** Starts an automatic focus run that was asked for, and counts it. */
+/** Starts and counts a requested automatic focus run. */
 template <typename State, std::uint32_t State::*runs>
 Answer runAutoFocus(const Scope<State> &scope) {
     if (!isAutomatic(scope)) {
@@ -117,7 +117,7 @@ double nextDriveTime(const State &state) {
     return nextTime(state);
 }
 
-/** A motor without power stops where it is. */
+/** Stops the drive where it is, because a restart cuts its power. */
 template <typename State>
 void restartDrive(const Scope<State> &scope, const State & /*start*/) {
     stopDrive(scope);
@@ -128,7 +128,7 @@ void restartFocus(const Scope<State> &scope, const State & /*start*/) {
     stopFocus(focusMoment(scope));
 }
 
-/** Sees to it that automatic exposure has the iris where it wants it. */
+/** Moves the iris to its automatic position if the exposure is automatic. */
 void applyExposure(const Scope<Iris> &iris) {
     const std::int64_t wanted = iris.state.automaticPosition;
     const bool rests = !iris.state.move && iris.state.position == wanted;
@@ -268,7 +268,7 @@ const Definition<Exposure> &Exposure::definition() {
             operation("set_manual_mode_enable_send", setManualMode<Exposure>),
         },
         [](const Exposure & /*state*/) -> std::optional<Problem> { return std::nullopt; },
-        // It has no course of its own, but what is set has consequences for the iris.
+        // The exposure itself has no timed events, but its changes affect the iris.
         TimeCourse<Exposure>{[](const Scope<Exposure> & /*scope*/) {},
                              [](const Exposure & /*state*/) { return kNever; }, afterExposureSet}};
     return definition;

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The services that drive the lens: `focus_stepper`, `zoom_stepper`, `lens_focus`, `iris` and, for who drives the iris,
- * `exposure`.
+ * Services of the lens: `focus_stepper`, `zoom_stepper`, `lens_focus`, `iris`, and `exposure`, which controls the iris.
  */
 #ifndef QUARNSNMP_CAMERA_LENS_H
 #define QUARNSNMP_CAMERA_LENS_H
@@ -11,7 +10,7 @@
 
 namespace camera {
 
-/** A target of `focus_stepper`. */
+/** Target of `focus_stepper`. */
 struct FocusStepper : StepperMotor, AutoFocus {
     std::int32_t secondPosition = 0;
     std::uint32_t quickAutoFocusRuns = 0;
@@ -19,26 +18,26 @@ struct FocusStepper : StepperMotor, AutoFocus {
     static const Definition<FocusStepper> &definition();
 };
 
-/** A target of `zoom_stepper`. */
+/** Target of `zoom_stepper`. */
 struct ZoomStepper : StepperMotor {
     static const Definition<ZoomStepper> &definition();
 };
 
-/** A target of `lens_focus`. */
+/** Target of `lens_focus`. */
 struct LensFocus : LensDrive<std::int32_t>, AutoFocus {
     std::uint32_t autoFocusRuns = 0;
 
     static const Definition<LensFocus> &definition();
 };
 
-/** A target of `iris`; without a target of `exposure` of the same number it is always in manual mode. */
+/** Target of `iris`; always in manual mode without the target of `exposure` of the same number. */
 struct Iris : LensDrive<std::uint32_t> {
-    std::uint32_t automaticPosition = 0; ///< where automatic exposure has it
+    std::uint32_t automaticPosition = 0; ///< position for automatic exposure
 
     static const Definition<Iris> &definition();
 };
 
-/** A target of `exposure`, which drives the iris of the same number in automatic mode. */
+/** Target of `exposure`; in automatic mode, it drives the iris of the same number. */
 struct Exposure {
     bool manualMode = false;
 

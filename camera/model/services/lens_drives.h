@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The drives in a lens, written once for the services that have them: motors with one speed, and stepper motors.
+ * Drives of a lens, shared by its services: motors with one speed, and stepper motors.
  */
 #ifndef QUARNSNMP_CAMERA_LENS_DRIVES_H
 #define QUARNSNMP_CAMERA_LENS_DRIVES_H
@@ -11,7 +11,7 @@
 
 namespace camera {
 
-/** A stepper motor: positions in steps, speeds in steps per second. */
+/** Stepper motor: positions in steps, speeds in steps per second. */
 struct StepperMotor : Drive<std::int32_t> {
     std::int32_t minimum = 0;
     std::int32_t maximum = 0;
@@ -20,19 +20,19 @@ struct StepperMotor : Drive<std::int32_t> {
     std::int32_t maximumSpeed = 0;
 };
 
-/** A stepper motor's records. */
+/** Returns the field records of a stepper motor. */
 const Fields<StepperMotor> &stepperFields();
 
-/** Checks a stepper motor's fields against each other. */
+/** Checks the fields of a stepper motor against each other. */
 std::optional<Problem> checkStepper(const StepperMotor &motor);
 
-/** What bounds a stepper motor's moves; speeds are commanded in steps per second. */
+/** Returns the limits of a stepper motor. Commanded speeds are in steps per second. */
 DriveLimits limitsOf(const StepperMotor &motor);
 
-/** Speed of a motor whose camera file does not say it, in device units per second. */
+/** Default speed of a lens drive, in device units per second. */
 inline constexpr std::int32_t kUsualLensSpeed = 1000;
 
-/** A motor that has one speed; positions in device units. */
+/** Motor with one speed; positions in device units. */
 template <typename Position>
 struct LensDrive : Drive<Position> {
     Position minimum = 0;
@@ -40,7 +40,7 @@ struct LensDrive : Drive<Position> {
     std::int32_t speed = kUsualLensSpeed; ///< in device units per second
 };
 
-/** A lens drive's records. */
+/** Returns the field records of a lens drive. */
 template <typename Position>
 Fields<LensDrive<Position>> lensDriveFields() {
     using State = LensDrive<Position>;
@@ -52,7 +52,7 @@ Fields<LensDrive<Position>> lensDriveFields() {
     return fields;
 }
 
-/** Checks a lens drive's fields against each other; `automaticKey` is that of the position for the automatic. */
+/** Checks the fields of a lens drive against each other. @param automaticKey  key of its automatic position */
 template <typename Position>
 std::optional<Problem> checkLensDrive(const LensDrive<Position> &drive, const std::string &automaticKey,
                                       Position automaticPosition) {
@@ -62,7 +62,7 @@ std::optional<Problem> checkLensDrive(const LensDrive<Position> &drive, const st
                     checkWithin(automaticKey, automaticPosition, drive.minimum, drive.maximum, range)});
 }
 
-/** What bounds a lens drive's moves; whatever speed is commanded, it has its own. */
+/** Returns the limits of a lens drive. Its speed is independent of the commanded one. */
 template <typename Position>
 DriveLimits limitsOf(const LensDrive<Position> &drive) {
     DriveLimits limits;
@@ -72,7 +72,7 @@ DriveLimits limitsOf(const LensDrive<Position> &drive) {
     return limits;
 }
 
-/** Reports what happens to the drive of a target; must not outlive the scope. */
+/** Returns the receiver of the events of a target's drive. Must not outlive the scope. */
 template <typename State>
 DriveReport reporter(const Scope<State> &scope) {
     return [&scope](double time, const char *kind, nlohmann::json members) {
@@ -80,25 +80,25 @@ DriveReport reporter(const Scope<State> &scope) {
     };
 }
 
-/** Gives the drive of a target a command. */
+/** Starts a command of a target's drive. */
 template <typename State>
 void commandDrive(const Scope<State> &scope, DriveMove move) {
     command(scope.state, std::move(move), limitsOf(scope.state), scope.model.now(), reporter(scope));
 }
 
-/** Stops the drive of a target where it is; does nothing when it rests. */
+/** Stops a target's drive where it is; no effect at rest. */
 template <typename State>
 void stopDrive(const Scope<State> &scope) {
     commandDrive(scope, DriveMove{});
 }
 
-/** What time does to a target that is nothing but a drive. */
+/** Updates a target that consists of a drive only. */
 template <typename State>
 void advanceDrive(const Scope<State> &scope) {
     advance(scope.state, scope.model.now(), reporter(scope));
 }
 
-/** Draws the consequences for the drive of fields that were set. */
+/** Applies the consequences of changed fields for the drive. */
 template <typename State>
 void afterDriveSet(const Scope<State> &scope, const State &before) {
     afterSet(scope.state, before, limitsOf(scope.state), scope.model.now(), reporter(scope));

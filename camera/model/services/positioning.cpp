@@ -33,7 +33,7 @@ Fields<Positioning> positioningFields() {
     return fields;
 }
 
-/** The highest position of an axis: with digital zoom the zoom goes on beyond what the lens can do. */
+/** Returns the highest position of an axis. Digital zoom extends the range of the lens. */
 std::int32_t highestPosition(const Positioning &positioning, const Axis &axis) {
     const bool digital = &axis == &positioning.zoom && positioning.digitalZoom.enabled;
     return digital ? std::max(axis.maximum, positioning.digitalZoom.combinedMaximum) : axis.maximum;
@@ -70,7 +70,7 @@ std::optional<Problem> checkPositioning(const Positioning &positioning) {
     return std::nullopt;
 }
 
-/** Calls a function with each axis, its bounds, and something to report what happens to it. */
+/** Calls a function with the index of each axis, the axis, and the receiver of its events. */
 template <typename Function>
 void forEachAxis(const Scope<Positioning> &scope, Function function) {
     for (std::size_t i = 0; i < kAxisCount; ++i) {
@@ -110,7 +110,7 @@ void afterSet(const Scope<Positioning> &scope, const Positioning &before) {
     });
 }
 
-/** Motors without power stop where they are; positions and settings are kept. */
+/** Stops all motors where they are, because a restart cuts their power. Keeps positions and settings. */
 void restartPositioning(const Scope<Positioning> &scope, const Positioning & /*start*/) {
     forEachAxis(scope, [&](std::size_t /*i*/, Axis &axis, const DriveReport &report) {
         if (axis.move) {
@@ -122,10 +122,10 @@ void restartPositioning(const Scope<Positioning> &scope, const Positioning & /*s
     scope.state.velocityTimeout = kEndless;
 }
 
-/** What a command wants of each axis; nothing for an axis that goes on as it is. */
+/** Command of each axis; nothing for an axis that continues its present move. */
 using AxisMoves = std::array<std::optional<DriveMove>, kAxisCount>;
 
-/** Whether a move that is more urgent than a command has to be respected. */
+/** Returns true if a present move takes precedence over a command. */
 bool isOutranked(const Positioning &state, const AxisMoves &moves, std::int32_t priority) {
     for (std::size_t i = 0; i < kAxisCount; ++i) {
         const Axis &axis = state.*kAxes.at(i);
@@ -186,7 +186,7 @@ Answer setVelocity(const Scope<Positioning> &scope, std::uint8_t panEnable, std:
                                   scope.state.velocityCommandTimeout);
 }
 
-/** The answer of the operations that read limits with a flag per axis. */
+/** Handles the operations that read soft limits. */
 template <SoftLimits Axis::*limits>
 Answer getSoftLimits(const Scope<Positioning> &scope) {
     Answer answer;
@@ -199,7 +199,7 @@ Answer getSoftLimits(const Scope<Positioning> &scope) {
     return answer;
 }
 
-/** The answer of the operations that read the limits of the mechanics. */
+/** Handles the operations that read the limits of the mechanics. */
 template <std::int32_t Axis::*minimum, std::int32_t Axis::*maximum>
 Answer getLimits(const Scope<Positioning> &scope) {
     const Positioning &state = scope.state;

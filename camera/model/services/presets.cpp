@@ -35,7 +35,7 @@ std::optional<Problem> checkPresets(const Presets &state) {
             if (state.presets[k].id == preset.id || state.presets[k].number == preset.number) {
                 const bool sameId = state.presets[k].id == preset.id;
                 return Problem{path + (sameId ? ".id" : ".number"),
-                               "expected one that presets[" + std::to_string(k) + "] does not have already"};
+                               "expected a value other than that of presets[" + std::to_string(k) + "]"};
             }
         }
     }
@@ -72,7 +72,7 @@ Answer moveToPreset(const Scope<Presets> &scope, const Text &presetId, double sp
                     {{{true, preset->pan, speed}, {true, preset->tilt, speed}, {true, preset->zoom, speed}}}, priority);
 }
 
-/** An identifier that no preset has yet, for callers that leave the choice to the camera. */
+/** Returns an unused ID, for calls without an ID. */
 std::string newPresetId(const Presets &state, std::int32_t number) {
     std::string id = "preset-" + std::to_string(number);
     while (findPreset(state, &Preset::id, id) != nullptr) {
@@ -113,7 +113,7 @@ Answer setPreset(const Scope<Presets> &scope, const Text &presetId, const Text &
     return {};
 }
 
-/** What was not kept is lost; a camera that now holds fewer presets comes back with the first ones. */
+/** Restores the stored presets; only the first ones if their largest number has decreased. */
 void restartPresets(const Scope<Presets> &scope, const Presets &start) {
     scope.state.presets = start.presets;
     const std::size_t kept = std::min<std::size_t>(start.presets.size(), scope.state.maximumPresets);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The service `presets_tours`: positions that are kept under a number and come back on demand.
+ * Service `presets_tours`: stored positions.
  */
 #ifndef QUARNSNMP_CAMERA_PRESETS_H
 #define QUARNSNMP_CAMERA_PRESETS_H
@@ -10,16 +10,16 @@
 
 namespace camera {
 
-/** Most presets that a camera can have. */
+/** Largest number of presets of a camera. */
 inline constexpr std::uint32_t kMostPresets = 255;
 
-/** Highest number of a preset; the lowest is 0. Any of them may be used, however many presets there can be. */
+/** Highest number of a preset; the lowest is 0. All numbers are valid, independent of the number of presets. */
 inline constexpr std::int32_t kHighestPresetNumber = 255;
 
-/** Longest identifier and name of a preset in octets. */
+/** Longest ID and name of a preset, in octets. */
 inline constexpr std::size_t kLongestPresetText = 64;
 
-/** A preset: identifier and number are both unique in a target. */
+/** Preset. ID and number are each unique in a target. */
 struct Preset {
     std::string id;
     std::string name;
@@ -29,7 +29,7 @@ struct Preset {
     std::int32_t zoom = 0;
 };
 
-/** A target of the service; its positions are those of the positioning target of the same number. */
+/** Target of `presets_tours`; its presets are positions of the positioning target of the same number. */
 struct Presets {
     std::uint32_t maximumPresets = 0;
     std::vector<Preset> presets;
