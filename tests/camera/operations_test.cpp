@@ -56,7 +56,6 @@ const std::vector<std::string> &declaredServices() {
 }
 
 TEST(Services, AreThoseOfTheCoreLibrary) {
-    EXPECT_EQ(13U, declaredServices().size());
     EXPECT_THAT(knownServices(), testing::UnorderedElementsAreArray(declaredServices()));
 }
 
@@ -70,7 +69,6 @@ TEST(Operations, AreThoseOfTheCoreLibrary) {
             EXPECT_EQ(declared->second.arguments, operation.arguments) << name << " " << operation.name;
         }
     }
-    EXPECT_EQ(48U, declaredCalls().size());
     EXPECT_EQ(declaredCalls().size(), operations);
 }
 

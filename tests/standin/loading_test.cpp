@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -162,6 +163,22 @@ TEST_F(LoadingTest, UnloadedLibraryDoesNotWatchForks) {
     EXPECT_EQ(7, WEXITSTATUS(status));
 }
 
+TEST(ServiceCalls, AreAllThatTheInterfaceDeclares) {
+    std::set<std::string> declared;
+    std::ifstream header(ZORVA_CORE_HEADER);
+    for (std::string line; std::getline(header, line);) {
+        std::smatch call;
+        if (std::regex_search(line, call, std::regex(R"(^zorva_core_status (zorva_api_\w+)\()"))) {
+            declared.insert(call[1]);
+        }
+    }
+    const std::set<std::string> listed = {
+#define ZORVA_CALL(service, operation, parameters, ...) "zorva_api_" #service "_" #operation,
+#include "service_calls.def"
+    };
+    EXPECT_EQ(declared, listed);
+}
+
 TEST(Symbols, AreExactlyTheInterface) {
     const std::string text = "std::__cxx11::basic_string<char, std::char_traits<char>, std::allocator<char> >";
     std::set<std::string> expected = {
@@ -180,7 +197,6 @@ TEST(Symbols, AreExactlyTheInterface) {
     expected.insert("zorva_api_" #service "_initiator_deinit");
 #define ZORVA_CALL(service, operation, parameters, ...) expected.insert("zorva_api_" #service "_" #operation);
 #include "service_calls.def"
-    EXPECT_EQ(48U + 26U + 7U + 2U, expected.size());
 
     std::set<std::string> exported;
     std::istringstream lines(outputOf(NM_PROGRAM " --dynamic --defined-only --demangle " STANDIN_LIBRARY));

@@ -123,12 +123,12 @@ TEST_P(ServiceCallTest, WantsAHandleOfItsService) {
 INSTANTIATE_TEST_SUITE_P(All, ServiceCallTest, ::testing::ValuesIn(serviceCalls()),
                          [](const auto &call) { return call.param.service + "_" + call.param.operation; });
 
-TEST(ServiceCalls, AreFortyEightDifferentOnes) {
+TEST(ServiceCalls, AreDifferent) {
     std::set<std::string> names;
     for (const ServiceCall &call : serviceCalls()) {
         names.insert(call.service + "_" + call.operation);
     }
-    EXPECT_EQ(48U, serviceCalls().size());
+    EXPECT_FALSE(names.empty());
     EXPECT_EQ(serviceCalls().size(), names.size());
 }
 
