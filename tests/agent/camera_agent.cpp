@@ -48,6 +48,12 @@ std::size_t CameraAgent::logged(const std::string &text) const {
     return agent_.moduleLog().count(text);
 }
 
+std::vector<std::string> CameraAgent::finishedOperations(const CameraEvents &events) const {
+    setField(camera_, "device_information/1", "serial", "finished");
+    EXPECT_TRUE(events.waitFor({{"event", "changed"}, {"fields", {{"serial", "finished"}}}}));
+    return operations(events);
+}
+
 CameraFile::CameraFile(const nlohmann::json &services)
     : path(directory.write(
           "camera.json",

@@ -54,6 +54,9 @@ protected:
         EXPECT_TRUE(result.status.clean()) << result.errors;
     }
 
+    /** Returns the operations of all requests so far, after an event behind them has arrived; see operations(). */
+    std::vector<std::string> finishedOperations(const CameraEvents &events) const;
+
     Camera camera_;
     Agent agent_;
     Manager manager_;

@@ -64,38 +64,6 @@ TEST(FirstRequest, CamerasAnswerAsRecorded) {
     }
 }
 
-TEST(FirstRequest, EveryCameraHasAnIdentity) {
-    for (const char *name : {"dome", "stepper", "minimal"}) {
-        const Camera camera(name);
-        const Agent agent(withModule(camera.directory()));
-        EXPECT_NE(modelName(agent), "") << name;
-    }
-}
-
-TEST(FirstRequest, TheStoredIdentifierIsNoInstance) {
-    const Camera camera("minimal");
-    const Agent agent(withModule(camera.directory()));
-    Manager manager(agent.peer());
-    EXPECT_EQ(manager.get(oids::registered::modelNumber).single().type, Type::NoSuchInstance);
-    EXPECT_EQ(manager.get(".1.3.6.1.4.1.99999.1.1.1.0.1").single().type, Type::NoSuchInstance);
-    EXPECT_EQ(manager.get(".1.3.6.1.4.1.99999.1.1.1.0.0.0").single().type, Type::NoSuchInstance);
-    EXPECT_EQ(manager.getNext(oids::registered::modelNumber).single().oid, oids::modelNumber);
-}
-
-TEST(FirstRequest, TheIdentityCannotBeWritten) {
-    const Camera camera("minimal");
-    const Agent agent(withModule(camera.directory()));
-    Manager manager(agent.peer());
-    const std::string before = answer(manager, oids::modelName);
-    for (const char *oid :
-         {oids::modelNumber, oids::modelName, oids::serialNumber, oids::fwVersion, oids::swVersion, oids::hwVersion}) {
-        const Result result = manager.set({octetString(oid, "mine")});
-        EXPECT_EQ(result.error, ErrorStatus::NotWritable) << oid;
-        EXPECT_EQ(result.errorIndex, 1) << oid;
-    }
-    EXPECT_EQ(answer(manager, oids::modelName), before);
-}
-
 TEST(FirstRequest, SeveralObjectsInOneRequest) {
     const Camera camera("dome");
     const Agent agent(withModule(camera.directory()));

@@ -182,20 +182,6 @@ TEST_F(Positioning, OneBadVariableOfTwoMovesNothing) {
     EXPECT_THAT(events.matching({{"event", "move_started"}}), IsEmpty());
 }
 
-TEST_F(Positioning, OctetsThatAreMissingAreZero) {
-    setField(camera_, kTarget, "pan.position", 20000);
-    set(oids::positionPan, std::string("\x02\x7F", 2));
-    EXPECT_TRUE(arrives("pan", 0));
-    EXPECT_EQ(get(oids::positionPan), "0x027f0000");
-    set(oids::positionPan, std::string("\x02\x7F\x64", 3));
-    EXPECT_TRUE(arrives("pan", 1000));
-    set(oids::positionPan, "");
-    EXPECT_EQ(get(oids::positionPan), "0x00000000");
-    set(oids::positionPan, absolute(127, 9000) + std::string(300, 'x'));
-    EXPECT_TRUE(arrives("pan", 90000));
-    EXPECT_EQ(get(oids::positionPan), "0x027f2823");
-}
-
 TEST_F(Positioning, BeforeTheFirstCommandAGetAnswersThePosition) {
     setField(camera_, kTarget, "pan.position", 90000);
     setField(camera_, kTarget, "tilt.position", -10);
@@ -269,16 +255,6 @@ TEST_F(Positioning, RangesFollowTheCamera) {
     EXPECT_EQ(get(oids::rangeZoomLimit), "0");
 }
 
-TEST_F(Positioning, TheTrueNorthOffsetIsZeroOrUnknown) {
-    EXPECT_EQ(get(oids::rangeTrueNorthOffset), "65535");
-    setInteger(oids::rangeTrueNorthOffset, 0);
-    EXPECT_EQ(get(oids::rangeTrueNorthOffset), "0");
-    EXPECT_EQ(manager_.set(oids::rangeTrueNorthOffset, Type::Integer, 1).error, ErrorStatus::WrongValue);
-    EXPECT_EQ(manager_.set(oids::rangeTrueNorthOffset, Type::Gauge32, 0).error, ErrorStatus::WrongType);
-    EXPECT_EQ(get(oids::rangeTrueNorthOffset), "0");
-    EXPECT_EQ(logged("true north offset(1) can only be 0 or 65535"), 1U);
-}
-
 TEST_F(Positioning, TimeoutsReachTheCamera) {
     EXPECT_EQ(get(oids::timeoutPan), "-1") << "the dome starts without a time-out";
     EXPECT_EQ(get(oids::timeoutZoom), "-1");
@@ -286,22 +262,11 @@ TEST_F(Positioning, TimeoutsReachTheCamera) {
     EXPECT_EQ(targetState(camera_, kTarget).at("velocityCommandTimeout"), 1500);
     EXPECT_EQ(get(oids::timeoutTilt), "1500");
     EXPECT_EQ(get(oids::timeoutPan), "-1");
-    EXPECT_EQ(manager_.set(oids::timeoutPan, Type::Integer, 65536).error, ErrorStatus::WrongValue);
     setInteger(oids::timeoutPan, -1);
     EXPECT_EQ(get(oids::timeoutPan), "65535");
     setInteger(oids::timeoutZoom, 0);
     EXPECT_EQ(get(oids::timeoutZoom), "0");
     EXPECT_EQ(targetState(camera_, kTarget).at("velocityCommandTimeout"), 65535);
-}
-
-TEST_F(Positioning, ATimeoutOfZeroIsForEver) {
-    const CameraEvents events(camera_);
-    setInteger(oids::timeoutPan, 0);
-    set(oids::positionPan, continuous(10));
-    ASSERT_TRUE(events.waitFor({{"operation", "set_velocity_with_timeout_send"}}));
-    const json command = events.matching({{"operation", "set_velocity_with_timeout_send"}}).at(0);
-    EXPECT_EQ(command.at("arguments").at(7), 4294967295U);
-    set(oids::positionPan, stop());
 }
 
 TEST_F(Positioning, ZoomCoversTheOpticsOrTheUsersRange) {
