@@ -120,7 +120,11 @@ Message::Message(int command, const std::vector<snmp::Varbind> &varbinds, std::s
         snmp::append(*pdu, varbind);
     }
     octets_ = encode(*pdu);
-    idPosition_ = octets_.find(kEncodedInitialId) + kIdHeader;
+    const std::size_t id = octets_.find(kEncodedInitialId);
+    if (id == std::string::npos) {
+        throw std::runtime_error("an encoded request has no request-id");
+    }
+    idPosition_ = id + kIdHeader;
 }
 
 std::string_view Message::withId(std::uint32_t id) {

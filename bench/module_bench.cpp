@@ -93,9 +93,7 @@ void runHelper(benchmark::State &state, const Helper &helper) {
 } // namespace
 
 int main(int argc, char **argv) {
-    const bool asTable = bench::takeTableArgument(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+    if (!bench::initialise(argc, argv)) {
         return 2;
     }
     requests::startAgentLibrary();
@@ -107,6 +105,6 @@ int main(int argc, char **argv) {
     for (const Helper &helper : kHelpers) {
         benchmark::RegisterBenchmark(helper.name, [&](benchmark::State &state) { runHelper(state, helper); });
     }
-    bench::runBenchmarks(asTable, "Parts of the module, with the silent core library");
+    bench::runBenchmarks("Parts of the module, with the silent core library");
     return 0;
 }

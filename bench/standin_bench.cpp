@@ -69,8 +69,7 @@ void measure(benchmark::State &state, const Action &action, int times = 1, std::
 /** Use of the library as by the module. */
 class Session {
 public:
-    /** @param directory  of the camera's sockets @param logLevel  a level's number or word @param logFile  path of the
-     * log */
+    /** @param directory  of the camera's sockets @param logLevel  number or word @param logFile  path of the log */
     Session(const std::string &directory, const std::string &logLevel, const std::string &logFile) {
         setEnvironment("QUARNSNMP_CAMERA_DIR", directory);
         setEnvironment("QUARNSNMP_LOG_LEVEL", logLevel);
@@ -196,9 +195,7 @@ constexpr std::array<Measurement, 8> kMeasurements = {{
 } // namespace
 
 int main(int argc, char **argv) {
-    const bool asTable = bench::takeTableArgument(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+    if (!bench::initialise(argc, argv)) {
         return 2;
     }
     bool hasFailed = false;
@@ -216,7 +213,7 @@ int main(int argc, char **argv) {
             };
             benchmark::RegisterBenchmark(measurement.name, run)->Iterations(measurement.iterations)->UseManualTime();
         }
-        bench::runBenchmarks(asTable, "Calls of the stand-in core library to a simulated camera");
+        bench::runBenchmarks("Calls of the stand-in core library to a simulated camera");
     } catch (const std::exception &error) {
         std::fprintf(stderr, "bench-standin: %s\n", error.what());
         hasFailed = true;

@@ -13,6 +13,8 @@ namespace {
 
 using Run = benchmark::BenchmarkReporter::Run;
 
+bool gPrintsTable = false; // set by initialise()
+
 /** Returns the values of a counter in all repetitions; empty if the benchmark does not have it. */
 std::vector<double> counted(const std::vector<Run> &runs, const char *counter) {
     std::vector<double> values;
@@ -74,21 +76,23 @@ void TableReporter::Finalize() {
     }
 }
 
-void runBenchmarks(bool asTable, const char *heading) {
-    if (!asTable) {
+bool initialise(int argc, char **argv) {
+    char **const end = argv + argc;
+    char **const kept = std::remove_if(argv, end, [](const char *text) { return std::string_view(text) == "--table"; });
+    gPrintsTable = kept != end;
+    argc = static_cast<int>(kept - argv);
+    benchmark::Initialize(&argc, argv);
+    return !benchmark::ReportUnrecognizedArguments(argc, argv);
+}
+
+void runBenchmarks(const char *heading) {
+    if (!gPrintsTable) {
         benchmark::RunSpecifiedBenchmarks();
         return;
     }
     TableReporter reporter;
     printHeading(heading);
     benchmark::RunSpecifiedBenchmarks(&reporter);
-}
-
-bool takeTableArgument(int &argc, char **argv) {
-    char **const end = argv + argc;
-    char **const kept = std::remove_if(argv, end, [](const char *text) { return std::string_view(text) == "--table"; });
-    argc = static_cast<int>(kept - argv);
-    return kept != end;
 }
 
 } // namespace bench

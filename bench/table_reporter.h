@@ -29,11 +29,11 @@ private:
     std::map<std::int64_t, std::vector<Run>> benchmarks_; ///< in the order of their registration
 };
 
-/** Runs the registered benchmarks. @param asTable  prints rows under a heading instead of the library's own report */
-void runBenchmarks(bool asTable, const char *heading);
+/** Parses the arguments of a program: those of the library, and --table. @return false for an unknown argument */
+bool initialise(int argc, char **argv);
 
-/** Removes --table from the arguments of a program. @return true if it was present */
-bool takeTableArgument(int &argc, char **argv);
+/** Runs the registered benchmarks. Prints rows under a heading after --table, otherwise the library's own report. */
+void runBenchmarks(const char *heading);
 
 } // namespace bench
 

@@ -255,12 +255,10 @@ zorva_core_status Library::closeService(Service service, void *cookie) {
     std::shared_ptr<Channel> channel;
     {
         const std::lock_guard<std::mutex> lock(mutex_);
-        if (users_ == 0) {
-            return wire::kNotInitialised;
-        }
-        OpenService *const found = lookUpService(service, cookie);
-        if (found == nullptr) {
-            return wire::kInvalidHandle;
+        OpenService *found = nullptr;
+        const zorva_core_status status = lookUpService(service, cookie, found);
+        if (status != wire::kSuccess) {
+            return status;
         }
         channel = std::move(found->channel);
         state_.services.erase(toHandle(cookie));
@@ -273,16 +271,13 @@ zorva_core_status Library::closeService(Service service, void *cookie) {
 
 zorva_core_status Library::findService(Service service, void *cookie, std::shared_ptr<Channel> &channel) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    if (users_ == 0) {
-        return wire::kNotInitialised;
+    OpenService *found = nullptr;
+    const zorva_core_status status = lookUpService(service, cookie, found);
+    if (status == wire::kSuccess) {
+        replaceIfStale(found->channel);
+        channel = found->channel;
     }
-    OpenService *const found = lookUpService(service, cookie);
-    if (found == nullptr) {
-        return wire::kInvalidHandle;
-    }
-    replaceIfStale(found->channel);
-    channel = found->channel;
-    return wire::kSuccess;
+    return status;
 }
 
 zorva_core_status Library::findDirectory(std::shared_ptr<Channel> &channel) {
@@ -300,9 +295,16 @@ std::shared_ptr<const LogContext> Library::lookUpLog(void *cookie) const noexcep
     return found != state_.logs.end() ? found->second : nullptr;
 }
 
-Library::OpenService *Library::lookUpService(Service service, void *cookie) noexcept {
-    const auto found = state_.services.find(toHandle(cookie));
-    return found != state_.services.end() && found->second.service == service ? &found->second : nullptr;
+zorva_core_status Library::lookUpService(Service service, void *cookie, OpenService *&found) noexcept {
+    if (users_ == 0) {
+        return wire::kNotInitialised;
+    }
+    const auto open = state_.services.find(toHandle(cookie));
+    if (open == state_.services.end() || open->second.service != service) {
+        return wire::kInvalidHandle;
+    }
+    found = &open->second;
+    return wire::kSuccess;
 }
 
 std::shared_ptr<Channel> Library::makeChannel(const char *name, const std::weak_ptr<const LogContext> &log) const {

@@ -95,7 +95,7 @@ private:
 
     std::shared_ptr<Channel> makeChannel(const char *name, const std::weak_ptr<const LogContext> &log) const;
     std::shared_ptr<const LogContext> lookUpLog(void *cookie) const noexcept;
-    OpenService *lookUpService(Service service, void *cookie) noexcept;
+    zorva_core_status lookUpService(Service service, void *cookie, OpenService *&found) noexcept;
     static void replaceIfStale(std::shared_ptr<Channel> &channel);
     static void abortChannels(const State &state) noexcept;
 
