@@ -140,4 +140,14 @@ TEST_F(ConnectionTest, ConnectionsMadeAndLostAreLogged) {
     EXPECT_TRUE(logSays(" SNMP debug core library: disconnected from " + path + ": answer not understood"));
 }
 
+TEST_F(ConnectionTest, NothingIsLoggedAfterTheLoggingContextIsClosed) {
+    ASSERT_EQ(wire::kSuccess, zorva_core_logging_deinit(logCookie));
+    const std::vector<std::string> lines = logLines();
+    server->setHandler([](Peer &peer, const std::string &) { peer.send("nonsense\n"); });
+    EXPECT_EQ(wire::kBadResponse, readPosition());
+    server->setHandler(answer);
+    EXPECT_EQ(wire::kSuccess, readPosition());
+    EXPECT_EQ(lines, logLines());
+}
+
 } // namespace
