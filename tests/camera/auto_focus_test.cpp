@@ -73,13 +73,10 @@ TEST_P(AFocus, SearchesAndSettlesWhereThePictureIsSharpAlready) {
 TEST_P(AFocus, DrivesToWhereThePictureIsSharpAtItsFullSpeed) {
     setField(service_, "position", 4321);
     ASSERT_EQ(wire::kSuccess, setManual(0));
-    pass(0.25);
-    expectAtRest(service_, 4321);
-    pass(1.25);
-    expectAt(service_, 3321, -1000, 1000);
+    expectAtRestAfter(0.25, service_, 4321);
+    expectAtAfter(1.25, service_, 3321, -1000, 1000);
     EXPECT_EQ(true, state(service_)["focusing"]);
-    pass(2.321);
-    expectAtRest(service_, 1000);
+    expectAtRestAfter(2.321, service_, 1000);
     EXPECT_EQ(false, state(service_)["focusing"]);
     EXPECT_THAT(happened(service_), ElementsAre("0.0 focus_started 4321", "0.5 move_started 4321",
                                                 "3.821 move_stopped 1000", "3.821 focus_settled 1000"));
@@ -115,8 +112,7 @@ TEST_P(AFocus, FollowsTheSceneInOneRun) {
     show(9000);
     pass(0.25);
     show(3000);
-    pass(1.25);
-    expectAt(service_, 2000, 1000, 3000);
+    expectAtAfter(1.25, service_, 2000, 1000, 3000);
     show(500);
     expectAt(service_, 2000, -1000, 500);
     pass(0.5);
@@ -131,8 +127,7 @@ TEST_P(AFocus, FollowsTheSceneInOneRun) {
 
 TEST_P(AFocus, DoesNotFollowTheSceneInManualMode) {
     show(9000);
-    pass(10.0);
-    expectAtRest(service_, 1000);
+    expectAtRestAfter(10.0, service_, 1000);
     EXPECT_THAT(happened(service_), IsEmpty());
 }
 
@@ -152,8 +147,7 @@ TEST_P(AFocus, StartsAnewWithAnotherRun) {
     pass(0.25);
     ASSERT_EQ(wire::kSuccess, run());
     EXPECT_EQ(2, state(service_)[GetParam().counter]);
-    pass(10.0);
-    expectAtRest(service_, 3000);
+    expectAtRestAfter(10.0, service_, 3000);
     EXPECT_THAT(happened(service_),
                 ElementsAre("0.0 focus_started 1000", "0.5 move_started 1000", "1.0 move_stopped 1500",
                             "1.0 focus_started 1500", "1.25 focus_started 1500", "1.75 move_started 1500",
@@ -186,8 +180,7 @@ TEST_P(AFocus, StaysWhereItIsInManualMode) {
         expectAtRest(service_, 1500);
         EXPECT_EQ(false, state(service_)["focusing"]);
         EXPECT_EQ(kNever, camera_->nextTime());
-        pass(10.0);
-        expectAtRest(service_, 1500);
+        expectAtRestAfter(10.0, service_, 1500);
         EXPECT_EQ("move_stopped", events_.seen().back()["event"]);
         show(1000);
     }
@@ -198,8 +191,7 @@ TEST_P(AFocus, SearchesNoMoreInManualMode) {
     show(3000);
     pass(0.25);
     ASSERT_EQ(wire::kSuccess, setManual(1));
-    pass(10.0);
-    expectAtRest(service_, 1000);
+    expectAtRestAfter(10.0, service_, 1000);
     EXPECT_THAT(happened(service_), ElementsAre("0.0 focus_started 1000"));
 }
 
@@ -212,8 +204,7 @@ TEST_P(AFocus, TakesUpTheSceneInAutomaticMode) {
         } else {
             setField(service_, "manualMode", false);
         }
-        pass(10.0);
-        expectAtRest(service_, 3000);
+        expectAtRestAfter(10.0, service_, 3000);
         ASSERT_EQ(wire::kSuccess, setManual(1));
     }
     // No run was asked for.
@@ -231,8 +222,7 @@ TEST_P(AFocus, InAutomaticModeRefusesTheHand) {
     json wrong = GetParam().byHand.front().second;
     wrong[0] = 10001;
     expectRefused(wire::kInvalidArgument, service_, GetParam().byHand.front().first, wrong);
-    pass(1.5);
-    expectAtRest(service_, 3000);
+    expectAtRestAfter(1.5, service_, 3000);
     expectRefused(wire::kNotSupported, service_, GetParam().byHand.front().first, GetParam().byHand.front().second);
 }
 
@@ -263,8 +253,7 @@ TEST_P(AFocus, EndsAMoveByHandInAutomaticMode) {
     pass(1.0);
     ASSERT_EQ(wire::kSuccess, setManual(0));
     expectAtRest(service_, 2000);
-    pass(1.0);
-    expectAt(service_, 1500, -1000, 1000);
+    expectAtAfter(1.0, service_, 1500, -1000, 1000);
     EXPECT_THAT(happened(service_), ElementsAre("0.0 move_started 1000", "1.0 move_stopped 2000",
                                                 "1.0 focus_started 2000", "1.5 move_started 2000"));
 }
@@ -272,8 +261,7 @@ TEST_P(AFocus, EndsAMoveByHandInAutomaticMode) {
 TEST_P(AFocus, ThatIsPutSomewhereGoesBack) {
     makeAutomatic();
     setField(service_, "position", 2000);
-    pass(1.0);
-    expectAt(service_, 1500, -1000, 1000);
+    expectAtAfter(1.0, service_, 1500, -1000, 1000);
     setField(service_, "position", 3000);
     expectAt(service_, 3000, -1000, 1000);
     pass(1.0);
@@ -289,7 +277,7 @@ TEST_P(AFocus, TakesUpTheSceneAgainAfterARestart) {
     makeAutomatic();
     show(3000);
     pass(1.0);
-    ASSERT_EQ(wire::kSuccess, callService("device_management", "reboot_send", {2}));
+    reboot();
     passAwake(4.0);
     expectAtRest(service_, 1500);
     EXPECT_EQ(false, state(service_)["focusing"]);

@@ -1,21 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the operations do beyond storing and reading one value.
-#include <gmock/gmock.h>
-
-#include "test_cameras.h"
+#include "steered_camera.h"
 
 using namespace camera;
 using nlohmann::json;
 
 namespace {
 
-class Dome : public testing::Test {
+class Dome : public test::SteeredCamera {
 protected:
     wire::Status call(const std::string &service, const std::string &operation, const json &arguments) {
-        json request = json::array({operation, service + "/1"});
-        request.insert(request.end(), arguments.begin(), arguments.end());
-        answer_ = camera_->call(service, request);
-        return answer_.status;
+        return callService(service, operation, arguments);
     }
 
     /** Moves all axes, and lets more time pass than that takes. */
@@ -31,16 +26,7 @@ protected:
         return {state["pan"]["position"], state["tilt"]["position"], state["zoom"]["position"]};
     }
 
-    void set(const std::string &target, const std::string &key, const json &value) {
-        const std::optional<Problem> problem = camera_->set(target, key, value);
-        ASSERT_FALSE(problem) << toString(*problem);
-    }
-
     static constexpr double kLongestMove = 60.0;
-
-    double now_ = 0.0;
-    std::unique_ptr<CameraModel> camera_ = test::shippedCamera("dome", [this] { return now_; });
-    Answer answer_;
 };
 
 TEST_F(Dome, ComesRoundOnAnEndlessAxis) {
@@ -63,13 +49,13 @@ TEST_F(Dome, RefusesAPositionBeyondItsReachAndMovesNoAxis) {
 
 TEST_F(Dome, ZoomsOnDigitallyOnlyWhenThatIsEnabled) {
     EXPECT_EQ(wire::kInvalidArgument, move(0, 0, 3600));
-    set("positioning/1", "digitalZoom.enabled", true);
+    setField("positioning", "digitalZoom.enabled", true);
     EXPECT_EQ(wire::kSuccess, move(0, 0, 3600));
     EXPECT_EQ(wire::kInvalidArgument, move(0, 0, 3601));
 }
 
 TEST_F(Dome, StopsAtASoftPositionLimit) {
-    set("positioning/1", "tilt.softPosition", {{"enabled", true}, {"minimum", -1000}, {"maximum", 1000}});
+    setField("positioning", "tilt.softPosition", {{"enabled", true}, {"minimum", -1000}, {"maximum", 1000}});
     ASSERT_EQ(wire::kSuccess, move(0, -50000, 10));
     EXPECT_EQ(-1000, position()[1]);
     ASSERT_EQ(wire::kSuccess, move(0, 20000, 10));
@@ -169,7 +155,7 @@ TEST_F(Dome, HoldsAllItsPresetsAndNoMore) {
 }
 
 TEST_F(Dome, TakesAnyNumberHoweverFewPresetsItHolds) {
-    set("presets_tours/1", "maximumPresets", 2);
+    setField("presets_tours", "maximumPresets", 2);
     for (const int number : {255, 0}) {
         ASSERT_EQ(wire::kSuccess, call("presets_tours", "set_preset_with_current_position_send", {"", "", number, 1}));
         ASSERT_EQ(wire::kSuccess, call("presets_tours", "get_preset_id_for_quarnapi_id_send", {number}));
@@ -211,7 +197,7 @@ TEST_F(Dome, SwitchesNoRelayThatHasNotBeenSetUp) {
 }
 
 TEST_F(Dome, RefusesRelayStatesAndRestartsThatAreNone) {
-    set("relay/1", "configuration.c1", 1);
+    setField("relay", "configuration.c1", 1);
     EXPECT_EQ(wire::kInvalidArgument, call("relay", "set_state_send", {2}));
     EXPECT_EQ(wire::kNotSupported, call("device_management", "reboot_send", {1}));
     EXPECT_EQ(0, camera_->state("device_management/1")["reboots"]);

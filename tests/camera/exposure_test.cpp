@@ -22,30 +22,24 @@ TEST_F(AutomaticExposure, DrivesTheIrisAtItsSpeed) {
     setField("iris", "position", 3000);
     ASSERT_EQ(wire::kSuccess, setManual(0));
     expectAt("iris", 3000, -1000, 1000);
-    pass(0.5);
-    expectAt("iris", 2500, -1000, 1000);
-    pass(1.5);
-    expectAtRest("iris", 1000);
+    expectAtAfter(0.5, "iris", 2500, -1000, 1000);
+    expectAtRestAfter(1.5, "iris", 1000);
     EXPECT_THAT(happened("iris"), ElementsAre("0.0 move_started 3000", "2.0 move_stopped 1000"));
 }
 
 TEST_F(AutomaticExposure, FollowsTheLight) {
     ASSERT_EQ(wire::kSuccess, setManual(0));
     setField("iris", "automaticPosition", 9000);
-    pass(1.0);
-    expectAt("iris", 2000, 1000, 9000);
+    expectAtAfter(1.0, "iris", 2000, 1000, 9000);
     setField("iris", "automaticPosition", 500);
-    pass(1.0);
-    expectAt("iris", 1000, -1000, 500);
-    pass(1.0);
-    expectAtRest("iris", 500);
+    expectAtAfter(1.0, "iris", 1000, -1000, 500);
+    expectAtRestAfter(1.0, "iris", 500);
 }
 
 TEST_F(AutomaticExposure, BringsTheIrisBack) {
     ASSERT_EQ(wire::kSuccess, setManual(0));
     setField("iris", "position", 4000);
-    pass(1.0);
-    expectAt("iris", 3000, -1000, 1000);
+    expectAtAfter(1.0, "iris", 3000, -1000, 1000);
 }
 
 TEST_F(AutomaticExposure, TakesTheIrisOverFromTheHand) {
@@ -74,12 +68,10 @@ TEST_F(AutomaticExposure, EndsWhereTheIrisIs) {
         } else {
             setField("exposure", "manualMode", true);
         }
-        pass(10.0);
-        expectAtRest("iris", 2500);
+        expectAtRestAfter(10.0, "iris", 2500);
     }
     setField("iris", "automaticPosition", 7000);
-    pass(10.0);
-    expectAtRest("iris", 2500);
+    expectAtRestAfter(10.0, "iris", 2500);
 }
 
 TEST_F(AutomaticExposure, ThatIsOffAlreadyLeavesTheIrisToTheHand) {
@@ -115,7 +107,7 @@ TEST_F(AutomaticExposure, IsBackAfterARestart) {
     setField("iris", "position", 3000);
     ASSERT_EQ(wire::kSuccess, setManual(0));
     pass(1.0);
-    ASSERT_EQ(wire::kSuccess, callService("device_management", "reboot_send", {2}));
+    reboot();
     passAwake(4.0);
     expectAtRest("iris", 2000);
     passAwake(10.0);

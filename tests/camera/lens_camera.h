@@ -49,6 +49,19 @@ protected:
         EXPECT_EQ(false, now["moving"]) << service << " at " << now_;
     }
 
+    /** Lets time pass, and then expects the same as expectAt(). */
+    template <typename... Expected>
+    void expectAtAfter(double seconds, const Expected &...expected) {
+        pass(seconds);
+        expectAt(expected...);
+    }
+
+    /** Lets time pass, and then expects the same as expectAtRest(). */
+    void expectAtRestAfter(double seconds, const std::string &name, int position) {
+        pass(seconds);
+        expectAtRest(name, position);
+    }
+
     /** What the drive of a service was told to have done, as in "3.5 move_stopped 2000", with its time and position. */
     std::vector<std::string> happened(const std::string &service) {
         camera_->advance();

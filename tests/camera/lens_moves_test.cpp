@@ -40,15 +40,11 @@ INSTANTIATE_TEST_SUITE_P(All, ALensDrive,
 TEST_P(ALensDrive, ApproachesAPositionAtItsSpeed) {
     ASSERT_EQ(wire::kSuccess, move(3000));
     expectAt(service_, 1000, 1000, 3000);
-    pass(0.5);
-    expectAt(service_, 1500, 1000, 3000);
-    pass(1.5);
-    expectAtRest(service_, 3000);
+    expectAtAfter(0.5, service_, 1500, 1000, 3000);
+    expectAtRestAfter(1.5, service_, 3000);
     ASSERT_EQ(wire::kSuccess, move(0));
-    pass(1.25);
-    expectAt(service_, 1750, -1000, 0);
-    pass(10.0);
-    expectAtRest(service_, 0);
+    expectAtAfter(1.25, service_, 1750, -1000, 0);
+    expectAtRestAfter(10.0, service_, 0);
 }
 
 TEST_P(ALensDrive, AnswersWhereItIsOnItsWay) {
@@ -63,15 +59,11 @@ TEST_P(ALensDrive, AnswersWhereItIsOnItsWay) {
 TEST_P(ALensDrive, RunsToItsEnds) {
     ASSERT_EQ(wire::kSuccess, run(0));
     expectAt(service_, 1000, 1000, nullptr);
-    pass(8.5);
-    expectAt(service_, 9500, 1000, nullptr);
-    pass(1.0);
-    expectAtRest(service_, 10000);
+    expectAtAfter(8.5, service_, 9500, 1000, nullptr);
+    expectAtRestAfter(1.0, service_, 10000);
     ASSERT_EQ(wire::kSuccess, run(1));
-    pass(8.5);
-    expectAt(service_, 1500, -1000, nullptr);
-    pass(10.0);
-    expectAtRest(service_, 0);
+    expectAtAfter(8.5, service_, 1500, -1000, nullptr);
+    expectAtRestAfter(10.0, service_, 0);
     EXPECT_THAT(happened(service_),
                 ElementsAre("0.0 move_started 1000", "9.0 limit_reached 10000", "9.0 move_stopped 10000",
                             "9.5 move_started 10000", "19.5 limit_reached 0", "19.5 move_stopped 0"));
@@ -90,13 +82,11 @@ TEST_P(ALensDrive, IsHaltedWhereItIs) {
         ASSERT_EQ(wire::kSuccess, run(0));
         pass(0.5);
         ASSERT_EQ(wire::kSuccess, run(direction, 0));
-        pass(10.0);
-        expectAtRest(service_, 1500);
+        expectAtRestAfter(10.0, service_, 1500);
         ASSERT_EQ(wire::kSuccess, move(0));
         pass(0.5);
         ASSERT_EQ(wire::kSuccess, run(direction, 0));
-        pass(10.0);
-        expectAtRest(service_, 1000);
+        expectAtRestAfter(10.0, service_, 1000);
     }
     EXPECT_EQ(kNever, camera_->nextTime());
 }
@@ -117,8 +107,7 @@ TEST_P(ALensDrive, ObeysTheLastCommand) {
     expectAt(service_, 2500, 1000, nullptr);
     pass(0.5);
     ASSERT_EQ(wire::kSuccess, run(1));
-    pass(0.5);
-    expectAt(service_, 2500, -1000, nullptr);
+    expectAtAfter(0.5, service_, 2500, -1000, nullptr);
     EXPECT_THAT(happened(service_), ElementsAre("0.0 move_started 1000", "2.0 move_started 3000",
                                                 "2.5 move_started 2500", "3.0 move_started 3000"));
 }
@@ -159,8 +148,7 @@ TEST_P(ALensDrive, GoesOnWithAnotherSpeedAndRange) {
     pass(2.0);
     setField(service_, "maximum", 2600);
     expectAt(service_, 2500, 250, 2600);
-    pass(1.0);
-    expectAtRest(service_, 2600);
+    expectAtRestAfter(1.0, service_, 2600);
     ASSERT_EQ(wire::kSuccess, run(1));
     pass(1.0);
     setField(service_, "speed", 500);
@@ -178,7 +166,7 @@ TEST_P(ALensDrive, RestsWhereItIsPut) {
 TEST_P(ALensDrive, LosesItsMoveWithThePower) {
     ASSERT_EQ(wire::kSuccess, run(0));
     pass(0.5);
-    ASSERT_EQ(wire::kSuccess, callService("device_management", "reboot_send", {2}));
+    reboot();
     passAwake(20.0);
     expectAtRest(service_, 1500);
 }
@@ -210,10 +198,8 @@ INSTANTIATE_TEST_SUITE_P(All, AStepper, testing::Values("focus_stepper", "zoom_s
 TEST_P(AStepper, MovesAtTheSpeedOfItsCommand) {
     ASSERT_EQ(wire::kSuccess, move(3000, 500));
     EXPECT_EQ(500, state(service_)["speed"]);
-    pass(1.0);
-    expectAt(service_, 1500, 500, 3000);
-    pass(3.0);
-    expectAtRest(service_, 3000);
+    expectAtAfter(1.0, service_, 1500, 500, 3000);
+    expectAtRestAfter(3.0, service_, 3000);
     EXPECT_THAT(happened(service_), ElementsAre("0.0 move_started 1000", "4.0 move_stopped 3000"));
 }
 
@@ -224,8 +210,7 @@ TEST_P(AStepper, IsAsSlowAndAsFastAsItCanBe) {
         ASSERT_EQ(wire::kSuccess, move(3000, wanted));
         expectAt(service_, 1000, speed, 3000);
         EXPECT_EQ(speed, state(service_)["speed"]) << wanted;
-        pass(1.0);
-        expectAt(service_, 1000 + speed, speed, 3000);
+        expectAtAfter(1.0, service_, 1000 + speed, speed, 3000);
     }
 }
 
@@ -236,8 +221,7 @@ TEST_P(AStepper, GoesNowhereWithoutSpeed) {
     ASSERT_EQ(wire::kSuccess, move(3000, 500));
     pass(1.0);
     ASSERT_EQ(wire::kSuccess, move(0, 0));
-    pass(10.0);
-    expectAtRest(service_, 1500);
+    expectAtRestAfter(10.0, service_, 1500);
     EXPECT_EQ(0, state(service_)["speed"]);
 }
 
@@ -246,10 +230,8 @@ TEST_P(AStepper, ObeysTheLastCommand) {
     pass(2.0);
     ASSERT_EQ(wire::kSuccess, move(0, 100));
     expectAt(service_, 3000, -100, 0);
-    pass(10.0);
-    expectAt(service_, 2000, -100, 0);
-    pass(20.0);
-    expectAtRest(service_, 0);
+    expectAtAfter(10.0, service_, 2000, -100, 0);
+    expectAtRestAfter(20.0, service_, 0);
 }
 
 TEST_P(AStepper, RefusesPositionsAndSpeedsThatAreNone) {
@@ -263,7 +245,7 @@ TEST_P(AStepper, RefusesPositionsAndSpeedsThatAreNone) {
 TEST_P(AStepper, LosesItsMoveWithThePower) {
     ASSERT_EQ(wire::kSuccess, move(3000, 500));
     pass(1.0);
-    ASSERT_EQ(wire::kSuccess, callService("device_management", "reboot_send", {2}));
+    reboot();
     passAwake(20.0);
     expectAtRest(service_, 1500);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Planned motions against a simulation in small steps, and against what must hold for each of them.
+// Planned motions: examples, general properties, and a comparison with a simulation in small steps.
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -15,116 +15,110 @@ namespace {
 
 constexpr double kInfinite = std::numeric_limits<double>::infinity();
 
-void expectPoint(const Motion &motion, double time, double position, double velocity) {
-    const MotionPoint point = motion.at(time);
-    EXPECT_NEAR(position, point.position, 1e-9) << "at " << time;
-    EXPECT_NEAR(velocity, point.velocity, 1e-9) << "at " << time;
+/** Time, and the expected position and velocity. */
+struct ExpectedPoint {
+    double time;
+    double position;
+    double velocity;
+};
+
+/** Motion with some of its points, its end and its last position. */
+struct Course {
+    const char *name;
+    Motion motion;
+    std::vector<ExpectedPoint> points;
+    double endTime;
+    double endPosition;
+};
+
+void expectCourses(const std::vector<Course> &courses) {
+    for (const Course &course : courses) {
+        SCOPED_TRACE(course.name);
+        for (const ExpectedPoint &expected : course.points) {
+            const MotionPoint point = course.motion.at(expected.time);
+            EXPECT_NEAR(expected.position, point.position, 1e-9) << "at " << expected.time;
+            EXPECT_NEAR(expected.velocity, point.velocity, 1e-9) << "at " << expected.time;
+        }
+        EXPECT_DOUBLE_EQ(course.endTime, course.motion.endTime);
+        EXPECT_EQ(course.endPosition, course.motion.endPosition);
+        if (std::isfinite(course.endTime)) {
+            EXPECT_EQ(course.endPosition, course.motion.at(course.motion.endTime).position);
+        }
+    }
 }
 
-TEST(AMove, SpeedsUpGoesOnAndBrakes) {
-    const Motion motion = planMove(10.0, {100.0, 0.0}, 400.0, 100.0, 50.0);
-    EXPECT_DOUBLE_EQ(15.0, motion.endTime);
-    expectPoint(motion, 10.0, 100.0, 0.0);
-    expectPoint(motion, 11.0, 125.0, 50.0);
-    expectPoint(motion, 12.0, 200.0, 100.0);
-    expectPoint(motion, 12.5, 250.0, 100.0);
-    expectPoint(motion, 14.0, 375.0, 50.0);
-    expectPoint(motion, 15.0, 400.0, 0.0);
+TEST(AMove, HasItsPhases) {
+    const double root = std::sqrt(2.0);
+    expectCourses({
+        {"accelerates, runs and brakes",
+         planMove(10.0, {100.0, 0.0}, 400.0, 100.0, 50.0),
+         {{10.0, 100.0, 0.0}, {11.0, 125.0, 50.0}, {12.0, 200.0, 100.0}, {12.5, 250.0, 100.0}, {14.0, 375.0, 50.0}},
+         15.0,
+         400.0},
+        {"short", planMove(0.0, {0.0, 0.0}, -50.0, 100.0, 50.0), {{1.0, -25.0, -50.0}}, 2.0, -50.0},
+        {"reverses",
+         planMove(0.0, {0.0, 50.0}, -75.0, 100.0, 50.0),
+         {{1.0, 25.0, 0.0}, {1.0 + root, -25.0, -50.0 * root}},
+         1.0 + 2.0 * root,
+         -75.0},
+        {"cannot stop in time",
+         planMove(0.0, {0.0, 100.0}, 50.0, 100.0, 50.0),
+         {{2.0, 100.0, 0.0}, {3.0, 75.0, -50.0}},
+         4.0,
+         50.0},
+        {"too fast",
+         planMove(0.0, {0.0, -100.0}, -300.0, 50.0, 50.0),
+         {{1.0, -75.0, -50.0}, {2.0, -125.0, -50.0}},
+         6.0,
+         -300.0},
+        {"without acceleration",
+         planMove(1.0, {0.0, -30.0}, 50.0, 25.0, 0.0),
+         {{1.0, 0.0, 25.0}, {2.0, 25.0, 25.0}},
+         3.0,
+         50.0},
+        {"to its own position", planMove(7.0, {50.0, 0.0}, 50.0, 25.0, 10.0), {}, 7.0, 50.0},
+    });
 }
 
-TEST(AMove, OfAShortWayNeverGetsFast) {
-    const Motion motion = planMove(0.0, {0.0, 0.0}, -50.0, 100.0, 50.0);
-    EXPECT_DOUBLE_EQ(2.0, motion.endTime);
-    expectPoint(motion, 1.0, -25.0, -50.0);
-}
-
-TEST(AMove, TheOtherWayBrakesFirst) {
-    const Motion motion = planMove(0.0, {0.0, 50.0}, -75.0, 100.0, 50.0);
-    expectPoint(motion, 1.0, 25.0, 0.0);
-    expectPoint(motion, 1.0 + std::sqrt(2.0), -25.0, -50.0 * std::sqrt(2.0));
-    EXPECT_NEAR(1.0 + 2.0 * std::sqrt(2.0), motion.endTime, 1e-12);
-}
-
-TEST(AMove, ThatCannotStopInTimeComesBack) {
-    const Motion motion = planMove(0.0, {0.0, 100.0}, 50.0, 100.0, 50.0);
-    expectPoint(motion, 2.0, 100.0, 0.0);
-    expectPoint(motion, 3.0, 75.0, -50.0);
-    expectPoint(motion, 4.0, 50.0, 0.0);
-    EXPECT_DOUBLE_EQ(4.0, motion.endTime);
-}
-
-TEST(AMove, ThatIsTooFastSlowsDownFirst) {
-    const Motion motion = planMove(0.0, {0.0, -100.0}, -300.0, 50.0, 50.0);
-    expectPoint(motion, 1.0, -75.0, -50.0);
-    expectPoint(motion, 2.0, -125.0, -50.0);
-}
-
-TEST(AMove, WithoutAccelerationHasItsSpeedAtOnce) {
-    const Motion motion = planMove(1.0, {0.0, -30.0}, 50.0, 25.0, 0.0);
-    expectPoint(motion, 1.0, 0.0, 25.0);
-    expectPoint(motion, 2.0, 25.0, 25.0);
-    EXPECT_DOUBLE_EQ(3.0, motion.endTime);
-}
-
-TEST(AMove, ToWhereTheAxisRestsIsOver) {
-    const Motion motion = planMove(7.0, {50.0, 0.0}, 50.0, 25.0, 10.0);
-    EXPECT_EQ(7.0, motion.endTime);
-    EXPECT_EQ(50.0, motion.at(7.0).position);
-}
-
-TEST(ARun, StopsAtTheWall) {
-    const Motion motion = planRun(0.0, {0.0, 0.0}, 100.0, 300.0, 50.0);
-    expectPoint(motion, 2.5, 150.0, 100.0);
-    EXPECT_DOUBLE_EQ(5.0, motion.endTime);
-    EXPECT_EQ(300.0, motion.at(5.0).position);
-}
-
-TEST(ARun, WithoutAWallGoesOn) {
-    const Motion motion = planRun(0.0, {0.0, 20.0}, -100.0, -kInfinite, 60.0);
-    EXPECT_EQ(kInfinite, motion.endTime);
-    expectPoint(motion, 2.0, -80.0, -100.0);
-    expectPoint(motion, 1000002.0, -100000080.0, -100.0);
-}
-
-TEST(ARun, BeyondTheWallBrakesAndStaysThere) {
-    const Motion motion = planRun(0.0, {90.0, 50.0}, 100.0, 100.0, 50.0);
-    EXPECT_EQ(1.0, motion.endTime);
-    EXPECT_EQ(115.0, motion.endPosition);
-    const Motion resting = planRun(3.0, {101.0, 0.0}, 100.0, 100.0, 50.0);
-    EXPECT_EQ(3.0, resting.endTime);
-    EXPECT_EQ(101.0, resting.endPosition);
+TEST(ARun, EndsAtItsWallOrNever) {
+    expectCourses({
+        {"to a wall", planRun(0.0, {0.0, 0.0}, 100.0, 300.0, 50.0), {{2.5, 150.0, 100.0}}, 5.0, 300.0},
+        {"without a wall",
+         planRun(0.0, {0.0, 20.0}, -100.0, -kInfinite, 60.0),
+         {{2.0, -80.0, -100.0}, {1000002.0, -100000080.0, -100.0}},
+         kInfinite,
+         -kInfinite},
+        {"too close to the wall", planRun(0.0, {90.0, 50.0}, 100.0, 100.0, 50.0), {}, 1.0, 115.0},
+        {"at rest beyond the wall", planRun(3.0, {101.0, 0.0}, 100.0, 100.0, 50.0), {}, 3.0, 101.0},
+    });
 }
 
 TEST(AStop, Brakes) {
-    const Motion motion = planStop(2.0, {0.0, -100.0}, 50.0);
-    expectPoint(motion, 3.0, -75.0, -50.0);
-    EXPECT_EQ(4.0, motion.endTime);
-    EXPECT_EQ(-100.0, motion.endPosition);
-    EXPECT_EQ(2.0, planStop(2.0, {0.0, -100.0}, 0.0).endTime);
+    expectCourses({
+        {"with acceleration", planStop(2.0, {0.0, -100.0}, 50.0), {{3.0, -75.0, -50.0}}, 4.0, -100.0},
+        {"without acceleration", planStop(2.0, {0.0, -100.0}, 0.0), {}, 2.0, 0.0},
+    });
 }
 
-TEST(AnEndOfTheMechanics, StopsWhatCouldNotBrake) {
-    const Motion free = planStop(0.0, {0.0, 100.0}, 50.0);
-    const Motion motion = stoppedByEnds(free, -10.0, 75.0);
-    EXPECT_NEAR(1.0, motion.endTime, 1e-12);
-    EXPECT_EQ(75.0, motion.at(1.5).position);
-    EXPECT_EQ(0.0, motion.at(1.5).velocity);
-    expectPoint(motion, 0.5, free.at(0.5).position, free.at(0.5).velocity);
+TEST(AnEndOfTheMechanics, EndsAMotion) {
+    const Motion braking = planStop(0.0, {0.0, 100.0}, 50.0);
+    expectCourses({
+        {"cannot brake in time",
+         stoppedByEnds(braking, -10.0, 75.0),
+         {{0.5, braking.at(0.5).position, braking.at(0.5).velocity}, {1.5, 75.0, 0.0}},
+         1.0,
+         75.0},
+        {"endless run", stoppedByEnds(planRun(0.0, {0.0, 0.0}, 10.0, kInfinite, 0.0), 0.0, 50.0), {}, 5.0, 50.0},
+    });
 }
 
-TEST(AnEndOfTheMechanics, LeavesWhatBrakesAtItAlone) {
+TEST(AnEndOfTheMechanics, LeavesAMotionToItUnchanged) {
     const Motion motion = stoppedByEnds(planMove(0.1, {0.3, 0.0}, 70000.7, 123.4, 50.3), 0.3, 70000.7);
     EXPECT_EQ(3U, motion.phases.size());
     EXPECT_EQ(70000.7, motion.endPosition);
 }
 
-TEST(AnEndOfTheMechanics, EndsARunForEver) {
-    const Motion motion = stoppedByEnds(planRun(0.0, {0.0, 0.0}, 10.0, kInfinite, 0.0), 0.0, 50.0);
-    EXPECT_DOUBLE_EQ(5.0, motion.endTime);
-    EXPECT_EQ(50.0, motion.endPosition);
-}
-
-/** A move with everything that it depends on. */
+/** Arguments of a planned move. */
 struct Task {
     double time;
     MotionPoint from;
@@ -153,7 +147,7 @@ Motion planned(const Task &task) {
     return planMove(task.time, task.from, task.target, task.speed, task.acceleration);
 }
 
-/** What an axis does within a step: it looks where it is, and speeds up, brakes or goes on. */
+/** Simulates one step of an axis: depending on its position, it accelerates, brakes or keeps its velocity. */
 MotionPoint stepped(const MotionPoint &now, const Task &task, double seconds) {
     const double way = task.target - now.position;
     const double braking = now.velocity * now.velocity / (2.0 * task.acceleration);
@@ -171,7 +165,7 @@ TEST(EachMove, IsWhatASimulationInSmallStepsDoes) {
         const Motion motion = planned(task);
         const double step = (motion.endTime - task.time) / kSteps;
         const double fastest = std::max(task.speed, std::fabs(task.from.velocity));
-        // It decides at most one step late.
+        // The simulation reacts at most one step late.
         const double tolerance = 1e-6 + 2.0 * step * fastest;
         MotionPoint point = task.from;
         for (int i = 0; i < kSteps; ++i) {
@@ -229,7 +223,7 @@ TEST(EachMove, GoesOnAsItWasWhenItIsPlannedAgainOnItsWay) {
         for (double part = 1.0; part < kParts; ++part) {
             const double time = task.time + (motion.endTime - task.time) * part / kParts;
             const Motion again = planMove(time, motion.at(time), task.target, task.speed, task.acceleration);
-            // Rounding may leave a way of its own size to go back.
+            // A rounding error can leave a short way back.
             EXPECT_NEAR(motion.endTime, again.endTime, 1e-4);
             const double later = (time + motion.endTime) / 2.0;
             EXPECT_NEAR(motion.at(later).position, again.at(later).position, 1e-4);

@@ -16,16 +16,12 @@ TEST_F(Move, TakesItsTime) {
     ASSERT_EQ(wire::kSuccess, move("pan", 100000));
     expectAt("pan", 0, 0);
     EXPECT_EQ(100000, axis("pan")["target"]);
-    pass(0.5);
-    expectAt("pan", 12500, 50000);
-    pass(0.5);
-    expectAt("pan", 50000, 100000);
+    expectAtAfter(0.5, "pan", 12500, 50000);
+    expectAtAfter(0.5, "pan", 50000, 100000);
     EXPECT_EQ(wire::kSuccess, call("get_position_send", json::array()));
     EXPECT_EQ((json{50000, 0, 10}), answer_.results);
-    pass(0.5);
-    expectAt("pan", 87500, 50000);
-    pass(0.5);
-    expectAtRest("pan", 100000);
+    expectAtAfter(0.5, "pan", 87500, 50000);
+    expectAtRestAfter(0.5, "pan", 100000);
 }
 
 TEST_F(Move, IsRoundedToTheNextUnit) {
@@ -54,8 +50,7 @@ TEST_F(Move, HasASpeedBetweenTheSlowestAndTheFastest) {
 TEST_F(Move, HasASpeedEvenWhenTheAxisHasNone) {
     set("zoom", {{"minimumSpeed", 0}, {"maximumSpeed", 0}});
     ASSERT_EQ(wire::kSuccess, move("zoom", 300));
-    pass(2.0);
-    expectAt("zoom", 12, 1);
+    expectAtAfter(2.0, "zoom", 12, 1);
 }
 
 TEST_F(Move, WithASpeedThatIsNoneIsRefused) {
@@ -74,17 +69,13 @@ TEST_F(Move, WithASpeedThatIsNoneIsRefused) {
 TEST_F(Move, TakesTheShorterWayRoundAnEndlessAxis) {
     ASSERT_EQ(wire::kSuccess, move("pan", 350000));
     EXPECT_EQ(350000, axis("pan")["target"]);
-    pass(0.3);
-    expectAt("pan", 355500, -30000);
-    pass(10.0);
-    expectAtRest("pan", 350000);
+    expectAtAfter(0.3, "pan", 355500, -30000);
+    expectAtRestAfter(10.0, "pan", 350000);
     ASSERT_EQ(wire::kSuccess, move("pan", 10000));
-    pass(0.4);
-    expectAt("pan", 358000, 40000);
+    expectAtAfter(0.4, "pan", 358000, 40000);
     pass(0.2);
     EXPECT_LT(axis("pan")["position"], 10000);
-    pass(10.0);
-    expectAtRest("pan", 10000);
+    expectAtRestAfter(10.0, "pan", 10000);
 }
 
 TEST_F(Move, GoesUpwardsWhenBothWaysAreHalfATurn) {
@@ -93,8 +84,7 @@ TEST_F(Move, GoesUpwardsWhenBothWaysAreHalfATurn) {
         ASSERT_EQ(wire::kSuccess, move("pan", start + 180000));
         pass(0.1);
         EXPECT_EQ(10000, axis("pan")["velocity"]) << start;
-        pass(10.0);
-        expectAtRest("pan", (start + 180000) % 360000);
+        expectAtRestAfter(10.0, "pan", (start + 180000) % 360000);
     }
 }
 
@@ -102,14 +92,11 @@ TEST_F(Move, StaysBetweenSoftLimitsInsteadOfGoingRound) {
     set("pan.position", 10000);
     set("pan.softPosition", {{"enabled", true}, {"minimum", 0}, {"maximum", 350000}});
     ASSERT_EQ(wire::kSuccess, move("pan", 340000));
-    pass(1.0);
-    expectAt("pan", 60000, 100000);
-    pass(10.0);
-    expectAtRest("pan", 340000);
+    expectAtAfter(1.0, "pan", 60000, 100000);
+    expectAtRestAfter(10.0, "pan", 340000);
     ASSERT_EQ(wire::kSuccess, move("pan", 355000));
     EXPECT_EQ(350000, axis("pan")["target"]);
-    pass(10.0);
-    expectAtRest("pan", 350000);
+    expectAtRestAfter(10.0, "pan", 350000);
 }
 
 TEST_F(Move, OfOneAxisLeavesTheOthersAlone) {
@@ -117,8 +104,7 @@ TEST_F(Move, OfOneAxisLeavesTheOthersAlone) {
     pass(0.5);
     ASSERT_EQ(wire::kSuccess, move("tilt", 10000));
     ASSERT_EQ(wire::kSuccess, move("zoom", 110));
-    pass(0.5);
-    expectAt("pan", 50000, 100000);
+    expectAtAfter(0.5, "pan", 50000, 100000);
     expectAt("tilt", 1250, 5000);
     expectAt("zoom", 60, 100);
 }
@@ -129,12 +115,9 @@ TEST_F(Move, TakesThePlaceOfAnotherOneFromWhereTheAxisIs) {
     ASSERT_EQ(wire::kSuccess, move("pan", 40000));
     expectAt("pan", 50000, 100000);
     EXPECT_EQ(40000, axis("pan")["target"]);
-    pass(1.0);
-    expectAt("pan", 100000, 0);
-    pass(0.5);
-    expectAt("pan", 87500, -50000);
-    pass(10.0);
-    expectAtRest("pan", 40000);
+    expectAtAfter(1.0, "pan", 100000, 0);
+    expectAtAfter(0.5, "pan", 87500, -50000);
+    expectAtRestAfter(10.0, "pan", 40000);
     EXPECT_THAT(events_.moves(), testing::ElementsAre("move_started pan", "move_started pan", "move_stopped pan"));
 }
 
@@ -145,8 +128,7 @@ TEST_F(Move, EndsWhenTheAxisIsPutSomewhere) {
     set("pan.position", 12500);
     expectAtRest("pan", 12500);
     EXPECT_EQ(true, axis("tilt")["moving"]);
-    pass(10.0);
-    expectAtRest("pan", 12500);
+    expectAtRestAfter(10.0, "pan", 12500);
     expectAtRest("tilt", 10000);
     EXPECT_EQ((json{{"event", "move_stopped"}, {"target", "positioning/1"}, {"axis", "pan"}, {"position", 12500}}),
               events_.seen().at(events_.seen().size() - 2));
@@ -156,15 +138,12 @@ TEST_F(Move, SlowsDownUnderANewSpeedLimitAndSpeedsUpWithoutIt) {
     ASSERT_EQ(wire::kSuccess, move("pan", 170000));
     pass(1.0);
     ASSERT_EQ(wire::kSuccess, call("set_soft_velocity_limits_send", {1, 0, 50000, 0, 0, 0, 0, 0, 0}));
-    pass(0.25);
-    expectAt("pan", 71875, 75000);
-    pass(0.5);
-    expectAt("pan", 100000, 50000);
+    expectAtAfter(0.25, "pan", 71875, 75000);
+    expectAtAfter(0.5, "pan", 100000, 50000);
     ASSERT_EQ(wire::kSuccess, call("clear_velocity_limits_send", {1, 0, 0}));
     pass(0.1);
     EXPECT_EQ(60000, axis("pan")["velocity"]);
-    pass(10.0);
-    expectAtRest("pan", 170000);
+    expectAtRestAfter(10.0, "pan", 170000);
     EXPECT_THAT(events_.moves(), testing::ElementsAre("move_started pan", "move_stopped pan"));
 }
 
@@ -178,8 +157,7 @@ TEST_F(Move, EndsAtASoftPositionLimitWhileItIsThere) {
     EXPECT_EQ(20000, axis("tilt")["target"]);
     pass(0.1);
     set("tilt.softPosition.enabled", true);
-    pass(10.0);
-    expectAtRest("tilt", 12000);
+    expectAtRestAfter(10.0, "tilt", 12000);
     EXPECT_THAT(events_.moves(), testing::ElementsAre("move_started tilt", "move_started tilt", "move_started tilt",
                                                       "move_started tilt", "move_stopped tilt"));
 }
@@ -190,21 +168,18 @@ TEST_F(Move, ComesBackWhenASoftPositionLimitIsPutBehindIt) {
     set("tilt.softPosition", {{"enabled", true}, {"minimum", -1000}, {"maximum", 1000}});
     pass(1.0);
     EXPECT_GT(axis("tilt")["position"], 9000);
-    pass(10.0);
-    expectAtRest("tilt", 1000);
+    expectAtRestAfter(10.0, "tilt", 1000);
 }
 
 TEST_F(Move, GoesAsFarAsTheZoomReachesAtTheTime) {
     set("digitalZoom.enabled", true);
     ASSERT_EQ(wire::kSuccess, move("zoom", 3600));
     EXPECT_EQ(3600, axis("zoom")["target"]);
-    pass(1.0);
-    expectAt("zoom", 110, 100);
+    expectAtAfter(1.0, "zoom", 110, 100);
     set("digitalZoom.enabled", false);
     EXPECT_EQ(300, axis("zoom")["target"]);
     set("digitalZoom.enabled", true);
-    pass(35.0);
-    expectAtRest("zoom", 3600);
+    expectAtRestAfter(35.0, "zoom", 3600);
 }
 
 TEST_F(Move, RestsAtTheEndThatItCannotBrakeInFrontOf) {
@@ -215,20 +190,16 @@ TEST_F(Move, RestsAtTheEndThatItCannotBrakeInFrontOf) {
     // 100 a second, and so 50 from rest.
     expectAt("zoom", 285, 100);
     set("digitalZoom.enabled", false);
-    pass(0.1);
-    expectAt("zoom", 295, 90);
-    pass(0.1);
-    expectAtRest("zoom", 300);
+    expectAtAfter(0.1, "zoom", 295, 90);
+    expectAtRestAfter(0.1, "zoom", 300);
 }
 
 TEST_F(Move, GoesOnFromTheEndThatItCannotBrakeInFrontOf) {
     ASSERT_EQ(wire::kSuccess, move("tilt", 20000, 1.02));
-    pass(1.5);
-    expectAt("tilt", 10000, 10000);
+    expectAtAfter(1.5, "tilt", 10000, 10000);
     ASSERT_EQ(wire::kSuccess, move("tilt", 12000));
     set("tilt", {{"maximum", 13000}, {"acceleration", 10000}});
-    pass(10.0);
-    expectAtRest("tilt", 12000);
+    expectAtRestAfter(10.0, "tilt", 12000);
     EXPECT_THAT(events_.moves(), testing::ElementsAre("move_started tilt", "move_started tilt", "move_stopped tilt"));
 }
 
@@ -238,12 +209,10 @@ TEST_F(Move, ToAPresetHasItsSpeedAndPriority) {
                      json::array({{{"id", "gate"}, {"number", 1}, {"pan", 90000}, {"tilt", -5000}, {"zoom", 110}}})));
     ASSERT_EQ(wire::kSuccess, call("move_to_preset_send", {"gate", 0.5, 3, 1}, "presets_tours"));
     EXPECT_EQ(3, axis("tilt")["priority"]);
-    pass(1.0);
-    expectAt("pan", 37500, 50000);
+    expectAtAfter(1.0, "pan", 37500, 50000);
     expectAt("zoom", 60, 50);
     EXPECT_EQ(90000, axis("pan")["target"]);
-    pass(10.0);
-    expectAtRest("tilt", -5000);
+    expectAtRestAfter(10.0, "tilt", -5000);
     EXPECT_EQ(wire::kInvalidArgument, call("move_to_preset_send", {"gate", -0.5, 3, 1}, "presets_tours"));
 }
 

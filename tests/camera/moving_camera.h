@@ -81,6 +81,19 @@ protected:
         EXPECT_EQ(nullptr, now["target"]) << name << " at " << now_;
     }
 
+    /** Lets time pass, and then expects the same as expectAt(). */
+    template <typename... Expected>
+    void expectAtAfter(double seconds, const Expected &...expected) {
+        pass(seconds);
+        expectAt(expected...);
+    }
+
+    /** Lets time pass, and then expects the same as expectAtRest(). */
+    void expectAtRestAfter(double seconds, const std::string &name, int position) {
+        pass(seconds);
+        expectAtRest(name, position);
+    }
+
     void set(const std::string &key, const nlohmann::json &value) {
         setField("positioning", key, value);
     }

@@ -1,18 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 // The operations of the model against the calls that the core library declares.
+#include <filesystem>
 #include <map>
 #include <utility>
 
 #include <gmock/gmock.h>
 
 #include "test_cameras.h"
+#include "text_file.h"
 
 using namespace camera;
 using nlohmann::json;
 
 namespace {
 
-/** What a declared call takes and gives. */
+/** Arguments and outputs of a declared call. */
 struct Declared {
     std::vector<std::string> arguments;
     std::size_t outputs = 0;
@@ -55,164 +57,124 @@ const std::vector<std::string> &declaredServices() {
     return services;
 }
 
-TEST(Services, AreThoseOfTheCoreLibrary) {
+/** Returns the source file with the definition of a service; the catalogue for a service without one. */
+std::string definitionOf(const std::string &service) {
+    for (const auto &entry : std::filesystem::directory_iterator(QUARNSNMP_SERVICE_DEFINITIONS)) {
+        if (readTextFile(entry.path()).find("\"" + service + "\",") != std::string::npos) {
+            return entry.path().string();
+        }
+    }
+    return QUARNSNMP_SERVICE_DEFINITIONS "/catalogue.cpp";
+}
+
+TEST(EachServiceOfTheCoreLibrary, IsAServiceOfTheCamera) {
+    for (const std::string &service : declaredServices()) {
+        EXPECT_NE(nullptr, makeService(service))
+            << "add the service " << service << " to " << QUARNSNMP_SERVICE_DEFINITIONS << "/catalogue.cpp";
+    }
     EXPECT_THAT(knownServices(), testing::UnorderedElementsAreArray(declaredServices()));
 }
 
-TEST(Operations, AreThoseOfTheCoreLibrary) {
-    Calls::size_type operations = 0;
-    for (const std::string &name : knownServices()) {
-        for (const OperationSummary &operation : makeService(name)->operations()) {
-            ++operations;
-            const auto declared = declaredCalls().find({name, operation.name});
-            ASSERT_NE(declared, declaredCalls().end()) << name << " " << operation.name;
-            EXPECT_EQ(declared->second.arguments, operation.arguments) << name << " " << operation.name;
+TEST(EachCallOfTheCoreLibrary, IsAnOperationOfTheCamera) {
+    Calls missing = declaredCalls();
+    for (const std::string &service : knownServices()) {
+        for (const OperationSummary &operation : makeService(service)->operations()) {
+            SCOPED_TRACE(definitionOf(service) + ": " + operation.name);
+            const auto declared = declaredCalls().find({service, operation.name});
+            ASSERT_NE(declared, declaredCalls().end()) << "service_calls.def has no such call";
+            EXPECT_EQ(declared->second.arguments, operation.arguments);
+            EXPECT_EQ(1U, missing.erase({service, operation.name})) << "the operation is defined twice";
         }
     }
-    EXPECT_EQ(declaredCalls().size(), operations);
+    for (const auto &[call, declared] : missing) {
+        ADD_FAILURE() << "add the operation " << call.second << " of the service " << call.first << " to "
+                      << definitionOf(call.first) << ", and an example of it to " << __FILE__;
+    }
 }
 
-/** One call of each operation, made on a new camera. */
+/** Call of an operation on a new camera. */
 struct Example {
-    const char *service;
-    const char *operation;
+    std::string service;
+    std::string operation;
     json arguments;
     json results;
-    json changes;                ///< the fields that differ afterwards, with dotted keys
-    json given = json::object(); ///< fields that are set before the call
+    json changes; ///< changed fields, with dotted keys
+    json given;   ///< fields to set before the call
 };
 
-const std::vector<Example> &examples() {
-    const json none = json::array();
-    const json same = json::object();
-    static const std::vector<Example> all = {
-        {"alarm", "get_state_send", none, {5}, same},
-        {"device_information",
-         "get_static_information_send",
-         none,
-         {"QN-1", "1.2-3", nullptr, "0815", "five", nullptr, "", "eight", 9},
-         same},
-        {"device_management", "reboot_send", {2}, none, {{"reboots", 1}}},
-        {"exposure", "get_manual_mode_enable_send", none, {1}, same},
-        {"exposure", "set_manual_mode_enable_send", {0}, none, {{"manualMode", false}}},
-        {"focus_stepper", "get_limits_send", none, {-10, 4000, 1, 900}, same},
-        {"focus_stepper", "get_manual_mode_enable_send", none, {0}, same},
-        {"focus_stepper", "get_position_send", none, {20, 21}, same},
-        {"focus_stepper", "set_manual_mode_enable_send", {255}, none, {{"manualMode", true}}},
-        {"focus_stepper",
-         "set_position_send",
-         {-10, 900},
-         none,
-         {{"target", -10}, {"velocity", -900}, {"moving", true}, {"speed", 900}},
-         {{"manualMode", true}}},
-        {"focus_stepper", "start_quick_auto_focus_send", none, none, {{"quickAutoFocusRuns", 1}, {"focusing", true}}},
-        {"iris", "get_position_send", none, {4000000000U, 5, 4294967295U}, same},
-        {"iris",
-         "set_position_send",
-         {4294967295U},
-         none,
-         {{"target", 4294967295U}, {"velocity", 700}, {"moving", true}}},
-        {"iris", "set_velocity_send", {0, 1}, none, {{"velocity", 700}, {"moving", true}}},
-        {"lens_focus",
-         "do_auto_focus_send",
-         none,
-         none,
-         {{"autoFocusRuns", 1}, {"focusing", true}},
-         {{"manualMode", false}}},
-        {"lens_focus", "get_manual_focus_position_send", none, {30, -50, 70}, same},
-        {"lens_focus", "get_manual_mode_enable_send", none, {1}, same},
-        {"lens_focus",
-         "set_manual_focus_position_send",
-         {-50},
-         none,
-         {{"target", -50}, {"velocity", -600}, {"moving", true}}},
-        {"lens_focus", "set_manual_mode_enable_send", {0}, none, {{"manualMode", false}}},
-        {"lens_focus", "set_velocity_send", {1, 1}, none, {{"velocity", -600}, {"moving", true}}},
-        {"positioning", "clear_velocity_limits_send", {1, 0, 1}, none, {{"pan.softSpeed.enabled", false}}},
-        {"positioning", "get_digital_zoom_enable_send", none, {1}, same},
-        {"positioning", "get_implementation_position_limits_send", none, {0, 359999, -90000, 20000, 10, 300}, same},
-        {"positioning", "get_implementation_velocity_limits_send", none, {50, 280000, 40, 120000, 1, 150}, same},
-        {"positioning", "get_max_optical_and_digital_zoom_send", none, {300, 120, 3600}, same},
-        {"positioning", "get_position_send", none, {1000, -2000, 20}, same},
-        {"positioning", "get_soft_position_limits_send", none, {0, 1, 2, 1, -3000, -4, 0, 5, 6}, same},
-        {"positioning", "get_soft_velocity_limits_send", none, {1, 60, 90000, 0, 7, 8, 0, 9, 10}, same},
-        {"positioning", "get_velocity_command_timeout_send", none, {1500}, same},
-        {"positioning",
-         "move_to_position_with_speed_percentage_send",
-         {1, 180000, 0.5, 0, 77, 7.7, 255, 3600, 1, -1},
-         none,
-         {{"pan.velocity", 90000},
-          {"pan.target", 180000},
-          {"pan.moving", true},
-          {"pan.priority", -1},
-          {"zoom.velocity", 149},
-          {"zoom.target", 3600},
-          {"zoom.moving", true},
-          {"zoom.priority", -1}}},
-        {"positioning",
-         "set_soft_velocity_limits_send",
-         {0, -1, -2, 1, 100, 200, 0, 0, 0},
-         none,
-         {{"tilt.softSpeed.enabled", true}, {"tilt.softSpeed.minimum", 100}, {"tilt.softSpeed.maximum", 200}}},
-        {"positioning", "set_velocity_command_timeout_send", {0}, none, {{"velocityCommandTimeout", 0}}},
-        {"positioning",
-         "set_velocity_send",
-         {1, -50, 1, 60, 0, 70, 1},
-         none,
-         {{"pan.velocity", -60},
-          {"pan.moving", true},
-          {"pan.priority", 1},
-          {"tilt.velocity", 60},
-          {"tilt.moving", true},
-          {"tilt.priority", 1},
-          {"velocityTimeout", 1500}}},
-        {"positioning",
-         "set_velocity_with_timeout_send",
-         {0, 0, 0, 0, 1, -150, 2, 250},
-         none,
-         {{"zoom.velocity", -150}, {"zoom.moving", true}, {"zoom.priority", 2}, {"velocityTimeout", 250}}},
-        {"power", "get_power_state_send", none, {3}, same},
-        {"power", "get_voltage_state_send", none, {4}, same},
-        {"presets_tours", "get_max_presets_send", none, {20}, same},
-        {"presets_tours", "get_preset_id_for_quarnapi_id_send", {3}, {"gate"}, same},
-        {"presets_tours", "move_to_preset_send", {"gate", 1.0, 1, 1}, none, same},
-        {"presets_tours",
-         "set_preset_with_current_position_send",
-         {"gate", "Main gate", 4, 1},
-         none,
-         {{"presets", json::array({{{"id", "gate"},
-                                    {"name", "Main gate"},
-                                    {"number", 4},
-                                    {"pan", 1000},
-                                    {"tilt", -2000},
-                                    {"zoom", 20}}})}}},
-        {"relay", "get_configuration_send", none, {1, 2, -3, 4, 5, 6, 7}, same},
-        {"relay", "get_state_send", none, {6}, same},
-        {"relay",
-         "set_configuration_send",
-         {0, 255, -7, 8, 9, 10, 11},
-         none,
-         {{"configuration.c1", 0},
-          {"configuration.c2", 255},
-          {"configuration.c3", -7},
-          {"configuration.c4", 8},
-          {"configuration.c5", 9},
-          {"configuration.c6", 10},
-          {"configuration.c7", 11}}},
-        {"relay", "set_state_send", {1}, none, {{"state", 7}}},
-        {"temperature", "get_temperature_send", none, {-12500}, same},
-        {"zoom_stepper", "get_limits_send", none, {1, 2, 3, 4}, same},
-        {"zoom_stepper", "get_position_send", none, {2}, same},
-        {"zoom_stepper",
-         "set_position_send",
-         {1, 4},
-         none,
-         {{"target", 1}, {"velocity", -4}, {"moving", true}, {"speed", 4}}},
-    };
+/** Returns an example of each operation. */
+std::vector<Example> examples() {
+    const json rows = json::parse(R"([
+        ["alarm", "get_state_send", [], [5], {}],
+        ["device_information", "get_static_information_send", [], ["QN-1", "1.2-3", null, "0815", "five",
+            null, "", "eight", 9], {}],
+        ["device_management", "reboot_send", [2], [], {"reboots": 1}],
+        ["exposure", "get_manual_mode_enable_send", [], [1], {}],
+        ["exposure", "set_manual_mode_enable_send", [0], [], {"manualMode": false}],
+        ["focus_stepper", "get_limits_send", [], [-10, 4000, 1, 900], {}],
+        ["focus_stepper", "get_manual_mode_enable_send", [], [0], {}],
+        ["focus_stepper", "get_position_send", [], [20, 21], {}],
+        ["focus_stepper", "set_manual_mode_enable_send", [255], [], {"manualMode": true}],
+        ["focus_stepper", "set_position_send", [-10, 900], [], {"target": -10, "velocity": -900, "moving":
+            true, "speed": 900}, {"manualMode": true}],
+        ["focus_stepper", "start_quick_auto_focus_send", [], [], {"quickAutoFocusRuns": 1, "focusing": true}],
+        ["iris", "get_position_send", [], [4000000000, 5, 4294967295], {}],
+        ["iris", "set_position_send", [4294967295], [], {"target": 4294967295, "velocity": 700, "moving": true}],
+        ["iris", "set_velocity_send", [0, 1], [], {"velocity": 700, "moving": true}],
+        ["lens_focus", "do_auto_focus_send", [], [], {"autoFocusRuns": 1, "focusing": true}, {"manualMode": false}],
+        ["lens_focus", "get_manual_focus_position_send", [], [30, -50, 70], {}],
+        ["lens_focus", "get_manual_mode_enable_send", [], [1], {}],
+        ["lens_focus", "set_manual_focus_position_send", [-50], [], {"target": -50, "velocity": -600,
+            "moving": true}],
+        ["lens_focus", "set_manual_mode_enable_send", [0], [], {"manualMode": false}],
+        ["lens_focus", "set_velocity_send", [1, 1], [], {"velocity": -600, "moving": true}],
+        ["positioning", "clear_velocity_limits_send", [1, 0, 1], [], {"pan.softSpeed.enabled": false}],
+        ["positioning", "get_digital_zoom_enable_send", [], [1], {}],
+        ["positioning", "get_implementation_position_limits_send", [], [0, 359999, -90000, 20000, 10, 300], {}],
+        ["positioning", "get_implementation_velocity_limits_send", [], [50, 280000, 40, 120000, 1, 150], {}],
+        ["positioning", "get_max_optical_and_digital_zoom_send", [], [300, 120, 3600], {}],
+        ["positioning", "get_position_send", [], [1000, -2000, 20], {}],
+        ["positioning", "get_soft_position_limits_send", [], [0, 1, 2, 1, -3000, -4, 0, 5, 6], {}],
+        ["positioning", "get_soft_velocity_limits_send", [], [1, 60, 90000, 0, 7, 8, 0, 9, 10], {}],
+        ["positioning", "get_velocity_command_timeout_send", [], [1500], {}],
+        ["positioning", "move_to_position_with_speed_percentage_send", [1, 180000, 0.5, 0, 77, 7.7, 255, 3600,
+            1, -1], [], {"pan.velocity": 90000, "pan.target": 180000, "pan.moving": true, "pan.priority": -1,
+            "zoom.velocity": 149, "zoom.target": 3600, "zoom.moving": true, "zoom.priority": -1}],
+        ["positioning", "set_soft_velocity_limits_send", [0, -1, -2, 1, 100, 200, 0, 0, 0], [],
+            {"tilt.softSpeed.enabled": true, "tilt.softSpeed.minimum": 100, "tilt.softSpeed.maximum": 200}],
+        ["positioning", "set_velocity_command_timeout_send", [0], [], {"velocityCommandTimeout": 0}],
+        ["positioning", "set_velocity_send", [1, -50, 1, 60, 0, 70, 1], [], {"pan.velocity": -60,
+            "pan.moving": true, "pan.priority": 1, "tilt.velocity": 60, "tilt.moving": true, "tilt.priority":
+            1, "velocityTimeout": 1500}],
+        ["positioning", "set_velocity_with_timeout_send", [0, 0, 0, 0, 1, -150, 2, 250], [], {"zoom.velocity":
+            -150, "zoom.moving": true, "zoom.priority": 2, "velocityTimeout": 250}],
+        ["power", "get_power_state_send", [], [3], {}],
+        ["power", "get_voltage_state_send", [], [4], {}],
+        ["presets_tours", "get_max_presets_send", [], [20], {}],
+        ["presets_tours", "get_preset_id_for_quarnapi_id_send", [3], ["gate"], {}],
+        ["presets_tours", "move_to_preset_send", ["gate", 1.0, 1, 1], [], {}],
+        ["presets_tours", "set_preset_with_current_position_send", ["gate", "Main gate", 4, 1], [],
+            {"presets": [{"id": "gate", "name": "Main gate", "number": 4, "pan": 1000, "tilt": -2000, "zoom":
+            20}]}],
+        ["relay", "get_configuration_send", [], [1, 2, -3, 4, 5, 6, 7], {}],
+        ["relay", "get_state_send", [], [6], {}],
+        ["relay", "set_configuration_send", [0, 255, -7, 8, 9, 10, 11], [], {"configuration.c1": 0,
+            "configuration.c2": 255, "configuration.c3": -7, "configuration.c4": 8, "configuration.c5": 9,
+            "configuration.c6": 10, "configuration.c7": 11}],
+        ["relay", "set_state_send", [1], [], {"state": 7}],
+        ["temperature", "get_temperature_send", [], [-12500], {}],
+        ["zoom_stepper", "get_limits_send", [], [1, 2, 3, 4], {}],
+        ["zoom_stepper", "get_position_send", [], [2], {}],
+        ["zoom_stepper", "set_position_send", [1, 4], [], {"target": 1, "velocity": -4, "moving": true, "speed": 4}]
+    ])");
+    std::vector<Example> all;
+    for (const json &row : rows) {
+        all.push_back({row[0], row[1], row[2], row[3], row[4], row.size() > 5 ? row[5] : json::object()});
+    }
     return all;
 }
 
-/** A camera with all services, a different value in each field where that is possible, and a clock that stands. */
+/** Makes a camera with all services, different values in all fields if possible, and a clock that stands still. */
 std::unique_ptr<CameraModel> fullCamera() {
     return test::makeCamera(R"({"name": "full", "services": {
         "alarm": {"targets": [{"state": 5}]},
@@ -250,7 +212,7 @@ std::unique_ptr<CameraModel> fullCamera() {
 }
 
 json requestOf(const Example &example) {
-    json request = json::array({example.operation, std::string(example.service) + "/1"});
+    json request = json::array({example.operation, example.service + "/1"});
     request.insert(request.end(), example.arguments.begin(), example.arguments.end());
     return request;
 }
@@ -267,11 +229,11 @@ TEST(EachOperation, HasAnExample) {
 
 TEST(EachOperation, AnswersAndChangesTheModel) {
     for (const Example &example : examples()) {
-        SCOPED_TRACE(std::string(example.service) + " " + example.operation);
+        SCOPED_TRACE(example.service + " " + example.operation);
         const auto camera = fullCamera();
         const Service &service = *camera->service(example.service);
         for (const auto &field : example.given.items()) {
-            ASSERT_FALSE(camera->set(std::string(example.service) + "/1", field.key(), field.value()));
+            ASSERT_FALSE(camera->set(example.service + "/1", field.key(), field.value()));
         }
         json expected = service.values(0);
         for (const auto &change : example.changes.items()) {

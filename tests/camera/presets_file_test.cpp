@@ -181,46 +181,32 @@ TEST_F(KeptPresets, NeedAPlace) {
     EXPECT_EQ(std::filesystem::canonical(root_.path()).string() + ": not a regular file", errorOfStart());
 }
 
-struct BadPresets {
-    const char *name;
-    std::string text;
-    std::string error; ///< without the file's name in front
-};
+TEST_F(KeptPresets, AreRefusedInOneLineAndLeftAloneInAnErroneousFile) {
+    const std::vector<std::pair<std::string, std::string>> rows = {
 
-void PrintTo(const BadPresets &bad, std::ostream *out) {
-    *out << bad.name;
-}
-
-class BadPresetsFiles : public KeptPresets, public testing::WithParamInterface<BadPresets> {};
-
-TEST_P(BadPresetsFiles, AreRefusedWithOneClearLineAndLeftAlone) {
-    support::writeFile(file_, GetParam().text);
-    EXPECT_EQ(std::filesystem::canonical(file_).string() + ": " + GetParam().error, errorOfStart());
-    EXPECT_EQ(GetParam().text, readTextFile(file_));
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Texts, BadPresetsFiles,
-    testing::Values(
-        BadPresets{"Syntax", "{",
-                   "line 1, column 2: syntax error while parsing object key - unexpected end of input; expected string "
-                   "literal"},
-        BadPresets{"NoObject", "[]", "expected an object with presets_tours/1, presets_tours/2, found []"},
-        BadPresets{"UnknownTarget", R"({"presets_tours/3": []})",
-                   "presets_tours/3: unknown key; expected one of: presets_tours/1, presets_tours/2"},
-        BadPresets{"NoList", R"({"presets_tours/1": {}})",
-                   "presets_tours/1: expected a list of at most 255 objects with id, name, number, pan, tilt, zoom, "
-                   "found {}"},
-        BadPresets{"NumberOutOfRange", R"({"presets_tours/1": [{"id": "a", "number": 300}]})",
-                   "presets_tours/1[0].number: expected an integer from 0 to 255, found 300"},
-        BadPresets{"UnknownKey", R"({"presets_tours/2": [{"id": "a"}, {"focus": 1}]})",
-                   "presets_tours/2[1].focus: unknown key; expected one of: id, name, number, pan, tilt, zoom"},
-        BadPresets{"SameIdTwice", R"({"presets_tours/1": [{"id": "a"}, {"id": "a", "number": 1}]})",
-                   "presets_tours/1[1].id: expected a value other than that of presets[0]"},
-        BadPresets{"TooMany",
-                   R"({"presets_tours/2": [{"id": "a"}, {"id": "b", "number": 1}, {"id": "c", "number": 2},
+        {"{", "line 1, column 2: syntax error while parsing object key - unexpected end of input; expected string "
+              "literal"},
+        {"[]", "expected an object with presets_tours/1, presets_tours/2, found []"},
+        {R"({"presets_tours/3": []})",
+         "presets_tours/3: unknown key; expected one of: presets_tours/1, presets_tours/2"},
+        {R"({"presets_tours/1": {}})",
+         "presets_tours/1: expected a list of at most 255 objects with id, name, number, pan, tilt, zoom, "
+         "found {}"},
+        {R"({"presets_tours/1": [{"id": "a", "number": 300}]})",
+         "presets_tours/1[0].number: expected an integer from 0 to 255, found 300"},
+        {R"({"presets_tours/2": [{"id": "a"}, {"focus": 1}]})",
+         "presets_tours/2[1].focus: unknown key; expected one of: id, name, number, pan, tilt, zoom"},
+        {R"({"presets_tours/1": [{"id": "a"}, {"id": "a", "number": 1}]})",
+         "presets_tours/1[1].id: expected a value other than that of presets[0]"},
+        {R"({"presets_tours/2": [{"id": "a"}, {"id": "b", "number": 1}, {"id": "c", "number": 2},
                        {"id": "d", "number": 3}]})",
-                   "presets_tours/2: expected at most 3 presets (maximumPresets), found 4"}),
-    [](const testing::TestParamInfo<BadPresets> &test) { return test.param.name; });
+         "presets_tours/2: expected at most 3 presets (maximumPresets), found 4"},
+    };
+    for (const auto &[text, error] : rows) {
+        support::writeFile(file_, text);
+        EXPECT_EQ(std::filesystem::canonical(file_).string() + ": " + error, errorOfStart());
+        EXPECT_EQ(text, readTextFile(file_));
+    }
+}
 
 } // namespace

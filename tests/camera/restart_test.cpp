@@ -2,8 +2,7 @@
 // What a restart does to the camera's model, on a clock that the tests set.
 #include <gmock/gmock.h>
 
-#include "event_recorder.h"
-#include "test_cameras.h"
+#include "steered_camera.h"
 
 using namespace camera;
 using nlohmann::json;
@@ -12,44 +11,21 @@ namespace {
 
 constexpr int kRestart = 30;
 
-class Restart : public testing::Test {
+class ARestart : public test::SteeredCamera {
 protected:
-    Restart() {
+    ARestart() {
         camera_->onRestart([this](bool away) { steps_.push_back(away ? "away" : "back"); });
-        set("device_management/1", "rebootSeconds", kRestart);
+        setField("device_management", "rebootSeconds", kRestart);
     }
 
     wire::Status call(const std::string &service, const std::string &operation, const json &arguments) {
-        json request = json::array({operation, service + "/1"});
-        request.insert(request.end(), arguments.begin(), arguments.end());
-        return camera_->call(service, request).status;
+        return callService(service, operation, arguments);
     }
 
-    void set(const std::string &target, const std::string &key, const json &value) {
-        const std::optional<Problem> problem = camera_->set(target, key, value);
-        ASSERT_FALSE(problem) << toString(*problem);
-    }
-
-    void reboot() {
-        ASSERT_EQ(wire::kSuccess, call("device_management", "reboot_send", {2}));
-    }
-
-    /** Lets time pass as a timer would that wakes the camera when something happens. */
-    void pass(double seconds) {
-        const double end = now_ + seconds;
-        while (camera_->nextTime() <= end) {
-            now_ = std::max(now_, camera_->nextTime());
-            camera_->advance();
-        }
-        now_ = end;
-    }
-
-    double now_ = 0.0;
-    std::unique_ptr<CameraModel> camera_ = test::shippedCamera("dome", [this] { return now_; });
     std::vector<std::string> steps_;
 };
 
-TEST_F(Restart, BeginsAfterItsCallAndEndsInTime) {
+TEST_F(ARestart, BeginsAfterItsCallAndEndsInTime) {
     reboot();
     EXPECT_FALSE(camera_->isRestarting());
     EXPECT_THAT(steps_, testing::IsEmpty());
@@ -67,45 +43,45 @@ TEST_F(Restart, BeginsAfterItsCallAndEndsInTime) {
     EXPECT_THAT(steps_, testing::ElementsAre("away", "back"));
 }
 
-TEST_F(Restart, WithoutTimeStillTakesEverythingDown) {
-    set("device_management/1", "rebootSeconds", 0);
+TEST_F(ARestart, WithoutTimeStillTakesEverythingDown) {
+    setField("device_management", "rebootSeconds", 0);
     reboot();
     // A call that comes before any timer meets a camera that is away.
     EXPECT_EQ(wire::kServiceDown, call("relay", "set_configuration_send", {1, 0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(0, camera_->state("relay/1")["configuration"]["c1"]);
-    pass(0.0);
+    passAwake(0.0);
     EXPECT_THAT(steps_, testing::ElementsAre("away", "back"));
     EXPECT_EQ(wire::kSuccess, call("relay", "set_configuration_send", {1, 0, 0, 0, 0, 0, 0}));
 }
 
-TEST_F(Restart, AnswersAndExecutesNoCalls) {
+TEST_F(ARestart, AnswersAndExecutesNoCalls) {
     reboot();
     EXPECT_EQ(wire::kServiceDown, call("device_management", "reboot_send", {2}));
     EXPECT_EQ(wire::kServiceDown, call("temperature", "get_temperature_send", json::array()));
     EXPECT_EQ(1, camera_->state("device_management/1")["reboots"]);
-    pass(kRestart);
+    passAwake(kRestart);
     EXPECT_EQ(wire::kSuccess, call("temperature", "get_temperature_send", json::array()));
     reboot();
-    pass(kRestart);
+    passAwake(kRestart);
     EXPECT_EQ(2, camera_->state("device_management/1")["reboots"]);
     EXPECT_THAT(steps_, testing::ElementsAre("away", "back", "away", "back"));
 }
 
-TEST_F(Restart, IsControlledAsBefore) {
+TEST_F(ARestart, IsControlledAsBefore) {
     reboot();
-    pass(1.0);
-    set("temperature/1", "temperature", 1234);
+    passAwake(1.0);
+    setField("temperature", "temperature", 1234);
     EXPECT_EQ(1234, camera_->state("temperature/1")["temperature"]);
 }
 
-TEST_F(Restart, StopsMovesWhereTheyAre) {
+TEST_F(ARestart, StopsMovesWhereTheyAre) {
     ASSERT_EQ(wire::kSuccess, call("positioning", "set_velocity_with_timeout_send", {1, 5000, 0, 0, 0, 0, 1, 60000}));
-    pass(2.0);
+    passAwake(2.0);
     const json before = camera_->state("positioning/1");
     ASSERT_EQ(5000, before["pan"]["velocity"]);
     const test::EventRecorder recorder(camera_->events());
     reboot();
-    pass(kRestart);
+    passAwake(kRestart);
     json after = camera_->state("positioning/1");
     EXPECT_EQ(before["pan"]["position"], after["pan"]["position"]);
     EXPECT_EQ(false, after["pan"]["moving"]);
@@ -115,53 +91,53 @@ TEST_F(Restart, StopsMovesWhereTheyAre) {
     EXPECT_THAT(recorder.moves(), testing::ElementsAre("move_stopped pan"));
 }
 
-TEST_F(Restart, LosesCommandsAndKeepsSettings) {
+TEST_F(ARestart, LosesCommandsAndKeepsSettings) {
     ASSERT_EQ(wire::kSuccess, call("relay", "set_configuration_send", {1, 2, 3, 4, 5, 6, 7}));
     ASSERT_EQ(wire::kSuccess, call("relay", "set_state_send", {1}));
     ASSERT_EQ(wire::kSuccess, call("positioning", "set_velocity_command_timeout_send", {700}));
     ASSERT_EQ(wire::kSuccess, call("positioning", "set_soft_velocity_limits_send", {1, 60, 70, 0, 0, 0, 0, 0, 0}));
-    set("alarm/1", "state", 1);
-    set("temperature/1", "temperature", 40000);
+    setField("alarm", "state", 1);
+    setField("temperature", "temperature", 40000);
     json expected;
     for (const char *target : {"relay/1", "positioning/1", "alarm/1", "temperature/1"}) {
         expected[target] = camera_->state(target);
     }
     expected["relay/1"]["state"] = 0;
     reboot();
-    pass(kRestart);
+    passAwake(kRestart);
     for (const auto &item : expected.items()) {
         EXPECT_EQ(item.value(), camera_->state(item.key())) << item.key();
     }
 }
 
-TEST_F(Restart, LosesPresetsThatWereNotKept) {
-    set("presets_tours/1", "presets", json::array({{{"id", "kept"}, {"number", 1}}}));
+TEST_F(ARestart, LosesPresetsThatWereNotKept) {
+    setField("presets_tours", "presets", json::array({{{"id", "kept"}, {"number", 1}}}));
     camera_->keep("presets_tours/1");
     ASSERT_EQ(wire::kSuccess, call("presets_tours", "set_preset_with_current_position_send", {"lost", "Lost", 2, 1}));
     reboot();
-    pass(kRestart);
+    passAwake(kRestart);
     const json presets = camera_->state("presets_tours/1")["presets"];
     ASSERT_EQ(1U, presets.size());
     EXPECT_EQ("kept", presets[0]["id"]);
 }
 
-TEST_F(Restart, ComesBackWithNoMorePresetsThanThereCanBe) {
-    set("presets_tours/1", "presets", json::array({{{"id", "a"}, {"number", 1}}, {{"id", "b"}, {"number", 2}}}));
+TEST_F(ARestart, ComesBackWithNoMorePresetsThanThereCanBe) {
+    setField("presets_tours", "presets", json::array({{{"id", "a"}, {"number", 1}}, {{"id", "b"}, {"number", 2}}}));
     camera_->keep("presets_tours/1");
-    set("presets_tours/1", "presets", json::array());
-    set("presets_tours/1", "maximumPresets", 1);
+    setField("presets_tours", "presets", json::array());
+    setField("presets_tours", "maximumPresets", 1);
     reboot();
-    pass(kRestart);
+    passAwake(kRestart);
     EXPECT_EQ(1U, camera_->state("presets_tours/1")["presets"].size());
     EXPECT_FALSE(camera_->service("presets_tours")->check(0));
 }
 
-TEST_F(Restart, TellsWhatItChanges) {
+TEST_F(ARestart, TellsWhatItChanges) {
     test::setUpRelay(*camera_, "relay/1");
     ASSERT_EQ(wire::kSuccess, call("relay", "set_state_send", {1}));
     const test::EventRecorder recorder(camera_->events());
     reboot();
-    pass(kRestart);
+    passAwake(kRestart);
     EXPECT_THAT(recorder.seen(),
                 testing::ElementsAre(
                     json{{"event", "command"},

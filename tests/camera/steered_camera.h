@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * A camera with a clock that tests set.
+ * Camera with a simulated clock.
  */
 #ifndef QUARNSNMP_TEST_STEERED_CAMERA_H
 #define QUARNSNMP_TEST_STEERED_CAMERA_H
@@ -10,21 +10,25 @@
 
 #include "event_recorder.h"
 #include "test_cameras.h"
+#include "text_file.h"
 
 namespace camera::test {
 
-/** A camera that stands at 0 seconds until a test lets time pass. */
+/** Camera with a clock that starts at 0 and moves only with pass() and passAwake(). */
 class SteeredCamera : public testing::Test {
 protected:
     /** @param file  text of the camera file */
     explicit SteeredCamera(const std::string &file) : camera_(makeCamera(file, [this] { return now_; })) {}
 
-    /** Lets time pass without asking the camera for anything. */
+    /** The shipped camera "dome". */
+    SteeredCamera() : SteeredCamera(readTextFile(QUARNSNMP_CAMERAS "/dome.json")) {}
+
+    /** Lets time pass without a call to the camera. */
     void pass(double seconds) {
         now_ += seconds;
     }
 
-    /** Lets time pass as a timer would that wakes the camera whenever something happens. */
+    /** Lets time pass with a call to advance() at each timed event, as the timer does. */
     void passAwake(double seconds) {
         const double end = now_ + seconds;
         while (camera_->nextTime() <= end) {
@@ -42,6 +46,10 @@ protected:
         request.insert(request.end(), arguments.begin(), arguments.end());
         answer_ = camera_->call(service, request);
         return answer_.status;
+    }
+
+    void reboot() {
+        ASSERT_EQ(wire::kSuccess, callService("device_management", "reboot_send", {2}));
     }
 
     /** Sets a field of a service's first target. */

@@ -12,22 +12,17 @@ class Velocity : public test::MovingCamera {};
 TEST_F(Velocity, IsReachedWithTheAccelerationOfTheAxis) {
     ASSERT_EQ(wire::kSuccess, run("tilt", -5000));
     EXPECT_EQ(nullptr, axis("tilt")["target"]);
-    pass(0.25);
-    expectAt("tilt", -313, -2500);
-    pass(1.25);
-    expectAt("tilt", -6250, -5000);
+    expectAtAfter(0.25, "tilt", -313, -2500);
+    expectAtAfter(1.25, "tilt", -6250, -5000);
     ASSERT_EQ(wire::kSuccess, run("tilt", 2500));
-    pass(0.75);
-    expectAt("tilt", -7188, 2500);
+    expectAtAfter(0.75, "tilt", -7188, 2500);
 }
 
 TEST_F(Velocity, EndsExactlyAtTheEndOfTheAxis) {
     ASSERT_EQ(wire::kSuccess, run("tilt", 10000));
     EXPECT_EQ(3.0, camera_->nextTime());
-    pass(2.5);
-    expectAt("tilt", 18750, 5000);
-    pass(0.5);
-    expectAtRest("tilt", 20000);
+    expectAtAfter(2.5, "tilt", 18750, 5000);
+    expectAtRestAfter(0.5, "tilt", 20000);
     EXPECT_THAT(events_.moves(), testing::ElementsAre("move_started tilt", "limit_reached tilt", "move_stopped tilt"));
     EXPECT_EQ(3.0, events_.times().back());
 }
@@ -38,19 +33,15 @@ TEST_F(Velocity, IsNoMoveAtTheEndOfTheAxis) {
     expectAtRest("zoom", 300);
     EXPECT_THAT(events_.moves(), testing::ElementsAre("move_started zoom", "limit_reached zoom", "move_stopped zoom"));
     ASSERT_EQ(wire::kSuccess, run("zoom", -50));
-    pass(1.0);
-    expectAt("zoom", 250, -50);
+    expectAtAfter(1.0, "zoom", 250, -50);
 }
 
 TEST_F(Velocity, GoesRoundAnEndlessAxis) {
     ASSERT_EQ(wire::kSuccess, run("pan", -100000));
     EXPECT_EQ(kNever, camera_->nextTime());
-    pass(1.0);
-    expectAt("pan", 310000, -100000);
-    pass(3600000.0);
-    expectAt("pan", 310000, -100000);
-    pass(0.1);
-    expectAt("pan", 300000, -100000);
+    expectAtAfter(1.0, "pan", 310000, -100000);
+    expectAtAfter(3600000.0, "pan", 310000, -100000);
+    expectAtAfter(0.1, "pan", 300000, -100000);
 }
 
 TEST_F(Velocity, EndsAtSoftLimits) {
@@ -61,33 +52,27 @@ TEST_F(Velocity, EndsAtSoftLimits) {
     ASSERT_EQ(wire::kSuccess, run("tilt", 10000));
     expectAtRest("tilt", 0);
     ASSERT_EQ(wire::kSuccess, run("tilt", -10000));
-    pass(10.0);
-    expectAtRest("pan", 90000);
+    expectAtRestAfter(10.0, "pan", 90000);
     expectAtRest("tilt", -30000);
     ASSERT_EQ(wire::kSuccess, run("pan", -100000));
-    pass(10.0);
-    expectAtRest("pan", 0);
+    expectAtRestAfter(10.0, "pan", 0);
 }
 
 TEST_F(Velocity, BrakesWhenASoftLimitIsPutBehindIt) {
     ASSERT_EQ(wire::kSuccess, run("tilt", 10000));
     pass(1.0);
     set("tilt.softPosition", {{"enabled", true}, {"minimum", -1000}, {"maximum", 1000}});
-    pass(1.0);
-    expectAtRest("tilt", 10000);
+    expectAtRestAfter(1.0, "tilt", 10000);
     EXPECT_THAT(events_.moves(), testing::ElementsAre("move_started tilt", "limit_reached tilt", "move_stopped tilt"));
 }
 
 TEST_F(Velocity, GoesOnBeyondASoftLimitThatIsLifted) {
     set("tilt.softPosition", {{"enabled", true}, {"minimum", -1000}, {"maximum", 10000}});
     ASSERT_EQ(wire::kSuccess, run("tilt", 10000));
-    pass(1.5);
-    expectAt("tilt", 8750, 5000);
+    expectAtAfter(1.5, "tilt", 8750, 5000);
     set("tilt.softPosition.enabled", false);
-    pass(0.5);
-    expectAt("tilt", 12500, 10000);
-    pass(5.0);
-    expectAtRest("tilt", 20000);
+    expectAtAfter(0.5, "tilt", 12500, 10000);
+    expectAtRestAfter(5.0, "tilt", 20000);
 }
 
 TEST_F(Velocity, IsBroughtIntoTheRangeOfSpeeds) {
@@ -125,11 +110,9 @@ TEST_F(Velocity, OfZeroBrakes) {
     pass(1.0);
     ASSERT_EQ(wire::kSuccess, run("pan", 0));
     EXPECT_EQ(nullptr, axis("pan")["target"]);
-    pass(0.5);
-    expectAt("pan", 87500, 50000);
+    expectAtAfter(0.5, "pan", 87500, 50000);
     EXPECT_THAT(events_.moves(), testing::ElementsAre("move_started pan"));
-    pass(0.5);
-    expectAtRest("pan", 100000);
+    expectAtRestAfter(0.5, "pan", 100000);
     EXPECT_THAT(events_.moves(), testing::ElementsAre("move_started pan", "move_stopped pan"));
     EXPECT_EQ(2.0, events_.times().back());
 }
@@ -144,10 +127,8 @@ TEST_F(Velocity, OfZeroIsNothingToAnAxisAtRest) {
 TEST_F(Velocity, EndsWithItsTime) {
     ASSERT_EQ(wire::kSuccess, run("tilt", 2000, 1500));
     EXPECT_EQ(1.5, camera_->nextTime());
-    pass(1.6);
-    expectAt("tilt", 2950, 1000);
-    pass(1.0);
-    expectAtRest("tilt", 3000);
+    expectAtAfter(1.6, "tilt", 2950, 1000);
+    expectAtRestAfter(1.0, "tilt", 3000);
     EXPECT_THAT(events_.moves(), testing::ElementsAre("move_started tilt", "move_timed_out tilt", "move_stopped tilt"));
     EXPECT_EQ(1500, camera_->state("positioning/1")["velocityTimeout"]);
 }
@@ -191,12 +172,10 @@ TEST_F(Velocity, ThatEndsAMoveAndTheMoveThatEndsIt) {
     pass(1.0);
     ASSERT_EQ(wire::kSuccess, run("pan", 100000, 1000));
     EXPECT_EQ(nullptr, axis("pan")["target"]);
-    pass(0.5);
-    expectAt("pan", 100000, 100000);
+    expectAtAfter(0.5, "pan", 100000, 100000);
     ASSERT_EQ(wire::kSuccess, move("pan", 200000));
     // The time of the velocity has nothing to say about the move.
-    pass(10.0);
-    expectAtRest("pan", 200000);
+    expectAtRestAfter(10.0, "pan", 200000);
     EXPECT_THAT(events_.moves(), testing::Not(testing::Contains("move_timed_out pan")));
 }
 
