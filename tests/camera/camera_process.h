@@ -6,8 +6,11 @@
 #ifndef QUARNSNMP_TEST_CAMERA_PROCESS_H
 #define QUARNSNMP_TEST_CAMERA_PROCESS_H
 
+#include <optional>
 #include <string>
+#include <vector>
 
+#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include "camera.h"
@@ -33,6 +36,61 @@ public:
     std::string readyLine() const {
         return output().awaitLine(0);
     }
+};
+
+/** Client that follows the events of a camera. */
+class Follower {
+public:
+    explicit Follower(const std::string &directory) : client_(directory, "control") {
+        EXPECT_EQ(kDone, client_.call({{"command", "follow"}}));
+    }
+
+    /** Returns the next event; an empty object without one. */
+    nlohmann::json next() {
+        return nlohmann::json::parse(client_.readLine().value_or("{}"));
+    }
+
+    /** Returns the next events, up to and including the first one of a kind. The test fails without it. */
+    std::vector<nlohmann::json> until(const std::string &kind) {
+        std::vector<nlohmann::json> events;
+        do {
+            events.push_back(next());
+        } while (!events.back().empty() && events.back()["event"] != kind);
+        EXPECT_FALSE(events.back().empty()) << "no event " << kind;
+        return events;
+    }
+
+    /** Returns true if there are unread events. */
+    bool readable() {
+        return client_.readable();
+    }
+
+private:
+    support::LineClient client_;
+};
+
+/** Test with a running camera and a connection to its control socket. */
+class CameraTest : public testing::Test {
+protected:
+    explicit CameraTest(const std::string &camera = "dome") : camera_(directory_, camera) {}
+
+    nlohmann::json set(const std::string &target, const std::string &field, const nlohmann::json &value) {
+        return control_.call({{"command", "set"}, {"target", target}, {"field", field}, {"value", value}});
+    }
+
+    nlohmann::json state() {
+        return control_.call({{"command", "state"}})["state"];
+    }
+
+    /** Returns the state of a service's first target. */
+    nlohmann::json targetState(const std::string &service) {
+        return state()["services"][service]["targets"][service + "/1"];
+    }
+
+    support::TemporaryDirectory root_;
+    std::string directory_ = root_.file("sockets");
+    RunningCamera camera_;
+    support::LineClient control_{directory_, "control"};
 };
 
 } // namespace camera::test

@@ -12,32 +12,27 @@ using nlohmann::json;
 
 namespace {
 
-class ControlSocket : public testing::Test {
+class ControlSocket : public CameraTest {
 protected:
     json order(const std::string &command) {
         return control_.call(json::parse(command));
     }
-
-    TemporaryDirectory root_;
-    std::string directory_ = root_.file("sockets");
-    RunningCamera camera_{directory_};
-    LineClient control_{directory_, "control"};
 };
 
 TEST_F(ControlSocket, ShowsAndSetsTheState) {
-    EXPECT_EQ(kDone, order(R"({"command":"set","target":"alarm/2","field":"state","value":1})"));
+    EXPECT_EQ(kDone, set("alarm/2", "state", 1));
     LineClient alarm(directory_, "alarm");
     EXPECT_EQ("[0,1]", alarm.ask(R"(["get_state_send","alarm/2"])"));
-    const json state = order(R"({"command":"state"})")["state"];
-    EXPECT_EQ("dome", state["camera"]);
-    EXPECT_EQ(1, state["services"]["alarm"]["targets"]["alarm/2"]["state"]);
-    EXPECT_EQ(true, state["services"]["alarm"]["up"]);
-    EXPECT_EQ(11U, state["services"].size());
+    const json shown = state();
+    EXPECT_EQ("dome", shown["camera"]);
+    EXPECT_EQ(1, shown["services"]["alarm"]["targets"]["alarm/2"]["state"]);
+    EXPECT_EQ(true, shown["services"]["alarm"]["up"]);
+    EXPECT_EQ(11U, shown["services"].size());
 }
 
 TEST_F(ControlSocket, AnswersWhatItRefuses) {
     EXPECT_EQ((json{{"ok", false}, {"error", "alarm/2 stat: unknown key; expected one of: state"}}),
-              order(R"({"command":"set","target":"alarm/2","field":"stat","value":1})"));
+              set("alarm/2", "stat", 1));
     control_.send("rubbish\n");
     EXPECT_THAT(control_.readLine().value_or(""), testing::HasSubstr("expected an object"));
     EXPECT_EQ(true, order(R"({"command":"state"})")["ok"]);
@@ -54,9 +49,9 @@ TEST_F(ControlSocket, TakesAServiceDownAndUp) {
     EXPECT_FALSE(std::filesystem::exists(directory_ + "/alarm.sock"));
     EXPECT_EQ("[6]", directory.ask(R"(["get_target_ids","alarm"])"));
     EXPECT_EQ(R"([0,"temperature/1"])", directory.ask(R"(["get_target_ids","temperature"])"));
-    EXPECT_EQ(false, order(R"({"command":"state"})")["state"]["services"]["alarm"]["up"]);
+    EXPECT_EQ(false, state()["services"]["alarm"]["up"]);
     // What the service shows can be set while it is down.
-    EXPECT_EQ(kDone, order(R"({"command":"set","target":"alarm/1","field":"state","value":1})"));
+    EXPECT_EQ(kDone, set("alarm/1", "state", 1));
 
     EXPECT_EQ(kDone, order(R"({"command":"up","service":"alarm"})"));
     LineClient again(directory_, "alarm");
@@ -69,7 +64,7 @@ TEST_F(ControlSocket, RefusesToBringUpAServiceWhosePathIsTaken) {
     writeFile(directory_ + "/alarm.sock", "");
     EXPECT_EQ("cannot bring up alarm: cannot listen on " + directory_ + "/alarm.sock: Address already in use",
               order(R"({"command":"up","service":"alarm"})")["error"]);
-    EXPECT_EQ(false, order(R"({"command":"state"})")["state"]["services"]["alarm"]["up"]);
+    EXPECT_EQ(false, state()["services"]["alarm"]["up"]);
     std::filesystem::remove(directory_ + "/alarm.sock");
     EXPECT_EQ(kDone, order(R"({"command":"up","service":"alarm"})"));
     EXPECT_TRUE(LineClient(directory_, "alarm").connected());
@@ -109,7 +104,7 @@ TEST_F(ControlSocket, HoldsBackOneAnswerWhileOthersGoOn) {
     const auto start = std::chrono::steady_clock::now();
     delayed.send(kTemperatureRequest + "\n");
     // The delay is used up as soon as the request is there.
-    EXPECT_TRUE(eventually([&] { return order(R"({"command":"state"})")["state"]["delays"].empty(); }));
+    EXPECT_TRUE(eventually([&] { return state()["delays"].empty(); }));
     EXPECT_EQ(kTemperatureAnswer, other.ask(kTemperatureRequest));
     EXPECT_FALSE(delayed.readable());
     EXPECT_EQ(kTemperatureAnswer, delayed.readLine().value_or("no answer"));
@@ -130,7 +125,7 @@ TEST_F(ControlSocket, DropsAClientWhoseAnswerIsHeldBackWhenItsServiceGoesDown) {
     LineClient client(directory_, "temperature");
     EXPECT_EQ(kDone, order(R"({"command":"delay","service":"temperature","operation":"*","milliseconds":600000})"));
     client.send(kTemperatureRequest + "\n");
-    EXPECT_TRUE(eventually([&] { return order(R"({"command":"state"})")["state"]["delays"].empty(); }));
+    EXPECT_TRUE(eventually([&] { return state()["delays"].empty(); }));
     EXPECT_EQ(kDone, order(R"({"command":"down","service":"temperature"})"));
     EXPECT_TRUE(client.ends());
 }
@@ -149,10 +144,9 @@ TEST_F(ControlSocket, ForgetsClientsThatGiveUpWhileTheirAnswersAreHeldBack) {
 }
 
 TEST_F(ControlSocket, TellsFollowersWhatHappens) {
-    EXPECT_EQ(kDone, order(R"({"command":"set","target":"relay/1","field":"configuration.c1","value":1})"));
-    EXPECT_EQ(kDone, order(R"({"command":"set","target":"device_management/1","field":"rebootSeconds","value":3600})"));
-    LineClient follower(directory_, "control");
-    EXPECT_EQ(kDone, follower.call({{"command", "follow"}}));
+    EXPECT_EQ(kDone, set("relay/1", "configuration.c1", 1));
+    EXPECT_EQ(kDone, set("device_management/1", "rebootSeconds", 3600));
+    Follower follower(directory_);
     LineClient relay(directory_, "relay");
     EXPECT_EQ("[0,0]", relay.ask(R"(["get_state_send","relay/1"])"));
     EXPECT_EQ("[0]", relay.ask(R"(["set_state_send","relay/1",1])"));
@@ -166,7 +160,7 @@ TEST_F(ControlSocket, TellsFollowersWhatHappens) {
     std::vector<std::string> kinds;
     double lastTime = 0.0;
     for (int i = 0; i < 9; ++i) {
-        const json event = json::parse(follower.readLine().value_or("{}"));
+        const json event = follower.next();
         ASSERT_TRUE(event.contains("time"));
         EXPECT_GE(event["time"], lastTime);
         lastTime = event["time"];
@@ -175,14 +169,13 @@ TEST_F(ControlSocket, TellsFollowersWhatHappens) {
     EXPECT_THAT(kinds, testing::ElementsAre("command", "changed", "fault", "service_down", "service_up", "command",
                                             "changed", "reboot", "changed"));
     for (int i = 0; i < 11; ++i) {
-        EXPECT_EQ("service_down", json::parse(follower.readLine().value_or("{}")).value("event", ""));
+        EXPECT_EQ("service_down", follower.next().value("event", ""));
     }
     EXPECT_FALSE(follower.readable());
 }
 
 TEST_F(ControlSocket, RunsCommandsDryOnOneConnection) {
-    LineClient follower(directory_, "control");
-    EXPECT_EQ(kDone, follower.call({{"command", "follow"}}));
+    Follower follower(directory_);
     LineClient dry(directory_, "control");
     EXPECT_EQ(kDone, dry.call({{"command", "dryRun"}, {"skipMissingServices", true}}));
     EXPECT_EQ(kDone, dry.call({{"command", "down"}, {"service", "alarm"}}));
@@ -196,10 +189,7 @@ TEST_F(ControlSocket, RunsCommandsDryOnOneConnection) {
 }
 
 TEST_F(ControlSocket, GoesOnWhenAFollowerLeaves) {
-    {
-        LineClient follower(directory_, "control");
-        EXPECT_EQ(kDone, follower.call({{"command", "follow"}}));
-    }
+    { const Follower follower(directory_); }
     for (int i = 0; i < 20; ++i) {
         EXPECT_EQ(kDone,
                   order(R"({"command":"set","target":"alarm/1","field":"state","value":)" + std::to_string(i) + "}"));

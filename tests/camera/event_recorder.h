@@ -45,6 +45,11 @@ public:
         return kinds;
     }
 
+    /** Ends the recording. */
+    void stop() {
+        subscription_ = Events::Subscription();
+    }
+
     void clear() {
         seen_.clear();
         times_.clear();

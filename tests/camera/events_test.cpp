@@ -15,12 +15,8 @@ TEST(Events, TellOfCommandsAndTheirChanges) {
     const test::EventRecorder recorder(dome->events());
     dome->call("relay", {"set_state_send", "relay/2", 1});
     EXPECT_THAT(recorder.seen(),
-                testing::ElementsAre(json{{"event", "command"},
-                                          {"service", "relay"},
-                                          {"target", "relay/2"},
-                                          {"operation", "set_state_send"},
-                                          {"arguments", {1}},
-                                          {"status", 0}},
+                testing::ElementsAre(R"({"event": "command", "service": "relay", "target": "relay/2", "operation":
+                                        "set_state_send", "arguments": [1], "status": 0})"_json,
                                      json{{"event", "changed"}, {"target", "relay/2"}, {"fields", {{"state", 1}}}}));
 }
 

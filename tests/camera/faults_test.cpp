@@ -116,23 +116,12 @@ TEST_F(Desk, TellsOfFaultsThatStrike) {
     line({"initiator_init", nullptr});
     EXPECT_THAT(seen,
                 testing::ElementsAre(
-                    json{{"event", "fault"},
-                         {"service", "relay"},
-                         {"operation", "set_state_send"},
-                         {"status", 5},
-                         {"milliseconds", 10}},
-                    json{{"event", "command"},
-                         {"service", "relay"},
-                         {"target", "relay/1"},
-                         {"operation", "set_state_send"},
-                         {"arguments", {1}},
-                         {"status", 5}},
-                    json{{"event", "command"},
-                         {"service", "relay"},
-                         {"target", "relay/1"},
-                         {"operation", "set_state_send"},
-                         {"arguments", {0}},
-                         {"status", 0}},
+                    R"({"event": "fault", "service": "relay", "operation": "set_state_send", "status": 5,
+                       "milliseconds": 10})"_json,
+                    R"({"event": "command", "service": "relay", "target": "relay/1", "operation": "set_state_send",
+                       "arguments": [1], "status": 5})"_json,
+                    R"({"event": "command", "service": "relay", "target": "relay/1", "operation": "set_state_send",
+                       "arguments": [0], "status": 0})"_json,
                     json{{"event", "fault"}, {"service", "relay"}, {"operation", "initiator_init"}, {"status", 9}}));
 }
 

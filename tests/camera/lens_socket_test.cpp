@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The lens of a running camera.
+#include <algorithm>
+
 #include <gmock/gmock.h>
 
 #include "camera_process.h"
@@ -10,40 +12,23 @@ using nlohmann::json;
 
 namespace {
 
-class RunningLens : public testing::Test {
+class RunningLens : public CameraTest {
 protected:
-    void SetUp() override {
-        ASSERT_EQ(kDone, follower_.call({{"command", "follow"}}));
-    }
+    RunningLens() : CameraTest("twinfocus") {}
 
-    json set(const std::string &target, const std::string &field, const json &value) {
-        return control_.call({{"command", "set"}, {"target", target}, {"field", field}, {"value", value}});
-    }
-
-    /** The events up to the next one of a kind, without those of commands and changes. */
+    /** Returns the events up to the next one of a kind, without commands and changes. */
     std::vector<json> eventsUntil(const std::string &kind) {
-        std::vector<json> events;
-        std::string seen;
-        while (seen != kind) {
-            const std::optional<std::string> line = follower_.readLine();
-            if (!line) {
-                ADD_FAILURE() << "no " << kind;
-                return {4, json::object()};
-            }
-            const json event = json::parse(*line);
-            seen = event["event"];
-            if (seen != "command" && seen != "changed") {
-                events.push_back(event);
-            }
-        }
+        std::vector<json> events = follower_.until(kind);
+        events.erase(std::remove_if(events.begin(), events.end(),
+                                    [](const json &each) {
+                                        return each.value("event", "") == "command" ||
+                                               each.value("event", "") == "changed";
+                                    }),
+                     events.end());
         return events;
     }
 
-    TemporaryDirectory root_;
-    std::string directory_ = root_.file("sockets");
-    RunningCamera camera_{directory_, "twinfocus"};
-    LineClient control_{directory_, "control"};
-    LineClient follower_{directory_, "control"};
+    Follower follower_{directory_};
 };
 
 TEST_F(RunningLens, FollowsTheSceneWhileNobodyAsks) {

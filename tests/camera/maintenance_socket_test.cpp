@@ -27,13 +27,7 @@ void PrintTo(const Shown &shown, std::ostream *out) {
     *out << shown.service << " " << shown.field;
 }
 
-class EachField : public testing::TestWithParam<Shown> {
-protected:
-    TemporaryDirectory root_;
-    std::string directory_ = root_.file("sockets");
-    RunningCamera camera_{directory_};
-    LineClient control_{directory_, "control"};
-};
+class EachField : public CameraTest, public testing::WithParamInterface<Shown> {};
 
 TEST_P(EachField, IsSetByTheControlProgram) {
     const Shown &shown = GetParam();
@@ -41,20 +35,17 @@ TEST_P(EachField, IsSetByTheControlProgram) {
     json call = json::array({shown.operation, target});
     call.insert(call.end(), shown.arguments.begin(), shown.arguments.end());
     LineClient client(directory_, shown.service);
-    LineClient follower(directory_, "control");
-    EXPECT_EQ(kDone, follower.call({{"command", "follow"}}));
+    Follower follower(directory_);
     const json before = client.call(call);
-    const json set = {{"command", "set"}, {"target", target}, {"field", shown.field}, {"value", shown.value}};
 
-    EXPECT_EQ(kDone, control_.call(set));
+    EXPECT_EQ(kDone, set(target, shown.field, shown.value));
 
-    json event = json::parse(follower.readLine().value_or("{}"));
+    json event = follower.next();
     event.erase("time");
     EXPECT_EQ((json{{"event", "changed"}, {"target", target}, {"fields", {{shown.field, shown.value}}}}), event);
-    const json state = control_.call({{"command", "state"}})["state"]["services"][shown.service]["targets"][target];
     std::string path = std::string("/") + shown.field;
     std::replace(path.begin(), path.end(), '.', '/');
-    EXPECT_EQ(shown.value, state[json::json_pointer(path)]);
+    EXPECT_EQ(shown.value, targetState(shown.service)[json::json_pointer(path)]);
     if (shown.place > 0) {
         json expected = before;
         expected[shown.place] = shown.value.is_array() ? shown.value[0]["id"] : shown.value;
@@ -91,33 +82,29 @@ INSTANTIATE_TEST_SUITE_P(
         return name;
     });
 
-/** A service whose calls can be made to fail and to be late. */
-class EachService : public testing::TestWithParam<std::pair<const char *, json>> {};
+using EachService = CameraTest;
 
-TEST_P(EachService, FailsAndIsLateOnCommand) {
-    const TemporaryDirectory root;
-    const RunningCamera camera(root.file("sockets"));
-    LineClient control(root.file("sockets"), "control");
-    const auto &[service, call] = GetParam();
-    LineClient client(root.file("sockets"), service);
-    json order = {{"command", "fail"}, {"service", service}, {"operation", call[0]}, {"status", 77}};
-    EXPECT_EQ(kDone, control.call(order));
-    EXPECT_EQ(json::array({77}), client.call(call));
+TEST_F(EachService, FailsAndIsLateOnCommand) {
     constexpr int kMilliseconds = 50;
-    order = {{"command", "delay"}, {"service", service}, {"operation", "*"}, {"milliseconds", kMilliseconds}};
-    EXPECT_EQ(kDone, control.call(order));
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(0, client.call(call)[0]);
-    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(kMilliseconds));
+    for (const json &call : {json{"get_state_send", "alarm/1"}, json{"get_power_state_send", "power/1"},
+                             json{"get_max_presets_send", "presets_tours/1"}, json{"get_state_send", "relay/1"},
+                             json{"get_temperature_send", "temperature/1"}}) {
+        SCOPED_TRACE(call);
+        const std::string target = call[1];
+        const std::string service = target.substr(0, target.find('/'));
+        LineClient client(directory_, service);
+        EXPECT_EQ(kDone,
+                  control_.call({{"command", "fail"}, {"service", service}, {"operation", call[0]}, {"status", 77}}));
+        EXPECT_EQ(json::array({77}), client.call(call));
+        EXPECT_EQ(
+            kDone,
+            control_.call(
+                {{"command", "delay"}, {"service", service}, {"operation", "*"}, {"milliseconds", kMilliseconds}}));
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(0, client.call(call)[0]);
+        EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(kMilliseconds));
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(OfTheDome, EachService,
-                         testing::Values(std::pair{"alarm", json{"get_state_send", "alarm/1"}},
-                                         std::pair{"power", json{"get_power_state_send", "power/1"}},
-                                         std::pair{"presets_tours", json{"get_max_presets_send", "presets_tours/1"}},
-                                         std::pair{"relay", json{"get_state_send", "relay/1"}},
-                                         std::pair{"temperature", json{"get_temperature_send", "temperature/1"}}),
-                         [](const auto &test) { return std::string(test.param.first); });
 
 /** A camera that keeps its presets in a file. */
 class PresetsOfAProcess : public testing::Test {

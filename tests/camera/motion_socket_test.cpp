@@ -12,11 +12,10 @@ using nlohmann::json;
 
 namespace {
 
-class MovingProcess : public testing::Test {
+class MovingProcess : public CameraTest {
 protected:
     json axis(const std::string &name) {
-        const json state = control_.call({{"command", "state"}});
-        return state["state"]["services"]["positioning"]["targets"]["positioning/1"][name];
+        return targetState("positioning")[name];
     }
 
     /** Sends pan to a position. */
@@ -26,21 +25,15 @@ protected:
                                 0, 0, 0.0, 0, 0, 0.0, 1})
                               .dump());
     }
-
-    TemporaryDirectory root_;
-    std::string directory_ = root_.file("sockets");
-    RunningCamera camera_{directory_};
-    LineClient control_{directory_, "control"};
 };
 
 TEST_F(MovingProcess, TellsOfItsMoveWhileNobodyAsks) {
-    LineClient follower(directory_, "control");
-    EXPECT_EQ(kDone, follower.call({{"command", "follow"}}));
+    Follower follower(directory_);
     EXPECT_EQ("[0]", movePan(20000, 1.0));
     std::vector<std::string> kinds;
     std::vector<json> events;
     for (int i = 0; i < 4; ++i) {
-        events.push_back(json::parse(follower.readLine().value_or("{}")));
+        events.push_back(follower.next());
         kinds.push_back(events.back().value("event", "nothing"));
     }
     EXPECT_THAT(kinds, testing::ElementsAre("command", "changed", "move_started", "move_stopped"));
@@ -70,19 +63,14 @@ TEST_F(MovingProcess, ShowsWhereItIsOnItsWay) {
 }
 
 TEST_F(MovingProcess, GoesOnWhileItsServiceIsDown) {
-    LineClient follower(directory_, "control");
-    EXPECT_EQ(kDone, follower.call({{"command", "follow"}}));
+    Follower follower(directory_);
     EXPECT_EQ("[0]", movePan(40000, 0.1));
     EXPECT_EQ(kDone, control_.call({{"command", "down"}, {"service", "positioning"}}));
     const json before = axis("pan");
     EXPECT_EQ(true, before["moving"]);
     EXPECT_TRUE(eventually([&] { return axis("pan")["position"] > before["position"]; }));
-    json event = json::object();
-    while (event.value("event", "") != "move_stopped") {
-        const std::optional<std::string> line = follower.readLine();
-        ASSERT_TRUE(line);
-        event = json::parse(*line);
-        EXPECT_NE("service_up", event["event"]);
+    for (const json &event : follower.until("move_stopped")) {
+        EXPECT_NE("service_up", event.value("event", ""));
     }
     EXPECT_EQ(kDone, control_.call({{"command", "up"}, {"service", "positioning"}}));
     LineClient client(directory_, "positioning");

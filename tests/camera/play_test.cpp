@@ -36,21 +36,6 @@ protected:
     std::string directory_ = root_.file("sockets");
 };
 
-/** Collects the events of a camera. */
-class Follower {
-public:
-    explicit Follower(const std::string &directory) : client_(directory, "control") {
-        EXPECT_EQ(true, client_.call({{"command", "follow"}})["ok"]);
-    }
-
-    json next() {
-        return json::parse(client_.readLine().value_or("{}"));
-    }
-
-private:
-    LineClient client_;
-};
-
 TEST_F(Play, GivesTheStepsInTimeAndOrder) {
     RunningCamera camera(directory_);
     Follower follower(directory_);

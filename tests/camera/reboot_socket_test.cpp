@@ -14,25 +14,11 @@ using nlohmann::json;
 namespace {
 
 const std::string kReboot = R"(["reboot_send","device_management/1",2])";
-const std::string kGetTemperature = R"(["get_temperature_send","temperature/1"])";
-const std::string kTemperature = "[0,31500]";
 
-class RebootSocket : public testing::Test {
+class RebootSocket : public CameraTest {
 protected:
-    RebootSocket() {
-        EXPECT_EQ(kDone, follower_.call({{"command", "follow"}}));
-    }
-
-    json set(const std::string &target, const std::string &field, const json &value) {
-        return control_.call({{"command", "set"}, {"target", target}, {"field", field}, {"value", value}});
-    }
-
     void expectRebootSeconds(int seconds) {
         EXPECT_EQ(kDone, set("device_management/1", "rebootSeconds", seconds));
-    }
-
-    json state() {
-        return control_.call({{"command", "state"}})["state"];
     }
 
     json switchService(const std::string &command, const std::string &service) {
@@ -49,7 +35,7 @@ protected:
     double await(const std::string &kind, std::set<std::string> services) {
         double time = -1.0;
         while (!services.empty()) {
-            const json event = json::parse(follower_.readLine().value_or("{}"));
+            const json event = follower_.next();
             if (event.empty()) {
                 ADD_FAILURE() << "no more events; missing " << kind << " of " << *services.begin();
                 break;
@@ -71,17 +57,13 @@ protected:
         return names;
     }
 
-    TemporaryDirectory root_;
-    std::string directory_ = root_.file("sockets");
-    RunningCamera camera_{directory_};
-    LineClient control_{directory_, "control"};
-    LineClient follower_{directory_, "control"};
+    Follower follower_{directory_};
 };
 
 TEST_F(RebootSocket, AnswersAndGoesAway) {
     expectRebootSeconds(3600);
     LineClient connected(directory_, "temperature");
-    EXPECT_EQ(kTemperature, connected.ask(kGetTemperature));
+    EXPECT_EQ(kTemperatureAnswer, connected.ask(kTemperatureRequest));
     LineClient directory(directory_, "directory");
     reboot();
     await("service_down", allServices());
@@ -104,7 +86,7 @@ TEST_F(RebootSocket, ComesBackInTime) {
     for (const std::string &service : allServices()) {
         EXPECT_TRUE(LineClient(directory_, service).connected()) << service;
     }
-    EXPECT_EQ(kTemperature, LineClient(directory_, "temperature").ask(kGetTemperature));
+    EXPECT_EQ(kTemperatureAnswer, LineClient(directory_, "temperature").ask(kTemperatureRequest));
 }
 
 TEST_F(RebootSocket, CanTakeNoTime) {
@@ -112,7 +94,7 @@ TEST_F(RebootSocket, CanTakeNoTime) {
     reboot();
     await("service_down", allServices());
     await("service_up", allServices());
-    EXPECT_EQ(kTemperature, LineClient(directory_, "temperature").ask(kGetTemperature));
+    EXPECT_EQ(kTemperatureAnswer, LineClient(directory_, "temperature").ask(kTemperatureRequest));
 }
 
 TEST_F(RebootSocket, DoesNotExecuteWhatComesBehindItsCall) {
@@ -152,8 +134,8 @@ TEST_F(RebootSocket, KeepsFaultsAndIsControlledMeanwhile) {
     EXPECT_EQ(kDone, set("temperature/1", "temperature", 40000));
     await("service_up", allServices());
     LineClient client(directory_, "temperature");
-    EXPECT_EQ("[7]", client.ask(kGetTemperature));
-    EXPECT_EQ("[0,40000]", client.ask(kGetTemperature));
+    EXPECT_EQ("[7]", client.ask(kTemperatureRequest));
+    EXPECT_EQ("[0,40000]", client.ask(kTemperatureRequest));
 }
 
 TEST_F(RebootSocket, EndsCleanlyMeanwhile) {

@@ -140,12 +140,8 @@ TEST_F(ARestart, TellsWhatItChanges) {
     passAwake(kRestart);
     EXPECT_THAT(recorder.seen(),
                 testing::ElementsAre(
-                    json{{"event", "command"},
-                         {"service", "device_management"},
-                         {"target", "device_management/1"},
-                         {"operation", "reboot_send"},
-                         {"arguments", {2}},
-                         {"status", 0}},
+                    R"({"event": "command", "service": "device_management", "target": "device_management/1",
+                       "operation": "reboot_send", "arguments": [2], "status": 0})"_json,
                     json{{"event", "changed"}, {"target", "device_management/1"}, {"fields", {{"reboots", 1}}}},
                     json{{"event", "reboot"}, {"target", "device_management/1"}, {"kind", 2}, {"seconds", kRestart}},
                     json{{"event", "changed"}, {"target", "relay/1"}, {"fields", {{"state", 0}}}}));

@@ -10,18 +10,13 @@ using nlohmann::json;
 
 namespace {
 
-class Camera : public testing::Test {
-protected:
-    TemporaryDirectory root_;
-    std::string directory_ = root_.file("sockets");
-    RunningCamera camera_{directory_};
-};
+using ServiceSocket = CameraTest;
 
-TEST_F(Camera, SaysThatItIsReady) {
+TEST_F(ServiceSocket, SaysThatItIsReady) {
     EXPECT_EQ("camera dome ready in " + directory_, camera_.readyLine());
 }
 
-TEST_F(Camera, AnswersCalls) {
+TEST_F(ServiceSocket, AnswersCalls) {
     LineClient client(directory_, "positioning");
     EXPECT_EQ("[0]", client.ask(R"(["initiator_init",null])"));
     EXPECT_EQ("[0,0,0,10]", client.ask(R"(["get_position_send","positioning/1"])"));
@@ -32,7 +27,7 @@ TEST_F(Camera, AnswersCalls) {
     EXPECT_EQ("[0]", client.ask(R"(["initiator_deinit",null])"));
 }
 
-TEST_F(Camera, AnswersWhatItDoesNotKnow) {
+TEST_F(ServiceSocket, AnswersWhatItDoesNotKnow) {
     LineClient client(directory_, "alarm");
     EXPECT_EQ("[3]", client.ask(R"(["get_state_send","alarm/9"])"));
     EXPECT_EQ("[3]", client.ask(R"(["get_state_send",null])"));
@@ -40,7 +35,7 @@ TEST_F(Camera, AnswersWhatItDoesNotKnow) {
     EXPECT_EQ("[0,0]", client.ask(R"(["get_state_send","alarm/1"])"));
 }
 
-TEST_F(Camera, AnswersRubbish) {
+TEST_F(ServiceSocket, AnswersRubbish) {
     LineClient client(directory_, "alarm");
     for (const char *rubbish : {"", " ", "rubbish", "{}", "[]", "3", "\"x\"", "null", R"(["get_state_send"])",
                                 R"([7,"alarm/1"])", R"(["get_state_send",1])", R"(["get_state_send","alarm/1")",
@@ -52,7 +47,7 @@ TEST_F(Camera, AnswersRubbish) {
     EXPECT_EQ("[0,0]", client.ask("[\"get_state_send\",\"alarm/1\"]\r"));
 }
 
-TEST_F(Camera, TellsItsTargets) {
+TEST_F(ServiceSocket, TellsItsTargets) {
     LineClient client(directory_, "directory");
     EXPECT_EQ(R"([0,"alarm/1","alarm/2","alarm/3","alarm/4"])", client.ask(R"(["get_target_ids","alarm"])"));
     EXPECT_EQ(R"([0,"positioning/1"])", client.ask(R"(["get_target_ids","positioning"])"));
@@ -65,13 +60,13 @@ TEST_F(Camera, TellsItsTargets) {
     }
 }
 
-TEST_F(Camera, HasSocketsForItsServicesOnly) {
+TEST_F(ServiceSocket, HasSocketsForItsServicesOnly) {
     EXPECT_TRUE(LineClient(directory_, "alarm").connected());
     EXPECT_FALSE(LineClient(directory_, "focus_stepper").connected());
     EXPECT_FALSE(LineClient(directory_, "zoom_stepper").connected());
 }
 
-TEST_F(Camera, AnswersManyRequestsAtOnceInTheirOrder) {
+TEST_F(ServiceSocket, AnswersManyRequestsAtOnceInTheirOrder) {
     LineClient client(directory_, "temperature");
     constexpr int kRequests = 500;
     std::string requests;
@@ -84,7 +79,7 @@ TEST_F(Camera, AnswersManyRequestsAtOnceInTheirOrder) {
     }
 }
 
-TEST_F(Camera, AnswersAClientThatHasNothingMoreToSay) {
+TEST_F(ServiceSocket, AnswersAClientThatHasNothingMoreToSay) {
     LineClient client(directory_, "temperature");
     client.send("[\"get_temperature_send\",\"temperature/1\"]\n");
     client.finish();
@@ -92,7 +87,7 @@ TEST_F(Camera, AnswersAClientThatHasNothingMoreToSay) {
     EXPECT_TRUE(client.ends());
 }
 
-TEST_F(Camera, KeepsTextsAsTheyAre) {
+TEST_F(ServiceSocket, KeepsTextsAsTheyAre) {
     LineClient client(directory_, "presets_tours");
     const std::string name = "T\u00fcr \"Nord\" \\ \u2603";
     EXPECT_EQ(json::array({0}),
@@ -103,7 +98,7 @@ TEST_F(Camera, KeepsTextsAsTheyAre) {
     EXPECT_EQ(name, state["state"]["services"]["presets_tours"]["targets"]["presets_tours/1"]["presets"][0]["name"]);
 }
 
-TEST_F(Camera, ServesTwoClientsAtOnce) {
+TEST_F(ServiceSocket, ServesTwoClientsAtOnce) {
     LineClient first(directory_, "relay");
     LineClient second(directory_, "relay");
     EXPECT_EQ("[0]", first.ask(R"(["set_configuration_send","relay/2",1,0,1,0,1,1,1])"));

@@ -90,11 +90,8 @@ TEST_F(Velocity, IsBroughtIntoTheRangeOfSpeeds) {
     expectAt("tilt", 0, -300);
     ASSERT_EQ(wire::kSuccess, call("clear_velocity_limits_send", {0, 1, 0}));
     expectAt("tilt", 0, -400);
-    EXPECT_EQ((json{{"event", "move_started"},
-                    {"target", "positioning/1"},
-                    {"axis", "tilt"},
-                    {"position", 0},
-                    {"velocity", -400}}),
+    EXPECT_EQ(R"({"event": "move_started", "target": "positioning/1", "axis": "tilt", "position": 0, "velocity":
+                 -400})"_json,
               events_.seen().back());
 }
 
