@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "camera_agent.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "object_oids.h"
 #include "settings.h"
 
@@ -17,6 +20,31 @@ AgentOptions withCamera(AgentOptions options, const Camera &camera) {
 std::string modelName(const Agent &agent) {
     const Result result = Manager(agent.peer()).get(oids::modelName);
     return result.ok() && result.single().type == Type::Octets ? result.single().octets : "";
+}
+
+std::vector<std::string> objectsWithoutServices() {
+    return {oids::rangeMaximumPreset,
+            oids::rangePanLeftLimit,
+            oids::rangePanRightLimit,
+            oids::rangePanHomePosition,
+            oids::rangeTrueNorthOffset,
+            oids::rangeTiltUpLimit,
+            oids::rangeTiltDownLimit,
+            oids::rangeMinimumPanStepAngle,
+            oids::rangeMinimumTiltStepAngle,
+            oids::timeoutPan,
+            oids::timeoutTilt,
+            oids::presetGotoPosition,
+            oids::presetStorePosition,
+            oids::positionPan,
+            oids::positionTilt};
+}
+
+std::vector<std::string> oidsOf(const std::vector<Varbind> &varbinds) {
+    std::vector<std::string> result;
+    std::transform(varbinds.begin(), varbinds.end(), std::back_inserter(result),
+                   [](const Varbind &varbind) { return varbind.oid; });
+    return result;
 }
 
 std::size_t threadsWithoutModule() {

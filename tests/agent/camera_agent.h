@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * What tests of a module with a running camera share.
+ * A module with a running camera.
  */
 #ifndef QUARNSNMP_CAMERA_AGENT_H
 #define QUARNSNMP_CAMERA_AGENT_H
@@ -15,11 +15,17 @@
 
 namespace harness {
 
-/** Options of an agent with the module of this build, for a running camera. @param options what else it is to have */
+/** Adds the module of this build and a running camera to the options of an agent. */
 AgentOptions withCamera(AgentOptions options, const Camera &camera);
 
 /** Returns modelName as the agent answers it; empty without such an object. */
 std::string modelName(const Agent &agent);
+
+/** OIDs of the objects that the module answers without any service of a camera: pan, tilt and presets. */
+std::vector<std::string> objectsWithoutServices();
+
+/** Returns the OIDs of varbinds. */
+std::vector<std::string> oidsOf(const std::vector<Varbind> &varbinds);
 
 /** Number of an agent's threads: its own, one of the emulator that it may run in, and the module's poll thread. */
 std::size_t threadsWithoutModule();
@@ -31,11 +37,11 @@ protected:
     /**
      * Starts the camera and the agent.
      * @param camera  name of a camera that comes with the project, or path of a camera file
-     * @param agent   how to start the agent; module and camera are added
+     * @param agent   options of the agent without module and camera
      */
     explicit CameraAgent(const std::string &camera, const AgentOptions &agent = {});
 
-    /** Reads an object. @return its value as recordedValue() writes it */
+    /** Reads an object. @return the value as recordedValue() writes it */
     std::string get(const std::string &oid);
 
     /** Writes octets to an object; a refusal fails the test. */
@@ -44,7 +50,7 @@ protected:
     /** Writes an integer to an object; a refusal fails the test. */
     void setInteger(const std::string &oid, std::int64_t value);
 
-    /** How many lines of the module's log have a text. */
+    /** Counts the lines of the module's log that contain a text. */
     std::size_t logged(const std::string &text) const;
 
     /** Runs the camera's control program, which must not refuse. */
@@ -71,7 +77,7 @@ struct CameraFile {
     std::string path;
 };
 
-/** The operations that commands came to, in their order; those that only read are none. */
+/** Returns the operations of all commands so far, in their order. An operation that only reads is not a command. */
 std::vector<std::string> operations(const CameraEvents &events);
 
 } // namespace harness

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The configurations that the project ships, in a real agent: who may do what, and who may do nothing.
+// The shipped configurations in a real agent: the rights of communities and users.
 #include <memory>
 #include <stdexcept>
 
@@ -67,7 +67,7 @@ protected:
                                "access operators \"\" usm priv exact readable control none"}}) {}
 };
 
-/** A view that is too wide: what the others must notice if a shipped one ever were. */
+/** A view that is too wide: the mistake that the other tests must notice. */
 class FieldConfigurationWithAWideView : public FieldConfiguration {
 protected:
     FieldConfigurationWithAWideView()
@@ -86,12 +86,12 @@ std::optional<Trap> coldStartOf(const TrapReceiver &receiver) {
     return receiver.waitFor([](const Trap &trap) { return trap.notification() == kColdStart; });
 }
 
-/** A request with something wrong in its security, and what the agent says of it. */
+/** A user with wrong credentials, and the agent's answer. */
 struct Stranger {
     const char *name;
     User user;
-    ErrorStatus error;  ///< of the answer, if there is one
-    const char *report; ///< start of the report, if there is one; without either the agent says nothing
+    ErrorStatus error;  ///< status of the answer; None without an answer
+    const char *report; ///< start of the report; an agent without error and report does not answer
 };
 
 void PrintTo(const Stranger &stranger, std::ostream *stream) {

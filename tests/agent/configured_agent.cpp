@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char *kModuleLine = "dlmod quarnsnmp /usr/lib/quarnsnmp/libquarnsnmp_Morvek.so";
 
-/** What every shipped configuration has to change for a test. */
+/** Adds the replacements that every shipped configuration needs for a test. */
 std::vector<Replacement> placed(std::vector<Replacement> replacements, const std::vector<Replacement> &further) {
     replacements.push_back({kModuleLine, "dlmod quarnsnmp " + modulePath()});
     replacements.insert(replacements.end(), further.begin(), further.end());

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * What the tests of the shipped configurations share: agents with them, and the objects that they are asked for.
+ * Agents with the shipped configurations, and objects to write.
  */
 #ifndef QUARNSNMP_CONFIGURED_AGENT_H
 #define QUARNSNMP_CONFIGURED_AGENT_H
@@ -17,16 +17,16 @@ struct Written {
     harness::Varbind value;
 };
 
-/** What moves the camera or switches something. */
+/** Returns objects that move the camera or switch something. */
 std::vector<Written> commands();
 
-/** What stays as it is written, and the reboot; the values do not start it. */
+/** Returns objects that keep a value, and rebootDevice with a value that does not restart the camera. */
 std::vector<Written> settings();
 
-/** Objects of the agent outside the module's subtrees, with values that an agent takes whose views are too wide. */
+/** Returns objects of the agent outside the module's subtrees, with values that an agent with wide views accepts. */
 std::vector<Written> objectsOfTheAgent();
 
-/** The one that restarts the camera. */
+/** Returns the SET that restarts the camera. */
 harness::Varbind reboot();
 
 inline const harness::User kViewer = {"viewer", "viewer signs with this", "viewer encrypts with this"};
@@ -45,10 +45,10 @@ harness::AgentOptions labAgent(const std::string &traps);
  */
 harness::AgentOptions fieldAgent(const std::string &traps, const std::vector<harness::Replacement> &further = {});
 
-/** Every outcome of writing objects one by one. @param expected  what each of them must be answered */
+/** Writes objects one by one. @param expected  status of each answer */
 void expectWrites(harness::Manager &manager, const std::vector<Written> &objects, harness::ErrorStatus expected);
 
-/** Whether all that a manager can walk lies below one of the subtrees, and something below each of them. */
+/** Expects objects in each of the subtrees, and none outside. */
 void expectToSeeOnly(harness::Manager &manager, const std::vector<std::string> &subtrees);
 
 } // namespace configured_agent

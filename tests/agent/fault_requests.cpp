@@ -100,7 +100,7 @@ std::vector<Request> positionCommands(const char *oid, const Calls &conversion) 
             set(octetString(oid, stop()), {positioning("set_velocity")})};
 }
 
-/** How a drive of the lens is called; a text is empty where it has no such operation. */
+/** Operations of a lens drive; an empty text for a missing operation. */
 struct LensDrive {
     std::string service;
     std::string readPosition;

@@ -27,7 +27,7 @@ Services servicesOf(const Camera &camera) {
     return services;
 }
 
-/** The answer with the bits at 0 that failed calls would have told. */
+/** Returns the answer with 0 in the bits of failed calls. */
 std::string withoutBits(const Varbind &answered, const std::string &asEver, const std::vector<Call> &failed) {
     unsigned lost = 0;
     for (const Call &call : failed) {

@@ -14,44 +14,44 @@
 
 namespace faults {
 
-/** The time after which the library gives up a call. */
+/** Time limit of the library for one call. */
 inline constexpr std::chrono::milliseconds kCallLimit{2000};
 
-/** What is wrong with a camera. */
+/** A fault of a camera. */
 struct Fault {
-    Services services = {};               ///< whose calls are struck
-    std::string operation = {};           ///< of these; empty for all of them
-    bool fails = true;                    ///< false when the calls succeed, only late
-    std::chrono::milliseconds perCall{0}; ///< that a struck call takes at most
-    std::chrono::milliseconds atLeast{0}; ///< that a request with a struck call takes
+    Services services = {};               ///< services with the faulty calls
+    std::string operation = {};           ///< the faulty operation; empty for all
+    bool fails = true;                    ///< false if the calls succeed late
+    std::chrono::milliseconds perCall{0}; ///< longest time of a faulty call
+    std::chrono::milliseconds atLeast{0}; ///< shortest time of a request with a faulty call
 
-    /** Those of a request's calls that it strikes. */
+    /** Returns the faulty ones among the calls of a request. */
     std::vector<Call> struck(const std::vector<Call> &calls) const;
 };
 
-/** A camera with an agent, all requests that its objects take, and how they are answered while nothing fails. */
+/** A camera with an agent, all requests for its objects, and their answers without faults. */
 class FaultSweep : public harness::CameraAgent {
 protected:
     explicit FaultSweep(const std::string &camera, const harness::AgentOptions &agent = {});
 
     const Services &services() const;
 
-    /** Everything that the module shows. */
+    /** Returns all objects of the module. */
     std::vector<harness::Varbind> walk();
 
-    /** Reads all and writes all under a fault, and judges every answer. */
+    /** Reads and writes all objects under a fault, and checks every answer. */
     void sweep(const Fault &fault);
 
-    /** Reads all and writes all without a fault: the camera is in the state in which sweep() wants it. */
+    /** Reads and writes all objects without a fault, which leaves the camera in the state that sweep() expects. */
     void recover();
 
-    /** Sends a request under a fault, and judges its answer, its time and what is logged. */
+    /** Sends a request under a fault, and checks its answer, its duration and its log lines. */
     void send(const Request &request, const Fault &fault);
 
-    /** Orders something of all operations of a service, or of one, until it is cleared. @param how a command's end */
+    /** Gives a service a fault until it is cleared. @param how last arguments of the control command */
     void order(const char *command, const std::string &service, const std::string &operation, const std::string &how);
 
-    /** Lets relays be as before their first use: one that is not set up is asked for more. */
+    /** Resets the relays to the state before their first use, in which a switch makes more calls. */
     void forgetRelaySetUp() const;
 
     std::vector<Request> reads_;
@@ -68,7 +68,7 @@ private:
     Services services_;
 };
 
-/** A camera of the project's that has a service. */
+/** Returns the name of a camera that has a service. */
 std::string cameraWith(const std::string &service);
 
 } // namespace faults

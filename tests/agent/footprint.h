@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * What an agent holds of the machine, which must not grow while it runs.
+ * Resources of an agent, which must not grow while it runs.
  */
 #ifndef QUARNSNMP_FOOTPRINT_H
 #define QUARNSNMP_FOOTPRINT_H
@@ -32,10 +32,10 @@ inline std::ostream &operator<<(std::ostream &stream, const Footprint &footprint
                   << footprint.kilobytes << " kB";
 }
 
-/** The agent's own memory is not quite the same at any two times: its allocator keeps what it may need again. */
+/** Variation of the agent's own memory: its allocator keeps freed memory. */
 inline constexpr std::size_t kSlackKilobytes = 512;
 
-/** A sanitizer keeps freed memory back, so with one the process grows whatever the module does. */
+/** Returns false with a sanitizer, which keeps freed memory: the process grows without a leak. */
 inline bool memoryTells() {
     return sanitizerRuntimes().empty();
 }

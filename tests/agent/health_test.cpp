@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Power, voltage and temperature, and the traps that tell of their changes. The agent's clock runs sixty times as fast,
+// Power, voltage and temperature, and the traps about their changes. The agent's clock runs sixty times as fast,
 // so that the module polls once a second.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -14,17 +14,17 @@
 
 namespace monitoring {
 
-/** What the program answers when it is asked to read a camera. */
+/** The program's answer to a request to read a camera. */
 struct Scrape {
     int status = 0;                       ///< of HTTP: 200, or 500 when the camera could not be read
-    std::string body;                     ///< the metrics, or why there are none
+    std::string body;                     ///< the metrics, or the reason for their absence
     std::map<std::string, double> values; ///< by the metric with its labels, as in the body; empty without metrics
 };
 
-/** The values that are a camera's own: without those that say how the reading went, and without sysUpTime. */
+/** Returns the values of a camera, without sysUpTime and the exporter's own values. */
 std::map<std::string, double> cameraValues(const Scrape &scrape);
 
-/** The text of a file of the directory monitoring/. @throws std::runtime_error when there is none */
+/** Returns the text of a file in monitoring/. @throws std::runtime_error if it does not exist */
 std::string shippedText(const std::string &name);
 
 /** A running exporter on a free port of the loopback interface. What Process says about threads holds here too. */
@@ -33,12 +33,12 @@ public:
     /**
      * Starts an exporter and waits until it listens.
      * @param modules  text of its configuration
-     * @throws std::runtime_error when it does not listen; the text has what it wrote
+     * @throws std::runtime_error if it does not listen; the text has its output
      */
     explicit Exporter(const std::string &modules = shippedText("snmp_quarnsnmp.yml"));
 
     /**
-     * Lets it read a camera.
+     * Requests the metrics of a camera.
      * @param module  name of a module of the configuration
      * @param peer    address of the camera's agent, as HOST:PORT
      * @throws std::runtime_error when it does not answer, or something that is not HTTP

@@ -42,7 +42,7 @@ class NamedAgent : public CameraAgent {
 protected:
     using CameraAgent::CameraAgent;
 
-    /** Runs one of Net-SNMP's programs on the agent. @param objects  what stands behind the address */
+    /** Runs one of Net-SNMP's programs on the agent. @param objects  arguments after the address */
     CommandResult run(const std::string &program, const std::vector<std::string> &options,
                       const std::vector<std::string> &objects) const {
         std::vector<std::string> command{program, "-v2c", "-c", "private", "-M", mibsDirectory(), "-m", kObjectModule};
@@ -54,7 +54,7 @@ protected:
         return runCommand(command, {{"SNMPCONFPATH", persistent_.path()}, {"SNMP_PERSISTENT_DIR", persistent_.path()}});
     }
 
-    /** Runs a program that must not complain. @return what it prints */
+    /** Runs a program that must not write errors. @return its output */
     std::string output(const std::string &program, const std::vector<std::string> &objects,
                        const std::vector<std::string> &options = {}) const {
         const CommandResult result = run(program, options, objects);
@@ -107,7 +107,7 @@ TEST_P(NamesOfEach, EveryLineOfAWalkHasAName) {
                                                                     {"quarn", oids::kVendorSubtree}};
     for (const auto &[name, oid] : subtrees) {
         std::vector<std::string> lines = linesOf(output("snmpwalk", {name}));
-        // What the program prints last where nothing follows the subtree; it is no object.
+        // The program's last line if no object follows the subtree.
         if (!lines.empty() && lines.back().find(" = No more variables left") != std::string::npos) {
             lines.pop_back();
         }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The module as a file: what it needs, and what it must not have.
+// The module as a file: its dependencies and its exports.
 #include <array>
 #include <regex>
 
@@ -24,7 +24,7 @@ std::string readelf(const std::string &option, const std::string &file) {
     return result.output;
 }
 
-/** How many thread-specific keys the process has left. */
+/** Returns the number of free thread-specific keys of the process. */
 std::size_t freeThreadKeys() {
     std::array<pthread_key_t, 2048> keys{};
     std::size_t count = 0;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What Prometheus gets to see of a camera: the shipped modules in the exporter, and the shipped agent configurations.
+// A camera in Prometheus: the shipped modules in the exporter, and the shipped agent configurations.
 #include <regex>
 #include <set>
 
@@ -32,10 +32,10 @@ constexpr const char *kTemperature = "quarnsnmp_temperature_raw_celsius";
 constexpr int kOk = 200;
 constexpr int kInternalServerError = 500;
 
-/** Whom the shipped module for the field asks as, with the passphrases that the shipped agent configuration shows. */
+/** User of the shipped module for the field, with the passphrases of the shipped agent configuration. */
 const User kShippedViewer = {"viewer", "passphrase of viewer", "another passphrase"};
 
-/** A receiver of traps that is not there. */
+/** Address of a missing trap receiver. */
 struct Nobody {
     ReservedPort port;
     std::string peer = "127.0.0.1:" + std::to_string(port.number());
@@ -56,7 +56,7 @@ protected:
         return exporter_.scrape(kLab, agent_.peer());
     }
 
-    /** What is read of the camera, which must go well. */
+    /** Reads the values of the camera, which must succeed. */
     std::map<std::string, double> values() const {
         const Scrape result = scrape();
         EXPECT_EQ(result.status, kOk) << result.body;

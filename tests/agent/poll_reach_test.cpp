@@ -19,7 +19,7 @@ namespace {
 using testing::Contains;
 using testing::UnorderedElementsAre;
 
-/** The names that a library expects from others. */
+/** Returns the names that a library expects from others. */
 std::set<std::string> expectedNames(const std::string &library) {
     const support::CommandResult result = support::runCommand({"nm", "--dynamic", "--undefined-only", "-j", library});
     EXPECT_TRUE(result.status.clean()) << result.errors;
@@ -31,7 +31,7 @@ std::set<std::string> expectedNames(const std::string &library) {
     return names;
 }
 
-/** Those of the names that the agent's libraries have. */
+/** Returns the names that the agent's libraries define. */
 std::set<std::string> agentNames(const std::string &library) {
     void *agent = dlopen(REACH_AGENT_LIBRARY, RTLD_NOW | RTLD_LOCAL);
     EXPECT_NE(agent, nullptr) << dlerror();

@@ -13,7 +13,7 @@
 
 namespace harness {
 
-/** An operation that a poll reads with, and what the camera's sensor shows. */
+/** Operation of a poll, and the camera's field with the value. */
 struct Sensor {
     const char *service;
     const char *field;
@@ -24,22 +24,22 @@ inline constexpr Sensor kPowerSensor = {"power", "powerState", "get_power_state_
 inline constexpr Sensor kVoltageSensor = {"power", "voltageState", "get_voltage_state_send"};
 inline constexpr Sensor kTemperatureSensor = {"temperature", "temperature", "get_temperature_send"};
 
-/** Steers what the polls find. A wait that is not met fails the test. */
+/** Controls the values that polls read. A wait in vain fails the test. */
 class PolledSensors {
 public:
     /** @param camera  must outlive this object */
     explicit PolledSensors(const Camera &camera);
 
-    /** Lets a sensor show a value from now on: a temperature in thousandths of a degree, a state as its number. */
+    /** Sets the value of a sensor: a temperature in thousandths of a degree, or the number of a state. */
     void show(const Sensor &sensor, int value) const;
 
-    /** Waits until polls have met so many faults more. */
+    /** Waits until polls have met a number of further faults. */
     void awaitFaults(const Sensor &sensor, std::size_t count) const;
 
-    /** Waits until a poll has read what the sensor shows now; an answer that comes a little late tells of it. */
+    /** Waits until a poll has read the present value; a short delay, which the camera reports, marks the poll. */
     void awaitPoll(const Sensor &sensor) const;
 
-    /** Shows a value and waits until a poll has read it. */
+    /** Sets a value and waits until a poll has read it. */
     void pollWith(const Sensor &sensor, int value) const;
 
 private:

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * What tests of the command-line client with a real agent share.
+ * The command-line client with a real agent.
  */
 #ifndef QUARNSNMP_PTZCTL_CLIENT_H
 #define QUARNSNMP_PTZCTL_CLIENT_H
@@ -25,7 +25,7 @@ inline constexpr int kUsage = 2;
 inline constexpr int kNoAnswer = 3;
 inline constexpr int kSomeFailed = 4;
 
-/** The program, with nobody's configuration but what a test writes into its directory. */
+/** The program, with the configuration in the test's directory only. */
 class Client {
 public:
     support::CommandResult run(const std::vector<std::string> &arguments, ClientEnvironment environment = {}) const {
@@ -42,7 +42,7 @@ public:
         environment.insert({{"HOME", directory.path()},
                             {"SNMPCONFPATH", directory.path()},
                             {"SNMP_PERSISTENT_DIR", directory.path()}});
-        // An empty varbind says nothing, whatever the one who runs the tests has set.
+        // An empty variable hides that of the environment in which the tests run.
         for (const char *name : {"HOST", "COMMUNITY", "USER", "LEVEL", "AUTH", "PRIVACY", "SNMP_VERSION", "BYTE_ORDER",
                                  "AUTH_PASSPHRASE", "PRIVACY_PASSPHRASE"}) {
             environment.insert({std::string("PTZCTL_") + name, ""});
@@ -53,7 +53,7 @@ public:
     support::TemporaryDirectory directory;
 };
 
-/** Where an agent sends its traps, also before somebody listens there. */
+/** Destination of an agent's traps, reserved before a receiver listens there. */
 class TrapAddress {
 protected:
     std::string traps() const {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The command-line client through the whole chain: what it says and sends, and what the simulated camera does then.
+// The command-line client through the whole chain: its output, its requests, and the actions of the simulated camera.
 #include <csignal>
 
 #include <gmock/gmock.h>
@@ -29,7 +29,7 @@ class Ptzctl : public CameraAgent {
 protected:
     explicit Ptzctl(const std::string &camera = "dome") : CameraAgent(camera) {}
 
-    /** Runs the program as somebody who may write. @return what it prints; an exit code other than 0 fails the test */
+    /** Runs the program with the community for writing. Fails the test unless it succeeds. @return its output */
     std::string done(std::vector<std::string> arguments) const {
         const CommandResult result = client_.run(withCommunity(std::move(arguments), "private"));
         EXPECT_EQ(result.status.code, 0) << result.output << result.errors;
@@ -37,7 +37,7 @@ protected:
         return result.output;
     }
 
-    /** Runs it. @return what it complains about; another exit code fails the test */
+    /** Runs the program, which must end with an exit code. @return its error messages */
     std::string complains(int code, std::vector<std::string> arguments,
                           const std::string &community = "private") const {
         const CommandResult result = client_.run(withCommunity(std::move(arguments), community));

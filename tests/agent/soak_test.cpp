@@ -29,7 +29,7 @@ using std::chrono::seconds;
  */
 constexpr milliseconds kAnswerLimit = seconds(14) + 2 * (4 * kCallLimit);
 
-/** What has become of the requests of a client. */
+/** Outcomes of a client's requests. */
 struct Counts {
     std::size_t gets = 0;
     std::size_t sets = 0;
@@ -50,7 +50,7 @@ struct Counts {
     }
 };
 
-/** What was done to the camera and the agent. */
+/** Disturbances of the camera and the agent. */
 struct Disturbances {
     std::size_t faults = 0;
     std::size_t reloads = 0;
@@ -58,7 +58,7 @@ struct Disturbances {
     milliseconds longestReload{0};
 };
 
-/** Whether the answer is that of an agent that has no such object. */
+/** Returns true for the answer of an agent without the object. */
 bool isAbsent(const Request &request, const Result &result) {
     if (!request.isGet()) {
         return result.error != request.error &&
@@ -82,7 +82,7 @@ void count(const Request &request, const Result &result, Counts &counts) {
     }
 }
 
-/** Sends requests round and round until it is told to stop or one of them has failed. */
+/** Sends requests in rounds until `stop` is set or one of them fails. */
 void load(const std::string &peer, std::vector<Request> requests, std::size_t first, std::atomic<bool> &stop,
           Counts &counts) {
     Manager manager(peer);
@@ -110,7 +110,7 @@ AgentOptions quiet() {
     return options;
 }
 
-/** Something that is due again and again. */
+/** A periodic action. */
 class Schedule {
 public:
     explicit Schedule(milliseconds period) : period_(period), next_(Clock::now() + period) {}
@@ -148,7 +148,7 @@ protected:
         counts_.add(counts[1]);
     }
 
-    /** Brings all back and lets every call be made, so that all that the module opens is open. */
+    /** Ends all faults and makes every call, so that the module has opened all connections. */
     Footprint settle() {
         control("clear");
         agent_.hup();
@@ -184,7 +184,7 @@ private:
         endFault();
     }
 
-    /** Lets the next service be wrong in the next way, or all be well for a while. */
+    /** Starts the next fault of the next service, or a pause without faults. */
     void changeFault() {
         endFault();
         if (++step_ % 2 == 0) {
@@ -221,7 +221,7 @@ private:
 
     std::vector<std::string> names_;
     std::size_t step_ = 0;
-    std::string down_; ///< the service that is; empty when none is
+    std::string down_; ///< the service that is down; empty for none
 };
 
 } // namespace

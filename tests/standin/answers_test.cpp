@@ -6,7 +6,7 @@
 
 namespace {
 
-/** Answers that are not what they should be, on a call with two outputs. */
+/** Malformed answers to a call with two outputs. */
 class AnswersTest : public StandInTest {
 protected:
     void SetUp() override {

@@ -106,7 +106,7 @@ TEST_F(ForkTest, ChildOpensAndEndsEverything) {
                   }
                   return clientSockets(directory()).empty() ? 0 : 5;
               }));
-    // The child said goodbye for what it had opened, not over the parent's connection.
+    // The child closed its own handles, not over the parent's connection.
     EXPECT_EQ(1U, server.farewells());
     EXPECT_TRUE(canCall());
     EXPECT_EQ(2U, server.connectionCount());
@@ -123,7 +123,7 @@ TEST_F(ForkTest, ChildIsFreeWhileAThreadOfTheParentIsInACall) {
     ASSERT_TRUE(canCall());
     std::atomic<bool> parentMayGoOn{false};
     server.setHandler([&](Peer &peer, const std::string &line) {
-        // The first request waits; the server then answers what comes over other connections at once.
+        // The first request waits; the server answers requests over other connections at once.
         server.setHandler(answer);
         std::thread([&parentMayGoOn, peer, line]() mutable {
             eventually([&] { return parentMayGoOn.load(); });

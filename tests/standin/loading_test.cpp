@@ -133,7 +133,7 @@ protected:
         EXPECT_EQ(descriptors, entriesOf("/proc/self/fd"));
         EXPECT_EQ(threads, entriesOf("/proc/self/task"));
         // The server keeps every request, which is some fifty octets each time. A sanitizer's own allocator counts
-        // nothing here; it reports what was lost at the end.
+        // nothing here; it reports losses at the end.
         EXPECT_LT(::mallinfo2().uordblks, memory + std::size_t{kLoads} * 150);
     }
 

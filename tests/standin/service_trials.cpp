@@ -11,7 +11,7 @@ namespace {
 
 using nlohmann::json;
 
-/** Values of a type: its limits and what is hard to write and read. */
+/** Values of a type: its limits, and values that are hard to write and read. */
 template <typename Number>
 Number sample(unsigned index) {
     using Limits = std::numeric_limits<Number>;
@@ -75,7 +75,7 @@ class Slot<const char *> : public Input<const char *> {
     using Input<const char *>::Input;
 };
 
-/** The number that an output holds before the call: not what the call shall write. */
+/** Number in an output before the call, different from the result. */
 template <typename Number>
 Number untouchedBy(Number result) {
     return static_cast<Number>(result ^ Number{0x55});

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * All service calls as objects, so that what holds for every call can be tested on every call.
+ * All service calls as objects, for tests of each call.
  */
 #ifndef QUARNSNMP_STANDIN_SERVICE_TRIALS_H
 #define QUARNSNMP_STANDIN_SERVICE_TRIALS_H
@@ -30,7 +30,7 @@ public:
     virtual std::vector<std::vector<nlohmann::json>> badResponses() const = 0;
     /** Calls the function. @param nullOutput index of an output to pass as null */
     virtual zorva_core_status run(void *cookie, const char *target, std::optional<std::size_t> nullOutput = {}) = 0;
-    /** What the outputs hold now; an output that was not written gives the text "untouched". */
+    /** Returns the present values of the outputs; "untouched" for an output that was not written. */
     virtual nlohmann::json outputs() const = 0;
 };
 

@@ -7,7 +7,7 @@
 #ifndef QUARNSNMP_STANDIN_SHORTAGE_H
 #define QUARNSNMP_STANDIN_SHORTAGE_H
 
-/** What can run out. */
+/** Resources that can run out. */
 enum class Resource {
     kAllocations, ///< operator new
     kTextCopies,  ///< strdup()

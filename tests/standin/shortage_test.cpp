@@ -65,7 +65,7 @@ TEST_F(ShortageTest, CopiesOfTextsThatWereNotEnoughAreFreed) {
                                        &texts[5], &texts[6], &texts[7], &flag));
     }
     // Seven kilobytes a call would be lost; the server keeps the requests, which are shorter than a quarter of one. A
-    // sanitizer's own allocator counts nothing here; it reports at the end what was lost.
+    // sanitizer's own allocator counts nothing here; it reports losses at the end.
     EXPECT_LT(::mallinfo2().uordblks, before + std::size_t{kCalls} * 250);
 }
 

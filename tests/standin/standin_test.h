@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/** @file What the tests of the stand-in library have in common. */
+/** @file Fixture of the tests of the stand-in library. */
 #ifndef QUARNSNMP_STANDIN_STANDIN_TEST_H
 #define QUARNSNMP_STANDIN_STANDIN_TEST_H
 
@@ -34,10 +34,10 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    /** Opens a service that is expected to be there. */
+    /** Opens a service, which must succeed. */
     void *open(OpenFunction initiatorInit);
 
-    /** The lines of the log. */
+    /** Returns the lines of the log. */
     std::vector<std::string> logLines() const;
     /** Waits until a log line ends with `text`. */
     bool logSays(const std::string &text) const;
@@ -55,13 +55,13 @@ protected:
 /** Sets an environment variable. */
 void setEnvironment(const char *name, const std::string &value);
 
-/** The process's sockets that are connected to one in the directory: those of the library, not of the servers. */
+/** Returns the process's sockets with a peer in the directory: those of the library, not of the servers. */
 std::set<int> clientSockets(const std::string &directory);
 
-/** All descriptors of the process. */
+/** Returns all descriptors of the process. */
 std::set<int> openDescriptors();
 
-/** True when a descriptor does not pass to a program that this one starts. */
+/** Returns true if a descriptor closes at the start of another program. */
 bool closesOnExec(int descriptor);
 
 /** Runs `action(0)` to `action(count - 1)` at the same time and waits for all of them. */
@@ -77,7 +77,7 @@ void inThreads(int count, const Action &action) {
     }
 }
 
-/** Measures how long something takes. */
+/** Measures the duration of an action. */
 template <typename Action>
 std::chrono::milliseconds durationOf(const Action &action) {
     const auto start = kernelTime();

@@ -18,7 +18,7 @@ constexpr milliseconds kEarliest{1900};
 // Two seconds, and as much again for a machine that is busy with other things.
 constexpr milliseconds kLatest{3000};
 
-/** No call takes longer than two seconds, whatever it waits for. */
+/** No call takes longer than two seconds, in any state of the connection. */
 class TimeLimitTest : public StandInTest {
 protected:
     static void keepSilent(Peer & /*peer*/, const std::string & /*line*/) {}

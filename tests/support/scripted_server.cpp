@@ -203,7 +203,7 @@ void ScriptedServer::handle(int descriptor, const std::string &line) {
             react = handler;
         }
     }
-    // Not under the mutex: a handler may wait for what the test does.
+    // Not under the mutex: a handler may wait for an action of the test.
     react(peer, line);
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * A service that answers as a test tells it to: also too late, in pieces, wrongly or not at all.
+ * A service whose answers a test chooses: late, in pieces, malformed or missing.
  */
 #ifndef QUARNSNMP_SUPPORT_SCRIPTED_SERVER_H
 #define QUARNSNMP_SUPPORT_SCRIPTED_SERVER_H
@@ -25,7 +25,7 @@ public:
 
     /** Sends octets as they are. */
     void send(std::string_view octets) const;
-    /** Ends both directions; what was sent still arrives. */
+    /** Ends both directions; octets that were sent still arrive. */
     void hangUp() const;
 
 private:
@@ -52,7 +52,7 @@ public:
 
     /** The lines that the handler was called with, without their newlines. */
     std::vector<std::string> requests() const;
-    /** How often each of the two initiator operations arrived. */
+    /** Number of requests so far for each of the two initiator operations. */
     unsigned greetings() const;
     unsigned farewells() const;
     /** Connections accepted so far. */
@@ -63,7 +63,7 @@ public:
     /** Does something with every open connection. */
     void forEachPeer(const std::function<void(Peer &peer)> &action);
 
-    /** Lets the next send of every client that is connected fail, while the other direction stays open. */
+    /** Makes the next send of every connected client fail, while the other direction stays open. */
     void refuseInput();
 
     /** Replaces the handler. */
@@ -83,7 +83,7 @@ private:
 
     mutable std::mutex mutex;
     Handler handler;
-    std::map<int, std::string> connections; ///< with what has arrived of the next line
+    std::map<int, std::string> connections; ///< with the incomplete next line
     std::set<int> refusing;                 ///< connections that nothing is read from any more
     std::vector<std::string> received;
     unsigned greeted = 0;

@@ -156,7 +156,7 @@ void Agent::writeFiles() const {
     }
 }
 
-/** Starts the agent; without success, and without a process, when somebody else has taken its port. */
+/** Starts the agent. There is no process afterwards if another program has taken the port. */
 void Agent::startOnce() {
     std::filesystem::remove(directory_.file("agent.pid"));
     process_ = std::make_unique<Process>(launch());
@@ -206,7 +206,7 @@ void Agent::requireRunning() {
 }
 
 /**
- * Waits for what a signal brings about. An agent that gets the signal just before it begins to wait for a packet acts
+ * Waits for the effect of a signal. An agent that gets the signal just before it begins to wait for a packet acts
  * on it after the next one, so it gets a packet now and then.
  */
 bool Agent::awaitSignalled(std::chrono::milliseconds deadline, const std::function<bool()> &predicate) const {

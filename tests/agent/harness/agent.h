@@ -26,30 +26,30 @@ namespace harness {
 
 using namespace support;
 
-/** How to start an agent. */
+/** Options of an agent. */
 struct AgentOptions {
-    std::string module;                   ///< path of the module to load; empty loads none
-    std::string moduleName = "quarnsnmp"; ///< after which its entry points are named
+    std::string module;                   ///< path of the module to load; empty for none
+    std::string moduleName = "quarnsnmp"; ///< prefix of its entry points
     std::string cameraDirectory;
-    bool daemonised = false;                     ///< let it leave its parent after its start, as a service does
-    bool showModules = false;                    ///< let managers read the agent's own table of loadable modules
-    std::string fakeTime;                        ///< how its clock runs, such as "+0 x60"; empty leaves it alone
+    bool daemonised = false;                     ///< true for a daemon, as a service manager starts it
+    bool showModules = false;                    ///< true if managers may read the agent's table of modules
+    std::string fakeTime;                        ///< speed of its clock, such as "+0 x60"; empty for the real time
     std::vector<std::string> configuration = {}; ///< further lines of its configuration
     std::vector<std::string> arguments = {};     ///< further arguments
-    std::map<std::string, std::string> environment = {}; ///< further environment; wins over the agent's own
+    std::map<std::string, std::string> environment = {}; ///< added environment, which takes precedence
     /**
-     * The whole configuration for a port, instead of the tests' own. The agent then reads its files as an installed one
-     * does, those with its persistent data included.
+     * Makes the whole configuration for a port, instead of the tests' own. The agent then reads its files like an
+     * installed agent, with its persistent data.
      */
     std::function<std::string(std::uint16_t port)> wholeConfiguration;
     std::vector<std::string> persistentData = {}; ///< lines of its persistent data before the first start
-    std::optional<User> asker = {};               ///< who asks whether the agent answers, where "public" may not
+    std::optional<User> asker = {};               ///< user of the first request, if "public" has no access
 };
 
 /** Options of an agent with the module of this build, for a camera. */
 AgentOptions withModule(const std::string &cameraDirectory);
 
-/** How an agent ended. */
+/** End of an agent. */
 struct AgentEnd {
     ExitStatus status;
     std::chrono::milliseconds duration; ///< from the signal to the end
@@ -79,7 +79,7 @@ public:
     /** The process that serves requests. */
     pid_t pid() const;
 
-    /** Whether it still runs. */
+    /** Returns true until the agent has ended. */
     bool running();
 
     std::uint16_t port() const;
@@ -94,9 +94,9 @@ public:
     void start();
 
     /**
-     * Lets the agent read its configuration again, which unloads and loads its modules, and waits until it is through.
-     * @return how long it took
-     * @throws std::runtime_error when it does not get through
+     * Makes the agent read its configuration again, which unloads and loads its modules, and waits for the end.
+     * @return the duration
+     * @throws std::runtime_error if the reload does not end
      */
     std::chrono::milliseconds hup();
 
@@ -106,10 +106,10 @@ public:
     /** Ends the agent with SIGKILL. @throws std::runtime_error when it is not running */
     void kill();
 
-    /** What the agent logs. Its start and its restarts are among the lines. */
+    /** Log of the agent, with its start and its restarts. */
     LogFile log() const;
 
-    /** What the module logs. */
+    /** Log of the module. */
     LogFile moduleLog() const;
 
     /** The file of the agent's persistent data, with the keys of its users. */

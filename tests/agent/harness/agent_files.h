@@ -18,7 +18,7 @@ namespace harness {
 std::string agentConfiguration(const AgentOptions &options, std::uint16_t port);
 
 /**
- * What the agent's environment has beside that of the test.
+ * Returns the environment that the agent has in addition to that of the test.
  * @param directory      directory of the agent's files
  * @param moduleLogPath  where the module logs
  * @throws std::runtime_error when the machine has no library for the wanted clock

@@ -38,7 +38,7 @@ void setField(const Camera &camera, const std::string &target, const std::string
 
 CameraEvents::CameraEvents(const Camera &camera)
     : process_({{controlPath(), "--directory", camera.directory(), "follow"}}) {
-    // Nothing says when the camera has begun to tell, but a change that shows.
+    // The camera does not announce that it has begun to report events; a reported change shows it.
     int change = 0;
     const bool told = eventually(std::chrono::seconds(10), [&] {
         change = change % 200 + 1;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * What happens in a simulated camera, and what it holds, as a test sees it.
+ * Events and state of a simulated camera.
  */
 #ifndef QUARNSNMP_HARNESS_CAMERA_EVENTS_H
 #define QUARNSNMP_HARNESS_CAMERA_EVENTS_H
@@ -18,16 +18,16 @@ namespace harness {
 
 using namespace support;
 
-/** The fields of a target, such as "positioning/1". @throws std::runtime_error when the camera does not tell */
+/** Returns the fields of a target, such as "positioning/1". @throws std::runtime_error if the request fails */
 nlohmann::json targetState(const Camera &camera, const std::string &target);
 
 /** Sets a field, or a group of fields, of a target; a refusal fails the test. */
 void setField(const Camera &camera, const std::string &target, const std::string &field, const nlohmann::json &value);
 
-/** Follows a camera's events from its construction on. */
+/** Events of a camera since the construction of the object. */
 class CameraEvents {
 public:
-    /** @throws std::runtime_error when the camera does not tell its events */
+    /** @throws std::runtime_error if the camera does not report events */
     explicit CameraEvents(const Camera &camera);
 
     /** All events so far, in their order. */
@@ -36,7 +36,7 @@ public:
     /** The events so far that have all the members of a pattern. */
     std::vector<nlohmann::json> matching(const nlohmann::json &pattern) const;
 
-    /** Waits for an event that has all the members of a pattern. @return whether there is one */
+    /** Waits for an event that has all members of a pattern. @return false after the deadline */
     bool waitFor(const nlohmann::json &pattern, std::chrono::milliseconds deadline = std::chrono::seconds(10)) const;
 
 private:

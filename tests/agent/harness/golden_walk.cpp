@@ -64,7 +64,7 @@ void writeLines(const std::string &path, const std::vector<Line> &before, const 
     }
 }
 
-/** Merges both sides by identifier and names what does not match. */
+/** Merges both sides by OID and returns the lines that differ. */
 std::string difference(const std::vector<Line> &wanted, const std::vector<Varbind> &found) {
     std::string result;
     std::size_t w = 0;
@@ -91,7 +91,7 @@ std::string describe(const Result &result) {
     return stream.str();
 }
 
-/** Checks the order of a recorded walk, and that GET and GETNEXT see what GETBULK saw. */
+/** Checks the order of a recorded walk, and compares GET and GETNEXT with GETBULK. */
 std::string inconsistencies(Manager &manager, const std::string &root, const std::vector<Line> &lines) {
     std::string result;
     std::string previous = root;

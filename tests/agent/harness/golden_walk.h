@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Comparing what an agent serves with a recorded walk.
+ * Comparison of an agent's objects with a recorded walk.
  */
 #ifndef QUARNSNMP_HARNESS_GOLDEN_WALK_H
 #define QUARNSNMP_HARNESS_GOLDEN_WALK_H
@@ -15,7 +15,7 @@
 namespace harness {
 
 /**
- * Walks all below an identifier and compares it with the file NAME.walk of the directory of recorded walks. A line is
+ * Walks a subtree and compares it with the file NAME.walk in the directory of recorded walks. A line is
  * `oid type value`; the value `*` stands for any value, for objects that change by themselves. Also checks that every
  * line is greater than the one before, answers a GET with its type and recorded value, and follows the one before it
  * with GETNEXT (the walk itself uses GETBULK).
@@ -27,7 +27,7 @@ namespace harness {
  */
 testing::AssertionResult matchesGoldenWalk(Manager &manager, const std::string &root, const std::string &name);
 
-/** As the other one, with a file anywhere. */
+/** As matchesGoldenWalk(), with any file. */
 testing::AssertionResult matchesWalkFile(Manager &manager, const std::string &root, const std::string &path,
                                          bool update);
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Runs a program and keeps hold of the daemon it becomes.
+ * Parent of a program that becomes a daemon.
  *
- * A daemon leaves its parent, so nothing would end it when a test crashes, and nobody would learn how it ended. This
- * program adopts all descendants that lose their parent, ends when the last one has ended, with the status of that one,
- * and kills what is left when it is told to end or when the test that started it is gone.
+ * A daemon leaves its parent: it would survive a crashed test, and its exit status would be lost. This program adopts
+ * all descendants that lose their parent, and ends after the last one, with the status of that one. It kills its
+ * descendants on SIGTERM and after the end of the test that started it.
  */
 #include <cerrno>
 #include <csignal>

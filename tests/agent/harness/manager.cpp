@@ -37,8 +37,8 @@ void *open(const std::string &peer, const std::string &community, CommunityVersi
 }
 
 /**
- * What a report says: the agent has not read the request because something is wrong with its security.
- * @return empty when the session's last error is no report's
+ * Describes a report: the agent has rejected the security of the request.
+ * @return empty if the session's last error is not a report
  */
 std::string reportOf(void *session) {
     switch (snmp_sess_session(session)->s_snmp_errno) {
@@ -133,7 +133,7 @@ Result Manager::request(int command, const std::vector<Varbind> &varbinds, long 
         return result;
     }
     if (status == STAT_ERROR) {
-        // An SNMPv3 agent that does not tell its engine identifier is an error and no time-out to the library.
+        // The library reports a missing answer about the engine ID as an error, not as a time-out.
         if (snmp_sess_session(session_)->s_snmp_errno == SNMPERR_TIMEOUT) {
             return result;
         }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * A manager that knows identifiers by their numbers only.
+ * A manager of the tests, independent of the client's own.
  */
 #ifndef QUARNSNMP_HARNESS_MANAGER_H
 #define QUARNSNMP_HARNESS_MANAGER_H
@@ -19,7 +19,7 @@ namespace harness {
 
 using namespace support;
 
-/** Error statuses of an answer that tests look for; an answer may have others of the protocol too. */
+/** Error statuses of answers. */
 enum class ErrorStatus : long {
     None = 0,
     TooBig = 1,
@@ -41,30 +41,30 @@ enum class ErrorStatus : long {
 
 /** The outcome of a request. */
 struct Result {
-    bool answered = false; ///< false when no answer came in time; the rest holds nothing then
-    std::string report;    ///< why an SNMPv3 agent did not read the request, in the library's words; no answer then
+    bool answered = false; ///< false without an answer in time; the other members are unset then
+    std::string report;    ///< the library's text of an SNMPv3 report, which replaces an answer
     ErrorStatus error = ErrorStatus::None;
-    long errorIndex = 0; ///< number of the varbind that the error is about, from 1; 0 when it is about none
+    long errorIndex = 0; ///< number of the varbind with the error, from 1; 0 for none
     std::vector<Varbind> varbinds;
 
-    /** Whether an answer without an error came. */
+    /** Returns true for an answer without an error. */
     bool ok() const;
 
-    /** The varbind of an answer that has exactly one. @throws std::runtime_error when it has none or several */
+    /** Returns the only varbind of an answer. @throws std::runtime_error if it has none or several */
     const Varbind &single() const;
 };
 
 /** The versions with communities. */
 enum class CommunityVersion { V1, V2c };
 
-/** Lets the test framework print outcomes. */
+/** Prints outcomes for the test framework. */
 std::ostream &operator<<(std::ostream &stream, const Result &result);
 std::ostream &operator<<(std::ostream &stream, ErrorStatus status);
 
 /**
  * A manager's session with one agent. A request is sent once and never repeated, so the agent sees what the test sends.
- * Several managers may be used at the same time, each by one thread. Local failures, such as an identifier that is
- * none, throw std::runtime_error or std::invalid_argument.
+ * Several managers may be used at the same time, each by one thread. Local failures, such as a malformed OID, throw
+ * std::runtime_error or std::invalid_argument.
  */
 class Manager {
 public:
@@ -86,7 +86,7 @@ public:
     Manager(const Manager &) = delete;
     Manager &operator=(const Manager &) = delete;
 
-    /** How long to wait for an answer; 5 s, stretched with patient(), unless it is set here (not stretched). */
+    /** Sets the time to wait for an answer. The default is 5 s, stretched with patient(). */
     void setTimeout(std::chrono::microseconds timeout);
 
     /** Reads objects: get(".1.3…", ".1.3…"). */
@@ -107,8 +107,7 @@ public:
     /** Reads the objects that follow those of a list. */
     Result getNextAll(const std::vector<std::string> &oids);
 
-    /** Reads many objects: one after each of the first `nonRepeaters` identifiers, `maxRepetitions` after the others.
-     */
+    /** Reads many objects: one after each of the first `nonRepeaters` OIDs, `maxRepetitions` after each other one. */
     Result getBulk(long nonRepeaters, long maxRepetitions, const std::vector<std::string> &oids);
 
     /** Writes objects, all in one request. */
@@ -118,8 +117,8 @@ public:
     Result set(const std::string &oid, Type type, std::int64_t value);
 
     /**
-     * Reads all that lies below an identifier, object by object.
-     * @throws std::runtime_error when the agent does not answer, answers an error, or goes backwards
+     * Reads all objects below an OID, one by one.
+     * @throws std::runtime_error if the agent does not answer, answers with an error, or goes backwards
      */
     std::vector<Varbind> walk(const std::string &root);
 

@@ -25,11 +25,11 @@ public:
 
     std::uint16_t number() const;
 
-    /** Whether some process has bound the UDP port, on the loopback interface or on all. */
+    /** Returns true if a process has bound the UDP port, on the loopback interface or on all. */
     static bool isBound(std::uint16_t number);
 
 private:
-    int marker_; ///< bound TCP socket of the same number, which nobody uses: the mark of the reservation
+    int marker_; ///< bound TCP socket of the same number, unused: the mark of the reservation
     std::uint16_t number_;
 };
 

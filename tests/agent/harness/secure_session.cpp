@@ -65,7 +65,7 @@ void *openSecureSession(const std::string &peer, const User &user, std::chrono::
     wanted.securityNameLen = name.size();
     wanted.securityModel = SNMP_SEC_MODEL_USM;
     wanted.securityLevel = libraryLevel(user.level);
-    // What a message of a lower level does not need is left out, as a manager without these keys would do.
+    // A message of a lower level goes without the keys that it does not need, as from a manager without these keys.
     if (user.level != SecurityLevel::NoAuthNoPriv) {
         wanted.securityAuthProto = usmHMAC192SHA256AuthProtocol;
         wanted.securityAuthProtoLen = OID_LENGTH(usmHMAC192SHA256AuthProtocol);

@@ -14,7 +14,7 @@
 namespace harness {
 
 /**
- * Opens a session with an agent, which is asked for its engine identifier before the first request. The library keeps
+ * Opens a session with an agent, and requests its engine ID before the first request. The library keeps
  * one set of keys for a user of an agent, without a lock: sessions belong to one thread, and those of one user follow
  * each other, each closed before the next one is used. An agent under test asks itself whether it answers, also as a
  * user, when it starts, reloads and ends.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Where the programs and libraries of the tests lie: fixed by the build, some of them changeable by the environment.
+ * Paths of the programs and libraries under test, set by the build. Variables of the environment replace some of them.
  */
 #ifndef QUARNSNMP_HARNESS_SETTINGS_H
 #define QUARNSNMP_HARNESS_SETTINGS_H
@@ -14,17 +14,16 @@ namespace harness {
 /** The agent program: the environment's QUARNSNMP_SNMPD, or Debian's. */
 std::string agentPath();
 
-/** What stands before the agent's path, split at blanks: the environment's QUARNSNMP_SNMPD_PREFIX, such as an emulator.
- */
+/** Words before the agent's path, such as an emulator: the environment's QUARNSNMP_SNMPD_PREFIX, split at blanks. */
 std::vector<std::string> agentPrefix();
 
 /** The trap receiver: the environment's QUARNSNMP_SNMPTRAPD, or Debian's. */
 std::string trapReceiverPath();
 
-/** The module: the environment's QUARNSNMP_MODULE, or the one of this build; empty when this build has none. */
+/** The module: the environment's QUARNSNMP_MODULE, or the one of this build; empty in a build without it. */
 std::string modulePath();
 
-/** The stand-in core library of this build; empty when it has none. */
+/** The stand-in core library of this build; empty in a build without it. */
 std::string coreLibraryPath();
 
 /** The module that sends traps by the thousand. */

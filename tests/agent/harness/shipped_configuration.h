@@ -11,7 +11,7 @@
 
 namespace harness {
 
-/** A passage of a file and what a test has in its place. */
+/** A passage of a file, and the text in its place. */
 struct Replacement {
     std::string passage;
     std::string with;
@@ -20,8 +20,7 @@ struct Replacement {
 /**
  * The text of a shipped configuration with some passages replaced.
  * @param name  of the file, without its directory
- * @throws std::runtime_error when the file cannot be read, or a passage is not there exactly once: a test that goes on
- * would judge another text than the one it means
+ * @throws std::runtime_error if the file cannot be read, or does not have a passage exactly once
  */
 std::string shippedConfiguration(const std::string &name, const std::vector<Replacement> &replacements = {});
 

@@ -17,8 +17,8 @@ namespace {
 
 constexpr const char *kLineStart = "TRAP ";
 
-// Octets in hexadecimal and without line breaks, times as numbers, identifiers in full, tabs between varbinds: only so
-// can a line be taken apart whatever the values are.
+// Octets in hexadecimal and without line breaks, times as numbers, OIDs in full, tabs between varbinds: only so
+// can a line be parsed for all values.
 const std::vector<std::string> kNumericOutput{"-On", "-Oe", "-OU", "-Ot", "-Ox"};
 
 std::vector<std::string> splitAtTabs(const std::string &line) {

@@ -26,23 +26,23 @@ using namespace support;
 
 /** One notification. */
 struct Trap {
-    std::string kind;              ///< what the receiver says of it, such as "TRAP2, SNMP v2c, community public"
+    std::string kind;              ///< the receiver's description, such as "TRAP2, SNMP v2c, community public"
     std::vector<Varbind> varbinds; ///< all varbinds, sysUpTime.0 and snmpTrapOID.0 included
 
-    /** The first varbind of an identifier; null when there is none. */
+    /** Returns the first varbind with an OID, or null. */
     const Varbind *find(const std::string &oid) const;
 
-    /** Value of snmpTrapOID.0; empty when there is none. */
+    /** Returns the value of snmpTrapOID.0, or an empty text. */
     std::string notification() const;
 };
 
-/** Lets the test framework print notifications. */
+/** Prints a notification for the test framework. */
 std::ostream &operator<<(std::ostream &stream, const Trap &trap);
 
 /** Net-SNMP's trap receiver. */
 class TrapReceiver {
 public:
-    /** How it is reached. */
+    /** Transport of notifications. */
     enum class Transport {
         Datagram, ///< a free UDP port of the loopback interface
         Stream    ///< a local socket, of which nothing is lost when many come at once
@@ -64,7 +64,7 @@ public:
     /** Line of the agent's configuration that makes it send SNMPv2c traps here. */
     std::string configurationLine() const;
 
-    /** What it has printed of notifications so far, one a line: what it says of it, and its varbinds after tabs. */
+    /** Returns the printed notifications so far, one in a line: the description, and after tabs the varbinds. */
     std::vector<std::string> printed() const;
 
     /** All notifications so far, oldest first. @throws std::runtime_error for a line that cannot be understood */
@@ -74,7 +74,7 @@ public:
     std::optional<Trap> waitFor(const std::function<bool(const Trap &)> &wanted,
                                 std::chrono::milliseconds deadline = std::chrono::seconds(10)) const;
 
-    /** Waits until so many notifications have come. @return whether they have */
+    /** Waits for a number of notifications. @return false after the deadline */
     bool waitForCount(std::size_t count, std::chrono::milliseconds deadline = std::chrono::seconds(10)) const;
 
 private:

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Who a manager is with SNMPv3.
+ * Users of SNMPv3.
  */
 #ifndef QUARNSNMP_HARNESS_USER_H
 #define QUARNSNMP_HARNESS_USER_H
@@ -10,7 +10,7 @@
 
 namespace harness {
 
-/** How much of SNMPv3's security a message has. */
+/** Security level of a message. */
 enum class SecurityLevel { NoAuthNoPriv, AuthNoPriv, AuthPriv };
 
 /** A user with passphrases for SHA-256 and AES-128, of at least 8 characters each. */
@@ -23,7 +23,7 @@ struct User {
 
 /**
  * The line that creates a user in a program's persistent data.
- * @param engine  identifier of the engine that the user belongs to, as 0x…; empty for the program's own
+ * @param engine  ID of the user's engine, as 0x…; empty for the program's own engine
  */
 std::string creationOf(const User &user, const std::string &engine = "");
 
