@@ -29,7 +29,7 @@ Failure badResponse(const std::string &what) {
 
 /** Returns the place of the varbind with the error, from 0. @throws Failure when the response does not tell it */
 std::size_t refusedPlace(const Response &response, std::size_t count) {
-    // An agent names no varbind when a command fails while it is carried out. With a single one there is no doubt.
+    // An agent names no varbind when a command fails during its execution. With a single one there is no doubt.
     if (response.errorIndex == 0 && count == 1) {
         return 0;
     }
@@ -40,7 +40,7 @@ std::size_t refusedPlace(const Response &response, std::size_t count) {
     return static_cast<std::size_t>(response.errorIndex) - 1;
 }
 
-/** @throws Failure for another number of varbinds than expected */
+/** Checks the number of varbinds. @throws Failure for another number than expected */
 void requireCount(const Response &response, std::size_t count) {
     if (response.varbinds.size() != count) {
         throw badResponse(
@@ -48,7 +48,7 @@ void requireCount(const Response &response, std::size_t count) {
     }
 }
 
-/** @throws Failure for a varbind with another OID than the requested one */
+/** Checks the OID of a varbind. @throws Failure for another one than requested */
 void requireInstance(const Varbind &answered, const Instance &requested) {
     if (answered.oid != requested.oid) {
         throw badResponse("the camera answered " + instanceAt(answered.oid).name + " to a request for " +

@@ -55,7 +55,7 @@ std::string typeOf(const tree *node) {
     }
 }
 
-/** A bound of a range, of which the library keeps the 32 bits only. */
+/** Returns a bound of a range, of which the library keeps only 32 bits. */
 std::int64_t boundOf(const tree *node, int bound) {
     return node->type == TYPE_GAUGE ? static_cast<std::int64_t>(static_cast<std::uint32_t>(bound)) : bound;
 }
@@ -81,7 +81,7 @@ Object objectOf(const tree *node) {
     return object;
 }
 
-/** Calls a function for a node, its peers, and all below them. */
+/** Calls a function for a node, its peers and their descendants. */
 void visit(const tree *node, const std::function<void(const tree *)> &function) {
     for (; node != nullptr; node = node->next_peer) {
         function(node);
@@ -89,7 +89,7 @@ void visit(const tree *node, const std::function<void(const tree *)> &function) 
     }
 }
 
-/** The library's callback for what it logs. */
+/** Callback of the library for log messages. */
 int noteLine(int /*major*/, int /*minor*/, void *message, void *complaints) {
     static_cast<std::vector<std::string> *>(complaints)->emplace_back(static_cast<snmp_log_message *>(message)->msg);
     return 0;

@@ -17,10 +17,10 @@ namespace mibs {
 /** Directory of the modules that the project ships. */
 std::string directory();
 
-/** Names of these modules, which are those of their files. */
+/** Names of these modules, which are the names of their files. */
 std::vector<std::string> shippedModules();
 
-/** Something that can be read, written or notified. */
+/** An object or the value of a notification. */
 struct Object {
     std::string module;
     std::string name;
@@ -29,40 +29,40 @@ struct Object {
     std::string type;       ///< type of its values on the wire: INTEGER, Gauge32 or OCTET STRING
     std::string convention; ///< its textual convention; empty without one
     std::vector<std::pair<std::int64_t, std::int64_t>> ranges; ///< of its numbers, or of its sizes
-    std::string table;                                         ///< of which it is a column; empty for a scalar
+    std::string table;                                         ///< name of its table; empty for a scalar
 
-    /** Whether a value, or a size, lies in a range; every one does when there are no ranges. */
+    /** Tests whether a number or a size lies in one of the ranges. Without ranges, any does. */
     bool admits(std::int64_t number) const;
 };
 
-/** A notification and what it carries. */
+/** A notification with its values. */
 struct Notification {
     std::string name;
     std::string oid;
     std::vector<Object> objects;
 };
 
-/** Lets the test framework print them. */
+/** Prints name, OID and syntax. */
 std::ostream &operator<<(std::ostream &stream, const Object &object);
 
-/** The library with some modules. There is one at a time, because the library has one tree. */
+/** Modules in the SNMP library. Only one instance can exist at a time, because the library has one tree. */
 class LoadedModules {
 public:
-    /** Reads modules, and those that they import. */
+    /** Loads modules and their imports. */
     explicit LoadedModules(const std::vector<std::string> &modules);
     ~LoadedModules();
     LoadedModules(const LoadedModules &) = delete;
     LoadedModules &operator=(const LoadedModules &) = delete;
 
-    /** What the library had to say against them; it is asked to say all it can. */
+    /** Complaints of the library, at its highest level of warnings. */
     const std::vector<std::string> &complaints() const;
 
-    /** All objects with a value; tables, rows and what is not accessible are left out. */
+    /** Returns all accessible objects, without tables and rows. */
     std::vector<Object> objects() const;
 
     std::vector<Notification> notifications() const;
 
-    /** OIDs of all names that a module defines. */
+    /** Returns the OIDs of all names that a module defines. */
     std::vector<std::string> oidsOf(const std::string &module) const;
 
 private:

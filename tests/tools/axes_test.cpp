@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Axes: people's units, the words for directions, and what the octets mean.
+// Axes: commands in degrees and percent, directions, and descriptions of octets.
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -38,7 +38,7 @@ TEST(Axes, MakeStepsByTheSignOfTheSpeed) {
     EXPECT_EQ(octets(commandBy(axisNamed("iris"), -100, 1)), "01 FF FF FF");
 }
 
-TEST(Axes, RefuseWhatTheyCannotDo) {
+TEST(Axes, RefuseTargetsStepsAndSpeedsOutOfRange) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     for (const auto &[name, target] : {std::pair{"pan", 360.01},
                                        {"pan", -361.0},
@@ -69,7 +69,7 @@ TEST(Axes, RefuseWhatTheyCannotDo) {
     EXPECT_THROW(axisNamed("roll"), std::invalid_argument);
 }
 
-TEST(Axes, RunTowardsTheirWords) {
+TEST(Axes, MoveInNamedDirections) {
     for (const Axis &axis : axes()) {
         EXPECT_EQ(octets(commandTowards(axis, axis.directions.forward, 127, kLow)), "03 7F 00 00") << axis.name;
         EXPECT_EQ(octets(commandTowards(axis, axis.directions.backward, 127, kLow)), "03 81 00 00") << axis.name;
@@ -82,12 +82,12 @@ TEST(Axes, RunTowardsTheirWords) {
     }
 }
 
-TEST(Axes, PublicTextsCloseTheIrisWithAPositiveSpeed) {
+TEST(Axes, APositiveSpeedClosesTheIrisInThePublicEncoding) {
     EXPECT_EQ(octets(commandTowards(axisNamed("iris"), "close", 127, kHigh)), "03 7F 00 00");
     EXPECT_EQ(octets(commandTowards(axisNamed("focus"), "far", 127, kHigh)), "03 7F 00 00");
 }
 
-TEST(Axes, EveryPositionOfACircleIsAnAngleThatLeadsBack) {
+TEST(Axes, EveryPositionOfACircleConvertsToAnAngleAndBack) {
     for (const char *name : {"pan", "tilt"}) {
         const Axis &axis = axisNamed(name);
         for (int position = 0; position < axis.range.circle; ++position) {
@@ -103,7 +103,7 @@ TEST(Axes, EveryPositionOfACircleIsAnAngleThatLeadsBack) {
     }
 }
 
-TEST(Axes, OctetsAreExplained) {
+TEST(Axes, OctetsAreDescribed) {
     const struct {
         const char *axis;
         const char *octets;
@@ -127,7 +127,7 @@ TEST(Axes, OctetsAreExplained) {
     }
 }
 
-TEST(Axes, OctetsAreExplainedToPrograms) {
+TEST(Axes, OctetsAreDescribedInJson) {
     const auto json = [](const char *axis, const char *text) {
         return octetsJson(axisNamed(axis), snmp::parseHex(text), kLow).dump();
     };

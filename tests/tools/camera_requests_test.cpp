@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Reading and writing a camera that answers well, badly, or something else.
+// Requests to a camera with correct, failing and malformed answers.
 #include <algorithm>
 #include <iterator>
 
@@ -49,7 +49,7 @@ TEST(CameraRequests, ReadsManyObjectsInFewRequests) {
     EXPECT_EQ(camera.log.size(), 3U);
 }
 
-TEST(CameraRequests, OneObjectThatCannotBeReadKeepsNoOtherFromIt) {
+TEST(CameraRequests, AnUnreadableObjectDoesNotAffectTheOthers) {
     Camera camera;
     camera.failGet("inputStatus", kGenErr);
     camera.remove("power");
@@ -84,7 +84,7 @@ TEST(CameraRequests, ChecksTypesAndLengths) {
                 HasSubstr("power: the camera answered OCTET STRING"));
 }
 
-TEST(CameraRequests, AnAnswerThatIsNoneOfTheRequestIsNotUsed) {
+TEST(CameraRequests, AResponseToAnotherRequestIsDiscarded) {
     Camera camera;
     camera.spoil = [](Operation, Response &response) { response.varbinds.pop_back(); };
     EXPECT_EQ(scripted::failure(camera, kReadTwo, kBadResponse), "the camera answered 1 values to a request for 2");
@@ -99,7 +99,7 @@ TEST(CameraRequests, AnAnswerThatIsNoneOfTheRequestIsNotUsed) {
     EXPECT_EQ(readThem(camera, {oids::power}).front().problem, "the camera answered NULL");
 }
 
-TEST(CameraRequests, AnErrorAboutNothingEndsTheCommand) {
+TEST(CameraRequests, AnErrorWithoutAValidIndexEndsTheCommand) {
     Camera camera;
     for (const long index : {0L, 3L, -1L}) {
         camera.spoil = [index](Operation, Response &response) {
@@ -110,7 +110,7 @@ TEST(CameraRequests, AnErrorAboutNothingEndsTheCommand) {
     }
 }
 
-TEST(CameraRequests, AnErrorAboutNothingIsAboutTheOnlyObject) {
+TEST(CameraRequests, AnErrorWithoutAnIndexBelongsToTheOnlyObject) {
     Camera camera;
     camera.spoil = [](Operation, Response &response) { response.error = kGenErr; };
     EXPECT_EQ(scripted::failure(camera, kWrite, kRefused), "the camera refused timeoutPan = 5: genErr");
@@ -126,7 +126,7 @@ TEST(CameraRequests, ReadsTheRowsOfAColumn) {
     EXPECT_TRUE(readColumn(camera, ".1.3.6.1.4.1.99999.9").empty());
 }
 
-TEST(CameraRequests, AWalkThatGoesRoundIsEnded) {
+TEST(CameraRequests, AnEndlessWalkIsStopped) {
     Camera camera;
     camera.spoil = [](Operation, Response &response) {
         response.varbinds = {snmp::integer(oids::row(oids::relayStatesState, 1), 0)};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the commands read, send and say, with a scripted camera.
+// Requests and reports of the commands, with a scripted camera.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -76,7 +76,7 @@ void furnish(Camera &camera) {
 
 } // namespace
 
-TEST(Commands, StatusShowsEverythingAtAGlance) {
+TEST(Commands, StatusIsAnOverview) {
     Camera camera;
     furnish(camera);
     EXPECT_EQ(report(camera, showStatus).text,
@@ -105,7 +105,7 @@ TEST(Commands, VerboseStatusHasTheRawValues) {
     EXPECT_THAT(text, HasSubstr("Camera       QN-4000 Dome, serial QN.4711 [51 4E 1B 34 37 31 31],"));
 }
 
-TEST(Commands, StatusForProgramsHasTheNamesOfTheObjects) {
+TEST(Commands, StatusInJsonHasTheNamesOfTheObjects) {
     Camera camera;
     furnish(camera);
     const nlohmann::ordered_json data = report(camera, showStatus).data;
@@ -141,7 +141,7 @@ TEST(Commands, LimitsAreAngles) {
     EXPECT_THAT(text, HasSubstr("North    offset unknown\n"));
 }
 
-TEST(Commands, GetShowsWhatItCanAndFails) {
+TEST(Commands, GetShowsReadableObjectsAndFails) {
     Camera camera;
     camera.remove("power");
     Report result;
@@ -164,7 +164,7 @@ TEST(Commands, AWriteShowsBeforeSentAndAfter) {
     EXPECT_THAT(camera.log, ElementsAre("get positionPan", "set positionPan=02 40 28 23", "get positionPan"));
 }
 
-TEST(Commands, AWriteInTheOtherOrder) {
+TEST(Commands, AWriteFollowsTheByteOrder) {
     Camera camera;
     Settings settings;
     settings.order = ptz::ByteOrder::HighFirst;
@@ -172,7 +172,7 @@ TEST(Commands, AWriteInTheOtherOrder) {
     EXPECT_THAT(camera.log, Contains("set positionPan=02 40 46 50"));
 }
 
-TEST(Commands, AnAutomaticDriveIsPointedOut) {
+TEST(Commands, AMoveOfAnAutomaticDriveWarns) {
     Camera camera;
     const Action opening = moving("iris", 1, 1);
     EXPECT_THAT(report(camera, opening).text, Not(HasSubstr("automatic")));
@@ -189,18 +189,18 @@ TEST(Commands, StopSendsThreeAxesInOneRequest) {
     EXPECT_THAT(camera.log, Contains("set positionIrisLens=00 00 00 00"));
 }
 
-TEST(Commands, StopLeavesOutWhatTheCameraDoesNotHave) {
+TEST(Commands, StopOmitsMissingAxes) {
     Camera camera;
     camera.remove("positionZoomLens");
     EXPECT_THAT(report(camera, stopping("all")).text, HasSubstr("The camera does not have positionZoomLens.\n"));
     EXPECT_THAT(camera.log, Contains("set positionPan=00 00 00 00 positionTilt=00 00 00 00"));
     camera.failGet("positionPan", kGenErr);
     report(camera, stopping("pan"));
-    EXPECT_EQ(camera.log.at(camera.log.size() - 2), "set positionPan=00 00 00 00") << "it was not stopped";
+    EXPECT_EQ(camera.log.at(camera.log.size() - 2), "set positionPan=00 00 00 00") << "the axis did not stop";
     EXPECT_EQ(failure(camera, stopping("zoom"), kRefused), "the camera has none of these axes");
 }
 
-TEST(Commands, TheAutomaticIsSwitchedAndLookedAt) {
+TEST(Commands, AnAutomaticFeatureIsSwitchedAndVerified) {
     Camera camera;
     followCommands(camera);
     EXPECT_THAT(report(camera, automatic(ptz::kAutomaticFocus, true)).text, HasSubstr("Automatic now: focus\n"));
@@ -212,7 +212,7 @@ TEST(Commands, TheAutomaticIsSwitchedAndLookedAt) {
     EXPECT_THAT(camera.log, Contains("set systemLensFeatureControl=80 00"));
 }
 
-TEST(Commands, ARelayIsSwitchedAndLookedAt) {
+TEST(Commands, ARelayIsSwitchedAndVerified) {
     Camera camera;
     followCommands(camera);
     camera.put("relayStatesTable.3.2", 0);
@@ -223,7 +223,7 @@ TEST(Commands, ARelayIsSwitchedAndLookedAt) {
     EXPECT_EQ(failure(camera, switching(3, true), kUsage), "the camera has relays 1 to 2");
 }
 
-TEST(Commands, APresetIsANumberTheCameraHas) {
+TEST(Commands, APresetIsWithinTheNumberOfTheCamera) {
     Camera camera;
     camera.put("rangeMaximumPreset", 16);
     EXPECT_THAT(report(camera, [](Context &context) { storePreset(context, 16); }).text, HasSubstr("preset 16"));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The manual page and the completion against the commands and options that the program has.
+// Completeness of the manual page and of the completion.
 #include <array>
 #include <cstdio>
 #include <fstream>
@@ -58,7 +58,7 @@ std::string manual() {
     return text.str();
 }
 
-/** The words behind a macro in the lines of the manual page that begin with `.It`, or in all lines. */
+/** Returns the words after a macro of the manual page. @param before start of the lines to search */
 Words markedInManual(const std::string &macro, const std::string &before) {
     Words words;
     std::istringstream lines(manual());
@@ -75,7 +75,7 @@ Words markedInManual(const std::string &macro, const std::string &before) {
     return words;
 }
 
-/** What the completion offers for a command line whose last word is being typed. */
+/** Completes the last word of a command line. */
 Words completed(const std::vector<std::string> &line) {
     std::string quoted;
     for (const std::string &word : line) {
@@ -94,7 +94,7 @@ Words completed(const std::vector<std::string> &line) {
     return splitAt(text, '\n');
 }
 
-/** Calls a function for each command, with the words that lead there; those in front of other ones included. */
+/** Calls a function for each command and subcommand, with its path. */
 void forEachCommand(const CLI::App &app, const std::vector<std::string> &path,
                     const std::function<void(const CLI::App &, const std::vector<std::string> &)> &use) {
     use(app, path);
@@ -182,7 +182,7 @@ TEST_F(Documents, TheCompletionKnowsEveryOption) {
     }
 }
 
-TEST_F(Documents, TheCompletionKnowsWhatIsNoCommand) {
+TEST_F(Documents, TheCompletionKnowsValues) {
     EXPECT_EQ(completed({"ptzctl", "--byte-order", ""}), (Words{"low", "high"}));
     EXPECT_EQ(completed({"ptzctl", "-H", "status", "preset", ""}), (Words{"go", "store"}));
     EXPECT_EQ(completed({"ptzctl", "relay", "1", "o"}), (Words{"on", "off"}));

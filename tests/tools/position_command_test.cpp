@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The four octets, over their whole range and in both orders.
+// Octets of commands over their whole range, in both orders, and octets as text.
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ std::string fourOctets(int first, int second, int third, int fourth) {
 
 class PositionCommandTest : public testing::TestWithParam<ByteOrder> {
 protected:
-    /** What a camera of this order sends for the octets of a low-order-first one. */
+    /** Converts octets with the low octet first to the order of the test. */
     static std::string ordered(const std::string &octets) {
         return GetParam() == ByteOrder::LowFirst ? octets : octets.substr(0, 2) + octets[3] + octets[2];
     }
@@ -57,7 +57,7 @@ TEST_P(PositionCommandTest, EveryModeAndSpeedIsReadOrRefused) {
     }
 }
 
-TEST_P(PositionCommandTest, OtherLengthsAreNoCommands) {
+TEST_P(PositionCommandTest, OtherLengthsAreRefused) {
     for (std::size_t length = 0; length < 10; ++length) {
         if (length != kCommandSize) {
             EXPECT_THROW(decode(std::string(length, '\x02'), GetParam()), std::invalid_argument) << length;
@@ -65,13 +65,13 @@ TEST_P(PositionCommandTest, OtherLengthsAreNoCommands) {
     }
 }
 
-TEST_P(PositionCommandTest, WhatDoesNotFitIsNotEncoded) {
+TEST_P(PositionCommandTest, InvalidSpeedsAreRefused) {
     EXPECT_THROW(encode({Mode::Stop, 1, 0}, GetParam()), std::invalid_argument);
     EXPECT_THROW(encode({Mode::Delta, 128, 0}, GetParam()), std::invalid_argument);
     EXPECT_THROW(encode({Mode::Delta, -129, 0}, GetParam()), std::invalid_argument);
 }
 
-TEST(PositionCommand, OnlyWhatIsNoCommandIsAnInitialPosition) {
+TEST(PositionCommand, OnlyInvalidCommandsAreInitialPositions) {
     for (int first = 0; first < kOctetValues; ++first) {
         for (int second = 0; second < kOctetValues; ++second) {
             const std::string octets = fourOctets(first, second, 0, 0);
@@ -107,7 +107,7 @@ TEST(OctetsText, EveryOctetIsWrittenAndRead) {
     EXPECT_EQ(hexText(""), "");
 }
 
-TEST(OctetsText, ReadsTheUsualWaysOfWriting) {
+TEST(OctetsText, ReadsTheUsualNotations) {
     const std::string octets = fourOctets(2, 0x7F, 0xE8, 0x80);
     for (const char *text : {"027FE880", "02 7f e8 80", "02:7F:E8:80", "0x027fE880"}) {
         EXPECT_EQ(parseHex(text), octets) << text;
@@ -121,6 +121,6 @@ TEST(OctetsText, RefusesOtherTexts) {
     }
 }
 
-TEST(OctetsText, WhatSteersATerminalIsReplaced) {
+TEST(OctetsText, ControlCharactersAreReplaced) {
     EXPECT_EQ(snmp::printable("QN\033[2J\n\xC3\xA4~ !"), "QN.[2J...~ !");
 }

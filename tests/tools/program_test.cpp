@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What surrounds the commands: outcomes of several cameras, exit codes, texts, the command line itself.
+// The program around the commands: several cameras, exit codes, texts, the command line.
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
@@ -40,7 +40,7 @@ public:
 
 const testing::Environment *const kEnvironment = testing::AddGlobalTestEnvironment(new CleanEnvironment);
 
-/** Ends well for the camera "one", and somehow else for others. */
+/** Succeeds for the camera "one", and fails in one way or another for others. */
 void command(const std::string &host, Report &report) {
     report.text = "pid " + std::to_string(getpid()) + "\n";
     report.data["name"] = host;
@@ -65,7 +65,7 @@ std::vector<Outcome> outcomes(const std::vector<std::string> &hosts) {
     return runOnAll(hosts, command);
 }
 
-/** Reads a command line. @return what is wrong with it, or "" */
+/** Parses a command line. @return its error, or an empty text */
 std::string complaint(Invocation &invocation, std::vector<std::string> arguments) {
     const std::unique_ptr<CLI::App> app = commandLine(invocation);
     std::reverse(arguments.begin(), arguments.end()); // as the library wants them
@@ -84,7 +84,7 @@ std::string complaint(const std::vector<std::string> &arguments) {
     return complaint(invocation, arguments);
 }
 
-/** What a command that needs no camera prints. */
+/** Returns the output of a command without a camera. */
 std::string printed(const std::vector<std::string> &arguments) {
     Invocation invocation;
     EXPECT_EQ(complaint(invocation, arguments), "");
@@ -93,7 +93,7 @@ std::string printed(const std::vector<std::string> &arguments) {
 
 } // namespace
 
-TEST(Program, AsksEveryCameraInAProcessOfItsOwn) {
+TEST(Program, EachCameraHasAProcess) {
     const std::vector<Outcome> both = outcomes({"one", "large"});
     EXPECT_EQ(both[0].code, ExitCode::Done);
     EXPECT_NE(both[0].report.text, "pid " + std::to_string(getpid()) + "\n");
@@ -101,7 +101,7 @@ TEST(Program, AsksEveryCameraInAProcessOfItsOwn) {
     EXPECT_EQ(both[1].report.text.size(), 1U << 20U);
 }
 
-TEST(Program, WhateverHappensToOneCameraTheOthersAreShown) {
+TEST(Program, AFailureOfOneCameraDoesNotAffectTheOthers) {
     const std::vector<std::string> hosts = {"dying", "throwing", "one", "refusing"};
     const std::vector<Outcome> all = outcomes(hosts);
     EXPECT_EQ(all[0].code, ExitCode::BadResponse);
@@ -138,7 +138,7 @@ TEST(Program, SeveralCamerasHaveHeadings) {
     EXPECT_EQ(outcomesJson({"one"}, {both.front()}).dump(), R"({"host":"one","ok":true,"x":1})");
 }
 
-TEST(Program, TextsAreAlignedByWhatIsSeen) {
+TEST(Program, TextsAreAlignedByTheirDisplayWidth) {
     const Style coloured{true};
     EXPECT_EQ(displayWidth("5 °C"), 4U);
     EXPECT_EQ(displayWidth(coloured.heading("Pan")), 3U);
@@ -148,7 +148,7 @@ TEST(Program, TextsAreAlignedByWhatIsSeen) {
     EXPECT_EQ(coloured.trouble(""), "");
 }
 
-TEST(Program, OnlyTerminalsAreColouredAndOnlyWhenNobodyMinds) {
+TEST(Program, OnlyTerminalsAreColouredUnlessNoColorIsSet) {
     const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
     ASSERT_GE(terminal, 0);
     const int file = open("/dev/null", O_WRONLY);
@@ -224,7 +224,7 @@ TEST(Program, SpeedsAreNumbersOrPercentages) {
     }
 }
 
-TEST(Program, HostsAreAListAndOptionsStandAnywhere) {
+TEST(Program, HostsAreAListAndOptionsGoAnywhere) {
     Invocation invocation;
     EXPECT_EQ(complaint(invocation, {"-H", "a,b:1161", "status", "--host", "c", "-c", "private", "--json"}), "");
     EXPECT_THAT(invocation.hosts, testing::ElementsAre("a", "b:1161", "c"));
@@ -232,7 +232,7 @@ TEST(Program, HostsAreAListAndOptionsStandAnywhere) {
     EXPECT_TRUE(invocation.json);
 }
 
-TEST(Program, TheEnvironmentStandsInForOptions) {
+TEST(Program, TheEnvironmentReplacesOptions) {
     ASSERT_EQ(setenv("PTZCTL_HOST", "a,b", 1), 0);
     ASSERT_EQ(setenv("PTZCTL_BYTE_ORDER", "high", 1), 0);
     Invocation invocation;
@@ -243,7 +243,7 @@ TEST(Program, TheEnvironmentStandsInForOptions) {
     EXPECT_EQ(invocation.settings.order, ptz::ByteOrder::HighFirst);
 }
 
-TEST(Program, AsksBeforeARestart) {
+TEST(Program, ARestartNeedsAConfirmation) {
     Invocation invocation;
     ASSERT_EQ(complaint(invocation, {"-H", "camera", "reboot"}), "");
     bool sent = false;
@@ -259,14 +259,14 @@ TEST(Program, AsksBeforeARestart) {
     EXPECT_FALSE(sent);
 }
 
-TEST(Program, WantsToKnowWhichCamera) {
+TEST(Program, ACameraIsRequired) {
     Invocation invocation;
     ASSERT_EQ(complaint(invocation, {"status"}), "");
     std::istringstream input;
     std::ostringstream output;
     std::ostringstream errors;
     EXPECT_EQ(run(invocation, input, output, errors, false), ExitCode::Usage);
-    EXPECT_THAT(errors.str(), HasSubstr("--host"));
+    EXPECT_THAT(errors.str(), HasSubstr("ptzctl: no camera given\n  use --host"));
 }
 
 TEST(Program, TrapsAreExplained) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The live screen of watch.
+// Live screen of `watch`.
 #include <cstdlib>
 #include <ctime>
 #include <sstream>
@@ -15,7 +15,7 @@ using namespace ptzctl;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-TEST(Screen, TheHeadingSaysWhichCameraWhenAndHowItGoesOn) {
+TEST(Screen, TheHeadingHasCameraTimeAndInterval) {
     setenv("TZ", "UTC", 1);
     tzset();
     Invocation invocation;
@@ -28,19 +28,19 @@ TEST(Screen, TheHeadingSaysWhichCameraWhenAndHowItGoesOn) {
     EXPECT_EQ(screenHeading(invocation, now), "2026-11-22 00:00:00, every 0.5 s; * changed; Ctrl-C ends\n\n");
 }
 
-TEST(Screen, WhatIsNewIsMarked) {
+TEST(Screen, ChangesAreMarked) {
     EXPECT_EQ(markChanges("Pan   stop\nTilt  up\n", "Pan   stop\nTilt  stop\n", {}), "Pan   stop\nTilt  up  *\n");
     EXPECT_EQ(markChanges("Pan   stop\n", "Pan   stop\n", {}), "Pan   stop\n");
     EXPECT_EQ(markChanges("Pan  left\n", "Pan  stop\n", Style{true}), "Pan  left  \033[32m*\033[0m\n");
 }
 
-TEST(Screen, NothingIsMarkedWhenThereAreOtherLines) {
+TEST(Screen, NothingIsMarkedWithAnotherNumberOfLines) {
     EXPECT_EQ(markChanges("Pan   stop\nTilt  stop\n", "", {}), "Pan   stop\nTilt  stop\n");
     EXPECT_EQ(markChanges("Tilt  stop\n", "Pan   stop\nTilt  stop\n", {}), "Tilt  stop\n");
     EXPECT_EQ(markChanges("", "Pan   stop\n", {}), "");
 }
 
-TEST(Screen, ItIsForTerminalsAndThereWithoutAnAnswerToo) {
+TEST(Screen, ATerminalShowsItWithoutAnAnswer) {
     Invocation invocation;
     const std::unique_ptr<CLI::App> app = commandLine(invocation);
     app->parse("--host 127.0.0.1:9 --community x --timeout 0.05 watch --count 1");

@@ -82,7 +82,7 @@ void addOptions(CLI::App &app, Invocation &invocation, const SharedArguments &ar
     app.add_option("-s,--speed", arguments->speed, "Speed of a move: 1 to 127, or 1% to 100%")->capture_default_str();
     app.add_flag("-j,--json", invocation.json, "Print JSON");
     app.add_flag("--verbose", invocation.settings.verbose, "Show raw octets and numbers as well");
-    app.add_option("-t,--timeout", invocation.timeoutSeconds, "Time to wait for an answer, in seconds")
+    app.add_option("-t,--timeout", invocation.timeoutSeconds, "Seconds to wait for an answer")
         ->check(CLI::Range(0.05, kLongestSeconds))
         ->capture_default_str();
     app.add_option("--byte-order", invocation.settings.order,

@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # Completion of ptzctl(1) for bash.
 
-# What can follow a path of commands, one line each: the path, a colon, the words.
+# Completions of each path of commands: the path, a colon, the words.
 _ptzctl_words() {
     local axis places
     cat <<'WORDS'
@@ -22,7 +22,7 @@ WORDS
     done
 }
 
-# The options that only some commands have.
+# Options of single commands.
 _ptzctl_own_options() {
     case $1 in
     reboot) echo '-y --yes' ;;
@@ -32,7 +32,7 @@ _ptzctl_own_options() {
     esac
 }
 
-# The values of an option; fails for one that has none, and is silent about one that can have any.
+# Values of an option. Fails for an option without a value, and prints nothing for one with any value.
 _ptzctl_values() {
     case $1 in
     --byte-order) echo 'low high' ;;
