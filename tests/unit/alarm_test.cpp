@@ -32,11 +32,7 @@ protected:
         gpio::script(kAlarmTable, inputs);
     }
     static void expectInputs(unsigned int bits) {
-        const Answer answer = get(kInputStatus);
-        EXPECT_EQ(answer.returned, SNMP_ERR_NOERROR);
-        EXPECT_EQ(answer.requestError, SNMP_ERR_NOERROR);
-        EXPECT_EQ(answer.type, ASN_OCTET_STR);
-        EXPECT_EQ(answer.octets, octets({bits}));
+        EXPECT_THAT(get(kInputStatus), isOctets(octets({bits})));
     }
     static std::vector<std::string> readCalls(int count) {
         std::vector<std::string> result;
@@ -139,10 +135,7 @@ TEST_F(AlarmTest, TheAlarmStatusIsAlwaysZero) {
     core().clearRecord();
     for (const int mode : Modes{MODE_GET, MODE_GETNEXT}) {
         core().clearRecord();
-        const Answer answer = Request(kAlarmStatus).runOwnHandler(mode);
-        EXPECT_EQ(answer.returned, SNMP_ERR_NOERROR);
-        EXPECT_EQ(answer.type, ASN_OCTET_STR);
-        EXPECT_EQ(answer.octets, "\0"s);
+        EXPECT_THAT(Request(kAlarmStatus).runOwnHandler(mode), isOctets("\0"s));
         EXPECT_THAT(core().logs(),
                     ElementsAre(LogLine{7, "handle_alarmStatus: Enter."}, LogLine{7, "handle_alarmStatus: Exit."}));
         EXPECT_THAT(core().calls(), IsEmpty());

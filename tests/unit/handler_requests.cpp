@@ -28,6 +28,13 @@ LogLine debug(const std::string &text) {
     return {7, text};
 }
 
+std::vector<LogLine> from(const std::string &handler, const std::vector<LogLine> &between) {
+    std::vector<LogLine> lines{debug(handler + ": Enter.")};
+    lines.insert(lines.end(), between.begin(), between.end());
+    lines.push_back(debug(handler + ": Done."));
+    return lines;
+}
+
 LogLine failed(const std::string &call) {
     return error("Failed zorva api call: " + call + " (status 17)");
 }

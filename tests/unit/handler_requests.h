@@ -20,6 +20,9 @@ LogLine notice(const std::string &text);
 LogLine info(const std::string &text);
 LogLine debug(const std::string &text);
 
+/** Lines of a handler from "Enter." to "Done.", with others between them. */
+std::vector<LogLine> from(const std::string &handler, const std::vector<LogLine> &between = {});
+
 /** The line of a call that failed with kRefused. */
 LogLine failed(const std::string &call);
 

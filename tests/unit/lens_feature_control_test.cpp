@@ -29,10 +29,7 @@ protected:
     }
 
     static void expectStory(const std::string &value, const Lines &first, const Lines &second = {}) {
-        const Answer answer = commit(object(), value);
-        EXPECT_THAT(answer, isAccepted());
-        EXPECT_EQ(answer.type, ASN_OCTET_STR);
-        EXPECT_EQ(answer.octets, value);
+        EXPECT_THAT(commit(object(), value), isOctets(value));
         Lines expected{line(enter(object()))};
         expected.insert(expected.end(), first.begin(), first.end());
         expected.insert(expected.end(), second.begin(), second.end());

@@ -26,10 +26,7 @@ INSTANTIATE_TEST_SUITE_P(Drives, LensPositionTest, testing::ValuesIn(allDrives()
 } // namespace
 
 TEST_P(LensPositionTest, IsZeroBeforeAnyCommand) {
-    const Answer answer = get(object().instance());
-    EXPECT_THAT(answer, isAccepted());
-    EXPECT_EQ(answer.type, ASN_OCTET_STR);
-    EXPECT_EQ(answer.octets, octets({0, 0, 0, 0}));
+    EXPECT_THAT(get(object().instance()), isOctets(octets({0, 0, 0, 0})));
 }
 
 TEST_P(LensPositionTest, HasNoPendingCommandBeforeAnyAction) {
@@ -41,10 +38,7 @@ TEST_P(LensPositionTest, AnswersTheLastCommandAndAsksNobody) {
         set(object().instance(), NewValue::text(value));
         answer(GetParam(), {5000, 0, 10000});
         forget();
-        const Answer answer = get(object().instance());
-        EXPECT_THAT(answer, isAccepted());
-        EXPECT_EQ(answer.type, ASN_OCTET_STR);
-        EXPECT_EQ(answer.octets, value);
+        EXPECT_THAT(get(object().instance()), isOctets(value));
         EXPECT_THAT(core().calls(), IsEmpty());
         EXPECT_THAT(core().logs(), ElementsAre(enter(object()), done(object())));
     }
@@ -114,10 +108,7 @@ TEST_P(LensPositionTest, ARefusedCommandLeavesTheLastOne) {
 
 TEST_P(LensPositionTest, ACommitAnswersWithThePendingCommand) {
     phase(MODE_SET_ACTION, command(2, -5, 0x1234));
-    const Answer answer = phase(MODE_SET_COMMIT, command(0, 0, 0x5678));
-    EXPECT_THAT(answer, isAccepted());
-    EXPECT_EQ(answer.type, ASN_OCTET_STR);
-    EXPECT_EQ(answer.octets, command(2, -5, 0x1234));
+    EXPECT_THAT(phase(MODE_SET_COMMIT, command(0, 0, 0x5678)), isOctets(command(2, -5, 0x1234)));
     EXPECT_EQ(committed(), command(2, -5, 0x1234));
 }
 

@@ -229,18 +229,18 @@ TEST_P(PositioningZoomRangeTest, BackUsesTheSoftLimitsWhateverIsEnabled) {
 
 TEST_P(PositioningZoomRangeTest, AsksForNoMoreThanItNeeds) {
     convertNTCIPToZorvaZoom(1);
-    std::vector<std::string> expected{calls::getSoftPositions()};
+    std::vector<std::string> expected{calls::kGetSoftPositions};
     if (!GetParam().soft.enabled) {
-        expected.push_back(calls::getDigitalZoom());
+        expected.push_back(calls::kGetDigitalZoom);
     }
     if (!GetParam().soft.enabled && !GetParam().digital) {
-        expected.push_back(calls::getMaxZoom());
+        expected.push_back(calls::kGetMaxZoom);
     }
     EXPECT_EQ(core().calls(), expected);
 
     core().clearRecord();
     convertZorvaToNTCIPZoom(1);
-    EXPECT_THAT(core().calls(), ElementsAre(calls::getSoftPositions()));
+    EXPECT_THAT(core().calls(), ElementsAre(calls::kGetSoftPositions));
     EXPECT_THAT(core().logs(), IsEmpty());
 }
 

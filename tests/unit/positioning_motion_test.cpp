@@ -140,22 +140,22 @@ void append(Calls &result, const Calls &more) {
 }
 
 Calls zoomConversion(ZoomBound bound) {
-    Calls result{calls::getSoftPositions()};
+    Calls result{calls::kGetSoftPositions};
     if (bound != ZoomBound::SoftLimits) {
-        result.push_back(calls::getDigitalZoom());
+        result.push_back(calls::kGetDigitalZoom);
     }
     if (bound == ZoomBound::Optics) {
-        result.push_back(calls::getMaxZoom());
+        result.push_back(calls::kGetMaxZoom);
     }
     return result;
 }
 
 Calls speedMapping(Kind kind, bool rewritten) {
-    Calls result{calls::getSoftVelocities()};
+    Calls result{calls::kGetSoftVelocities};
     if (rewritten) {
         result.push_back(calls::setSoftVelocities(ceilingsOf(kind).pan, ceilingsOf(kind).tilt));
     }
-    result.push_back(calls::getCameraVelocities());
+    result.push_back(calls::kGetCameraVelocities);
     return result;
 }
 
@@ -164,12 +164,12 @@ Calls expectedCalls(const Command &each, bool rewritten, ZoomBound bound) {
         return {calls::stop(each.axis)};
     }
     if (each.kind == Kind::Continuous) {
-        Calls result{calls::getSoftPositions()};
+        Calls result{calls::kGetSoftPositions};
         append(result, speedMapping(each.kind, rewritten));
         result.push_back(calls::run(each.axis, each.target, 5000));
         return result;
     }
-    Calls result{calls::clearVelocityLimits(), calls::getPosition(), calls::getSoftPositions()};
+    Calls result{calls::kClearVelocityLimits, calls::kGetPosition, calls::kGetSoftPositions};
     if (each.axis == kZoomAxis) {
         append(result, zoomConversion(bound));
     }

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
+/**
+ * @file
+ * The ranges of pan, tilt and zoom.
+ */
 #include <climits>
-#include <ostream>
-#include <string>
 
 #include "positioning_call_texts.h"
 #include "positioning_test.h"
@@ -9,48 +11,31 @@
 
 namespace {
 
-struct RangeObject {
-    const char *name; ///< of the handler
-    Netsnmp_Node_Handler *handler;
-    const char *instance;
-    long atStart;
-    bool queried;
+/** A range, and its answer before the service has told any limit. */
+struct RangeObject : Row {
+    long atStart = 0;
+    bool isQueried = true;
+
+    std::string handler() const {
+        return "handle_" + name;
+    }
+    const char *instance() const {
+        return listedObject(name).instance;
+    }
 };
 
-void PrintTo(const RangeObject &object, std::ostream *stream) {
-    *stream << object.name;
-}
-
-const RangeObject kPanLeft{"handle_rangePanLeftLimit", positioning::handle_rangePanLeftLimit, oids::rangePanLeftLimit,
-                           0, true};
-const RangeObject kPanRight{"handle_rangePanRightLimit", positioning::handle_rangePanRightLimit,
-                            oids::rangePanRightLimit, 0, true};
-const RangeObject kTiltUp{"handle_rangeTiltUpLimit", positioning::handle_rangeTiltUpLimit, oids::rangeTiltUpLimit, 0,
-                          true};
-const RangeObject kTiltDown{"handle_rangeTiltDownLimit", positioning::handle_rangeTiltDownLimit,
-                            oids::rangeTiltDownLimit, 0, true};
-const RangeObject kReadOnly[] = {
-    kPanLeft,
-    kPanRight,
-    kTiltUp,
-    kTiltDown,
-    {"handle_rangePanHomePosition", positioning::handle_rangePanHomePosition, oids::rangePanHomePosition, 65535, false},
-    {"handle_rangeMinimumPanStepAngle", positioning::handle_rangeMinimumPanStepAngle, oids::rangeMinimumPanStepAngle, 1,
-     false},
-    {"handle_rangeMinimumTiltStepAngle", positioning::handle_rangeMinimumTiltStepAngle, oids::rangeMinimumTiltStepAngle,
-     1, false},
-    {"handle_rangeZoomLimit", positioning::handle_rangeZoomLimit, oids::rangeZoomLimit, 0, false}};
-
-const char *const kNorth = "handle_rangeTrueNorthOffset";
-const char *const kNorthInstance = oids::rangeTrueNorthOffset;
-
-LogLine enter(const std::string &name) {
-    return logs::debug(name + ": Enter.");
-}
-
-LogLine done(const std::string &name) {
-    return logs::debug(name + ": Done.");
-}
+const RangeObject kPanLeft{{"rangePanLeftLimit"}};
+const RangeObject kPanRight{{"rangePanRightLimit"}};
+const RangeObject kTiltUp{{"rangeTiltUpLimit"}};
+const RangeObject kTiltDown{{"rangeTiltDownLimit"}};
+const RangeObject kReadOnly[] = {kPanLeft,
+                                 kPanRight,
+                                 kTiltUp,
+                                 kTiltDown,
+                                 {{"rangePanHomePosition"}, 65535, false},
+                                 {{"rangeMinimumPanStepAngle"}, 1, false},
+                                 {{"rangeMinimumTiltStepAngle"}, 1, false},
+                                 {{"rangeZoomLimit"}, 0, false}};
 
 class PositioningRangeTest : public PositioningTest {
 protected:
@@ -59,27 +44,28 @@ protected:
         connect();
     }
 
-    /** The line that shows the limits which the fixture's service has. */
-    static LogLine softLimits(const RangeObject &object) {
-        return logs::info(object.name +
-                          ": get_soft_position_limits, 1000=pmin,350000=pmax,-80000=tmin,45000=tmax,10=zmin,10=zmax"s);
+    /** Checks a GET, and the calls and lines that it makes. */
+    static void expectRead(const RangeObject &object, long value, const Calls &calls,
+                           const std::vector<LogLine> &lines) {
+        core().clearRecord();
+        EXPECT_THAT(get(object.instance()), isInteger(value)) << object.name;
+        EXPECT_EQ(core().calls(), calls);
+        EXPECT_EQ(core().logs(), logs::from(object.handler(), lines));
     }
-
     static long read(const RangeObject &object) {
         core().clearRecord();
-        const Answer answer = get(object.instance);
-        EXPECT_THAT(answer, isAccepted()) << object.name;
-        EXPECT_EQ(answer.type, ASN_INTEGER) << object.name;
-        return answer.integer;
+        return get(object.instance()).integer;
+    }
+    /** The line with the limits of the fixture's service. */
+    static LogLine softLimits(const RangeObject &object) {
+        return logs::info(object.handler() +
+                          ": get_soft_position_limits, 1000=pmin,350000=pmax,-80000=tmin,45000=tmax,10=zmin,10=zmax");
+    }
+    static LogLine tiltMaximum(int hundredths) {
+        return logs::info("handle_rangeTiltUpLimit: tiltMaxLimit->" + std::to_string(hundredths));
     }
 
-    /** One phase of the true north on the handler itself, with the record of this phase only. */
-    static Answer north(int mode, const NewValue &value) {
-        core().clearRecord();
-        return DirtyRequest(kNorthInstance, value).run(positioning::handle_rangeTrueNorthOffset, mode);
-    }
-
-    /** What a limit answers, and whether a negative service value is cut or wrapped on the way. */
+    /** A limit of the service, and its answer. */
     struct Value {
         int zorva;
         long answered;
@@ -88,51 +74,39 @@ protected:
 
 class PositioningReadOnlyRangeTest : public PositioningRangeTest, public testing::WithParamInterface<RangeObject> {};
 
-INSTANTIATE_TEST_SUITE_P(Objects, PositioningReadOnlyRangeTest, testing::ValuesIn(kReadOnly),
-                         [](const auto &each) { return std::string(each.param.name).substr(7); });
+INSTANTIATE_TEST_SUITE_P(Objects, PositioningReadOnlyRangeTest, testing::ValuesIn(kReadOnly), nameOf<RangeObject>);
 
 } // namespace
 
 TEST_P(PositioningReadOnlyRangeTest, WithoutAConnectionTheStoredValueIsAnswered) {
     positioning::gApiCookie = nullptr;
-    EXPECT_EQ(read(GetParam()), GetParam().atStart);
-    EXPECT_THAT(core().calls(), IsEmpty());
-    EXPECT_THAT(core().logs(), ElementsAre(enter(GetParam().name), done(GetParam().name)));
+    expectRead(GetParam(), GetParam().atStart, {}, {});
 }
 
 TEST_P(PositioningReadOnlyRangeTest, OnlyLimitsAskTheService) {
-    const long before = read(GetParam());
-    if (GetParam().queried) {
-        EXPECT_THAT(core().calls(), ElementsAre(calls::getSoftPositions()));
+    if (GetParam().isQueried) {
+        read(GetParam());
+        EXPECT_THAT(core().calls(), ElementsAre(calls::kGetSoftPositions));
     } else {
-        EXPECT_EQ(before, GetParam().atStart);
-        EXPECT_THAT(core().calls(), IsEmpty());
-        EXPECT_THAT(core().logs(), ElementsAre(enter(GetParam().name), done(GetParam().name)));
+        expectRead(GetParam(), GetParam().atStart, {}, {});
     }
 }
 
 TEST_F(PositioningRangeTest, TheLastLimitIsAnsweredWhileTheServiceFails) {
-    const std::pair<RangeObject, long> cases[] = {
-        {kPanLeft, 100}, {kPanRight, 35000}, {kTiltUp, 4500}, {kTiltDown, 28000}};
-    for (const auto &[object, value] : cases) {
+    for (const RangeObject &object : {kPanLeft, kPanRight, kTiltUp, kTiltDown}) {
+        core().once(service::kGetSoftPositions, {kRefused, {}});
+        expectRead(object, 0, {calls::kGetSoftPositions}, {logs::failed(texts::kGetSoftPositions)});
+    }
+    for (const auto &[object, value] : {std::pair(kPanLeft, 100L), std::pair(kPanRight, 35000L),
+                                        std::pair(kTiltUp, 4500L), std::pair(kTiltDown, 28000L)}) {
         softPositions({1000, 350000}, {-80000, 45000}, {10, 300});
         EXPECT_EQ(read(object), value);
         core().fail(service::kGetSoftPositions, kRefused);
-        EXPECT_EQ(read(object), value);
-        EXPECT_THAT(core().logs(),
-                    ElementsAre(enter(object.name), logs::failed(texts::kGetSoftPositions), done(object.name)));
-        const void *const connection = positioning::gApiCookie;
+        expectRead(object, value, {calls::kGetSoftPositions}, {logs::failed(texts::kGetSoftPositions)});
+        void *const connection = positioning::gApiCookie;
         positioning::gApiCookie = nullptr;
-        EXPECT_EQ(read(object), value);
-        positioning::gApiCookie = const_cast<void *>(connection);
-    }
-}
-
-TEST_F(PositioningRangeTest, AFailureBeforeTheFirstLimitAnswersZero) {
-    core().fail(service::kGetSoftPositions, kRefused);
-    for (const RangeObject &object : {kPanLeft, kPanRight, kTiltUp, kTiltDown}) {
-        EXPECT_EQ(read(object), 0) << object.name;
-        EXPECT_THAT(core().calls(), ElementsAre(calls::getSoftPositions()));
+        expectRead(object, value, {}, {});
+        positioning::gApiCookie = connection;
     }
 }
 
@@ -143,20 +117,15 @@ TEST_F(PositioningRangeTest, PanLimitsAreUnsignedAndCutTo16Bits) {
     for (const Value &each : values) {
         softPositions({each.zorva, 1}, {2, 3}, {4, 5});
         EXPECT_EQ(read(kPanLeft), each.answered) << each.zorva;
-        EXPECT_EQ(positioning::gPanLeftLimit, each.answered) << each.zorva;
         softPositions({1, each.zorva}, {2, 3}, {4, 5});
         EXPECT_EQ(read(kPanRight), each.answered) << each.zorva;
-        EXPECT_EQ(positioning::gPanRightLimit, each.answered) << each.zorva;
     }
 }
 
 TEST_F(PositioningRangeTest, WithoutPanLimitsTheCircleIsWhole) {
     softPositions({1000, 350000, false}, {-80000, 45000}, {10, 300});
-    EXPECT_EQ(read(kPanLeft), 0);
-    EXPECT_THAT(core().logs(), ElementsAre(enter(kPanLeft.name), softLimits(kPanLeft), done(kPanLeft.name)));
-    EXPECT_EQ(read(kPanRight), 35999);
-    EXPECT_THAT(core().logs(), ElementsAre(enter(kPanRight.name), softLimits(kPanRight), done(kPanRight.name)));
-    EXPECT_THAT(core().calls(), ElementsAre(calls::getSoftPositions()));
+    expectRead(kPanLeft, 0, {calls::kGetSoftPositions}, {softLimits(kPanLeft)});
+    expectRead(kPanRight, 35999, {calls::kGetSoftPositions}, {softLimits(kPanRight)});
 }
 
 TEST_F(PositioningRangeTest, SoftTiltLimitsWrapDownwards) {
@@ -167,10 +136,8 @@ TEST_F(PositioningRangeTest, SoftTiltLimitsWrapDownwards) {
     for (const Value &each : values) {
         softPositions({1, 1}, {each.zorva, 12345}, {4, 5});
         EXPECT_EQ(read(kTiltDown), each.answered) << each.zorva;
-        EXPECT_EQ(positioning::gTiltDownLimit, each.answered) << each.zorva;
         softPositions({1, 1}, {12345, each.zorva}, {4, 5});
         EXPECT_EQ(read(kTiltUp), each.answered) << each.zorva;
-        EXPECT_EQ(positioning::gTiltUpLimit, each.answered) << each.zorva;
     }
 }
 
@@ -189,66 +156,56 @@ TEST_F(PositioningRangeTest, OnlyTheDownLimitOfTheCameraWraps) {
                           {-45009, -4500, 31500},
                           {327680, -32768, -32768},
                           {INT_MIN, 13108, -16428}};
+    const Calls asked{calls::kGetSoftPositions, calls::kGetCameraPositions};
     for (const Case &each : cases) {
+        SCOPED_TRACE(each.zorva);
         cameraPositions({1, 2}, {each.zorva, 12345}, {3, 4});
-        EXPECT_EQ(read(kTiltDown), each.down) << each.zorva;
-        EXPECT_THAT(core().calls(), ElementsAre(calls::getSoftPositions(), calls::getCameraPositions()));
-        EXPECT_THAT(core().logs(), ElementsAre(enter(kTiltDown.name), softLimits(kTiltDown), done(kTiltDown.name)));
+        expectRead(kTiltDown, each.down, asked, {softLimits(kTiltDown)});
         cameraPositions({1, 2}, {12345, each.zorva}, {3, 4});
-        EXPECT_EQ(read(kTiltUp), each.up) << each.zorva;
-        EXPECT_THAT(core().calls(), ElementsAre(calls::getSoftPositions(), calls::getCameraPositions()));
-        EXPECT_THAT(core().logs(), ElementsAre(enter(kTiltUp.name), softLimits(kTiltUp), done(kTiltUp.name)));
+        expectRead(kTiltUp, each.up, asked, {softLimits(kTiltUp)});
     }
 }
 
-TEST_F(PositioningRangeTest, TheSoftUpLimitIsShownBeforeItIsCut) {
-    read(kTiltUp);
-    EXPECT_THAT(core().logs(),
-                ElementsAre(enter(kTiltUp.name), softLimits(kTiltUp),
-                            logs::info("handle_rangeTiltUpLimit: tiltMaxLimit->4500"), done(kTiltUp.name)));
+TEST_F(PositioningRangeTest, TheSoftUpLimitIsLoggedBeforeItIsCut) {
+    expectRead(kTiltUp, 4500, {calls::kGetSoftPositions}, {softLimits(kTiltUp), tiltMaximum(4500)});
     softPositions({1000, 350000}, {-80000, -10}, {10, 300});
     read(kTiltUp);
-    EXPECT_THAT(core().logs(6), Contains("handle_rangeTiltUpLimit: tiltMaxLimit->35999"));
+    EXPECT_THAT(core().logs(), Contains(tiltMaximum(35999)));
     softPositions({1000, 350000}, {-80000, 45000}, {10, 300});
-    read(kTiltDown);
-    EXPECT_THAT(core().logs(), ElementsAre(enter(kTiltDown.name), softLimits(kTiltDown), done(kTiltDown.name)));
+    expectRead(kTiltDown, 28000, {calls::kGetSoftPositions}, {softLimits(kTiltDown)});
 }
 
-TEST_F(PositioningRangeTest, ACameraLimitThatCannotBeReadLeavesTheLast) {
+TEST_F(PositioningRangeTest, AnUnreadableCameraLimitDoesNotReplaceTheLast) {
     for (const auto &[object, value] : {std::pair(kTiltUp, 4500L), std::pair(kTiltDown, 28000L)}) {
         softPositions({1000, 350000}, {-80000, 45000}, {10, 300});
         EXPECT_EQ(read(object), value);
         softPositions({1000, 350000}, {-80000, 45000, false}, {10, 300});
         core().fail(service::kGetCameraPositions, kRefused);
-        EXPECT_EQ(read(object), value);
-        EXPECT_THAT(core().logs(), ElementsAre(enter(object.name), softLimits(object),
-                                               logs::failed(texts::kGetCameraPositions), done(object.name)));
+        expectRead(object, value, {calls::kGetSoftPositions, calls::kGetCameraPositions},
+                   {softLimits(object), logs::failed(texts::kGetCameraPositions)});
     }
 }
 
 TEST_F(PositioningRangeTest, TrueNorthIsKnownOrNot) {
-    EXPECT_EQ(get(kNorthInstance).integer, 65535);
+    EXPECT_EQ(get(oids::rangeTrueNorthOffset).integer, 65535);
     for (const long value : {0L, 65535L, 0L}) {
-        set(kNorthInstance, NewValue::integer(value));
-        const Answer answer = get(kNorthInstance);
-        EXPECT_EQ(answer.type, ASN_INTEGER);
-        EXPECT_EQ(answer.integer, value);
+        set(oids::rangeTrueNorthOffset, NewValue::integer(value));
+        EXPECT_THAT(get(oids::rangeTrueNorthOffset), isInteger(value));
     }
     EXPECT_THAT(core().calls(), IsEmpty());
 }
 
 TEST_F(PositioningRangeTest, AnotherTrueNorthIsRefused) {
-    for (const long value : {1L, -1L, 65534L, 65536L, 2147483647L, -2147483648L}) {
-        EXPECT_THAT(north(MODE_SET_RESERVE2, NewValue::integer(value)), isRefused(SNMP_ERR_GENERR, SNMP_ERR_WRONGVALUE))
+    const std::string handler = "handle_rangeTrueNorthOffset";
+    for (const long value : {1L, -1L, 65534L, 65536L, 2147483647L, -2147483648L, 0L, 65535L}) {
+        const bool good = value == 0 || value == 65535;
+        core().clearRecord();
+        EXPECT_THAT(DirtyRequest(oids::rangeTrueNorthOffset, NewValue::integer(value)).runOwnHandler(MODE_SET_RESERVE2),
+                    good ? isAccepted() : isRefused(SNMP_ERR_GENERR, SNMP_ERR_WRONGVALUE))
             << value;
-        EXPECT_THAT(core().logs(), ElementsAre(enter(kNorth),
-                                               logs::error(kNorth + ": true north offset("s + std::to_string(value) +
-                                                           ") can only be 0 or 65535"),
-                                               done(kNorth)));
+        const LogLine error =
+            logs::error(handler + ": true north offset(" + std::to_string(value) + ") can only be 0 or 65535");
+        EXPECT_EQ(core().logs(), good ? logs::from(handler) : logs::from(handler, {error}));
     }
-    for (const long value : {0L, 65535L}) {
-        EXPECT_THAT(north(MODE_SET_RESERVE2, NewValue::integer(value)), isAccepted()) << value;
-        EXPECT_THAT(core().logs(), ElementsAre(enter(kNorth), done(kNorth))) << value;
-    }
-    EXPECT_EQ(positioning::gTrueNorthOffset, 65535);
+    EXPECT_EQ(get(oids::rangeTrueNorthOffset).integer, 65535);
 }

@@ -81,7 +81,7 @@ TEST_P(PositioningVelocityRangeTest, SetsTheLimitsUnlessBothMaximaAreThere) {
         const auto top = static_cast<int>(ceiling);
         core().clearRecord();
         speedNTCIPToZorva(kPanAxis, 5, ceiling);
-        std::vector<std::string> expected{calls::getSoftVelocities()};
+        std::vector<std::string> expected{calls::kGetSoftVelocities};
         if (held.pan.max != top || held.tilt.max != top / 2) {
             expected.push_back(setLimits({held.pan.min, top}, {held.tilt.min, top / 2}, held.zoom));
         }
@@ -121,17 +121,17 @@ TEST_F(PositioningSpeedTest, EitherMaximumOnItsOwnIsNotEnough) {
 TEST_F(PositioningSpeedTest, AnOddCeilingIsHalvedDownwards) {
     softVelocities(Ceilings{81, 40});
     speedNTCIPToZorva(kTiltAxis, 5, 81);
-    EXPECT_THAT(core().calls(), ElementsAre(calls::getSoftVelocities()));
+    EXPECT_THAT(core().calls(), ElementsAre(calls::kGetSoftVelocities));
     core().clearRecord();
     speedNTCIPToZorva(kTiltAxis, 5, 83);
-    EXPECT_THAT(core().calls(), ElementsAre(calls::getSoftVelocities(), calls::setSoftVelocities(83, 41)));
+    EXPECT_THAT(core().calls(), ElementsAre(calls::kGetSoftVelocities, calls::setSoftVelocities(83, 41)));
 }
 
 TEST_F(PositioningSpeedTest, SpeedZeroSetsTheLimitsAllTheSame) {
     for (const Axis axis : {kPanAxis, kTiltAxis, kZoomAxis, kNoAxis}) {
         core().clearRecord();
         EXPECT_EQ(speedNTCIPToZorva(axis, 0, 160000), 0) << axis;
-        EXPECT_THAT(core().calls(), ElementsAre(calls::getSoftVelocities(), calls::setSoftVelocities(160000, 80000)))
+        EXPECT_THAT(core().calls(), ElementsAre(calls::kGetSoftVelocities, calls::setSoftVelocities(160000, 80000)))
             << axis;
     }
 }
@@ -147,7 +147,7 @@ TEST_F(PositioningSpeedTest, TheSmallestCodeIsJustBeyondTheLimits) {
 TEST_F(PositioningSpeedTest, FlagsOfTheVelocityLimitsDoNotMatter) {
     softVelocities({100, 160000, false}, {50, 80000, false}, {2, 20, false});
     EXPECT_EQ(speedNTCIPToZorva(kPanAxis, 127, 160000), 160000);
-    EXPECT_THAT(core().calls(), ElementsAre(calls::getSoftVelocities()));
+    EXPECT_THAT(core().calls(), ElementsAre(calls::kGetSoftVelocities));
 }
 
 TEST_F(PositioningSpeedTest, FractionOfAStandstillIsTheSlowest) {
@@ -160,7 +160,7 @@ TEST_F(PositioningSpeedTest, FractionAsksOnceAndShowsTheZoomMinimumTwice) {
     for (const Axis axis : {kPanAxis, kTiltAxis, kZoomAxis, kNoAxis}) {
         core().clearRecord();
         speedPercentage(axis, 5);
-        EXPECT_THAT(core().calls(), ElementsAre(calls::getCameraVelocities())) << axis;
+        EXPECT_THAT(core().calls(), ElementsAre(calls::kGetCameraVelocities)) << axis;
         EXPECT_THAT(core().logs(),
                     ElementsAre(logs::notice("speedPercentage: get_implementation_velocity_limits, "
                                              "1024=pvmin,132096=pvmax,512=tvmin,66048=tvmax,4=zvmin,4=zvmax")))

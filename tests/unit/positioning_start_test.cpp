@@ -78,7 +78,7 @@ TEST_F(PositioningStartTest, ASecondStartUsesItsOwnConnection) {
     UnregisterAll();
     connect();
     EXPECT_THAT(get(oids::rangePanLeftLimit), isAccepted());
-    EXPECT_THAT(core().calls(), ElementsAre(calls::getSoftPositions()));
+    EXPECT_THAT(core().calls(), ElementsAre(calls::kGetSoftPositions));
 }
 
 TEST_F(PositioningStartTest, WithoutAServiceTheObjectsAnswerWhatTheModuleHolds) {

@@ -214,7 +214,7 @@ TEST_F(PositioningTargetsTest, AnUnknownAxisMovesNothing) {
     EXPECT_THAT(core().calls(), ElementsAre(calls::stop(kNoAxis)));
     EXPECT_THAT(core().logs(), ElementsAre(logs::info("stopMovement: stop ")));
 
-    const std::vector<std::string> still{calls::clearVelocityLimits(), calls::getPosition(), calls::getSoftPositions(),
+    const std::vector<std::string> still{calls::kClearVelocityLimits, calls::kGetPosition, calls::kGetSoftPositions,
                                          calls::move(kNoAxis, 0, "0")};
     core().clearRecord();
     deltaMovement(kNoAxis, 5, 100);
@@ -225,7 +225,7 @@ TEST_F(PositioningTargetsTest, AnUnknownAxisMovesNothing) {
 
     core().clearRecord();
     continuousMovement(kNoAxis, 5);
-    EXPECT_EQ(core().calls().front(), calls::getSoftPositions());
+    EXPECT_EQ(core().calls().front(), calls::kGetSoftPositions);
     EXPECT_EQ(lastCall(), calls::run(kNoAxis, 0, 0xFFFFFFFF));
     EXPECT_THAT(core().logs(6), ElementsAre("continuousMovement: NTCIP continuous , speed=0x05(0.039%)"));
 }
@@ -235,7 +235,7 @@ TEST_F(PositioningTargetsTest, ThePositionAtTheStartIsReadOnceForAllAxes) {
     for (const Axis axis : {kPanAxis, kTiltAxis, kZoomAxis, kNoAxis}) {
         core().clearRecord();
         EXPECT_EQ(getInitialPosition(axis), expected[axis]) << axis;
-        EXPECT_THAT(core().calls(), ElementsAre(calls::getPosition(), calls::getSoftPositions())) << axis;
+        EXPECT_THAT(core().calls(), ElementsAre(calls::kGetPosition, calls::kGetSoftPositions)) << axis;
         EXPECT_THAT(core().logs(),
                     ElementsAre(logs::info("getInitialPosition: get_position FUZZ, 90000=pan,-10000=tilt,100=zoom"),
                                 logs::info("getInitialPosition: get_position NTCIP,9000=pan,35000=tilt,20338=zoom")))

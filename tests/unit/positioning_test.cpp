@@ -19,14 +19,6 @@ std::string flagged(int axis, const std::string &value) {
     return text;
 }
 
-std::string outputs(int count) {
-    std::string text = "&";
-    for (int i = 1; i < count; ++i) {
-        text += ", &";
-    }
-    return text;
-}
-
 std::vector<Value> values(std::initializer_list<Limits> axes, bool withFlags) {
     std::vector<Value> result;
     for (const Limits &axis : axes) {
@@ -57,42 +49,6 @@ void forgetPositioning() {
 }
 
 namespace calls {
-
-std::string of(const char *function, const std::string &arguments) {
-    return std::string(function) + "(positioning, \"positioning/1\", " + arguments + ")";
-}
-
-std::string clearVelocityLimits() {
-    return of(service::kClearVelocityLimits, "1, 1, 1");
-}
-
-std::string getDigitalZoom() {
-    return of(service::kGetDigitalZoom, outputs(1));
-}
-
-std::string getCameraPositions() {
-    return of(service::kGetCameraPositions, outputs(6));
-}
-
-std::string getCameraVelocities() {
-    return of(service::kGetCameraVelocities, outputs(6));
-}
-
-std::string getMaxZoom() {
-    return of(service::kGetMaxZoom, outputs(3));
-}
-
-std::string getPosition() {
-    return of(service::kGetPosition, outputs(3));
-}
-
-std::string getSoftPositions() {
-    return of(service::kGetSoftPositions, outputs(9));
-}
-
-std::string getSoftVelocities() {
-    return of(service::kGetSoftVelocities, outputs(9));
-}
 
 std::string setSoftVelocities(int panMax, int tiltMax) {
     return of(service::kSetSoftVelocities,

@@ -7,8 +7,6 @@
 #ifndef QUARNSNMP_POSITIONING_TEST_H
 #define QUARNSNMP_POSITIONING_TEST_H
 
-#include <initializer_list>
-
 #include "handler_requests.h"
 #include "positioning_state.h"
 
@@ -40,16 +38,18 @@ inline const char *const kSetVelocityWithTimeout = "zorva_api_positioning_set_ve
 namespace calls {
 
 /** A call to the first target over the open connection. */
-std::string of(const char *function, const std::string &arguments);
+inline std::string of(const char *function, const std::string &arguments) {
+    return function + "(positioning, \"positioning/1\", "s + arguments + ")";
+}
 
-std::string clearVelocityLimits();
-std::string getDigitalZoom();
-std::string getCameraPositions();
-std::string getCameraVelocities();
-std::string getMaxZoom();
-std::string getPosition();
-std::string getSoftPositions();
-std::string getSoftVelocities();
+inline const std::string kClearVelocityLimits = of(service::kClearVelocityLimits, "1, 1, 1");
+inline const std::string kGetDigitalZoom = of(service::kGetDigitalZoom, "&");
+inline const std::string kGetCameraPositions = of(service::kGetCameraPositions, "&, &, &, &, &, &");
+inline const std::string kGetCameraVelocities = of(service::kGetCameraVelocities, "&, &, &, &, &, &");
+inline const std::string kGetMaxZoom = of(service::kGetMaxZoom, "&, &, &");
+inline const std::string kGetPosition = of(service::kGetPosition, "&, &, &");
+inline const std::string kGetSoftPositions = of(service::kGetSoftPositions, "&, &, &, &, &, &, &, &, &");
+inline const std::string kGetSoftVelocities = of(service::kGetSoftVelocities, "&, &, &, &, &, &, &, &, &");
 /** The limits that a move sets: those of pan and tilt end at the ceiling, the rest is as the service had it. */
 std::string setSoftVelocities(int panMax, int tiltMax);
 std::string setTimeout(std::uint32_t milliseconds);

@@ -75,10 +75,7 @@ TEST_F(PresetsTest, TheMaximumIsAtMost255) {
         for (const int mode : Modes{MODE_GET, MODE_GETNEXT}) {
             core().clearRecord();
             core().answer(kGetMaximum, {each.offered});
-            const Answer answer = Request(kMaximum).runOwnHandler(mode);
-            EXPECT_THAT(answer, isAccepted());
-            EXPECT_EQ(answer.type, ASN_INTEGER);
-            EXPECT_EQ(answer.integer, each.answered);
+            EXPECT_THAT(Request(kMaximum).runOwnHandler(mode), isInteger(each.answered));
             EXPECT_THAT(core().calls(), ElementsAre(call(kGetMaximum, "&")));
             EXPECT_THAT(
                 core().logs(),
@@ -92,10 +89,7 @@ TEST_F(PresetsTest, TheMaximumIsAtMost255) {
 TEST_F(PresetsTest, AMaximumThatCannotBeReadIsZero) {
     start();
     core().fail(kGetMaximum, kRefused);
-    const Answer answer = get(kMaximum);
-    EXPECT_THAT(answer, isAccepted());
-    EXPECT_EQ(answer.type, ASN_INTEGER);
-    EXPECT_EQ(answer.integer, 0);
+    EXPECT_THAT(get(kMaximum), isInteger(0));
     EXPECT_THAT(core().logs(), ElementsAre(logs::debug("handle_rangeMaximumPreset: Enter."),
                                            logs::failed("zorva_api_presets_tours_get_max_presets_send( gApiCookie, "
                                                         "gPresets[kDefaultIndex].c_str(), &maxPresets)"),
@@ -104,10 +98,7 @@ TEST_F(PresetsTest, AMaximumThatCannotBeReadIsZero) {
 
 TEST_F(PresetsTest, WithoutTheServiceTheMaximumIsZero) {
     startWithoutService();
-    const Answer answer = get(kMaximum);
-    EXPECT_THAT(answer, isAccepted());
-    EXPECT_EQ(answer.type, ASN_INTEGER);
-    EXPECT_EQ(answer.integer, 0);
+    EXPECT_THAT(get(kMaximum), isInteger(0));
     EXPECT_THAT(core().calls(), IsEmpty());
     EXPECT_THAT(core().logs(), ElementsAre(logs::debug("handle_rangeMaximumPreset: Enter."),
                                            logs::info("handle_rangeMaximumPreset: get_max_presets, 0"),

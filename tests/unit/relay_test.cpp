@@ -44,10 +44,7 @@ protected:
         EXPECT_EQ(answer.octets, octets({bits}));
     }
     static void expectControl(const std::string &value) {
-        const Answer answer = get(relays::kOutputControl);
-        EXPECT_THAT(answer, isAccepted());
-        EXPECT_EQ(answer.type, ASN_OCTET_STR);
-        EXPECT_EQ(answer.octets, value);
+        EXPECT_THAT(get(relays::kOutputControl), isOctets(value));
     }
 
     /** One phase on the command's own handler, with the record of this phase only. */
