@@ -112,8 +112,7 @@ protected:
     static void expectBothRows() {
         for (const int row : {1, 2}) {
             core().clearRecord();
-            Pdu pdu;
-            pdu.add(gpio::cell(*GetParam(), 3, static_cast<unsigned long>(row)));
+            Pdu pdu{{gpio::cell(*GetParam(), 3, static_cast<unsigned long>(row))}};
             EXPECT_EQ(pdu.run(MODE_GET), SNMP_ERR_NOERROR);
             EXPECT_EQ(pdu.answer(0).type, ASN_INTEGER);
             EXPECT_EQ(pdu.answer(0).integer, 1);

@@ -13,12 +13,15 @@ Pdu::~Pdu() {
     netsnmp_free_all_list_data(agentRequest_.agent_data);
 }
 
-void Pdu::add(std::string_view dotted) {
-    add(dotted, {ASN_NULL, ""});
+Pdu::Pdu(std::initializer_list<Entry> entries) {
+    for (const Entry &entry : entries) {
+        add(entry);
+    }
 }
 
-void Pdu::add(std::string_view dotted, const NewValue &value) {
-    const std::vector<oid> name = parseOid(dotted);
+void Pdu::add(const Entry &entry) {
+    const std::vector<oid> name = parseOid(entry.name);
+    const NewValue &value = entry.value;
     Variable &added = variables_.emplace_back();
     snmp_varlist_add_variable(&added.varbind, name.data(), name.size(), value.type, value.content.data(),
                               value.content.size());
@@ -106,8 +109,7 @@ std::vector<Cell> walk(const std::string &root) {
     std::vector<Cell> cells;
     std::string name = root;
     for (;;) {
-        Pdu pdu;
-        pdu.add(name);
+        Pdu pdu{{name}};
         const int returned = pdu.run(MODE_GETNEXT);
         if (pdu.name(0) == name || pdu.name(0).rfind(root + ".", 0) != 0 || pdu.answer(0).type == ASN_NULL) {
             return cells;

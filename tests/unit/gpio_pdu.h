@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Requests with several variables of one object or table, as the agent hands them over: in one list, phase by phase.
+ * Requests with several varbinds of one object or table, as the agent hands them over: in one list, phase by phase.
  */
 #ifndef QUARNSNMP_GPIO_PDU_H
 #define QUARNSNMP_GPIO_PDU_H
 
 #include <deque>
+#include <initializer_list>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "agent_requests.h"
@@ -17,28 +17,33 @@ namespace requests {
 
 class Pdu {
 public:
+    /** A varbind, without a value as in a GET. */
+    struct Entry {
+        std::string name;
+        NewValue value = {ASN_NULL, ""};
+    };
+
     Pdu() = default;
+    Pdu(std::initializer_list<Entry> entries);
     ~Pdu();
     Pdu(const Pdu &) = delete;
     Pdu &operator=(const Pdu &) = delete;
 
-    /** Appends a variable without a value, as in a GET. */
-    void add(std::string_view dotted);
-    void add(std::string_view dotted, const NewValue &value);
+    void add(const Entry &entry);
 
-    /** Calls all handlers of what the first variable belongs to. @return what the chain returned */
+    /** Calls all handlers of the registration of the first varbind. @return the chain's result */
     int run(int mode);
-    /** Calls the last handler of that chain only, which is the module's. */
+    /** Calls only the last handler of that chain, which is the module's. */
     int runOwnHandler(int mode);
     /** Runs the phases of a SET as long as none is refused. @return the error that the manager gets */
     int set();
 
-    /** A variable's answer; `returned` belongs to the whole list and is left out. */
+    /** A varbind's answer; `returned` belongs to the whole list and is left out. */
     Answer answer(std::size_t index) const;
-    /** Dotted name of a variable; a GETNEXT moves it on. */
+    /** Dotted name of a varbind; a GETNEXT moves it on. */
     std::string name(std::size_t index) const;
 
-    /** Gives a variable the cell that the agent's table helper would find. */
+    /** Gives a varbind the cell that the agent's table helper would find. */
     void cell(std::size_t index, unsigned int column);
 
 private:
@@ -47,9 +52,9 @@ private:
         netsnmp_request_info request{};
     };
 
-    /** Readies the list for a mode. @return the registration that the first variable belongs to */
+    /** Prepares the list for a mode. @return the registration of the first varbind */
     netsnmp_handler_registration *prepare(int mode);
-    /** First error that is set on a variable. */
+    /** First error of a varbind. */
     int firstError() const;
 
     netsnmp_agent_request_info agentRequest_{};
@@ -62,7 +67,7 @@ struct Cell {
     Answer answer;
 };
 
-/** All that GETNEXT finds below an identifier. */
+/** Cells that GETNEXT finds below an OID. */
 std::vector<Cell> walk(const std::string &root);
 
 } // namespace requests

@@ -17,51 +17,47 @@ protected:
         return GetParam().init(GetIpcCookie());
     }
 
-    static void fail(const std::string &operation) {
-        core().fail(GetParam().function(operation), kRefused);
+    static void restart() {
+        GetParam().deinit();
+        UnregisterAll();
+        ASSERT_TRUE(init());
     }
 
-    static void discoveries(std::size_t count, const scripted::Targets &targets) {
-        for (std::size_t i = 0; i < count; ++i) {
-            core().targetsOnce(GetParam().service, targets);
-        }
-    }
-
-    static void expectRegistered(bool registered) {
-        for (const Object &object : GetParam().objects) {
-            EXPECT_EQ(requests::registeredName(object.registeredOid()), registered ? object.name : "");
-        }
-    }
-
-    /** Nothing but these calls, and those that open the exposure service all the same. */
-    static void expectDown(const Lines &calls, const std::string &text) {
-        Lines expected = calls;
-        if (GetParam().opensExposure) {
-            expected.insert(expected.end(), {kDiscoverExposure, openCall("exposure")});
-        }
-        EXPECT_EQ(core().calls(), expected);
-        EXPECT_THAT(core().logs(), ElementsAre(logs::error(text)));
-        expectRegistered(false);
-    }
-
-    static void expectUp(std::size_t discoveries) {
-        EXPECT_EQ(core().calls(), startCalls(GetParam(), discoveries));
-        EXPECT_EQ(core().logs(), startLines(GetParam(), logs::info(GetParam().rangeLine(kLens))));
-        expectRegistered(true);
-    }
-
-    static void moveToMinimum() {
+    /** Checks where a move to the minimum goes. */
+    static void expectMinimum(const std::string &call) {
         forget();
         commit(GetParam().position(), command(2, 0, 0));
-    }
-
-    static std::string initiatorLine() {
-        return std::string(GetParam().initName) + ": failed " + GetParam().initiatorText + " initiator init";
+        EXPECT_THAT(core().calls(), ElementsAre(call));
     }
 };
 
-const scripted::Targets kNone{false, {}};
+/** The exposure service, which both kinds of focus open for the automatic iris. */
+class LensExposureStartTest : public LensStartTest {
+protected:
+    static void expectUpWithout(const Lines &exposureCalls, const std::vector<LogLine> &exposureLines) {
+        EXPECT_TRUE(init());
+        Lines calls{discoverCall(GetParam()), openCall(GetParam().service), GetParam().readRangeCall()};
+        calls.insert(calls.end(), exposureCalls.begin(), exposureCalls.end());
+        EXPECT_EQ(core().calls(), calls);
+        std::vector<LogLine> lines = startLines(GetParam(), logs::info(GetParam().rangeLine(kLens)));
+        lines.insert(lines.end(), exposureLines.begin(), exposureLines.end());
+        EXPECT_EQ(core().logs(), lines);
+        EXPECT_THAT(core().sleeps(), IsEmpty());
+        expectEnd({closeCall(GetParam().service)});
+        UnregisterAll();
+        core().clearRecord();
+    }
+    static void expectEnd(const Lines &calls) {
+        forget();
+        GetParam().deinit();
+        EXPECT_EQ(core().calls(), calls);
+    }
+    static LogLine failedLine() {
+        return logs::error(std::string(GetParam().initName) + ": failed exposure initiator init");
+    }
+};
 
+INSTANTIATE_TEST_SUITE_P(Drives, LensExposureStartTest, testing::Values(focus(), focusStepper()), titleOf);
 INSTANTIATE_TEST_SUITE_P(Drives, LensStartTest, testing::ValuesIn(allDrives()), titleOf);
 
 } // namespace
@@ -74,40 +70,32 @@ TEST_P(LensStartTest, LogsLimitsOfAnySize) {
     EXPECT_EQ(core().logs().front(), logs::info(GetParam().rangeLine(lens)));
 }
 
-TEST_P(LensStartTest, LimitsThatCannotBeReadAreLogged) {
-    fail(GetParam().readRange);
-    EXPECT_TRUE(init());
-    EXPECT_EQ(core().calls(), startCalls(GetParam()));
+TEST_P(LensStartTest, UnreadableLimitsAreLoggedAndNotThoseOfAnEarlierStart) {
+    ASSERT_TRUE(init());
+    core().fail(GetParam().function(GetParam().readRange), kRefused);
+    core().clearRecord();
+    restart();
     EXPECT_EQ(core().logs(), startLines(GetParam(), logs::failed(GetParam().readRangeText)));
-    expectRegistered(true);
-    moveToMinimum();
-    EXPECT_THAT(core().calls(), ElementsAre(GetParam().moveCall(0, 0)));
+    expectMinimum(GetParam().moveCall(0, 0));
 }
 
-TEST_P(LensStartTest, LimitsThatCannotBeReadAreNotThoseOfAnEarlierStart) {
-    ASSERT_TRUE(init());
-    GetParam().deinit();
-    UnregisterAll();
-    fail(GetParam().readRange);
-    ASSERT_TRUE(init());
-    moveToMinimum();
-    EXPECT_THAT(core().calls(), ElementsAre(GetParam().moveCall(0, 0)));
-}
-
-TEST_P(LensStartTest, AServiceThatComesLateIsWaitedForIfTheFeatureWaits) {
+TEST_P(LensStartTest, AFeatureThatWaitsFindsAServiceThatComesLate) {
     for (std::size_t late = 1; late <= 5; ++late) {
         SCOPED_TRACE(late);
-        forget();
         core().reset();
         openCore();
         offer(GetParam());
-        discoveries(late, kNone);
+        for (std::size_t i = 0; i < late; ++i) {
+            core().targetsOnce(GetParam().service, {false, {}});
+        }
         EXPECT_EQ(init(), GetParam().waits);
         if (GetParam().waits) {
-            expectUp(late + 1);
+            EXPECT_EQ(core().calls(), startCalls(GetParam(), late + 1));
+            EXPECT_EQ(core().logs(), startLines(GetParam(), logs::info(GetParam().rangeLine(kLens))));
             EXPECT_EQ(core().sleeps(), std::vector<unsigned int>(late, 2));
         } else {
-            expectDown({discoverCall(GetParam())}, GetParam().noTargetText);
+            EXPECT_EQ(core().calls(), Lines{discoverCall(GetParam())});
+            EXPECT_THAT(core().logs(), ElementsAre(logs::error(GetParam().noTargetText)));
             EXPECT_THAT(core().sleeps(), IsEmpty());
         }
         UnregisterAll();
@@ -115,16 +103,47 @@ TEST_P(LensStartTest, AServiceThatComesLateIsWaitedForIfTheFeatureWaits) {
 }
 
 TEST_P(LensStartTest, ASecondStartUsesItsOwnConnectionAndTargets) {
-    start(GetParam());
-    GetParam().deinit();
-    UnregisterAll();
-    core().targets(GetParam().service, {"another"});
     ASSERT_TRUE(init());
-    moveToMinimum();
+    core().targets(GetParam().service, {"another"});
+    restart();
+    const std::string service = GetParam().service;
     std::string expected = GetParam().moveCall(kLens.min);
-    expected.replace(expected.find(std::string(GetParam().service) + "/1"), std::string(GetParam().service).size() + 2,
-                     "another");
-    EXPECT_THAT(core().calls(), ElementsAre(expected));
+    expected.replace(expected.find(service + "/1"), service.size() + 2, "another");
+    expectMinimum(expected);
+}
+
+TEST_P(LensExposureStartTest, TheFocusStartsWithoutIt) {
+    const LogLine none = logs::error("no zorva API exposures");
+    core().targetsOnce("exposure", {false, {}});
+    expectUpWithout({kDiscoverExposure}, {none});
+    core().targetsOnce("exposure", {false, {"exposure/1"}}); // the result of the discovery decides, not the list
+    expectUpWithout({kDiscoverExposure}, {none});
+    core().targetsOnce("exposure", {true, {}});
+    expectUpWithout({kDiscoverExposure}, {});
+    core().fail("zorva_api_exposure_initiator_init", kRefused);
+    expectUpWithout({kDiscoverExposure, openCall("exposure")}, {failedLine()});
+}
+
+TEST_P(LensExposureStartTest, ItIsOpenedEvenWithoutAFocus) {
+    core().targets(GetParam().service, {});
+    EXPECT_FALSE(init());
+    EXPECT_THAT(core().calls(), ElementsAre(discoverCall(GetParam()), kDiscoverExposure, openCall("exposure")));
+    expectEnd({closeCall("exposure")});
+
+    core().targetsOnce("exposure", {false, {}});
+    EXPECT_FALSE(init());
+    EXPECT_THAT(core().logs(),
+                ElementsAre(logs::error(GetParam().noTargetText), logs::error("no zorva API exposures")));
+    expectEnd({});
+}
+
+TEST_P(LensExposureStartTest, FocusAndExposureThatDoNotOpenAreLoggedInTurn) {
+    core().fail(GetParam().function("initiator_init"), kRefused);
+    core().fail("zorva_api_exposure_initiator_init", kRefused);
+    EXPECT_FALSE(init());
+    EXPECT_THAT(core().logs(), ElementsAre(logs::error(std::string(GetParam().initName) + ": failed " +
+                                                       GetParam().initiatorText + " initiator init"),
+                                           failedLine()));
 }
 
 } // namespace lens_tests

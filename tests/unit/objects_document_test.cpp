@@ -67,8 +67,7 @@ std::vector<NewValue> samples() {
 /** A GET, and the calls that it made. */
 Answer read(const std::string &identifier, std::string &calls) {
     scripted::core().clearRecord();
-    Pdu pdu;
-    pdu.add(identifier);
+    Pdu pdu{{identifier}};
     EXPECT_EQ(pdu.run(MODE_GET), SNMP_ERR_NOERROR) << identifier;
     calls = recordedCalls();
     return pdu.answer(0);
@@ -79,8 +78,7 @@ bool write(const std::string &identifier, std::string &calls) {
     scripted::core().clearRecord();
     bool taken = false;
     for (const NewValue &value : samples()) {
-        Pdu pdu;
-        pdu.add(identifier, value);
+        Pdu pdu{{identifier, value}};
         taken = pdu.set() == SNMP_ERR_NOERROR || taken;
     }
     calls = recordedCalls();

@@ -27,8 +27,7 @@ Answer commitCommand(int relay, int state) {
 }
 
 Answer commitCell(int relay, int state) {
-    Pdu pdu;
-    pdu.add(gpio::cell(kRelayTable, 3, static_cast<unsigned long>(relay)), NewValue::integer(state));
+    Pdu pdu{{gpio::cell(kRelayTable, 3, static_cast<unsigned long>(relay)), NewValue::integer(state)}};
     pdu.cell(0, 3);
     gpio::script(kRelayTable, {0});
     EXPECT_EQ(pdu.runOwnHandler(MODE_SET_RESERVE2), SNMP_ERR_NOERROR);
