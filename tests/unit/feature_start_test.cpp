@@ -42,7 +42,7 @@ struct Feature : Row {
     std::vector<std::string> otherServices = {}; ///< opened after the service, or without it
 };
 
-Feature feature(const std::string &name, const char *service, bool (*init)(void *), void (*deinit)(),
+Feature feature(const std::string &name, const std::string &service, bool (*init)(void *), void (*deinit)(),
                 const std::string &plural, const std::string &word, const std::vector<std::string> &objects,
                 End end = End::kClosesWhatIsOpen) {
     return {{name}, service, init, deinit, "no zorva API " + plural, word, objects, end};
@@ -65,7 +65,7 @@ Feature lens(const lens_tests::Drive &drive) {
         result.objects.emplace_back(object.name);
     }
     result.namesObjects = true;
-    result.reduced.startsUnopened = drive.title == "ZoomStepper"s; // kept, although nothing is registered
+    result.reduced.startsUnopened = drive.title == "ZoomStepper"; // kept, although nothing is registered
     result.discoveries = drive.waits ? 6 : 1;
     result.furtherCalls = {drive.readRangeCall()};
     result.furtherLines = {logs::info(drive.rangeLine({0, 0, 0, 0, 0}))};

@@ -37,7 +37,7 @@ const Object &Drive::position() const {
 }
 
 std::string Drive::function(const std::string &operation) const {
-    return std::string("zorva_api_") + service + "_" + operation;
+    return "zorva_api_" + service + "_" + operation;
 }
 
 std::string Drive::call(const std::string &operation, const std::string &arguments) const {
@@ -67,7 +67,7 @@ std::string Drive::velocityCall(int direction, int run) const {
 }
 
 std::string Drive::rangeLine(const Lens &lens) const {
-    const std::string start = std::string(initName) + ": " + rangeWord;
+    const std::string start = initName + ": " + rangeWord;
     if (isStepper) {
         return start + ", minPos=" + shown(lens.min) + ", maxPos=" + shown(lens.max) +
                ", minSpeed=" + shown(lens.minSpeed) + ", maxSpeed=" + shown(lens.maxSpeed);
@@ -76,14 +76,14 @@ std::string Drive::rangeLine(const Lens &lens) const {
 }
 
 std::string Drive::deltaLine(const Lens &lens, std::int64_t step, std::int64_t target) const {
-    const std::string what = std::string(capital) + "Position->";
+    const std::string what = capital + "Position->";
     return std::string(position().handler) + ": gMin" + what + shown(lens.min) + ", gMax" + what + shown(lens.max) +
            ", current" + what + " " + shown(lens.current) + ", delta" + what + shown(step) + ", calcDelta" + what +
            shown(target);
 }
 
 std::string Drive::absoluteLine(const Lens &lens, std::int64_t target) const {
-    const std::string what = std::string(capital) + "Position->";
+    const std::string what = capital + "Position->";
     return std::string(position().handler) + ": gMin" + what + shown(lens.min) + ", gMax" + what + shown(lens.max) +
            ", abs" + what + shown(target);
 }
@@ -92,28 +92,55 @@ void PrintTo(const Drive &drive, std::ostream *stream) {
     *stream << drive.title;
 }
 
-Drive focus() {
+namespace {
+
+Drive driveOf(const std::string &title, const std::string &word, const std::string &service, bool (*init)(void *),
+              void (*deinit)(), const std::string &plural) {
     Drive drive{};
-    drive.title = "Focus";
-    drive.word = "focus";
-    drive.capital = "Focus";
-    drive.service = "lens_focus";
-    drive.initName = "InitFocus";
-    drive.init = InitFocus;
-    drive.deinit = DeinitFocus;
-    drive.noTargetText = "no zorva API focuses";
+    drive.title = title;
+    drive.word = word;
+    drive.capital = word;
+    drive.capital[0] = static_cast<char>(drive.capital[0] - 'a' + 'A');
+    drive.service = service;
+    drive.initName = "Init" + title;
+    drive.init = init;
+    drive.deinit = deinit;
+    drive.noTargetText = "no zorva API " + plural;
+    drive.initiatorText = service;
+    return drive;
+}
+
+/** Gives the drive its operations. The arguments follow the target in the text of a failed read of the limits. */
+void operate(Drive &drive, const char *readRange, const char *readPosition, const char *move, const std::string &range,
+             const std::string &targets, const std::string &arguments) {
+    drive.readRange = readRange;
+    drive.rangeWord = range;
+    drive.readRangeText = drive.function(readRange) + "(" + targets + "[kDefaultIndex].c_str(), " + arguments + ")";
+    drive.readPosition = readPosition;
+    drive.move = move;
+}
+
+void operateStepper(Drive &drive, const std::string &targets) {
+    drive.isStepper = true;
+    drive.runs = false;
+    drive.logsDirection = false;
+    const std::string &what = drive.capital;
+    operate(drive, "get_limits_send", "get_position_send", "set_position_send", "get_limits", targets,
+            "&gMin" + what + "Position, &gMax" + what + "Position, &gMin" + what + "Speed, &gMax" + what + "Speed");
+}
+
+} // namespace
+
+Drive focus() {
+    Drive drive = driveOf("Focus", "focus", "lens_focus", InitFocus, DeinitFocus, "focuses");
     drive.initiatorText = "focus";
     drive.waits = true;
     drive.opensExposure = true;
     drive.runs = true;
     drive.logsStop = true;
     drive.logsDirection = true;
-    drive.readRange = "get_manual_focus_position_send";
-    drive.rangeWord = "get_manual_focus_position";
-    drive.readRangeText = "zorva_api_lens_focus_get_manual_focus_position_send(gFocusApiCookie, "
-                          "gFocuses[kDefaultIndex].c_str(), &dummy, &gMinFocusPosition, &gMaxFocusPosition)";
-    drive.readPosition = "get_manual_focus_position_send";
-    drive.move = "set_manual_focus_position_send";
+    operate(drive, "get_manual_focus_position_send", "get_manual_focus_position_send", "set_manual_focus_position_send",
+            "get_manual_focus_position", "gFocusApiCookie, gFocuses", "&dummy, &gMinFocusPosition, &gMaxFocusPosition");
     drive.objects = focusObjects("handle_rangeFocusLimit", "handle_timeoutFocus", "handle_positionFocusLens",
                                  "handle_systemLensFeatureControl1", "handle_systemLensFeatureStatus1",
                                  "handle_systemLensEquipped1");
@@ -122,50 +149,26 @@ Drive focus() {
 }
 
 Drive focusStepper() {
-    Drive drive = focus();
-    drive.title = "FocusStepper";
-    drive.service = "focus_stepper";
-    drive.initName = "InitFocusStepper";
-    drive.init = InitFocusStepper;
-    drive.deinit = DeinitFocusStepper;
-    drive.initiatorText = "focus_stepper";
-    drive.isStepper = true;
-    drive.runs = false;
-    drive.logsDirection = false;
-    drive.readRange = "get_limits_send";
-    drive.rangeWord = "get_limits";
-    drive.readRangeText = "zorva_api_focus_stepper_get_limits_send(gFocusApiCookie, "
-                          "gFocusSteppers[kDefaultIndex].c_str(), &gMinFocusPosition, &gMaxFocusPosition, "
-                          "&gMinFocusSpeed, &gMaxFocusSpeed)";
-    drive.readPosition = "get_position_send";
-    drive.move = "set_position_send";
+    Drive drive = driveOf("FocusStepper", "focus", "focus_stepper", InitFocusStepper, DeinitFocusStepper, "focuses");
+    drive.waits = true;
+    drive.opensExposure = true;
+    drive.logsStop = true;
+    operateStepper(drive, "gFocusApiCookie, gFocusSteppers");
     drive.objects = focusObjects("handle_rangeFocusStepperLimit", "handle_timeoutFocusStepper",
                                  "handle_positionFocusStepperLens", "handle_systemLensFeatureControl2",
                                  "handle_systemLensFeatureStatus2", "handle_systemLensEquipped2");
+    drive.constantLines = {"focusLimit=0...", "timeoutFocus=0..."};
     return drive;
 }
 
 Drive iris() {
-    Drive drive{};
-    drive.title = "Iris";
-    drive.word = "iris";
-    drive.capital = "Iris";
-    drive.service = "iris";
-    drive.initName = "InitIris";
-    drive.init = InitIris;
-    drive.deinit = DeinitIris;
-    drive.noTargetText = "no zorva API irises";
-    drive.initiatorText = "iris";
+    Drive drive = driveOf("Iris", "iris", "iris", InitIris, DeinitIris, "irises");
     drive.waits = true;
     drive.isUnsigned = true;
     drive.runs = true;
     drive.logsStop = true;
-    drive.readRange = "get_position_send";
-    drive.rangeWord = "get_iris_position";
-    drive.readRangeText = "zorva_api_iris_get_position_send(gApiCookie, gIrises[kDefaultIndex].c_str(), &dummy, "
-                          "&gMinIrisPosition, &gMaxIrisPosition)";
-    drive.readPosition = "get_position_send";
-    drive.move = "set_position_send";
+    operate(drive, "get_position_send", "get_position_send", "set_position_send", "get_iris_position",
+            "gApiCookie, gIrises", "&dummy, &gMinIrisPosition, &gMaxIrisPosition");
     drive.objects = {{"rangeIrisLimit", "handle_rangeIrisLimit"},
                      {"timeoutIris", "handle_timeoutIris"},
                      {"positionIrisLens", "handle_positionIrisLens"}};
@@ -174,23 +177,9 @@ Drive iris() {
 }
 
 Drive zoomStepper() {
-    Drive drive{};
-    drive.title = "ZoomStepper";
-    drive.word = "zoom";
-    drive.capital = "Zoom";
-    drive.service = "zoom_stepper";
-    drive.initName = "InitZoomStepper";
-    drive.init = InitZoomStepper;
-    drive.deinit = DeinitZoomStepper;
-    drive.noTargetText = "no zorva API zoom steppers";
+    Drive drive = driveOf("ZoomStepper", "zoom", "zoom_stepper", InitZoomStepper, DeinitZoomStepper, "zoom steppers");
     drive.initiatorText = "zoom zoom stepper";
-    drive.isStepper = true;
-    drive.readRange = "get_limits_send";
-    drive.rangeWord = "get_limits";
-    drive.readRangeText = "zorva_api_zoom_stepper_get_limits_send(gApiCookie, gZoomSteppers[kDefaultIndex].c_str(), "
-                          "&gMinZoomPosition, &gMaxZoomPosition, &gMinZoomSpeed, &gMaxZoomSpeed)";
-    drive.readPosition = "get_position_send";
-    drive.move = "set_position_send";
+    operateStepper(drive, "gApiCookie, gZoomSteppers");
     drive.objects = {{"rangeZoomLimit", "handle_zoomStepperRangeZoomLimit"},
                      {"timeoutZoom", "handle_zoomStepperTimeoutZoom"},
                      {"positionZoomLens", "handle_zoomStepperPositionZoomLens"}};

@@ -35,15 +35,15 @@ struct Lens {
 inline constexpr Lens kLens{4000, 1000, 9000};
 
 struct Drive {
-    const char *title;   ///< in names of tests
-    const char *word;    ///< in log lines of commands
-    const char *capital; ///< in names of positions in log lines
-    const char *service;
-    const char *initName;
+    std::string title;   ///< in names of tests
+    std::string word;    ///< in log lines of commands
+    std::string capital; ///< in names of positions in log lines
+    std::string service;
+    std::string initName;
     bool (*init)(void *);
     void (*deinit)();
-    const char *noTargetText;
-    const char *initiatorText; ///< in the log line of a service that does not open
+    std::string noTargetText;
+    std::string initiatorText; ///< in the log line of a service that does not open
     bool waits;                ///< for a service that comes late
     bool opensExposure;
     bool isStepper;  ///< has its limits read at the start only, and moves at its highest speed
@@ -51,11 +51,11 @@ struct Drive {
     bool runs;       ///< can be driven continuously, and stopped
     bool logsStop;
     bool logsDirection;
-    const char *readRange; ///< operation that tells the limits at the start
-    const char *rangeWord; ///< for it in the log
-    const char *readRangeText;
-    const char *readPosition; ///< operation that a delta begins with
-    const char *move;
+    std::string readRange; ///< operation that tells the limits at the start
+    std::string rangeWord; ///< for it in the log
+    std::string readRangeText;
+    std::string readPosition; ///< operation that a delta begins with
+    std::string move;
     std::vector<Object> objects;            ///< in the order of their registration: range, time-out, position, others
     std::vector<std::string> constantLines; ///< after the handler's name, for range and time-out; empty for none
 

@@ -11,8 +11,7 @@ protected:
     void SetUp() override {
         LensDriveTest::SetUp();
         const Drive &drive = GetParam();
-        for (const std::string &operation :
-             {std::string(drive.readRange), std::string(drive.readPosition), std::string(drive.move)}) {
+        for (const std::string &operation : {drive.readRange, drive.readPosition, drive.move}) {
             watch(drive.function(operation));
         }
         watch(drive.function("set_velocity_send"));
@@ -46,10 +45,10 @@ protected:
             return result;
         }
         if (drive.logsDirection && speed != 0) {
-            result.push_back(info(std::string(drive.word) + (speed > 0 ? " far" : " near")));
+            result.push_back(info(drive.word + (speed > 0 ? " far" : " near")));
         }
         result.push_back(drive.velocityCall(speed < 0 ? 1 : 0, speed == 0 ? 0 : 1));
-        result.push_back(info(std::string("continuous ") + drive.word + "=3, speed=" + std::to_string(speed)));
+        result.push_back(info("continuous " + drive.word + "=3, speed=" + std::to_string(speed)));
         return result;
     }
 };
@@ -63,7 +62,7 @@ TEST_P(LensCommandTest, AStop) {
     for (const unsigned int position : {0U, 0x3412U, 0xFFFFU}) {
         Lines expected;
         if (drive.logsStop) {
-            expected.push_back(info(std::string("stop ") + drive.word + " (0)"));
+            expected.push_back(info("stop " + drive.word + " (0)"));
         }
         if (drive.runs) {
             expected.push_back(drive.velocityCall(0, 0));

@@ -27,7 +27,7 @@ protected:
     void SetUp() override {
         PositioningTest::SetUp();
         const Drive zoom = zoomStepper();
-        core().targets(zoom.service, {std::string(zoom.service) + "/1"});
+        core().targets(zoom.service, {zoom.service + "/1"});
         core().answer(zoom.function(zoom.readRange), {kLens.min, kLens.max, kLens.minSpeed, kLens.maxSpeed});
     }
 };

@@ -38,7 +38,7 @@ inline Lines startCalls(const Drive &drive, std::size_t discoveries = 1) {
 inline std::vector<scripted::LogLine> registrationLines(const Drive &drive, const Object &object, bool taken) {
     const std::string text = std::string("registerScalar: Registration for ") + object.name;
     return {taken ? logs::debug(text + " OID OK") : logs::error(text + " OID not OK"),
-            logs::info(std::string(drive.initName) + ": registerScalar=" + object.name)};
+            logs::info(drive.initName + ": registerScalar=" + object.name)};
 }
 
 /** Log lines of a start; the first tells the limits. */

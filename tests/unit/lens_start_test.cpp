@@ -53,7 +53,7 @@ protected:
         EXPECT_EQ(core().calls(), calls);
     }
     static LogLine failedLine() {
-        return logs::error(std::string(GetParam().initName) + ": failed exposure initiator init");
+        return logs::error(GetParam().initName + ": failed exposure initiator init");
     }
 };
 
@@ -141,8 +141,8 @@ TEST_P(LensExposureStartTest, FocusAndExposureThatDoNotOpenAreLoggedInTurn) {
     core().fail(GetParam().function("initiator_init"), kRefused);
     core().fail("zorva_api_exposure_initiator_init", kRefused);
     EXPECT_FALSE(init());
-    EXPECT_THAT(core().logs(), ElementsAre(logs::error(std::string(GetParam().initName) + ": failed " +
-                                                       GetParam().initiatorText + " initiator init"),
+    EXPECT_THAT(core().logs(), ElementsAre(logs::error(GetParam().initName + ": failed " + GetParam().initiatorText +
+                                                       " initiator init"),
                                            failedLine()));
 }
 

@@ -244,9 +244,12 @@ protected:
         EXPECT_EQ(value.type == ASN_INTEGER ? NewValue::integer(answer.integer).content : answer.octets, value.content);
     }
     static void expectAnswered(const NewValue &value) {
+        core().clearRecord();
         const Answer answer = get(GetParam().instance());
         EXPECT_THAT(answer, isAccepted());
         expectValue(answer, value);
+        EXPECT_THAT(core().calls(), IsEmpty());
+        EXPECT_EQ(core().logs(), lines(GetParam().lines.enter, 0, 0, GetParam().lines.done));
     }
     /** A phase that neither calls the camera nor answers anything. */
     static void expectQuiet(int mode, const NewValue &value) {

@@ -4,16 +4,17 @@
 #include <cerrno>
 #include <cstring>
 #include <set>
+#include <tuple>
 
 #include <sys/random.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "snmp_utils.h"
+
 namespace presets {
 
 namespace {
-
-const char *const kMaximum = oids::rangeMaximumPreset;
 
 /** What the next random octets are; an octet of -1 draws them as ever, an errno value lets that fail. */
 struct Randomness {
@@ -63,46 +64,29 @@ extern "C" int getentropy(void *buffer, std::size_t length) {
 }
 
 TEST_F(PresetsTest, TheMaximumIsAtMost255) {
-    struct Case {
-        std::int64_t offered;
-        long answered;
-        const char *logged;
+    const auto expectMaximum = [](long answered, const Calls &calls, const LogLine &line) {
+        core().clearRecord();
+        EXPECT_THAT(get(oids::rangeMaximumPreset), isInteger(answered));
+        EXPECT_EQ(core().calls(), calls);
+        EXPECT_EQ(core().logs(), logs::from("handle_rangeMaximumPreset", {line}));
     };
+    const std::string logged = "handle_rangeMaximumPreset: get_max_presets, ";
     start();
-    for (const Case &each :
-         {Case{0, 0, "0"}, Case{1, 1, "1"}, Case{255, 255, "255"}, Case{256, 255, "256"}, Case{1000, 255, "1000"},
-          Case{2147483648, 255, "-2147483648"}, Case{4294967295, 255, "-1"}}) {
-        for (const int mode : Modes{MODE_GET, MODE_GETNEXT}) {
-            core().clearRecord();
-            core().answer(kGetMaximum, {each.offered});
-            EXPECT_THAT(Request(kMaximum).runOwnHandler(mode), isInteger(each.answered));
-            EXPECT_THAT(core().calls(), ElementsAre(call(kGetMaximum, "&")));
-            EXPECT_THAT(
-                core().logs(),
-                ElementsAre(logs::debug("handle_rangeMaximumPreset: Enter."),
-                            logs::info(std::string("handle_rangeMaximumPreset: get_max_presets, ") + each.logged),
-                            logs::debug("handle_rangeMaximumPreset: Done.")));
-        }
+    for (const auto &[offered, answered, shown] :
+         {std::tuple(0L, 0L, "0"), std::tuple(1L, 1L, "1"), std::tuple(255L, 255L, "255"),
+          std::tuple(256L, 255L, "256"), std::tuple(1000L, 255L, "1000"), std::tuple(2147483648L, 255L, "-2147483648"),
+          std::tuple(4294967295L, 255L, "-1")}) {
+        core().answer(kGetMaximum, {offered});
+        expectMaximum(answered, {call(kGetMaximum, "&")}, logs::info(logged + shown));
     }
-}
-
-TEST_F(PresetsTest, AMaximumThatCannotBeReadIsZero) {
-    start();
     core().fail(kGetMaximum, kRefused);
-    EXPECT_THAT(get(kMaximum), isInteger(0));
-    EXPECT_THAT(core().logs(), ElementsAre(logs::debug("handle_rangeMaximumPreset: Enter."),
-                                           logs::failed("zorva_api_presets_tours_get_max_presets_send( gApiCookie, "
-                                                        "gPresets[kDefaultIndex].c_str(), &maxPresets)"),
-                                           logs::debug("handle_rangeMaximumPreset: Done.")));
-}
-
-TEST_F(PresetsTest, WithoutTheServiceTheMaximumIsZero) {
+    expectMaximum(0, {call(kGetMaximum, "&")},
+                  logs::failed("zorva_api_presets_tours_get_max_presets_send( gApiCookie, "
+                               "gPresets[kDefaultIndex].c_str(), &maxPresets)"));
+    DeinitPresets();
+    UnregisterAll();
     startWithoutService();
-    EXPECT_THAT(get(kMaximum), isInteger(0));
-    EXPECT_THAT(core().calls(), IsEmpty());
-    EXPECT_THAT(core().logs(), ElementsAre(logs::debug("handle_rangeMaximumPreset: Enter."),
-                                           logs::info("handle_rangeMaximumPreset: get_max_presets, 0"),
-                                           logs::debug("handle_rangeMaximumPreset: Done.")));
+    expectMaximum(0, {}, logs::info(logged + "0"));
 }
 
 TEST_F(PresetsTest, GoingToANumberWithoutAPresetMovesNothing) {

@@ -7,8 +7,6 @@
 #ifndef QUARNSNMP_PRESETS_TEST_H
 #define QUARNSNMP_PRESETS_TEST_H
 
-#include <ostream>
-
 #include "handler_requests.h"
 
 namespace presets {
@@ -35,21 +33,20 @@ inline std::string store(const std::string &id, long number) {
 }
 
 /** How the two commands differ. */
-struct Command {
-    const char *handler;
+struct Command : Row { // the name is the object's
     const char *instance;
     const char *carryOut; ///< function that does something with the preset
     std::string (*carryOutCall)(const std::string &id, long number);
     const char *doneText; ///< logged when that has succeeded, with the number and a blank after it
     const char *failedFind;
     const char *failedCarryOut;
+
+    std::string handler() const {
+        return "handle_" + name;
+    }
 };
 
-inline void PrintTo(const Command &each, std::ostream *stream) {
-    *stream << each.handler;
-}
-
-inline const Command kGoTo{"handle_presetGotoPosition",
+inline const Command kGoTo{{"presetGotoPosition"},
                            oids::presetGotoPosition,
                            kMove,
                            move,
@@ -59,7 +56,7 @@ inline const Command kGoTo{"handle_presetGotoPosition",
                            "zorva_api_presets_tours_move_to_preset_send(gApiCookie, gPresets[kDefaultIndex].c_str(), "
                            "preset_id, 1.0, kPresetsToursPriorityNormal, 1)"};
 inline const Command kStoreHere{
-    "handle_presetStorePosition",
+    {"presetStorePosition"},
     oids::presetStorePosition,
     kStore,
     store,
