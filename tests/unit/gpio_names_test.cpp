@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The tables' cells when MIB files give their identifiers names, and when the agent's configuration has identifiers
- * written in other forms: the row must not depend on how they look as text.
+ * Cells of the tables when MIB files give names to their OIDs, and when the agent's configuration selects other forms
+ * of OIDs as text. The row does not depend on the text.
  */
 #include <fstream>
 #include <memory>
+#include <regex>
 
 #include <unistd.h>
 
@@ -21,44 +22,35 @@ IMPORTS OBJECT-TYPE FROM SNMPv2-SMI;
 vendor OBJECT IDENTIFIER ::= { iso org(3) dod(6) internet(1) private(4) enterprises(1) 99999 }
 products OBJECT IDENTIFIER ::= { vendor 1 }
 inputsAndOutputs OBJECT IDENTIFIER ::= { products 3 }
-
-inputTable OBJECT-TYPE
-    SYNTAX SEQUENCE OF InputEntry MAX-ACCESS not-accessible STATUS current DESCRIPTION "inputs"
-    ::= { inputsAndOutputs 1 }
-inputEntry OBJECT-TYPE
-    SYNTAX InputEntry MAX-ACCESS not-accessible STATUS current DESCRIPTION "an input"
-    INDEX { inputNumber }
-    ::= { inputTable 1 }
-InputEntry ::= SEQUENCE { inputNumber INTEGER, inputState INTEGER }
-inputNumber OBJECT-TYPE
-    SYNTAX INTEGER { north(1), south(2) } MAX-ACCESS read-only STATUS current DESCRIPTION "number"
-    ::= { inputEntry 2 }
-inputState OBJECT-TYPE
-    SYNTAX INTEGER MAX-ACCESS read-only STATUS current DESCRIPTION "state"
-    ::= { inputEntry 3 }
-
-outputTable OBJECT-TYPE
-    SYNTAX SEQUENCE OF OutputEntry MAX-ACCESS not-accessible STATUS current DESCRIPTION "outputs"
-    ::= { inputsAndOutputs 2 }
-outputEntry OBJECT-TYPE
-    SYNTAX OutputEntry MAX-ACCESS not-accessible STATUS current DESCRIPTION "an output"
-    INDEX { outputNumber }
-    ::= { outputTable 1 }
-OutputEntry ::= SEQUENCE { outputNumber INTEGER, outputState INTEGER }
-outputNumber OBJECT-TYPE
-    SYNTAX INTEGER { north(1), south(2) } MAX-ACCESS read-only STATUS current DESCRIPTION "number"
-    ::= { outputEntry 2 }
-outputState OBJECT-TYPE
-    SYNTAX INTEGER MAX-ACCESS read-write STATUS current DESCRIPTION "state"
-    ::= { outputEntry 3 }
-END
 )";
+
+/** One of the tables: WORD stands for its name, and NUMBER for its number. */
+const char *const kMibTable = R"(
+WORDTable OBJECT-TYPE
+    SYNTAX SEQUENCE OF RowOfWORD MAX-ACCESS not-accessible STATUS current DESCRIPTION "rows"
+    ::= { inputsAndOutputs NUMBER }
+WORDEntry OBJECT-TYPE
+    SYNTAX RowOfWORD MAX-ACCESS not-accessible STATUS current DESCRIPTION "a row"
+    INDEX { WORDNumber }
+    ::= { WORDTable 1 }
+RowOfWORD ::= SEQUENCE { WORDNumber INTEGER, WORDState INTEGER }
+WORDNumber OBJECT-TYPE
+    SYNTAX INTEGER { north(1), south(2) } MAX-ACCESS read-only STATUS current DESCRIPTION "number"
+    ::= { WORDEntry 2 }
+WORDState OBJECT-TYPE
+    SYNTAX INTEGER MAX-ACCESS read-only STATUS current DESCRIPTION "state"
+    ::= { WORDEntry 3 }
+)";
+
+std::string mibTable(const char *word, const char *number) {
+    return std::regex_replace(std::regex_replace(kMibTable, std::regex("WORD"), word), std::regex("NUMBER"), number);
+}
 
 /** A MIB file that the agent library has read, until the end of the object's life. */
 class LoadedMib {
 public:
     LoadedMib() : path_(testing::TempDir() + "gpio-names-" + std::to_string(getpid()) + ".txt") {
-        std::ofstream(path_) << kMib;
+        std::ofstream(path_) << kMib << mibTable("input", "1") << mibTable("output", "2") << "END\n";
         read_mib(path_.c_str());
     }
     ~LoadedMib() {
@@ -123,19 +115,16 @@ protected:
 
 } // namespace
 
-TEST_P(GpioNamesTest, NamesOfIdentifiersDoNotHideTheRow) {
+TEST_P(GpioNamesTest, NamesOfOidsDoNotHideTheRow) {
     const LoadedMib mib;
     const std::string text = asText(gpio::cell(*GetParam(), 3, 2));
     ASSERT_THAT(text, testing::EndsWith("State.south")) << "the MIB file was not read";
     expectBothRows();
 }
 
-TEST_P(GpioNamesTest, TheFormOfIdentifiersAsTextDoesNotHideTheRow) {
+TEST_P(GpioNamesTest, TheFormOfOidsAsTextDoesNotHideTheRow) {
     for (const bool named : {false, true}) {
-        std::unique_ptr<LoadedMib> mib;
-        if (named) {
-            mib = std::make_unique<LoadedMib>();
-        }
+        const std::unique_ptr<LoadedMib> mib = named ? std::make_unique<LoadedMib>() : nullptr;
         for (const int format : {NETSNMP_OID_OUTPUT_SUFFIX, NETSNMP_OID_OUTPUT_MODULE, NETSNMP_OID_OUTPUT_FULL,
                                  NETSNMP_OID_OUTPUT_NUMERIC, NETSNMP_OID_OUTPUT_UCD, NETSNMP_OID_OUTPUT_NONE}) {
             SCOPED_TRACE(format);

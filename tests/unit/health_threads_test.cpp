@@ -5,7 +5,6 @@
  */
 #include <atomic>
 #include <fstream>
-#include <ostream>
 #include <thread>
 
 #include <sys/syscall.h>
@@ -18,9 +17,8 @@ using support::eventually;
 
 namespace {
 
-struct Watched {
-    const char *name;
-    const char *service;
+struct Watched : Row {
+    std::string service;
     bool (*init)(void *ipcCookie);
     void (*deinit)();
     void (*poll)();
@@ -29,16 +27,24 @@ struct Watched {
     bool oneAtATime;
 };
 
-void PrintTo(const Watched &each, std::ostream *stream) {
-    *stream << each.name;
-}
-
 const Watched kWatched[] = {
-    {"power", "power", InitPower, DeinitPower, PollPower, oids::power, "zorva_api_power_get_power_state_send", true},
-    {"voltage", "power", InitPower, DeinitPower, PollPower, oids::voltage, "zorva_api_power_get_voltage_state_send",
+    {{"power"}, "power", InitPower, DeinitPower, PollPower, oids::power, "zorva_api_power_get_power_state_send", true},
+    {{"voltage"},
+     "power",
+     InitPower,
+     DeinitPower,
+     PollPower,
+     oids::voltage,
+     "zorva_api_power_get_voltage_state_send",
      false},
-    {"temperature", "temperature", InitTemperature, DeinitTemperature, PollTemperature, oids::temperature,
-     "zorva_api_temperature_get_temperature_send", true},
+    {{"temperature"},
+     "temperature",
+     InitTemperature,
+     DeinitTemperature,
+     PollTemperature,
+     oids::temperature,
+     "zorva_api_temperature_get_temperature_send",
+     true},
 };
 
 /** Whether a thread of this process waits in the kernel, as for a lock. */
@@ -54,7 +60,7 @@ class HealthThreadsTest : public ModuleTest, public testing::WithParamInterface<
 protected:
     void SetUp() override {
         openCore();
-        core().targets(GetParam().service, {std::string(GetParam().service) + "/1"});
+        core().targets(GetParam().service, {GetParam().service + "/1"});
         for (const Watched &each : kWatched) {
             core().answer(each.read, {std::int64_t{1}});
         }
@@ -65,8 +71,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Values, HealthThreadsTest, testing::ValuesIn(kWatched),
-                         [](const auto &each) { return std::string(each.param.name); });
+INSTANTIATE_TEST_SUITE_P(Values, HealthThreadsTest, testing::ValuesIn(kWatched), nameOf<Watched>);
 
 } // namespace
 

@@ -24,8 +24,7 @@ protected:
 };
 
 /** Where a zoom position ends up: which of the service's limits count, and what they are. */
-struct ZoomRange {
-    const char *name;
+struct ZoomRange : Row {
     Limits soft;
     bool digital;
     int opticalMax;
@@ -33,18 +32,18 @@ struct ZoomRange {
 };
 
 const ZoomRange kZoomRanges[] = {
-    {"SoftLimits", {10, 300}, false, 200, {10, 300}},
-    {"SoftLimitsAndDigital", {10, 300}, true, 200, {10, 300}},
-    {"DigitalZoom", {10, 300, false}, true, 200, {10, 300}},
-    {"Optics", {10, 300, false}, false, 200, {10, 200}},
-    {"OpticsBeyondSoft", {10, 300, false}, false, 400, {10, 400}},
-    {"FinerThanNtcip", {1000, 1000000}, false, 1, {1000, 1000000}},
-    {"HugeLimits", {INT_MIN, INT_MAX}, false, 1, {INT_MIN, INT_MAX}},
-    {"BeyondSinglePrecision", {16777213, 16777300}, false, 1, {16777213, 16777300}},
-    {"NegativeLimits", {-300, -10}, false, 1, {-300, -10}},
-    {"InvertedLimits", {300, 10}, false, 1, {300, 10}},
-    {"EqualLimits", {77, 77}, false, 1, {77, 77}},
-    {"EqualToOptics", {77, 300, false}, false, 77, {77, 77}},
+    {{"SoftLimits"}, {10, 300}, false, 200, {10, 300}},
+    {{"SoftLimitsAndDigital"}, {10, 300}, true, 200, {10, 300}},
+    {{"DigitalZoom"}, {10, 300, false}, true, 200, {10, 300}},
+    {{"Optics"}, {10, 300, false}, false, 200, {10, 200}},
+    {{"OpticsBeyondSoft"}, {10, 300, false}, false, 400, {10, 400}},
+    {{"FinerThanNtcip"}, {1000, 1000000}, false, 1, {1000, 1000000}},
+    {{"HugeLimits"}, {INT_MIN, INT_MAX}, false, 1, {INT_MIN, INT_MAX}},
+    {{"BeyondSinglePrecision"}, {16777213, 16777300}, false, 1, {16777213, 16777300}},
+    {{"NegativeLimits"}, {-300, -10}, false, 1, {-300, -10}},
+    {{"InvertedLimits"}, {300, 10}, false, 1, {300, 10}},
+    {{"EqualLimits"}, {77, 77}, false, 1, {77, 77}},
+    {{"EqualToOptics"}, {77, 300, false}, false, 77, {77, 77}},
 };
 
 class PositioningZoomRangeTest : public PositioningConversionTest, public testing::WithParamInterface<ZoomRange> {
@@ -57,8 +56,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Ranges, PositioningZoomRangeTest, testing::ValuesIn(kZoomRanges),
-                         [](const auto &range) { return std::string(range.param.name); });
+INSTANTIATE_TEST_SUITE_P(Ranges, PositioningZoomRangeTest, testing::ValuesIn(kZoomRanges), nameOf<ZoomRange>);
 
 /** Forgets the record now and then, which would else grow into hundreds of megabytes. */
 void forgetEvery(int period, int i) {
@@ -199,7 +197,7 @@ TEST(PositioningTilt, ComesBackWhereTheFoldDoesNotOverlap) {
 
 TEST_P(PositioningZoomRangeTest, MapsEveryPositionIntoTheRangeThatCounts) {
     // A step that is prime to everything else here; the range of an ordinary camera is walked in full.
-    const int step = std::string(GetParam().name) == "SoftLimits" ? 1 : 37;
+    const int step = GetParam().name == "SoftLimits" ? 1 : 37;
     for (int ntcip = 0; ntcip <= 65535; ntcip += step) {
         ASSERT_EQ(convertNTCIPToZorvaZoom(ntcip), model::zorvaZoom(ntcip, GetParam().counts)) << ntcip;
         forgetEvery(512, ntcip);

@@ -1,7 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <ostream>
-#include <string>
-
 #include "motion_commands.h"
 #include "positioning_test.h"
 
@@ -15,8 +12,7 @@ enum class Kind { Stop, Delta, Absolute, Continuous };
 enum class ZoomBound { SoftLimits, DigitalZoom, Optics };
 
 /** One command to an axis, and what becomes of it while the camera stands where the fixture has it. */
-struct Command {
-    const char *name;
+struct Command : Row {
     Kind kind;
     Axis axis;
     int speed;
@@ -27,80 +23,63 @@ struct Command {
     Calls lines; ///< what the command logs at info level
 };
 
-void PrintTo(const Command &each, std::ostream *stream) {
-    *stream << each.name;
+Command stop(const std::string &name, Axis axis, const std::string &line) {
+    return {{name}, Kind::Stop, axis, 0, 0, 0, 0, "0", {"stopMovement: stop " + line}};
 }
 
-Calls lines(const std::string &function, const std::string &first, const Calls &last) {
-    Calls result{function + first, function + ": get_position FUZZ, 90000=pan,-10000=tilt,100=zoom",
-                 function + ": get_position NTCIP,9000=pan,35000=tilt,20338=zoom"};
+/** A move to a position. The lines are its own first one and the last ones. */
+Command move(const std::string &name, Kind kind, Axis axis, int speed, int position, int target, int opticalTarget,
+             const char *fraction, const std::string &first, const Calls &last) {
+    const std::string function = kind == Kind::Delta ? "deltaMovement: " : "absoluteMovement: ";
+    Calls lines{function + (kind == Kind::Delta ? "NTCIP delta " : "NTCIP absolute ") + first,
+                function + "get_position FUZZ, 90000=pan,-10000=tilt,100=zoom",
+                function + "get_position NTCIP,9000=pan,35000=tilt,20338=zoom"};
     for (const std::string &line : last) {
-        result.push_back(function + line);
+        lines.push_back(function + line);
     }
-    return result;
+    return {{name}, kind, axis, speed, position, target, opticalTarget, fraction, lines};
 }
 
-Calls delta(const std::string &first, const std::string &direction, const std::string &last) {
-    return lines("deltaMovement", ": NTCIP delta " + first, {direction, last});
-}
-
-Calls absolute(const std::string &first, const std::string &last) {
-    return lines("absoluteMovement", ": NTCIP absolute " + first, {last});
+Command run(const std::string &name, Axis axis, int speed, int velocity, const std::string &first,
+            const std::string &last) {
+    return {{name},
+            Kind::Continuous,
+            axis,
+            speed,
+            0,
+            velocity,
+            velocity,
+            "0",
+            {"continuousMovement: NTCIP continuous " + first, "continuousMovement: countinous " + last}};
 }
 
 std::vector<Command> commands() {
     return {
-        {"StopPan", Kind::Stop, kPanAxis, 0, 0, 0, 0, "0", {"stopMovement: stop PAN"}},
-        {"StopTilt", Kind::Stop, kTiltAxis, 0, 0, 0, 0, "0", {"stopMovement: stop TILT"}},
-        {"StopZoom", Kind::Stop, kZoomAxis, 0, 0, 0, 0, "0", {"stopMovement: stop ZOOM"}},
-        {"DeltaPan", Kind::Delta, kPanAxis, 64, 100, 91000, 91000, "0.511749268",
-         delta("PAN, speed=0x40(0.500%), delta=0x0064(100 hundrethdegree)", ": positive speed, clockwise",
-               ": new pan position FUZZ, 91000=pan,speed=80680,0.512")},
-        {"DeltaTilt", Kind::Delta, kTiltAxis, -64, 100, -11000, -11000, "0.511749268",
-         delta("TILT, speed=0xffffffc0(-0.500%), delta=0x0064(100 hundrethdegree)", ": negative speed, tilt down",
-               ": new tilt position FUZZ, -11000=tilt,speed=40340,0.512")},
-        {"DeltaZoom", Kind::Delta, kZoomAxis, 64, 30000, 233, 156, "0.625",
-         delta("ZOOM, speed=0x40(0.500%), delta=0x7530(30000 hundrethdegree)", ": telephoto zoom",
-               ": new zoom position FUZZ, 233=zoom,speed=20,0.625")},
-        {"AbsolutePan", Kind::Absolute, kPanAxis, -1, 12345, 123450, 123450, "0.0156860352",
-         absolute("PAN, speed=0xffffffff(-0.008%), position=0x3039(12345 hundrethdegree)",
-                  ": new pan position FUZZ, 123450=pan,speed=1359,0.016")},
-        {"AbsoluteTilt", Kind::Absolute, kTiltAxis, 127, 18001, -10, -10, "1.0078125",
-         absolute("TILT, speed=0x7f(0.992%), position=0x4651(18001 hundrethdegree)",
-                  ": new tilt position FUZZ, -10=tilt,speed=80000,1.008")},
-        {"AbsoluteZoom", Kind::Absolute, kZoomAxis, 0, 50000, 231, 155, "0.125",
-         absolute("ZOOM, speed=0x00(0.000%), position=0xc350(50000 hundrethdegree)",
-                  ": new zoom position FUZZ, 231=zoom,speed=0,0.125")},
-        {"ContinuousPan",
-         Kind::Continuous,
-         kPanAxis,
-         64,
-         0,
-         40365,
-         40365,
-         "0",
-         {"continuousMovement: NTCIP continuous PAN, speed=0x40(0.500%)",
-          "continuousMovement: countinous clockwise pan, speed=40365,0.511749"}},
-        {"ContinuousTilt",
-         Kind::Continuous,
-         kTiltAxis,
-         -64,
-         0,
-         -20182,
-         -20182,
-         "0",
-         {"continuousMovement: NTCIP continuous TILT, speed=0xffffffc0(-0.500%)",
-          "continuousMovement: countinous downward tilt, speed=-20182,0.511749"}},
-        {"ContinuousZoom",
-         Kind::Continuous,
-         kZoomAxis,
-         -1,
-         0,
-         -20,
-         -20,
-         "0",
-         {"continuousMovement: NTCIP continuous ZOOM, speed=0xffffffff(-0.008%)",
-          "continuousMovement: countinous wide zoom, speed=-20,0.125000"}},
+        stop("StopPan", kPanAxis, "PAN"),
+        stop("StopTilt", kTiltAxis, "TILT"),
+        stop("StopZoom", kZoomAxis, "ZOOM"),
+        move("DeltaPan", Kind::Delta, kPanAxis, 64, 100, 91000, 91000, "0.511749268",
+             "PAN, speed=0x40(0.500%), delta=0x0064(100 hundrethdegree)",
+             {"positive speed, clockwise", "new pan position FUZZ, 91000=pan,speed=80680,0.512"}),
+        move("DeltaTilt", Kind::Delta, kTiltAxis, -64, 100, -11000, -11000, "0.511749268",
+             "TILT, speed=0xffffffc0(-0.500%), delta=0x0064(100 hundrethdegree)",
+             {"negative speed, tilt down", "new tilt position FUZZ, -11000=tilt,speed=40340,0.512"}),
+        move("DeltaZoom", Kind::Delta, kZoomAxis, 64, 30000, 233, 156, "0.625",
+             "ZOOM, speed=0x40(0.500%), delta=0x7530(30000 hundrethdegree)",
+             {"telephoto zoom", "new zoom position FUZZ, 233=zoom,speed=20,0.625"}),
+        move("AbsolutePan", Kind::Absolute, kPanAxis, -1, 12345, 123450, 123450, "0.0156860352",
+             "PAN, speed=0xffffffff(-0.008%), position=0x3039(12345 hundrethdegree)",
+             {"new pan position FUZZ, 123450=pan,speed=1359,0.016"}),
+        move("AbsoluteTilt", Kind::Absolute, kTiltAxis, 127, 18001, -10, -10, "1.0078125",
+             "TILT, speed=0x7f(0.992%), position=0x4651(18001 hundrethdegree)",
+             {"new tilt position FUZZ, -10=tilt,speed=80000,1.008"}),
+        move("AbsoluteZoom", Kind::Absolute, kZoomAxis, 0, 50000, 231, 155, "0.125",
+             "ZOOM, speed=0x00(0.000%), position=0xc350(50000 hundrethdegree)",
+             {"new zoom position FUZZ, 231=zoom,speed=0,0.125"}),
+        run("ContinuousPan", kPanAxis, 64, 40365, "PAN, speed=0x40(0.500%)", "clockwise pan, speed=40365,0.511749"),
+        run("ContinuousTilt", kTiltAxis, -64, -20182, "TILT, speed=0xffffffc0(-0.500%)",
+            "downward tilt, speed=-20182,0.511749"),
+        run("ContinuousZoom", kZoomAxis, -1, -20, "ZOOM, speed=0xffffffff(-0.008%)", "wide zoom, speed=-20,0.125000"),
     };
 }
 
@@ -204,8 +183,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Commands, PositioningCommandTest, testing::ValuesIn(commands()),
-                         [](const auto &each) { return std::string(each.param.name); });
+INSTANTIATE_TEST_SUITE_P(Commands, PositioningCommandTest, testing::ValuesIn(commands()), nameOf<Command>);
 
 /** The lines of the conversions that the command makes, in between its own. */
 std::vector<LogLine> expectedLines(const Command &each) {

@@ -13,18 +13,17 @@ using positioning::speedPercentage;
 namespace {
 
 /** Velocity ranges of the three axes. */
-struct Velocities {
-    const char *name;
+struct Velocities : Row {
     Limits pan;
     Limits tilt;
     Limits zoom;
 };
 
 const Velocities kVelocities[] = {
-    {"FromZero", {0, 160000}, {0, 80000}, {0, 20}},    {"FromSlow", {100, 160000}, {50, 80000}, {2, 20}},
-    {"SlowCamera", {1, 100}, {2, 50}, {1, 2}},         {"Huge", {0, INT_MAX}, {INT_MIN, INT_MAX}, {1000, 16777259}},
-    {"Negative", {-5000, -100}, {-100, 0}, {-20, -2}}, {"Inverted", {160000, 100}, {80000, 50}, {20, 2}},
-    {"Equal", {3000, 3000}, {0, 0}, {-7, -7}},
+    {{"FromZero"}, {0, 160000}, {0, 80000}, {0, 20}},    {{"FromSlow"}, {100, 160000}, {50, 80000}, {2, 20}},
+    {{"SlowCamera"}, {1, 100}, {2, 50}, {1, 2}},         {{"Huge"}, {0, INT_MAX}, {INT_MIN, INT_MAX}, {1000, 16777259}},
+    {{"Negative"}, {-5000, -100}, {-100, 0}, {-20, -2}}, {{"Inverted"}, {160000, 100}, {80000, 50}, {20, 2}},
+    {{"Equal"}, {3000, 3000}, {0, 0}, {-7, -7}},
 };
 
 constexpr unsigned int kCeilingsToTry[] = {160000, 80000, 127, 1, 0, 0x7FFFFFFF};
@@ -39,8 +38,7 @@ protected:
 
 class PositioningVelocityRangeTest : public PositioningSpeedTest, public testing::WithParamInterface<Velocities> {};
 
-INSTANTIATE_TEST_SUITE_P(Ranges, PositioningVelocityRangeTest, testing::ValuesIn(kVelocities),
-                         [](const auto &range) { return std::string(range.param.name); });
+INSTANTIATE_TEST_SUITE_P(Ranges, PositioningVelocityRangeTest, testing::ValuesIn(kVelocities), nameOf<Velocities>);
 
 signed char code(int speed) {
     return static_cast<signed char>(speed);

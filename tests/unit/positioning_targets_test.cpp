@@ -38,49 +38,71 @@ struct Delta {
 
 } // namespace
 
-TEST_F(PositioningTargetsTest, PanDeltasGoByTheSignsOfSpeedAndDelta) {
-    const Delta deltas[] = {
-        {0, -1, 100, 359000},         {0, 5, -100, 359000},  {0, 5, 100, 1000},       {1000, -5, -100, 2000},
-        {359990, 1, 10, 90},          {0, 0, 100, 1000},     {90000, 127, 0, 90000},  {90000, -128, 0, 90000},
-        {359990, 1, 32767, 327660},   {0, 1, -32768, 32320}, {0, -1, -32768, 327680}, {359995, 1, 0, 0},
-        {359994, 1, 0, 359990},       {4, -1, 0, 0},         {359990, -1, 1, 359980}, {0, -1, 32767, 32330},
-        {359990, -1, -32768, 327670}, {359990, 1, 1, 0},
+TEST_F(PositioningTargetsTest, DeltasGoByTheSignsOfSpeedAndDelta) {
+    const std::pair<Axis, std::vector<Delta>> axes[] = {
+        {kPanAxis,
+         {{0, -1, 100, 359000},
+          {0, 5, -100, 359000},
+          {0, 5, 100, 1000},
+          {1000, -5, -100, 2000},
+          {359990, 1, 10, 90},
+          {0, 0, 100, 1000},
+          {90000, 127, 0, 90000},
+          {90000, -128, 0, 90000},
+          {359990, 1, 32767, 327660},
+          {0, 1, -32768, 32320},
+          {0, -1, -32768, 327680},
+          {359995, 1, 0, 0},
+          {359994, 1, 0, 359990},
+          {4, -1, 0, 0},
+          {359990, -1, 1, 359980},
+          {0, -1, 32767, 32330},
+          {359990, -1, -32768, 327670},
+          {359990, 1, 1, 0}}},
+        // The tilt goes through the fold.
+        {kTiltAxis,
+         {{0, 1, 100, 1000},
+          {0, -1, 100, -1000},
+          {-10, 1, 1, 0},
+          {-10, -1, 1, -20},
+          {90000, 1, 1, 10},
+          {90000, -1, 1, 89990},
+          {-90000, -1, 1, -89990},
+          {-90000, 1, -1, -89990},
+          {0, 0, 100, 1000},
+          {0, 1, -100, -1000},
+          {-10, 1, 32767, -32340},
+          {0, 1, 32767, -32330},
+          {0, -1, 32767, -327670},
+          {0, 1, -32768, -327680},
+          {0, -1, -32768, -32320},
+          {-90000, 1, 9000, 0},
+          {-1, 1, 0, 0}}},
+        // The zoom ends at its bounds.
+        {kZoomAxis,
+         {{10, 1, 32767, 155},
+          {10, -1, 1, 10},
+          {10, 1, -1, 10},
+          {300, 1, 1, 300},
+          {300, -1, -1, 300},
+          {300, -1, 32767, 155},
+          {100, 0, 30000, 233},
+          {100, -1, 20338, 10},
+          {100, 1, 32767, 245},
+          {100, 1, 0, 100},
+          {300, 1, -32768, 155},
+          {10, -1, -32768, 155},
+          {5, 1, 0, 10},
+          {400, 1, 0, 300}}},
     };
-    for (const Delta &each : deltas) {
-        position(each.from, -10000, 100);
-        deltaMovement(kPanAxis, static_cast<signed char>(each.speed), static_cast<short>(each.delta));
-        EXPECT_EQ(lastCall(), calls::move(kPanAxis, each.target, "0"))
-            << each.from << " by " << each.delta << " at " << each.speed;
-    }
-}
-
-TEST_F(PositioningTargetsTest, TiltDeltasGoThroughTheFold) {
-    const Delta deltas[] = {
-        {0, 1, 100, 1000},       {0, -1, 100, -1000},     {-10, 1, 1, 0},          {-10, -1, 1, -20},
-        {90000, 1, 1, 10},       {90000, -1, 1, 89990},   {-90000, -1, 1, -89990}, {-90000, 1, -1, -89990},
-        {0, 0, 100, 1000},       {0, 1, -100, -1000},     {-10, 1, 32767, -32340}, {0, 1, 32767, -32330},
-        {0, -1, 32767, -327670}, {0, 1, -32768, -327680}, {0, -1, -32768, -32320}, {-90000, 1, 9000, 0},
-        {-1, 1, 0, 0},
-    };
-    for (const Delta &each : deltas) {
-        position(90000, each.from, 100);
-        deltaMovement(kTiltAxis, static_cast<signed char>(each.speed), static_cast<short>(each.delta));
-        EXPECT_EQ(lastCall(), calls::move(kTiltAxis, each.target, "0"))
-            << each.from << " by " << each.delta << " at " << each.speed;
-    }
-}
-
-TEST_F(PositioningTargetsTest, ZoomDeltasEndAtTheBounds) {
-    const Delta deltas[] = {
-        {10, 1, 32767, 155},   {10, -1, 1, 10},       {10, 1, -1, 10},      {300, 1, 1, 300},     {300, -1, -1, 300},
-        {300, -1, 32767, 155}, {100, 0, 30000, 233},  {100, -1, 20338, 10}, {100, 1, 32767, 245}, {100, 1, 0, 100},
-        {300, 1, -32768, 155}, {10, -1, -32768, 155}, {5, 1, 0, 10},        {400, 1, 0, 300},
-    };
-    for (const Delta &each : deltas) {
-        position(90000, -10000, each.from);
-        deltaMovement(kZoomAxis, static_cast<signed char>(each.speed), static_cast<short>(each.delta));
-        EXPECT_EQ(lastCall(), calls::move(kZoomAxis, each.target, "0"))
-            << each.from << " by " << each.delta << " at " << each.speed;
+    for (const auto &[axis, deltas] : axes) {
+        for (const Delta &each : deltas) {
+            position(axis == kPanAxis ? each.from : 90000, axis == kTiltAxis ? each.from : -10000,
+                     axis == kZoomAxis ? each.from : 100);
+            deltaMovement(axis, static_cast<signed char>(each.speed), static_cast<short>(each.delta));
+            EXPECT_EQ(lastCall(), calls::move(axis, each.target, "0"))
+                << each.from << " by " << each.delta << " at " << each.speed;
+        }
     }
 }
 

@@ -4,7 +4,6 @@
 
 namespace {
 
-const char *const kRebootObject = oids::registered::rebootDevice;
 const char *const kRebootInstance = oids::rebootDevice;
 const char *const kReboot = "zorva_api_device_management_reboot_send";
 const char *const kRebootCall =

@@ -3,8 +3,6 @@
  * @file
  * How a relay is switched, by the NTCIP command as by the table: it is set up first if nobody has done so yet.
  */
-#include <ostream>
-
 #include "gpio_table_test.h"
 #include "handler_requests.h"
 #include "relay_calls.h"
@@ -12,8 +10,7 @@
 namespace {
 
 /** One of the two objects that switch relays. */
-struct Way {
-    const char *handler;
+struct Way : Row {                          // the name is the handler's
     Answer (*commit)(int relay, int state); ///< after the phases before it, with the record of the COMMIT only
     bool logsPhases;
 };
@@ -39,11 +36,7 @@ Answer commitCell(int relay, int state) {
     return answer;
 }
 
-void PrintTo(const Way &way, std::ostream *stream) {
-    *stream << way.handler;
-}
-
-const Way kWays[] = {{"handle_outputControl", commitCommand, true}, {"handle_relayStates", commitCell, false}};
+const Way kWays[] = {{{"handle_outputControl"}, commitCommand, true}, {{"handle_relayStates"}, commitCell, false}};
 
 class RelaySwitchingTest : public ModuleTest, public testing::WithParamInterface<Way> {
 protected:
@@ -58,16 +51,15 @@ protected:
 
     static void expectFailed(const Answer &answer) {
         EXPECT_EQ(answer.returned, SNMP_ERR_GENERR);
-        std::vector<LogLine> lines{logs::error(std::string(GetParam().handler) + ": MODE_COMMIT fail")};
+        std::vector<LogLine> lines{logs::error(GetParam().name + ": MODE_COMMIT fail")};
         if (GetParam().logsPhases) {
-            lines.insert(lines.begin(), logs::debug(std::string(GetParam().handler) + ": Enter."));
+            lines.insert(lines.begin(), logs::debug(GetParam().name + ": Enter."));
         }
         EXPECT_EQ(core().logs(), lines);
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Ways, RelaySwitchingTest, testing::ValuesIn(kWays),
-                         [](const auto &each) { return std::string(each.param.handler); });
+INSTANTIATE_TEST_SUITE_P(Ways, RelaySwitchingTest, testing::ValuesIn(kWays), nameOf<Way>);
 
 } // namespace
 

@@ -102,6 +102,17 @@ const char *const kReadPower = "zorva_api_power_get_power_state_send";
 const char *const kReadVoltage = "zorva_api_power_get_voltage_state_send";
 const Sensor kPower = state("power", oids::registered::power, kReadPower, kReadVoltage);
 const Sensor kVoltage = state("voltage", oids::registered::voltage, kReadVoltage, kReadPower);
+const std::vector<std::pair<std::int64_t, long>> kTemperatureAnswers = {{40000, 40},
+                                                                        {40999, 40},
+                                                                        {999, 0},
+                                                                        {0, 0},
+                                                                        {-999, 0},
+                                                                        {-1000, 4294967295},
+                                                                        {-1500, 4294967295},
+                                                                        {-2000, 4294967294},
+                                                                        {-40000, 4294967256},
+                                                                        {kHottest, 2147483},
+                                                                        {kColdest, 4292819813}};
 const Sensor kTemperature{{"temperature"},
                           "temperature",
                           InitTemperature,
@@ -113,17 +124,7 @@ const Sensor kTemperature{{"temperature"},
                           "zorva_api_temperature_get_temperature_send",
                           nullptr,
                           ASN_UNSIGNED,
-                          {{40000, 40},
-                           {40999, 40},
-                           {999, 0},
-                           {0, 0},
-                           {-999, 0},
-                           {-1000, 4294967295},
-                           {-1500, 4294967295},
-                           {-2000, 4294967294},
-                           {-40000, 4294967256},
-                           {kHottest, 2147483},
-                           {kColdest, 4292819813}},
+                          kTemperatureAnswers,
                           {40000, -10000, 43000},
                           kTemperatureStories};
 
