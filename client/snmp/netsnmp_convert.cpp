@@ -111,4 +111,18 @@ std::string libraryError(void *session) {
     return result;
 }
 
+bool isReport(int error) {
+    switch (error) {
+    case SNMPERR_UNKNOWN_USER_NAME:
+    case SNMPERR_UNKNOWN_ENG_ID:
+    case SNMPERR_UNSUPPORTED_SEC_LEVEL:
+    case SNMPERR_AUTHENTICATION_FAILURE:
+    case SNMPERR_NOT_IN_TIME_WINDOW:
+    case SNMPERR_DECRYPTION_ERR:
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace snmp

@@ -38,6 +38,9 @@ std::vector<Varbind> varbindsOf(const netsnmp_pdu &pdu);
 /** Describes the last error of a session, or with null that of opening one. */
 std::string libraryError(void *session);
 
+/** Tests whether an error of the library stands for a report: the agent rejected the credentials of a request. */
+bool isReport(int error);
+
 } // namespace snmp
 
 #endif

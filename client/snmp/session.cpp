@@ -22,21 +22,6 @@ int commandOf(Operation operation) {
     return SNMP_MSG_SET;
 }
 
-/** Tests whether an error means that the agent did not admit the request. */
-bool isReport(int error) {
-    switch (error) {
-    case SNMPERR_UNKNOWN_USER_NAME:
-    case SNMPERR_UNKNOWN_ENG_ID:
-    case SNMPERR_UNSUPPORTED_SEC_LEVEL:
-    case SNMPERR_AUTHENTICATION_FAILURE:
-    case SNMPERR_NOT_IN_TIME_WINDOW:
-    case SNMPERR_DECRYPTION_ERR:
-        return true;
-    default:
-        return false;
-    }
-}
-
 /** Tests whether the library failed to protect a message, or to read a protected one. */
 bool isSecurity(int error) {
     return error <= SNMPERR_USM_GENERICERROR && error >= SNMPERR_USM_DECRYPTIONERROR;

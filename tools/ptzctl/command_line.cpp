@@ -48,28 +48,20 @@ std::string environmentText(const char *name) {
     return value != nullptr ? value : "";
 }
 
+/** Adds the options of the credentials, which are texts and have environment variables. */
 void addAuthentication(CLI::App &app, snmp::Credentials &credentials) {
-    const char *const group = "Authentication";
-    app.add_option("-v,--snmp-version", credentials.version, "Protocol version")
-        ->check(CLI::IsMember({"2c", "3"}))
-        ->envname("PTZCTL_SNMP_VERSION")
-        ->group(group);
-    app.add_option("-c,--community", credentials.community, "Community, for 2c")
-        ->envname("PTZCTL_COMMUNITY")
-        ->group(group);
-    app.add_option("-u,--user", credentials.user, "User, for 3; passphrases come from the environment or snmp.conf")
-        ->envname("PTZCTL_USER")
-        ->group(group);
-    app.add_option("-l,--level", credentials.level, "Security level, for 3")
-        ->check(CLI::IsMember({"noAuthNoPriv", "authNoPriv", "authPriv"}))
-        ->envname("PTZCTL_LEVEL")
-        ->group(group);
-    app.add_option("-a,--auth", credentials.authentication, "Authentication protocol, such as SHA-256")
-        ->envname("PTZCTL_AUTH")
-        ->group(group);
-    app.add_option("-x,--privacy", credentials.privacy, "Privacy protocol, such as AES")
-        ->envname("PTZCTL_PRIVACY")
-        ->group(group);
+    const auto add = [&app](const char *names, std::string &value, const char *help, const char *variable) {
+        return app.add_option(names, value, help)->envname(variable)->group("Authentication");
+    };
+    add("-v,--snmp-version", credentials.version, "Protocol version", "PTZCTL_SNMP_VERSION")
+        ->check(CLI::IsMember({"2c", "3"}));
+    add("-c,--community", credentials.community, "Community, for 2c", "PTZCTL_COMMUNITY");
+    add("-u,--user", credentials.user, "User, for 3; passphrases come from the environment or snmp.conf",
+        "PTZCTL_USER");
+    add("-l,--level", credentials.level, "Security level, for 3", "PTZCTL_LEVEL")
+        ->check(CLI::IsMember({"noAuthNoPriv", "authNoPriv", "authPriv"}));
+    add("-a,--auth", credentials.authentication, "Authentication protocol, such as SHA-256", "PTZCTL_AUTH");
+    add("-x,--privacy", credentials.privacy, "Privacy protocol, such as AES", "PTZCTL_PRIVACY");
     credentials.authenticationPassphrase = environmentText("PTZCTL_AUTH_PASSPHRASE");
     credentials.privacyPassphrase = environmentText("PTZCTL_PRIVACY_PASSPHRASE");
 }

@@ -41,17 +41,7 @@ void *open(const std::string &peer, const std::string &community, CommunityVersi
  * @return empty if the session's last error is not a report
  */
 std::string reportOf(void *session) {
-    switch (snmp_sess_session(session)->s_snmp_errno) {
-    case SNMPERR_UNKNOWN_USER_NAME:
-    case SNMPERR_UNKNOWN_ENG_ID:
-    case SNMPERR_UNSUPPORTED_SEC_LEVEL:
-    case SNMPERR_AUTHENTICATION_FAILURE:
-    case SNMPERR_NOT_IN_TIME_WINDOW:
-    case SNMPERR_DECRYPTION_ERR:
-        return snmp::libraryError(session);
-    default:
-        return "";
-    }
+    return snmp::isReport(snmp_sess_session(session)->s_snmp_errno) ? snmp::libraryError(session) : "";
 }
 
 std::vector<Varbind> namesOnly(const std::vector<std::string> &oids) {
