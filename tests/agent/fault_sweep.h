@@ -7,6 +7,7 @@
 #define QUARNSNMP_FAULT_SWEEP_H
 
 #include <chrono>
+#include <map>
 #include <vector>
 
 #include "camera_agent.h"
@@ -45,7 +46,10 @@ protected:
     /** Reads and writes all objects without a fault, which leaves the camera in the state that sweep() expects. */
     void recover();
 
-    /** Sends a request under a fault, and checks its answer, its duration and its log lines. */
+    /**
+     * Sends a request under a fault, and checks its answer, its duration and its log lines. After a read of a service
+     * that hangs, further reads of it must fail at once for ten seconds.
+     */
     void send(const Request &request, const Fault &fault);
 
     /** Gives a service a fault until it is cleared. @param how last arguments of the control command */
@@ -61,11 +65,14 @@ private:
     void learn();
     void learn(Request &request);
     harness::Result ask(const Request &request);
+    void expectDuration(const Request &request, const Fault &fault, std::chrono::milliseconds duration);
+    void awaitEndOfHolds();
     void expectAnswer(const Request &request, const std::vector<Call> &failed, const harness::Result &result);
     void expectLog(const Request &request, const std::vector<Call> &failed, std::size_t start) const;
     std::size_t errorsLogged(std::size_t start) const;
 
     Services services_;
+    std::map<std::string, std::chrono::steady_clock::time_point> heldSince_; ///< by service
 };
 
 /** Returns the name of a camera that has a service. */

@@ -137,7 +137,7 @@ TEST_F(Lens, OneCommandSwitchesFocusAndIris) {
     EXPECT_EQ(get(oids::systemLensFeatureStatus), "\"@\"") << "40, automatic focus";
     set(oids::systemLensFeatureControl, "\x00\x80"s);
     EXPECT_EQ(get(oids::systemLensFeatureStatus), "\"@\"");
-    EXPECT_THAT(finishedOperations(events),
+    EXPECT_THAT(operations(events),
                 ElementsAre("set_manual_mode_enable_send", "set_manual_mode_enable_send", "set_manual_mode_enable_send",
                             "do_auto_focus_send", "set_manual_mode_enable_send", "set_manual_mode_enable_send"));
 }
@@ -195,7 +195,7 @@ TEST_F(StepperLens, FocusStepsToPositionsAndCannotBeStopped) {
     set(oids::positionFocusLens, stop());
     set(oids::positionFocusLens, continuous(127));
     EXPECT_TRUE(arrives(kFocusStepper, 1000));
-    EXPECT_THAT(finishedOperations(events), ElementsAre("set_position_send"));
+    EXPECT_THAT(operations(events), ElementsAre("set_position_send"));
     EXPECT_EQ(events.matching({{"operation", "set_position_send"}}).at(0).at("arguments"), json({1000, 800}))
         << "at the highest speed";
     EXPECT_EQ(logged("handle_positionFocusStepperLens: stop focus (0)"), 1U);

@@ -42,12 +42,12 @@ public:
         if (const char *name = after("desc: Trigger: Client Request: ", line)) {
             subject = name;
         } else if (const char *caller = after("ob=", line)) {
-            object_ = caller;
-            calledObject_ = caller; // unless a line names another one
+            object = caller;
+            calledObject = caller; // unless a line names another one
         } else if (const char *callee = after("cob=", line)) {
-            calledObject_ = callee;
+            calledObject = callee;
         } else if (after("calls=", line) != nullptr) {
-            isCall_ = true;
+            isCall = true;
         } else if (!line.empty() && line[0] >= '0' && line[0] <= '9') {
             takeCost(costOf(line));
         }
@@ -58,21 +58,21 @@ public:
 
 private:
     void takeCost(std::uint64_t cost) {
-        if (!isCall_) {
+        if (!isCall) {
             instructions.own += cost;
             instructions.total += cost;
-        } else if (isAgentLibrary(calledObject_) && !isAgentLibrary(object_)) {
+        } else if (isAgentLibrary(calledObject) && !isAgentLibrary(object)) {
             instructions.own -= cost;
         }
-        if (isCall_) {
-            isCall_ = false;
-            calledObject_ = object_;
+        if (isCall) {
+            isCall = false;
+            calledObject = object;
         }
     }
 
-    std::string object_;
-    std::string calledObject_;
-    bool isCall_ = false;
+    std::string object;
+    std::string calledObject;
+    bool isCall = false;
 };
 
 void addProfile(const std::filesystem::path &path, std::map<std::string, Instructions> &result) {

@@ -51,6 +51,11 @@ void Core::targets(const std::string &service, std::vector<std::string> ids) {
     targets_[service] = {true, std::move(ids)};
 }
 
+void Core::loseTargets(const std::string &service) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    targets_.erase(service);
+}
+
 void Core::targetsOnce(const std::string &service, Targets targets) {
     const std::lock_guard<std::mutex> lock(mutex_);
     targetsOnce_[service].push_back(std::move(targets));
@@ -113,16 +118,24 @@ void Core::clearRecord() {
     sleeps_.clear();
 }
 
-Outcome Core::perform(const std::string &function, const std::string &recorded, std::size_t outputs) {
+void Core::act(const std::string &function) {
     std::function<void()> action;
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        const auto found = actions_.find(function);
+        if (found == actions_.end()) {
+            return;
+        }
+        action = found->second;
+    }
+    action();
+}
+
+Outcome Core::perform(const std::string &function, const std::string &recorded, std::size_t outputs) {
     Outcome outcome;
     {
         const std::lock_guard<std::mutex> lock(mutex_);
         calls_.push_back(recorded);
-        const auto found = actions_.find(function);
-        if (found != actions_.end()) {
-            action = found->second;
-        }
         const auto standing = outcomes_.find(function);
         if (takeOnce(outcomesOnce_, function, outcome)) {
         } else if (standing != outcomes_.end()) {
@@ -136,15 +149,15 @@ Outcome Core::perform(const std::string &function, const std::string &recorded, 
             outcome.status = kUnscripted;
         }
     }
-    if (action) {
-        action();
-    }
+    act(function);
     return outcome;
 }
 
 bool Core::discover(const std::string &service, std::vector<std::string> &ids) {
+    const std::string recorded = "getTargetIds(\"" + service + "\")";
+    act(recorded);
     const std::lock_guard<std::mutex> lock(mutex_);
-    calls_.push_back("getTargetIds(\"" + service + "\")");
+    calls_.push_back(recorded);
     Targets targets;
     if (!takeOnce(targetsOnce_, service, targets)) {
         targets = targets_[service];
@@ -195,6 +208,7 @@ void Core::problem(const std::string &text) {
 }
 
 void Core::sleep(unsigned int seconds) {
+    act("sleep");
     const std::lock_guard<std::mutex> lock(mutex_);
     sleeps_.push_back(seconds);
 }

@@ -27,7 +27,7 @@
 
 namespace scripted {
 
-/** Value of an output; the null pointer is a text that the service leaves out. */
+/** Value of an output. The null pointer is a missing text, or a number that the call leaves as it was. */
 using Value = std::variant<std::int64_t, std::string, std::nullptr_t>;
 
 /** What a call does: its status, and with status 0 the values of its outputs in order. */
@@ -67,8 +67,13 @@ public:
     void fail(const std::string &function, zorva_core_status status);
     /** The next call only, before what answer() or fail() says; several are used up in order. */
     void once(const std::string &function, Outcome outcome);
-    /** Runs `action` inside each such call, on the caller's thread. */
+    /**
+     * Runs `action` inside each such call, on the caller's thread. A discovery goes by its record, as in
+     * `getTargetIds("iris")`, and a sleep of the module by `sleep`.
+     */
     void during(const std::string &function, std::function<void()> action);
+    /** From now on the service is not found. */
+    void loseTargets(const std::string &service);
 
     std::vector<std::string> calls() const;
     std::vector<LogLine> logs() const;
@@ -92,6 +97,8 @@ public:
     void sleep(unsigned int seconds);
 
 private:
+    void act(const std::string &function);
+
     mutable std::mutex mutex_;
     std::map<std::string, Targets> targets_;
     std::map<std::string, std::deque<Targets>> targetsOnce_;

@@ -58,7 +58,9 @@ void fill(const std::string &function, const Outcome &outcome, std::size_t &next
                 *argument = text != nullptr ? strdup(text->c_str()) : nullptr;
             }
         } else if (outcome.status == 0) {
-            *argument = static_cast<Output>(std::get<std::int64_t>(outcome.outputs.at(next++)));
+            if (const auto *number = std::get_if<std::int64_t>(&outcome.outputs.at(next++))) {
+                *argument = static_cast<Output>(*number);
+            }
         } else {
             std::memset(argument, 0xA5, sizeof *argument);
         }

@@ -28,16 +28,16 @@ bool failsNow(Resource resource) noexcept {
 
 } // namespace
 
-Shortage::Shortage(Resource resource, int successes) noexcept : resource_(resource) {
+Shortage::Shortage(Resource limitedResource, int successes) noexcept : resource(limitedResource) {
     countdownOf(resource) = successes;
 }
 
 Shortage::~Shortage() {
-    countdownOf(resource_) = -1;
+    countdownOf(resource) = -1;
 }
 
 bool Shortage::hasStruck() const noexcept {
-    return countdownOf(resource_) < 0;
+    return countdownOf(resource) < 0;
 }
 
 SmallSendBuffers::SmallSendBuffers() noexcept {

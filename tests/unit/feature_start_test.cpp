@@ -32,7 +32,6 @@ struct Feature : Row {
     std::string notOpened; ///< middle of the log line of a service that does not open
     std::vector<std::string> objects;
     End end = End::kClosesWhatIsOpen;
-    bool namesObjects = false;   ///< logs each object a second time, at info level
     bool needsItsObject = false; ///< does not start if the agent refuses the object
     Reduced reduced = {};
     bool registersFirst = false; ///< before it looks for its service
@@ -64,7 +63,6 @@ Feature lens(const lens_tests::Drive &drive) {
     for (const lens_tests::Object &object : drive.objects) {
         result.objects.emplace_back(object.name);
     }
-    result.namesObjects = true;
     result.reduced.startsUnopened = drive.title == "ZoomStepper"; // kept, although nothing is registered
     result.discoveries = drive.waits ? 6 : 1;
     result.furtherCalls = {drive.readRangeCall()};
@@ -78,10 +76,8 @@ Feature lens(const lens_tests::Drive &drive) {
 std::vector<Feature> features() {
     Feature alarm = feature("InitAlarm", "alarm", InitAlarm, DeinitAlarm, "alarms", "alarm",
                             {"alarmStatus", "inputStatus", "alarmStatesTable"});
-    alarm.namesObjects = true;
     Feature relay = feature("InitRelay", "relay", InitRelay, DeinitRelay, "relays", "relay",
                             {"outputStatus", "outputControl", "relayStatesTable"}, End::kClosesWithoutLooking);
-    relay.namesObjects = true;
     const Feature power = feature("InitPower", "power", InitPower, DeinitPower, "power sensors", "power",
                                   {"power", "voltage"}, End::kClosesWithoutLooking);
     Feature temperature = feature("InitTemperature", "temperature", InitTemperature, DeinitTemperature,
@@ -93,7 +89,6 @@ std::vector<Feature> features() {
     reboot.needsItsObject = true;
     Feature presets = feature("InitPresets", "presets_tours", InitPresets, DeinitPresets, "presets", "presets",
                               {"rangeMaximumPreset", "presetGotoPosition", "presetStorePosition"});
-    presets.namesObjects = true;
     presets.registersFirst = true;
     presets.reduced = {true, true, presets.objects.size()};
     Feature positioning =
@@ -102,7 +97,6 @@ std::vector<Feature> features() {
                  "rangeMinimumPanStepAngle", "timeoutPan", "positionPan", "rangeTiltUpLimit", "rangeTiltDownLimit",
                  "rangeMinimumTiltStepAngle", "timeoutTilt", "positionTilt", "rangeZoomLimit", "timeoutZoom",
                  "positionZoomLens"});
-    positioning.namesObjects = true;
     positioning.reduced = {true, true, 12}; // all but those of the zoom, which are left to the zoom stepper
     positioning.furtherCalls = {calls::of(service::kGetTimeout, "&")};
     positioning.furtherLines = {logs::info("InitPositioning: get_velocity_command_timeout, 0 milliseconds")};
@@ -179,7 +173,7 @@ protected:
             }
             const std::string text = "registerScalar: Registration for " + object;
             lines.push_back(taken ? logs::debug(text + " OID OK") : logs::error(text + " OID not OK"));
-            if (GetParam().namesObjects) {
+            if (!GetParam().needsItsObject) {
                 lines.push_back(logs::info(GetParam().name + ": registerScalar=" + object));
             }
         }

@@ -100,6 +100,13 @@ TEST_P(LensFeatureControlTest, WithoutAnExposureServiceTheFocusAloneIsSwitched) 
     expectStory(octets({0x80, 0x00}), {});
 }
 
+TEST_P(LensFeatureControlTest, AnExposureServiceThatIsClosedIsLoggedLikeOneThatRefuses) {
+    restartWithClosedExposure();
+    for (const bool automatic : {true, false}) {
+        expectStory(octets({0xC0, automatic ? 0x80U : 0U}), focusStory(automatic), {irisStory(automatic).back()});
+    }
+}
+
 TEST_P(LensFeatureControlTest, ACommitSwitchesByTheRequestAndKeepsThePendingCommand) {
     phase(object(), MODE_SET_ACTION, octets({0x80, 0x80}));
     const Answer answer = phase(object(), MODE_SET_COMMIT, octets({0x40, 0x00}));

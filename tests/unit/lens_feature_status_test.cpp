@@ -6,7 +6,7 @@ namespace lens_tests {
 namespace {
 
 /** What a service answers about its manual mode. */
-enum class Mode { kAutomatic, kManual, kManual255, kFailed, kAbsent };
+enum class Mode { kAutomatic, kManual, kManual255, kFailed, kClosed, kAbsent };
 
 class LensFeatureStatusTest : public FeatureSetTest {
 protected:
@@ -35,10 +35,10 @@ protected:
             expected.push_back("3 Failed zorva api call: " + drive.function(kGetManual) + "( gFocusApiCookie, " +
                                GetParam().targetsText + "[kDefaultIndex].c_str(), &manualMode) (status 17)");
         }
-        if (exposureMode != Mode::kAbsent) {
+        if (exposureMode != Mode::kAbsent && exposureMode != Mode::kClosed) {
             expected.push_back(exposureCall(kGetManual, "&"));
         }
-        if (exposureMode == Mode::kFailed) {
+        if (exposureMode == Mode::kFailed || exposureMode == Mode::kClosed) {
             expected.emplace_back("3 Failed zorva api call: zorva_api_exposure_get_manual_mode_enable_send( "
                                   "gExposureApiCookie, gExposures[kDefaultIndex].c_str(), &manualMode) (status 17)");
         }
@@ -83,6 +83,21 @@ TEST_P(LensFeatureStatusTest, WithoutAnExposureServiceTheIrisIsNotAutomatic) {
     restartWithoutExposure();
     for (const Mode focusMode : kModes) {
         expectStatus(MODE_GET, focusMode, Mode::kAbsent);
+    }
+}
+
+TEST_P(LensFeatureStatusTest, AnExposureServiceThatIsClosedIsLoggedLikeOneThatRefuses) {
+    restartWithClosedExposure();
+    for (const Mode focusMode : kModes) {
+        expectStatus(MODE_GET, focusMode, Mode::kClosed);
+    }
+}
+
+TEST_P(LensFeatureStatusTest, TheIrisIsAskedForWithTheFlagOfTheFocus) {
+    for (const Mode focusMode : {Mode::kAutomatic, Mode::kManual}) {
+        device(focusMode, Mode::kAutomatic);
+        core().answer(std::string("zorva_api_exposure_") + kGetManual, {nullptr});
+        EXPECT_EQ(get(object().instance()).octets, octets({focusMode == Mode::kAutomatic ? 0xC0U : 0U}));
     }
 }
 

@@ -54,6 +54,13 @@ void FeatureSetTest::restartWithoutExposure() {
     start(GetParam().drive);
 }
 
+void FeatureSetTest::restartWithClosedExposure() {
+    GetParam().drive.deinit();
+    UnregisterAll();
+    core().once("zorva_api_exposure_initiator_init", {kRefused, {}});
+    start(GetParam().drive);
+}
+
 std::string setTitleOf(const testing::TestParamInfo<FeatureSet> &info) {
     return info.param.drive.title;
 }

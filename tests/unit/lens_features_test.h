@@ -39,6 +39,8 @@ protected:
 
     /** Starts anew on a camera without an exposure service. */
     static void restartWithoutExposure();
+    /** Starts anew on a camera whose exposure service does not open. */
+    static void restartWithClosedExposure();
 };
 
 std::string setTitleOf(const testing::TestParamInfo<FeatureSet> &info);

@@ -108,7 +108,7 @@ TEST_P(LensPositionTest, ACommitOfAnotherModeMovesNothingAndReturnsGenErr) {
         const Answer answer = commit(value);
         EXPECT_EQ(answer.octets, value);
         // The line shows the speed, not the mode.
-        expectRefused(answer, SNMP_ERR_GENERR, SNMP_ERR_NOERROR, "unknown " + GetParam().word + " mode (5)");
+        expectRefused(answer, SNMP_ERR_GENERR, SNMP_ERR_GENERR, "unknown " + GetParam().word + " mode (5)");
         EXPECT_EQ(committed(), value);
     }
 }

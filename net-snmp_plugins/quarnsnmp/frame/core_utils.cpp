@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core_utils.h"
 
+#include "service_health.h"
+
 namespace {
 
 void *gLogCookie = nullptr;
@@ -9,6 +11,7 @@ void *gIpcCookie = nullptr;
 } // namespace
 
 zorva_core_status InitUtils() {
+    ForgetHangs();
     zorva_core_init();
     zorva_core_logging_init("SNMP", &gLogCookie);
     return zorva_core_ipc_initiator_init(gLogCookie, nullptr, &gIpcCookie);

@@ -8,6 +8,7 @@
 #include "core_utils.h"
 #include "feature_modules.h"
 #include "poll_thread.h"
+#include "service_health.h"
 #include "snmp_utils.h"
 #include "trap_sender.h"
 
@@ -51,6 +52,30 @@ bool InitFeature(const FeatureModule &feature) {
     }
 }
 
+/** Starts all features in their order. @return whether one is up */
+bool InitFeatures() {
+    std::array<bool, std::tuple_size_v<decltype(gFeatureModules)>> notAskedFor{};
+    bool anyInitialised = false;
+    // What a feature reads at its start is read as for a GET: a service that hangs delays the start once.
+    const bool formerlyReading = SetReading(true);
+    for (std::size_t row = 0; row < gFeatureModules.size(); ++row) {
+        FeatureModule &feature = gFeatureModules.at(row);
+        feature.initialised = InitFeature(feature);
+        notAskedFor.at(row) = !feature.initialised && LastDiscoveryHeld();
+        anyInitialised = anyInitialised || feature.initialised;
+    }
+    // A directory that hung at first and answered later has not been asked for these.
+    for (std::size_t row = 0; row < gFeatureModules.size() && DirectoryAnswers(); ++row) {
+        FeatureModule &feature = gFeatureModules.at(row);
+        if (notAskedFor.at(row)) {
+            feature.initialised = InitFeature(feature);
+            anyInitialised = anyInitialised || feature.initialised;
+        }
+    }
+    SetReading(formerlyReading);
+    return anyInitialised;
+}
+
 } // namespace
 
 int init_quarnsnmp(void) {
@@ -61,12 +86,7 @@ int init_quarnsnmp(void) {
         gTimerThread = StartPollThread();
     }
 
-    bool anyInitialised = false;
-    for (FeatureModule &feature : gFeatureModules) {
-        feature.initialised = InitFeature(feature);
-        anyInitialised = anyInitialised || feature.initialised;
-    }
-    if (anyInitialised) {
+    if (InitFeatures()) {
         return 0;
     }
     deinit_quarnsnmp();

@@ -2,10 +2,11 @@
 #include "service.h"
 
 #include "core_utils.h"
+#include "service_health.h"
 
 bool FindTargets(const Service &service) {
     service.targets.clear();
-    if (!zorva::core::getTargetIds(service.name, service.targets)) {
+    if (!DiscoverTargets(service.name, service.targets)) {
         service.targets.clear();
     }
     return !service.targets.empty();

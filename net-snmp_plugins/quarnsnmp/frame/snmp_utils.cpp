@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core_utils.h"
+#include "service_health.h"
 
 namespace {
 
@@ -24,12 +25,9 @@ struct Registered {
 
 std::vector<Registered> gRegistrations;
 
-/**
- * Entry point of all objects. Calls the object's own handler, which the registration carries. Catches exceptions, which
- * would end the agent, a C program.
- */
-int CallHandler(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+/** Calls the object's own handler, which the registration carries. */
+int CallObjectHandler(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                      netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
     const char *problem = "exception of unknown type";
     try {
         const auto objectHandler = reinterpret_cast<Netsnmp_Node_Handler *>(handler->myvoid);
@@ -40,6 +38,21 @@ int CallHandler(netsnmp_mib_handler *handler, netsnmp_handler_registration *regi
         zorva_core_logging_log(GetLogCookie(), kLogError, "%s: %s", reginfo->handlerName, problem);
     }
     return SNMP_ERR_GENERR;
+}
+
+/**
+ * Entry point of all objects. Catches exceptions, which would end the agent, a C program. Declares the calls of a GET as
+ * reads. Marks the varbind of a failed request if there is only one.
+ */
+int CallHandler(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    const bool formerlyReading = SetReading(!MODE_IS_SET(reqinfo->mode));
+    const int returned = CallObjectHandler(handler, reginfo, reqinfo, requests);
+    SetReading(formerlyReading);
+    if (requests->next == nullptr) {
+        MarkFailure(requests, returned);
+    }
+    return returned;
 }
 
 /** Returns the nearest int of a number. Larger numbers become the largest int, smaller the smallest, and NaN 0. */
@@ -194,6 +207,13 @@ void CopyRequestOctets(const netsnmp_request_info *request, uint8_t *octets, std
     if (value->val.string != nullptr) {
         std::copy_n(value->val.string, std::min(size, value->val_len), octets);
     }
+}
+
+int MarkFailure(netsnmp_request_info *request, int error) {
+    if (error != SNMP_ERR_NOERROR && request->status == SNMP_ERR_NOERROR) {
+        netsnmp_set_request_error(request->agent_req_info, request, error);
+    }
+    return error;
 }
 
 int RefuseRequest(netsnmp_request_info *request, int error, int returned) {

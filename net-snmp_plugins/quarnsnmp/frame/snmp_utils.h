@@ -105,6 +105,13 @@ std::array<uint8_t, size> OctetsOf(const netsnmp_request_info *request) {
  */
 int RefuseRequest(netsnmp_request_info *request, int error, int returned);
 
+/**
+ * Marks a request that failed with its error, so that the manager learns which of its varbinds it was. A mark that is
+ * there already stays.
+ * @return `error`
+ */
+int MarkFailure(netsnmp_request_info *request, int error);
+
 /** Marks a request with wrongType unless its value has the type. @return SNMP_ERR_NOERROR in either case */
 int CheckRequestType(netsnmp_request_info *request, unsigned char asnType);
 

@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "service_calls.h"
 #include "zorva-core.h"
 
 namespace zorva {
@@ -37,7 +38,7 @@ public:
 void LogFailure(const std::exception &failure);
 
 /**
- * Makes a core-library call and throws ZorvaApiException if its status is not 0.
+ * Makes a request of a service, as service_calls.h declares it, and throws ZorvaApiException if its status is not 0.
  *
  * The exception's text holds the call as the source has it, with each run of blanks and line breaks as one blank. The
  * argument names show in the camera's log, and a line break after the opening parenthesis shows there as a blank.
@@ -46,7 +47,7 @@ void LogFailure(const std::exception &failure);
  */
 #define ZORVA_API_CALL(call)                                                                                           \
     do {                                                                                                               \
-        const zorva_core_status zorvaApiCallStatus = (call);                                                           \
+        const zorva_core_status zorvaApiCallStatus = watched::call;                                                    \
         if (zorvaApiCallStatus != 0) {                                                                                 \
             throw zorva::core::ZorvaApiException("Failed zorva api call: " #call, zorvaApiCallStatus);                 \
         }                                                                                                              \

@@ -3,12 +3,15 @@
  * @file
  * Power and voltage. A change of either state is sent as a trap.
  */
+#include <iterator>
+
 #include <boost/thread/mutex.hpp>
 
 #include "core_utils.h"
 #include "feature_modules.h"
 #include "oids.h"
 #include "service.h"
+#include "service_calls.h"
 #include "snmp_utils.h"
 #include "trap_sender.h"
 
@@ -24,7 +27,8 @@ uint8_t gLastVoltageState = kNotSeenYet;
 
 bool getPowerState(uint8_t *state) {
     const boost::mutex::scoped_lock lock(gPowerMutex);
-    if (zorva_api_power_get_power_state_send(gPowerApiCookie, gPowerSensors[kDefaultIndex].c_str(), state) != 0) {
+    if (watched::zorva_api_power_get_power_state_send(gPowerApiCookie, gPowerSensors[kDefaultIndex].c_str(), state) !=
+        0) {
         zorva_core_logging_log(GetLogCookie(), kLogError, "zorva_api_power_get_power_state_send sensor 0 failed");
         return false;
     }
@@ -32,7 +36,8 @@ bool getPowerState(uint8_t *state) {
 }
 
 bool getVoltageState(uint8_t *state) {
-    if (zorva_api_power_get_voltage_state_send(gPowerApiCookie, gPowerSensors[kDefaultIndex].c_str(), state) != 0) {
+    if (watched::zorva_api_power_get_voltage_state_send(gPowerApiCookie, gPowerSensors[kDefaultIndex].c_str(), state) !=
+        0) {
         zorva_core_logging_log(GetLogCookie(), kLogError, "zorva_api_power_get_voltage_state_send sensor 0 failed");
         return false;
     }
@@ -102,9 +107,7 @@ bool InitPower(void *ipcCookie) {
     if (!OpenService(__func__, ipcCookie, kService)) {
         return false;
     }
-    for (const snmp_variable &object : kObjects) {
-        registerScalar(object);
-    }
+    RegisterScalars(__func__, kObjects, std::size(kObjects));
     return true;
 }
 

@@ -7,6 +7,7 @@
 #include "feature_modules.h"
 #include "oids.h"
 #include "service.h"
+#include "service_calls.h"
 #include "set_phases.h"
 #include "snmp_utils.h"
 
@@ -27,8 +28,8 @@ int Commit(RebootDevice &object, netsnmp_request_info *request) {
     if (gRebootDevice == kReboot) {
         zorva_core_logging_log(GetLogCookie(), kLogError, "%s: snmpset reboot - rebooting system now!!!!",
                                object.handlerName);
-        if (zorva_api_device_management_reboot_send(gDeviceManagementApiCookie, gDeviceManagers[kDefaultIndex].c_str(),
-                                                    kRebootKind) != 0) {
+        if (watched::zorva_api_device_management_reboot_send(
+                gDeviceManagementApiCookie, gDeviceManagers[kDefaultIndex].c_str(), kRebootKind) != 0) {
             gRebootDevice = 0;
         }
     }

@@ -12,6 +12,7 @@
 #include "feature_modules.h"
 #include "oids.h"
 #include "service.h"
+#include "service_calls.h"
 #include "snmp_utils.h"
 #include "trap_sender.h"
 
@@ -29,8 +30,8 @@ int32_t gLastTemperature = kNotSeenYet; // only for the poll thread
 /** Reads the temperature in whole degrees, truncated towards 0. @return false after a failed call, which is logged */
 bool getTemperature(int32_t *degrees) {
     const boost::mutex::scoped_lock lock(gTemperatureMutex);
-    if (zorva_api_temperature_get_temperature_send(gTemperatureApiCookie, gTemperatureSensors[kDefaultIndex].c_str(),
-                                                   degrees) != 0) {
+    if (watched::zorva_api_temperature_get_temperature_send(gTemperatureApiCookie,
+                                                            gTemperatureSensors[kDefaultIndex].c_str(), degrees) != 0) {
         zorva_core_logging_log(GetLogCookie(), kLogError, "zorva_api_temperature_get_temperature_send sensor 0 failed");
         return false;
     }

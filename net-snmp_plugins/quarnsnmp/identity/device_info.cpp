@@ -4,6 +4,7 @@
  * The camera's identity as vendor scalars, read once at start. A firmware update reloads the module, so the firmware
  * version stays right.
  */
+#include <iterator>
 #include <string>
 
 #include "core_utils.h"
@@ -75,9 +76,7 @@ bool InitDeviceInfo(void *ipcCookie) {
     gSerialNumber = information.serialNumber;
     gFirmwareVersion = information.firmwareVersion;
 
-    for (const snmp_variable &object : kDeviceInfoObjects) {
-        registerScalar(object);
-    }
+    RegisterScalars(__func__, kDeviceInfoObjects, std::size(kDeviceInfoObjects));
     return true;
 }
 

@@ -93,9 +93,7 @@ bool InitModuleInfo(void *ipcCookie) {
     }
     gModuleVersion = ModuleVersion(information.firmwareVersion);
     gModuleModel = information.modelName;
-    for (const snmp_variable &object : kModuleObjects) {
-        registerScalar(object);
-    }
+    RegisterScalars(__func__, kModuleObjects, std::size(kModuleObjects));
     return true;
 }
 

@@ -6,6 +6,7 @@
 
 #include "core_utils.h"
 #include "service.h"
+#include "service_calls.h"
 
 namespace {
 
@@ -32,8 +33,8 @@ bool QueryService(const char *function, void *apiCookie, const std::string &targ
     ServiceTexts texts;
     auto &t = texts.texts;
     uint8_t flag = 0;
-    if (zorva_api_device_information_get_static_information_send(apiCookie, target.c_str(), &t[0], &t[1], &t[2], &t[3],
-                                                                 &t[4], &t[5], &t[6], &t[7], &flag) != 0) {
+    if (watched::zorva_api_device_information_get_static_information_send(
+            apiCookie, target.c_str(), &t[0], &t[1], &t[2], &t[3], &t[4], &t[5], &t[6], &t[7], &flag) != 0) {
         zorva_core_logging_log(GetLogCookie(), kLogError, "%s: failed dev info:get_static_information", function);
         return false;
     }

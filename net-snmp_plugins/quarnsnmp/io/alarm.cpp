@@ -10,6 +10,7 @@
 #include "gpio_table.h"
 #include "oids.h"
 #include "service.h"
+#include "service_calls.h"
 
 namespace {
 
@@ -23,7 +24,7 @@ const uint8_t kAlarmBitmap = 0; // the camera raises no alarms of its own
 /** Reads the state of an input, counted from 0. @return false after a failed call, which leaves `state` unchanged */
 bool ReadState(std::size_t input, int32_t &state) {
     int32_t present = 0;
-    if (zorva_api_alarm_get_state_send(gAlarmApiCookie, gAlarms[input].c_str(), &present) != 0) {
+    if (watched::zorva_api_alarm_get_state_send(gAlarmApiCookie, gAlarms[input].c_str(), &present) != 0) {
         return false;
     }
     state = present;
@@ -104,7 +105,7 @@ int handle_alarmStates(netsnmp_mib_handler * /*handler*/, netsnmp_handler_regist
             return SNMP_ERR_NOERROR;
         }
         if (col == static_cast<int>(gpio::kState) && AnswerState(request, row) != SNMP_ERR_NOERROR) {
-            return SNMP_ERR_GENERR;
+            return MarkFailure(request, SNMP_ERR_GENERR);
         }
     }
     return SNMP_ERR_NOERROR;

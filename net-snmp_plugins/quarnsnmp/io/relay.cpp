@@ -11,6 +11,7 @@
 #include "gpio_table.h"
 #include "oids.h"
 #include "service.h"
+#include "service_calls.h"
 #include "set_phases.h"
 
 namespace {
@@ -31,7 +32,7 @@ uint8_t newRelayState = 0;
 /** Reads the state of a relay, counted from 0. @return false after a failed call, which leaves `state` unchanged */
 bool ReadState(std::size_t relay, uint8_t &state) {
     uint8_t present = 0;
-    if (zorva_api_relay_get_state_send(gRelayApiCookie, gRelays[relay].c_str(), &present) != 0) {
+    if (watched::zorva_api_relay_get_state_send(gRelayApiCookie, gRelays[relay].c_str(), &present) != 0) {
         return false;
     }
     state = present;
@@ -47,16 +48,18 @@ bool Configure(const char *target) {
     int32_t c5 = 0;
     int32_t c6 = 0;
     int32_t c7 = 0;
-    if (zorva_api_relay_get_configuration_send(gRelayApiCookie, target, &c1, &c2, &c3, &c4, &c5, &c6, &c7) != 0) {
+    if (watched::zorva_api_relay_get_configuration_send(gRelayApiCookie, target, &c1, &c2, &c3, &c4, &c5, &c6, &c7) !=
+        0) {
         return false;
     }
-    return c1 != 0 || zorva_api_relay_set_configuration_send(gRelayApiCookie, target, 1, 0, 1, 0, 1, 1, 1) == 0;
+    return c1 != 0 ||
+           watched::zorva_api_relay_set_configuration_send(gRelayApiCookie, target, 1, 0, 1, 0, 1, 1, 1) == 0;
 }
 
 /** Switches a relay, counted from 0. @return false after a failed call, which is logged */
 bool Switch(const char *function, std::size_t relay, uint8_t state) {
     const char *target = gRelays[relay].c_str();
-    if (!Configure(target) || zorva_api_relay_set_state_send(gRelayApiCookie, target, state) != 0) {
+    if (!Configure(target) || watched::zorva_api_relay_set_state_send(gRelayApiCookie, target, state) != 0) {
         zorva_core_logging_log(GetLogCookie(), kLogError, "%s: MODE_COMMIT fail", function);
         return false;
     }
@@ -190,7 +193,7 @@ int handle_relayStates(netsnmp_mib_handler * /*handler*/, netsnmp_handler_regist
     for (netsnmp_request_info *request = requests; request != nullptr; request = request->next) {
         const int returned = ServePhase<kRelayPhases>(kRelayState, reqinfo->mode, request);
         if (returned != SNMP_ERR_NOERROR) {
-            return returned;
+            return MarkFailure(request, returned);
         }
     }
     return SNMP_ERR_NOERROR;

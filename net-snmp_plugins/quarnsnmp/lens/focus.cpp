@@ -11,6 +11,7 @@
 #include "lens_features.h"
 #include "lens_position.h"
 #include "oids.h"
+#include "service_calls.h"
 #include "zorva_api_exception.h"
 
 namespace {
@@ -41,8 +42,8 @@ lens::Range FocusRange() {
 /** Reads position and range. The lenses report another range once they have homed. */
 bool ReadFocusPosition(int32_t &current) {
     lens::Range range{};
-    if (zorva_api_lens_focus_get_manual_focus_position_send(gFocusApiCookie, gFocuses[kDefaultIndex].c_str(), &current,
-                                                            &range.min, &range.max) != 0) {
+    if (watched::zorva_api_lens_focus_get_manual_focus_position_send(gFocusApiCookie, gFocuses[kDefaultIndex].c_str(),
+                                                                     &current, &range.min, &range.max) != 0) {
         return false;
     }
     gMinFocusPosition = range.min;
@@ -51,26 +52,25 @@ bool ReadFocusPosition(int32_t &current) {
 }
 
 void MoveFocus(int32_t position) {
-    zorva_api_lens_focus_set_manual_focus_position_send(gFocusApiCookie, gFocuses[kDefaultIndex].c_str(), position);
+    watched::zorva_api_lens_focus_set_manual_focus_position_send(gFocusApiCookie, gFocuses[kDefaultIndex].c_str(),
+                                                                 position);
 }
 
 void SetFocusVelocity(int32_t direction, int32_t run) {
-    zorva_api_lens_focus_set_velocity_send(gFocusApiCookie, gFocuses[kDefaultIndex].c_str(), direction, run);
+    watched::zorva_api_lens_focus_set_velocity_send(gFocusApiCookie, gFocuses[kDefaultIndex].c_str(), direction, run);
 }
 
 void SetManualFocus(uint8_t enable) {
-    zorva_api_lens_focus_set_manual_mode_enable_send(gFocusApiCookie, gFocuses[kDefaultIndex].c_str(), enable);
+    watched::zorva_api_lens_focus_set_manual_mode_enable_send(gFocusApiCookie, gFocuses[kDefaultIndex].c_str(), enable);
 }
 
 void StartAutoFocus() {
-    zorva_api_lens_focus_do_auto_focus_send(gFocusApiCookie, gFocuses[kDefaultIndex].c_str());
+    watched::zorva_api_lens_focus_do_auto_focus_send(gFocusApiCookie, gFocuses[kDefaultIndex].c_str());
 }
 
-bool ReadManualFocus() {
-    uint8_t manualMode = 0;
+void ReadManualFocus(uint8_t &manualMode) {
     ZORVA_API_CALL(zorva_api_lens_focus_get_manual_mode_enable_send(
         gFocusApiCookie, gFocuses[kDefaultIndex].c_str(), &manualMode));
-    return manualMode != 0;
 }
 
 const lens::Drive kDrive = {

@@ -12,6 +12,7 @@
 #include "lens_features.h"
 #include "lens_position.h"
 #include "oids.h"
+#include "service_calls.h"
 #include "zorva_api_exception.h"
 
 namespace {
@@ -41,28 +42,28 @@ lens::Range FocusRange() {
 
 bool ReadFocusPosition(int32_t &current) {
     int32_t second = 0; // a second output of the call, without a use here
-    return zorva_api_focus_stepper_get_position_send(gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str(), &current,
-                                                     &second) == 0;
+    return watched::zorva_api_focus_stepper_get_position_send(gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str(),
+                                                              &current, &second) == 0;
 }
 
 void MoveFocus(int32_t position) {
-    zorva_api_focus_stepper_set_position_send(gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str(), position,
-                                              gFocusSpeed);
+    watched::zorva_api_focus_stepper_set_position_send(gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str(), position,
+                                                       gFocusSpeed);
 }
 
 void SetManualFocus(uint8_t enable) {
-    zorva_api_focus_stepper_set_manual_mode_enable_send(gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str(), enable);
+    watched::zorva_api_focus_stepper_set_manual_mode_enable_send(gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str(),
+                                                                 enable);
 }
 
 void StartAutoFocus() {
-    zorva_api_focus_stepper_start_quick_auto_focus_send(gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str());
+    watched::zorva_api_focus_stepper_start_quick_auto_focus_send(gFocusApiCookie,
+                                                                 gFocusSteppers[kDefaultIndex].c_str());
 }
 
-bool ReadManualFocus() {
-    uint8_t manualMode = 0;
+void ReadManualFocus(uint8_t &manualMode) {
     ZORVA_API_CALL(zorva_api_focus_stepper_get_manual_mode_enable_send(
         gFocusApiCookie, gFocusSteppers[kDefaultIndex].c_str(), &manualMode));
-    return manualMode != 0;
 }
 
 const lens::Drive kDrive = {"handle_positionFocusStepperLens",

@@ -11,6 +11,7 @@
 #include "lens_position.h"
 #include "lens_service.h"
 #include "oids.h"
+#include "service_calls.h"
 #include "zorva_api_exception.h"
 
 namespace {
@@ -45,8 +46,8 @@ bool ReadIrisPosition(int32_t &current) {
     uint32_t position = 0;
     uint32_t minimum = 0;
     uint32_t maximum = 0;
-    if (zorva_api_iris_get_position_send(gApiCookie, gIrises[kDefaultIndex].c_str(), &position, &minimum, &maximum) !=
-        0) {
+    if (watched::zorva_api_iris_get_position_send(gApiCookie, gIrises[kDefaultIndex].c_str(), &position, &minimum,
+                                                  &maximum) != 0) {
         return false;
     }
     current = static_cast<int32_t>(position);
@@ -68,11 +69,12 @@ int32_t ClampIris(int32_t target, const lens::Range &range, uint32_t command) {
 }
 
 void MoveIris(int32_t position) {
-    zorva_api_iris_set_position_send(gApiCookie, gIrises[kDefaultIndex].c_str(), static_cast<uint32_t>(position));
+    watched::zorva_api_iris_set_position_send(gApiCookie, gIrises[kDefaultIndex].c_str(),
+                                              static_cast<uint32_t>(position));
 }
 
 void SetIrisVelocity(int32_t direction, int32_t run) {
-    zorva_api_iris_set_velocity_send(gApiCookie, gIrises[kDefaultIndex].c_str(), direction, run);
+    watched::zorva_api_iris_set_velocity_send(gApiCookie, gIrises[kDefaultIndex].c_str(), direction, run);
 }
 
 // No texts for far and near: the log of the iris has never had these lines.

@@ -2,6 +2,7 @@
 #include "lens_features.h"
 
 #include "core_utils.h"
+#include "service_calls.h"
 #include "set_phases.h"
 #include "zorva_api_exception.h"
 
@@ -49,12 +50,16 @@ void SwitchFocus(const LensFeatureDrive &drive, bool automatic) {
     }
 }
 
+/** Switches the iris. A service that is not open fails as one that refuses: the result of the call does not count. */
 void SwitchIris(const LensFeatureSet &set, bool automatic) {
-    if (set.exposure.cookie == nullptr) {
+    const Exposure &exposure = set.exposure;
+    if (exposure.targets.empty()) {
         return;
     }
-    zorva_api_exposure_set_manual_mode_enable_send(set.exposure.cookie, set.exposure.targets[kDefaultIndex].c_str(),
-                                                   automatic ? 0 : 1);
+    if (exposure.cookie != nullptr) {
+        watched::zorva_api_exposure_set_manual_mode_enable_send(
+            exposure.cookie, exposure.targets[kDefaultIndex].c_str(), automatic ? 0 : 1);
+    }
     zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: %s", set.drive.controlHandler,
                            automatic ? "starting auto-iris" : "stopping auto-iris");
 }
@@ -95,27 +100,28 @@ constexpr SetPhases<const Control> kControlPhases = {AnswerCurrent, CheckControl
                                                      CommitControl, RestorePending,     LogOtherMode};
 
 /**
- * Returns true if the exposure is manual. The failure text has the names of two variables that do not exist, so it is
- * written out here: operators' log filters match it.
+ * Reads 0 if the exposure is automatic. A service that did not open fails with the status of that. The failure text has
+ * the names of two variables that do not exist, so it is written out here: operators' log filters match it.
  * @throws zorva::core::ZorvaApiException
  */
-bool ReadManualExposure(const Exposure &exposure) {
-    uint8_t manualMode = 0;
-    const zorva_core_status status = zorva_api_exposure_get_manual_mode_enable_send(
-        exposure.cookie, exposure.targets[kDefaultIndex].c_str(), &manualMode);
+void ReadManualExposure(const Exposure &exposure, uint8_t &manualMode) {
+    const zorva_core_status status = exposure.cookie == nullptr
+                                         ? exposure.openStatus
+                                         : watched::zorva_api_exposure_get_manual_mode_enable_send(
+                                               exposure.cookie, exposure.targets[kDefaultIndex].c_str(), &manualMode);
     if (status != 0) {
         throw zorva::core::ZorvaApiException("Failed zorva api call: zorva_api_exposure_get_manual_mode_enable_send( "
                                              "gExposureApiCookie, gExposures[kDefaultIndex].c_str(), &manualMode)",
                                              status);
     }
-    return manualMode != 0;
 }
 
 /** Returns true if a feature is automatic; false also if `readManual` throws, which is logged. */
 template <typename ReadManual>
-bool IsAutomatic(ReadManual readManual) {
+bool IsAutomatic(ReadManual readManual, uint8_t &manualMode) {
     try {
-        return !readManual();
+        readManual(manualMode);
+        return manualMode == 0;
     } catch (const std::exception &failure) {
         LogFailure(failure);
         return false;
@@ -145,9 +151,10 @@ int HandleLensFeatureStatus(const LensFeatureSet &set, const netsnmp_agent_reque
         zorva_core_logging_log(GetLogCookie(), kLogDebug, "%s: unknown mode (%d)", function, reqinfo->mode);
         return SNMP_ERR_GENERR;
     }
-    const bool autoFocus = IsAutomatic(set.drive.readManualFocus);
-    const bool autoIris =
-        set.exposure.cookie != nullptr && IsAutomatic([&set] { return ReadManualExposure(set.exposure); });
+    uint8_t manualMode = 0; // one for both, as the services have always been given it
+    const bool autoFocus = IsAutomatic(set.drive.readManualFocus, manualMode);
+    const auto readManualExposure = [&set](uint8_t &mode) { ReadManualExposure(set.exposure, mode); };
+    const bool autoIris = !set.exposure.targets.empty() && IsAutomatic(readManualExposure, manualMode);
     zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: autoIris=%s,autoFocus=%s", function,
                            autoIris ? "TRUE" : "FALSE", autoFocus ? "TRUE" : "FALSE");
     const std::array<uint8_t, 1> status = {

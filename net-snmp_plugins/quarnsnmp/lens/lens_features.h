@@ -23,7 +23,8 @@ struct LensFeatureDrive {
     const char *autoFocusText;              ///< logged when the automatic focus starts
     void (*setManualFocus)(uint8_t enable); ///< 0 automatic, 1 manual
     void (*startAutoFocus)();               ///< one run
-    bool (*readManualFocus)();              ///< throws zorva::core::ZorvaApiException
+    /** Reads 0 for automatic, anything else for manual. Throws zorva::core::ZorvaApiException. */
+    void (*readManualFocus)(uint8_t &manualMode);
 };
 
 /** A set of the three objects. */

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "core_utils.h"
+#include "service_health.h"
 #include "zorva_api_exception.h"
 
 namespace lens {
@@ -18,10 +19,10 @@ constexpr unsigned int kSecondsBetween = 2;
 void WaitForTargets(const Service &service) {
     service.cookie = nullptr; // closed when the feature ended
     service.targets.clear();
-    bool found = zorva::core::getTargetIds(service.name, service.targets);
+    bool found = DiscoverTargets(service.name, service.targets);
     for (int retry = 0; !found && retry < kRetries; ++retry) {
         sleep(kSecondsBetween); // NOLINT(concurrency-mt-unsafe): nobody here uses alarms
-        found = zorva::core::getTargetIds(service.name, service.targets);
+        found = DiscoverTargets(service.name, service.targets);
     }
 }
 
@@ -58,7 +59,7 @@ void StopLens(const LensFeature &feature) {
 void OpenExposure(const char *function, void *ipcCookie, Exposure &exposure) {
     exposure.cookie = nullptr;
     exposure.targets.clear();
-    if (!zorva::core::getTargetIds("exposure", exposure.targets)) {
+    if (!DiscoverTargets("exposure", exposure.targets)) {
         exposure.targets.clear();
         zorva_core_logging_log(GetLogCookie(), kLogError, "no zorva API exposures");
         return;
@@ -66,7 +67,8 @@ void OpenExposure(const char *function, void *ipcCookie, Exposure &exposure) {
     if (exposure.targets.empty()) {
         return;
     }
-    if (zorva_api_exposure_initiator_init(ipcCookie, GetLogCookie(), &exposure.cookie, 0, nullptr) != 0) {
+    exposure.openStatus = zorva_api_exposure_initiator_init(ipcCookie, GetLogCookie(), &exposure.cookie, 0, nullptr);
+    if (exposure.openStatus != 0) {
         exposure.cookie = nullptr;
         zorva_core_logging_log(GetLogCookie(), kLogError, "%s: failed exposure initiator init", function);
     }

@@ -52,7 +52,8 @@ void StopLens(const LensFeature &feature);
 /** Connection to the exposure service, which switches the automatic iris. */
 struct Exposure {
     std::vector<std::string> targets;
-    void *cookie = nullptr; ///< null while the service is not open
+    void *cookie = nullptr;           ///< null while the service is not open
+    zorva_core_status openStatus = 0; ///< result of opening it
 };
 
 /** Opens the exposure service, which is optional. A failure is logged with the name `function`. */

@@ -12,6 +12,7 @@
 #include "lens_position.h"
 #include "lens_service.h"
 #include "oids.h"
+#include "service_calls.h"
 #include "zorva_api_exception.h"
 
 namespace {
@@ -37,11 +38,13 @@ lens::Range ZoomRange() {
 }
 
 bool ReadZoomPosition(int32_t &current) {
-    return zorva_api_zoom_stepper_get_position_send(gApiCookie, gZoomSteppers[kDefaultIndex].c_str(), &current) == 0;
+    return watched::zorva_api_zoom_stepper_get_position_send(gApiCookie, gZoomSteppers[kDefaultIndex].c_str(),
+                                                             &current) == 0;
 }
 
 void MoveZoom(int32_t position) {
-    zorva_api_zoom_stepper_set_position_send(gApiCookie, gZoomSteppers[kDefaultIndex].c_str(), position, gMaxZoomSpeed);
+    watched::zorva_api_zoom_stepper_set_position_send(gApiCookie, gZoomSteppers[kDefaultIndex].c_str(), position,
+                                                      gMaxZoomSpeed);
 }
 
 const lens::Drive kDrive = {"handle_zoomStepperPositionZoomLens",

@@ -5,6 +5,7 @@
 
 #include "core_utils.h"
 #include "motion_commands.h"
+#include "service_health.h"
 #include "set_phases.h"
 #include "snmp_utils.h"
 
@@ -46,7 +47,10 @@ void FillOnFirstUse(PositionObject &object) {
         return;
     }
     object.filled = true;
+    // A read also when a SET is what asks for it: the command itself must not wait for a service that hangs.
+    const bool formerlyReading = SetReading(true);
     const uint32_t position = getInitialPosition(object.axis);
+    SetReading(formerlyReading);
     for (std::size_t i = 0; i < object.current.size(); ++i) {
         object.current.at(i) = static_cast<uint8_t>(position >> 8U * i);
     }

@@ -2,6 +2,7 @@
 #include "timeout_objects.h"
 
 #include "core_utils.h"
+#include "service_calls.h"
 #include "set_phases.h"
 #include "snmp_utils.h"
 #include "zorva_api_exception.h"
@@ -32,7 +33,7 @@ const TimeoutObject kZoom = {"handle_timeoutZoom", "zoom", "newZoomTimeout", gLa
 /** Sends the time-out to the service: the longest one for 0, which stands for no time-out. */
 void SendTimeout(const TimeoutObject &object) {
     const uint32_t milliseconds = object.pending == 0 ? static_cast<uint32_t>(kLongestTimeout) : object.pending;
-    const zorva_core_status status = zorva_api_positioning_set_velocity_command_timeout_send(
+    const zorva_core_status status = watched::zorva_api_positioning_set_velocity_command_timeout_send(
         gApiCookie, gPositionings[kDefaultIndex].c_str(), milliseconds);
     if (status == 0) {
         zorva_core_logging_log(GetLogCookie(), kLogInfo, "%s: set_velocity_command_timeout, %d milliseconds",

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "service_health.h"
+
+#include <chrono>
+#include <cstring>
+
+namespace {
+
+constexpr int64_t kSlow = 1'000'000'000;      // a failed read of this length causes a hold
+constexpr int64_t kHoldTime = 10'000'000'000; // and the hold lasts this long
+constexpr zorva_core_status kNotFound = 1;    // any status but 0: a discovery has none of its own
+
+thread_local bool tReading = false;
+
+/** Health of the discovery of one service. */
+struct Discovery {
+    const char *service;
+    ServiceHealth health;
+};
+
+#define ZORVA_SERVICE(service) {#service, {}},
+Discovery gDiscoveries[] = {
+#include "service_calls.def"
+};
+
+ServiceHealth gDirectory;
+// The agent's thread only, as all discovery.
+bool gDirectoryAnswers = false;
+bool gLastDiscoveryHeld = false;
+
+int64_t Now() {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+void EndHold(ServiceHealth &health) {
+    health.heldUntil = 0;
+}
+
+ServiceHealth &DiscoveryHealth(const char *serviceName) {
+    for (Discovery &discovery : gDiscoveries) {
+        if (std::strcmp(discovery.service, serviceName) == 0) {
+            return discovery.health;
+        }
+    }
+    return gDirectory;
+}
+
+} // namespace
+
+namespace service_health {
+#define ZORVA_SERVICE(service) ServiceHealth service;
+#include "service_calls.def"
+} // namespace service_health
+
+bool SetReading(bool reading) {
+    const bool before = tReading;
+    tReading = reading;
+    return before;
+}
+
+CallStart BeginCall(const ServiceHealth &health) {
+    if (!tReading) {
+        return {false, 0, 0};
+    }
+    const int64_t now = Now();
+    if (now < health.heldUntil) {
+        return {true, health.status, now};
+    }
+    return {false, 0, now};
+}
+
+zorva_core_status EndCall(ServiceHealth &health, const CallStart &start, zorva_core_status status) {
+    if (status == 0) {
+        EndHold(health);
+    } else if (tReading) {
+        const int64_t now = Now();
+        if (now - start.time >= kSlow) {
+            health.status = status;
+            health.heldUntil = now + kHoldTime;
+        }
+    }
+    return status;
+}
+
+bool DiscoverTargets(const char *serviceName, std::vector<std::string> &targetIds) {
+    ServiceHealth &health = gDirectoryAnswers ? DiscoveryHealth(serviceName) : gDirectory;
+    const CallStart start = BeginCall(health);
+    gLastDiscoveryHeld = start.held && !gDirectoryAnswers;
+    if (start.held) {
+        return false;
+    }
+    const bool found = zorva::core::getTargetIds(serviceName, targetIds);
+    EndCall(health, start, found ? 0 : kNotFound);
+    gDirectoryAnswers = gDirectoryAnswers || found || health.heldUntil == 0;
+    return found;
+}
+
+bool LastDiscoveryHeld() {
+    return gLastDiscoveryHeld;
+}
+
+bool DirectoryAnswers() {
+    return gDirectoryAnswers;
+}
+
+void ForgetHangs() {
+#define ZORVA_SERVICE(service) EndHold(service_health::service);
+#include "service_calls.def"
+    for (Discovery &discovery : gDiscoveries) {
+        EndHold(discovery.health);
+    }
+    EndHold(gDirectory);
+    gDirectoryAnswers = false;
+    gLastDiscoveryHeld = false;
+}

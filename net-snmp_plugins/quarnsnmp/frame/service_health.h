@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+/**
+ * @file
+ * Services that hang, and the time that reading from them may take.
+ *
+ * The agent has one thread. While it waits for a service that does not answer, it answers nobody. A read that fails
+ * after a second or more therefore holds back further reads of its service: for ten seconds they fail at once, as the
+ * slow one did. Then one read tries again. Any call that succeeds ends the hold. Commands are never held back, and
+ * neither are the polls of the poll thread, which delay no request.
+ *
+ * Discovery is held back in the same way. Until the directory has answered for the first time, one slow discovery holds
+ * back those of all services; after that, only those of its own service.
+ */
+#ifndef QUARNSNMP_SERVICE_HEALTH_H
+#define QUARNSNMP_SERVICE_HEALTH_H
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "zorva-core.h"
+
+/** Record of one service. The agent's thread and the poll thread use it at the same time. */
+struct ServiceHealth {
+    std::atomic<int64_t> heldUntil{0}; ///< end of the hold in nanoseconds of the monotonic clock; 0 without a hold
+    std::atomic<zorva_core_status> status{0}; ///< result of the read that caused the hold
+};
+
+/** A call that is about to be made. */
+struct CallStart {
+    bool held;                ///< whether to fail at once, with `status`
+    zorva_core_status status; ///< with `held` only
+    int64_t time;             ///< nanoseconds of the monotonic clock; 0 when nobody asks for it
+};
+
+/** One record for each service. */
+namespace service_health {
+#define ZORVA_SERVICE(service) extern ServiceHealth service;
+#include "service_calls.def"
+} // namespace service_health
+
+/**
+ * States whether the calls that this thread makes from here on are reads, which may be held back. At first they are
+ * not.
+ * @return the former state, for the caller to restore
+ */
+bool SetReading(bool reading);
+
+/** Starts a call of a service. */
+CallStart BeginCall(const ServiceHealth &health);
+
+/** Ends a call that was not held back, and records its outcome. @return `status` */
+zorva_core_status EndCall(ServiceHealth &health, const CallStart &start, zorva_core_status status);
+
+/** Discovers as zorva::core::getTargetIds() does, and fails at once while discovery is held back. */
+bool DiscoverTargets(const char *serviceName, std::vector<std::string> &targetIds);
+
+/**
+ * Returns whether the service that was discovered last was not asked for at all, because the directory hung. The caller
+ * may try again when DirectoryAnswers().
+ */
+bool LastDiscoveryHeld();
+
+/** Returns whether the directory has answered, with or without targets, since ForgetHangs(). */
+bool DirectoryAnswers();
+
+/** Ends all holds, for a new start. */
+void ForgetHangs();
+
+#endif
