@@ -10,7 +10,10 @@ void Restart::order(double now, double seconds) {
 
 void Restart::takeStep() {
     away_ = !away_;
-    step_ = away_ ? end_ : kNever;
+    step_ = kNever;
+    if (away_) {
+        step_ = end_;
+    }
 }
 
 } // namespace camera

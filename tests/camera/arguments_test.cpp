@@ -15,19 +15,22 @@ std::optional<Value> read(const json &value) {
     return readArgument(value, argument) ? std::optional<Value>(argument) : std::nullopt;
 }
 
+/** Expects that an integer type takes the values from its minimum to its maximum only. */
+template <typename Value>
+void expectRange() {
+    const auto lowest = static_cast<std::int64_t>(std::numeric_limits<Value>::min());
+    const auto highest = static_cast<std::int64_t>(std::numeric_limits<Value>::max());
+    EXPECT_EQ(std::numeric_limits<Value>::min(), read<Value>(lowest));
+    EXPECT_EQ(std::numeric_limits<Value>::max(), read<Value>(highest));
+    EXPECT_FALSE(read<Value>(lowest - 1));
+    EXPECT_FALSE(read<Value>(highest + 1));
+    EXPECT_FALSE(read<Value>(18446744073709551615ULL));
+}
+
 TEST(Arguments, OfEachIntegerTypeTakeItsWholeRangeOnly) {
-    EXPECT_EQ(std::uint8_t{0}, read<std::uint8_t>(0));
-    EXPECT_EQ(std::uint8_t{255}, read<std::uint8_t>(255));
-    EXPECT_FALSE(read<std::uint8_t>(-1));
-    EXPECT_FALSE(read<std::uint8_t>(256));
-    EXPECT_EQ(std::numeric_limits<std::int32_t>::min(), read<std::int32_t>(-2147483648LL));
-    EXPECT_EQ(std::numeric_limits<std::int32_t>::max(), read<std::int32_t>(2147483647));
-    EXPECT_FALSE(read<std::int32_t>(-2147483649LL));
-    EXPECT_FALSE(read<std::int32_t>(2147483648LL));
-    EXPECT_EQ(4294967295U, read<std::uint32_t>(4294967295LL));
-    EXPECT_FALSE(read<std::uint32_t>(4294967296LL));
-    EXPECT_FALSE(read<std::uint32_t>(-1));
-    EXPECT_FALSE(read<std::uint32_t>(18446744073709551615ULL));
+    expectRange<std::uint8_t>();
+    expectRange<std::int32_t>();
+    expectRange<std::uint32_t>();
 }
 
 TEST(Arguments, ThatAreIntegersTakeNothingElse) {

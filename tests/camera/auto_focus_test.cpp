@@ -5,7 +5,6 @@
 using namespace camera;
 using nlohmann::json;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -13,8 +12,8 @@ namespace {
 struct FocusCalls {
     const char *service;
     const char *run;
-    std::vector<std::pair<const char *, json>> byHand; ///< with arguments; the first one goes to 5000, at full speed
-    const char *counter;                               ///< the field that counts runs
+    json byHand;         ///< with arguments; the first one goes to 5000, at full speed
+    const char *counter; ///< the field that counts runs
 };
 
 void PrintTo(const FocusCalls &focus, std::ostream *out) {
@@ -29,7 +28,7 @@ protected:
         return callService(service_, GetParam().run, json::array());
     }
     wire::Status moveByHand() {
-        return callService(service_, GetParam().byHand.front().first, GetParam().byHand.front().second);
+        return callService(service_, GetParam().byHand[0][0], GetParam().byHand[0][1]);
     }
     wire::Status setManual(int enable) {
         return callService(service_, "set_manual_mode_enable_send", {enable});
@@ -41,45 +40,86 @@ protected:
     void show(int sharpPosition) {
         setField(service_, "sharpPosition", sharpPosition);
     }
+    void runFocus(const std::vector<test::Script> &scripts) {
+        using Arguments = test::ScriptArguments;
+        runDrive(service_, scripts,
+                 {
+                     {"automatic", [this](const Arguments & /*a*/) { makeAutomatic(); }},
+                     {"manual", [this](const Arguments &a) { EXPECT_EQ(wire::kSuccess, setManual(a.at(0))); }},
+                     {"sharp", [this](const Arguments &a) { show(a.at(0)); }},
+                     {"search", [this](const Arguments & /*a*/) { EXPECT_EQ(wire::kSuccess, run()); }},
+                     {"hand", [this](const Arguments & /*a*/) { EXPECT_EQ(wire::kSuccess, moveByHand()); }},
+                     {"runs", [this](const Arguments &a) { EXPECT_EQ(a.at(0), state(service_)[GetParam().counter]); }},
+                 });
+    }
 };
 
-INSTANTIATE_TEST_SUITE_P(All, AFocus,
-                         testing::Values(FocusCalls{"lens_focus",
-                                                    "do_auto_focus_send",
-                                                    {{"set_manual_focus_position_send", {5000}},
-                                                     {"set_velocity_send", {0, 1}},
-                                                     {"set_velocity_send", {1, 0}}},
-                                                    "autoFocusRuns"},
-                                         FocusCalls{
-                                             "focus_stepper",
-                                             "start_quick_auto_focus_send",
-                                             {{"set_position_send", {5000, 1000}}, {"set_position_send", {5000, 0}}},
-                                             "quickAutoFocusRuns"}),
+const FocusCalls kLensFocus = {"lens_focus", "do_auto_focus_send",
+                               R"([["set_manual_focus_position_send", [5000]], ["set_velocity_send", [0, 1]],
+                                   ["set_velocity_send", [1, 0]]])"_json,
+                               "autoFocusRuns"};
+const FocusCalls kFocusStepper = {"focus_stepper", "start_quick_auto_focus_send",
+                                  R"([["set_position_send", [5000, 1000]], ["set_position_send", [5000, 0]]])"_json,
+                                  "quickAutoFocusRuns"};
+
+INSTANTIATE_TEST_SUITE_P(All, AFocus, testing::Values(kLensFocus, kFocusStepper),
                          [](const auto &test) { return std::string(test.param.service); });
 
-TEST_P(AFocus, SearchesAndSettlesWhereThePictureIsSharpAlready) {
-    makeAutomatic();
-    ASSERT_EQ(wire::kSuccess, run());
-    EXPECT_EQ(true, state(service_)["focusing"]);
-    EXPECT_EQ(1, state(service_)[GetParam().counter]);
-    pass(0.49);
-    EXPECT_EQ(true, state(service_)["focusing"]);
-    pass(0.01);
-    EXPECT_EQ(false, state(service_)["focusing"]);
-    expectAtRest(service_, 1000);
-    EXPECT_THAT(happened(service_), ElementsAre("0.0 focus_started 1000", "0.5 focus_settled 1000"));
-}
-
-TEST_P(AFocus, DrivesToWhereThePictureIsSharpAtItsFullSpeed) {
-    setField(service_, "position", 4321);
-    ASSERT_EQ(wire::kSuccess, setManual(0));
-    expectAtRestAfter(0.25, service_, 4321);
-    expectAtAfter(1.25, service_, 3321, -1000, 1000);
-    EXPECT_EQ(true, state(service_)["focusing"]);
-    expectAtRestAfter(2.321, service_, 1000);
-    EXPECT_EQ(false, state(service_)["focusing"]);
-    EXPECT_THAT(happened(service_), ElementsAre("0.0 focus_started 4321", "0.5 move_started 4321",
-                                                "3.821 move_stopped 1000", "3.821 focus_settled 1000"));
+TEST_P(AFocus, RunsItsScripts) {
+    runFocus({
+        {"stays where it is after a change to manual mode by a call",
+         "automatic; sharp 3000; pass 1.0; manual 1; rest 1500; field focusing false; next never; "
+         "after 10.0 rest 1500; events 0.0 focus_started 1000 0.5 move_started 1000 1.0 move_stopped 1500"},
+        {"stays where it is after a change to manual mode by a set",
+         "automatic; sharp 3000; pass 1.0; set manualMode true; rest 1500; field focusing false; next never; "
+         "after 10.0 rest 1500; events 0.0 focus_started 1000 0.5 move_started 1000 1.0 move_stopped 1500"},
+        {"drives to the sharp position after a change to automatic mode by a call, without a requested run",
+         "sharp 3000; manual 0; after 10.0 rest 3000; runs 0"},
+        {"drives to the sharp position after a change to automatic mode by a set, without a requested run",
+         "sharp 3000; set manualMode false; after 10.0 rest 3000; runs 0"},
+        {"follows the scene in one run, which ends where the drive has just arrived",
+         "automatic; sharp 9000; pass 0.25; sharp 3000; after 1.25 at 2000 1000 3000; sharp 500; at 2000 -1000 500; "
+         "pass 0.5; sharp 1500; rest 1500; field focusing false; "
+         "events 0.0 focus_started 1000 0.5 move_started 1000 1.5 move_started 2000 2.0 move_started 1500 2.0 "
+         "move_stopped 1500 2.0 focus_settled 1500"},
+        {"searches and settles where the picture is sharp already",
+         "automatic; search; field focusing true; runs 1; pass 0.49; field focusing true; pass 0.01; "
+         "field focusing false; rest 1000; events 0.0 focus_started 1000 0.5 focus_settled 1000"},
+        {"drives to where the picture is sharp at its full speed",
+         "set position 4321; manual 0; after 0.25 rest 4321; after 1.25 at 3321 -1000 1000; field focusing true; "
+         "after 2.321 rest 1000; field focusing false; "
+         "events 0.0 focus_started 4321 0.5 move_started 4321 3.821 move_stopped 1000 3.821 focus_settled 1000"},
+        {"tells the times however late it is asked",
+         "automatic; sharp 3000; pass 100.0; "
+         "events 0.0 focus_started 1000 0.5 move_started 1000 2.5 move_stopped 3000 2.5 focus_settled 3000"},
+        {"does not follow the scene in manual mode", "sharp 9000; after 10.0 rest 1000; events"},
+        {"is left alone by a scene that is as sharp", "automatic; sharp 1000; events; next never"},
+        {"starts anew with another run",
+         "automatic; sharp 3000; pass 1.0; search; rest 1500; pass 0.25; search; runs 2; after 10.0 rest 3000; "
+         "events 0.0 focus_started 1000 0.5 move_started 1000 1.0 move_stopped 1500 1.0 focus_started 1500 1.25 "
+         "focus_started 1500 1.75 move_started 1500 3.25 move_stopped 3000 3.25 focus_settled 3000"},
+        {"need not search", "automatic; set searchTime 0; sharp 2000; at 1000 1000 2000; pass 1.0; search; "
+                            "events 0.0 focus_started 1000 0.0 move_started 1000 1.0 move_stopped 2000 1.0 "
+                            "focus_settled 2000 1.0 focus_started 2000 1.0 focus_settled 2000"},
+        {"searches no more in manual mode",
+         "automatic; sharp 3000; pass 0.25; manual 1; after 10.0 rest 1000; events 0.0 focus_started 1000"},
+        {"that is manual already goes on", "hand; pass 1.0; manual 255; at 2000 1000 5000"},
+        {"that is automatic already goes on", "automatic; sharp 3000; pass 1.0; manual 0; at 1500 1000 3000; "
+                                              "events 0.0 focus_started 1000 0.5 move_started 1000"},
+        {"ends a move by hand in automatic mode",
+         "hand; pass 1.0; manual 0; rest 2000; after 1.0 at 1500 -1000 1000; "
+         "events 0.0 move_started 1000 1.0 move_stopped 2000 1.0 focus_started 2000 1.5 move_started 2000"},
+        {"that is put somewhere goes back",
+         "automatic; set position 2000; after 1.0 at 1500 -1000 1000; set position 3000; at 3000 -1000 1000; "
+         "pass 1.0; set position 1000; rest 1000; field focusing false; "
+         "events 0.0 focus_started 2000 0.5 move_started 2000 1.0 move_stopped 3000 1.0 move_started 3000 2.0 "
+         "move_stopped 1000 2.0 focus_settled 1000"},
+        {"takes up the scene again after a restart",
+         "automatic; sharp 3000; pass 1.0; reboot; awake 4.0; rest 1500; field focusing false; awake 10.0; "
+         "rest 3000; "
+         "events 0.0 focus_started 1000 0.5 move_started 1000 1.0 move_stopped 1500 6.0 focus_started 1500 6.5 "
+         "move_started 1500 8.0 move_stopped 3000 8.0 focus_settled 3000"},
+    });
 }
 
 TEST_P(AFocus, TellsOfItselfWhileNobodyAsks) {
@@ -99,194 +139,26 @@ TEST_P(AFocus, TellsOfItselfWhileNobodyAsks) {
             json{{"event", "focus_settled"}, {"target", target}, {"position", 3000}}));
 }
 
-TEST_P(AFocus, TellsTheTimesHoweverLateItIsAsked) {
-    makeAutomatic();
-    show(3000);
-    pass(100.0);
-    EXPECT_THAT(happened(service_), ElementsAre("0.0 focus_started 1000", "0.5 move_started 1000",
-                                                "2.5 move_stopped 3000", "2.5 focus_settled 3000"));
-}
-
-TEST_P(AFocus, FollowsTheSceneInOneRun) {
-    makeAutomatic();
-    show(9000);
-    pass(0.25);
-    show(3000);
-    expectAtAfter(1.25, service_, 2000, 1000, 3000);
-    show(500);
-    expectAt(service_, 2000, -1000, 500);
-    pass(0.5);
-    show(1500);
-    // The drive has just come to where the picture is sharp now.
-    expectAtRest(service_, 1500);
-    EXPECT_EQ(false, state(service_)["focusing"]);
-    EXPECT_THAT(happened(service_),
-                ElementsAre("0.0 focus_started 1000", "0.5 move_started 1000", "1.5 move_started 2000",
-                            "2.0 move_started 1500", "2.0 move_stopped 1500", "2.0 focus_settled 1500"));
-}
-
-TEST_P(AFocus, DoesNotFollowTheSceneInManualMode) {
-    show(9000);
-    expectAtRestAfter(10.0, service_, 1000);
-    EXPECT_THAT(happened(service_), IsEmpty());
-}
-
-TEST_P(AFocus, IsLeftAloneByASceneThatIsAsSharp) {
-    makeAutomatic();
-    show(1000);
-    EXPECT_THAT(happened(service_), IsEmpty());
-    EXPECT_EQ(kNever, camera_->nextTime());
-}
-
-TEST_P(AFocus, StartsAnewWithAnotherRun) {
-    makeAutomatic();
-    show(3000);
-    pass(1.0);
-    ASSERT_EQ(wire::kSuccess, run());
-    expectAtRest(service_, 1500);
-    pass(0.25);
-    ASSERT_EQ(wire::kSuccess, run());
-    EXPECT_EQ(2, state(service_)[GetParam().counter]);
-    expectAtRestAfter(10.0, service_, 3000);
-    EXPECT_THAT(happened(service_),
-                ElementsAre("0.0 focus_started 1000", "0.5 move_started 1000", "1.0 move_stopped 1500",
-                            "1.0 focus_started 1500", "1.25 focus_started 1500", "1.75 move_started 1500",
-                            "3.25 move_stopped 3000", "3.25 focus_settled 3000"));
-}
-
-TEST_P(AFocus, NeedNotSearch) {
-    makeAutomatic();
-    setField(service_, "searchTime", 0);
-    show(2000);
-    expectAt(service_, 1000, 1000, 2000);
-    pass(1.0);
-    ASSERT_EQ(wire::kSuccess, run());
-    EXPECT_THAT(happened(service_),
-                ElementsAre("0.0 focus_started 1000", "0.0 move_started 1000", "1.0 move_stopped 2000",
-                            "1.0 focus_settled 2000", "1.0 focus_started 2000", "1.0 focus_settled 2000"));
-}
-
-TEST_P(AFocus, StaysWhereItIsInManualMode) {
-    for (const bool byCommand : {true, false}) {
-        setField(service_, "position", 1000);
-        makeAutomatic();
-        show(3000);
-        pass(1.0);
-        if (byCommand) {
-            ASSERT_EQ(wire::kSuccess, setManual(1));
-        } else {
-            setField(service_, "manualMode", true);
-        }
-        expectAtRest(service_, 1500);
-        EXPECT_EQ(false, state(service_)["focusing"]);
-        EXPECT_EQ(kNever, camera_->nextTime());
-        expectAtRestAfter(10.0, service_, 1500);
-        EXPECT_EQ("move_stopped", events_.seen().back()["event"]);
-        show(1000);
-    }
-}
-
-TEST_P(AFocus, SearchesNoMoreInManualMode) {
-    makeAutomatic();
-    show(3000);
-    pass(0.25);
-    ASSERT_EQ(wire::kSuccess, setManual(1));
-    expectAtRestAfter(10.0, service_, 1000);
-    EXPECT_THAT(happened(service_), ElementsAre("0.0 focus_started 1000"));
-}
-
-TEST_P(AFocus, TakesUpTheSceneInAutomaticMode) {
-    show(3000);
-    for (const bool byCommand : {true, false}) {
-        setField(service_, "position", 1000);
-        if (byCommand) {
-            ASSERT_EQ(wire::kSuccess, setManual(0));
-        } else {
-            setField(service_, "manualMode", false);
-        }
-        expectAtRestAfter(10.0, service_, 3000);
-        ASSERT_EQ(wire::kSuccess, setManual(1));
-    }
-    // No run was asked for.
-    EXPECT_EQ(0, state(service_)[GetParam().counter]);
-}
-
 TEST_P(AFocus, InAutomaticModeRefusesTheHand) {
     makeAutomatic();
     show(3000);
     pass(1.0);
-    for (const auto &[operation, arguments] : GetParam().byHand) {
-        expectRefused(wire::kNotSupported, service_, operation, arguments);
+    for (const json &call : GetParam().byHand) {
+        expectRefused(wire::kNotSupported, service_, call[0], call[1]);
     }
     // What is wrong in any mode is wrong in this one.
-    json wrong = GetParam().byHand.front().second;
+    json wrong = GetParam().byHand[0][1];
     wrong[0] = 10001;
-    expectRefused(wire::kInvalidArgument, service_, GetParam().byHand.front().first, wrong);
-    expectAtRestAfter(1.5, service_, 3000);
-    expectRefused(wire::kNotSupported, service_, GetParam().byHand.front().first, GetParam().byHand.front().second);
+    expectRefused(wire::kInvalidArgument, service_, GetParam().byHand[0][0], wrong);
+    pass(1.5);
+    expectAtRest(service_, 3000);
+    expectRefused(wire::kNotSupported, service_, GetParam().byHand[0][0], GetParam().byHand[0][1]);
 }
 
 TEST_P(AFocus, InManualModeRefusesARun) {
     ASSERT_EQ(wire::kSuccess, moveByHand());
     expectRefused(wire::kNotSupported, service_, GetParam().run, json::array());
     expectAt(service_, 1000, 1000, 5000);
-}
-
-TEST_P(AFocus, ThatIsManualAlreadyGoesOn) {
-    ASSERT_EQ(wire::kSuccess, moveByHand());
-    pass(1.0);
-    ASSERT_EQ(wire::kSuccess, setManual(255));
-    expectAt(service_, 2000, 1000, 5000);
-}
-
-TEST_P(AFocus, ThatIsAutomaticAlreadyGoesOn) {
-    makeAutomatic();
-    show(3000);
-    pass(1.0);
-    ASSERT_EQ(wire::kSuccess, setManual(0));
-    expectAt(service_, 1500, 1000, 3000);
-    EXPECT_THAT(happened(service_), ElementsAre("0.0 focus_started 1000", "0.5 move_started 1000"));
-}
-
-TEST_P(AFocus, EndsAMoveByHandInAutomaticMode) {
-    ASSERT_EQ(wire::kSuccess, moveByHand());
-    pass(1.0);
-    ASSERT_EQ(wire::kSuccess, setManual(0));
-    expectAtRest(service_, 2000);
-    expectAtAfter(1.0, service_, 1500, -1000, 1000);
-    EXPECT_THAT(happened(service_), ElementsAre("0.0 move_started 1000", "1.0 move_stopped 2000",
-                                                "1.0 focus_started 2000", "1.5 move_started 2000"));
-}
-
-TEST_P(AFocus, ThatIsPutSomewhereGoesBack) {
-    makeAutomatic();
-    setField(service_, "position", 2000);
-    expectAtAfter(1.0, service_, 1500, -1000, 1000);
-    setField(service_, "position", 3000);
-    expectAt(service_, 3000, -1000, 1000);
-    pass(1.0);
-    setField(service_, "position", 1000);
-    expectAtRest(service_, 1000);
-    EXPECT_EQ(false, state(service_)["focusing"]);
-    EXPECT_THAT(happened(service_),
-                ElementsAre("0.0 focus_started 2000", "0.5 move_started 2000", "1.0 move_stopped 3000",
-                            "1.0 move_started 3000", "2.0 move_stopped 1000", "2.0 focus_settled 1000"));
-}
-
-TEST_P(AFocus, TakesUpTheSceneAgainAfterARestart) {
-    makeAutomatic();
-    show(3000);
-    pass(1.0);
-    reboot();
-    passAwake(4.0);
-    expectAtRest(service_, 1500);
-    EXPECT_EQ(false, state(service_)["focusing"]);
-    passAwake(10.0);
-    expectAtRest(service_, 3000);
-    EXPECT_THAT(happened(service_),
-                ElementsAre("0.0 focus_started 1000", "0.5 move_started 1000", "1.0 move_stopped 1500",
-                            "6.0 focus_started 1500", "6.5 move_started 1500", "8.0 move_stopped 3000",
-                            "8.0 focus_settled 3000"));
 }
 
 TEST(ACameraThatStartsOutOfFocus, SeesToIt) {

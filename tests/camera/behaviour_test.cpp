@@ -26,6 +26,10 @@ protected:
         return status;
     }
 
+    wire::Status store(const json &id, const json &name, int number) {
+        return call("presets_tours", "set_preset_with_current_position_send", json::array({id, name, number, 1}));
+    }
+
     json position() {
         const json state = camera_->state("positioning/1");
         return {state["pan"]["position"], state["tilt"]["position"], state["zoom"]["position"]};
@@ -100,7 +104,7 @@ TEST_F(Dome, EndsAVelocityWhenItMovesToAPosition) {
 
 TEST_F(Dome, KeepsPresetsAndComesBackToThem) {
     ASSERT_EQ(wire::kSuccess, move(90000, -45000, 100));
-    ASSERT_EQ(wire::kSuccess, call("presets_tours", "set_preset_with_current_position_send", {"gate", "Gate", 7, 1}));
+    ASSERT_EQ(wire::kSuccess, store("gate", "Gate", 7));
     ASSERT_EQ(wire::kSuccess, move(0, 0, 10));
     ASSERT_EQ(wire::kSuccess, call("presets_tours", "get_preset_id_for_quarnapi_id_send", {7}));
     EXPECT_EQ(json::array({"gate"}), answer_.results);
@@ -117,11 +121,10 @@ TEST_F(Dome, HasNoIdentifierForANumberWithoutPreset) {
 }
 
 TEST_F(Dome, PutsAPresetInThePlaceOfThoseWithItsNumberOrIdentifier) {
-    const std::string store = "set_preset_with_current_position_send";
-    ASSERT_EQ(wire::kSuccess, call("presets_tours", store, {"a", "A", 9, 1}));
-    ASSERT_EQ(wire::kSuccess, call("presets_tours", store, {"b", "B", 2, 1}));
-    ASSERT_EQ(wire::kSuccess, call("presets_tours", store, {"c", nullptr, 5, 1}));
-    ASSERT_EQ(wire::kSuccess, call("presets_tours", store, {"a", "A again", 2, 1}));
+    ASSERT_EQ(wire::kSuccess, store("a", "A", 9));
+    ASSERT_EQ(wire::kSuccess, store("b", "B", 2));
+    ASSERT_EQ(wire::kSuccess, store("c", nullptr, 5));
+    ASSERT_EQ(wire::kSuccess, store("a", "A again", 2));
     const json presets = camera_->state("presets_tours/1")["presets"];
     ASSERT_EQ(2U, presets.size());
     EXPECT_EQ("a", presets[0]["id"]);
@@ -132,10 +135,9 @@ TEST_F(Dome, PutsAPresetInThePlaceOfThoseWithItsNumberOrIdentifier) {
 }
 
 TEST_F(Dome, MakesAnIdentifierForAPresetWithoutOne) {
-    const std::string store = "set_preset_with_current_position_send";
-    ASSERT_EQ(wire::kSuccess, call("presets_tours", store, {"preset-3", "", 1, 1}));
-    ASSERT_EQ(wire::kSuccess, call("presets_tours", store, {"", "", 3, 1}));
-    ASSERT_EQ(wire::kSuccess, call("presets_tours", store, {nullptr, "", 4, 1}));
+    ASSERT_EQ(wire::kSuccess, store("preset-3", "", 1));
+    ASSERT_EQ(wire::kSuccess, store("", "", 3));
+    ASSERT_EQ(wire::kSuccess, store(nullptr, "", 4));
     const json presets = camera_->state("presets_tours/1")["presets"];
     EXPECT_EQ("preset-3", presets.at(0)["id"]);
     EXPECT_EQ("preset-3-new", presets.at(1)["id"]);
@@ -144,29 +146,28 @@ TEST_F(Dome, MakesAnIdentifierForAPresetWithoutOne) {
 
 TEST_F(Dome, HoldsAllItsPresetsAndNoMore) {
     for (int number = 1; number <= 255; ++number) {
-        ASSERT_EQ(wire::kSuccess, call("presets_tours", "set_preset_with_current_position_send", {"", "", number, 1}));
+        ASSERT_EQ(wire::kSuccess, store("", "", number));
     }
     const json before = camera_->state("presets_tours/1");
     ASSERT_EQ(255U, before["presets"].size());
     for (const int number : {-1, 256}) {
-        EXPECT_EQ(wire::kInvalidArgument,
-                  call("presets_tours", "set_preset_with_current_position_send", {"", "", number, 1}));
+        EXPECT_EQ(wire::kInvalidArgument, store("", "", number));
     }
-    EXPECT_EQ(wire::kFailed, call("presets_tours", "set_preset_with_current_position_send", {"", "", 0, 1}));
+    EXPECT_EQ(wire::kFailed, store("", "", 0));
     EXPECT_EQ(before, camera_->state("presets_tours/1"));
     // A full camera still puts presets in the place of others.
-    EXPECT_EQ(wire::kSuccess, call("presets_tours", "set_preset_with_current_position_send", {"new", "", 255, 1}));
+    EXPECT_EQ(wire::kSuccess, store("new", "", 255));
     ASSERT_FALSE(camera_->set("presets_tours/1", "presets", json::array()));
 }
 
 TEST_F(Dome, TakesAnyNumberHoweverFewPresetsItHolds) {
     setField("presets_tours", "maximumPresets", 2);
     for (const int number : {255, 0}) {
-        ASSERT_EQ(wire::kSuccess, call("presets_tours", "set_preset_with_current_position_send", {"", "", number, 1}));
+        ASSERT_EQ(wire::kSuccess, store("", "", number));
         ASSERT_EQ(wire::kSuccess, call("presets_tours", "get_preset_id_for_quarnapi_id_send", {number}));
         EXPECT_EQ(json::array({"preset-" + std::to_string(number)}), answer_.results);
     }
-    EXPECT_EQ(wire::kFailed, call("presets_tours", "set_preset_with_current_position_send", {"", "", 1, 1}));
+    EXPECT_EQ(wire::kFailed, store("", "", 1));
     const std::optional<Problem> problem = camera_->set("presets_tours/1", "maximumPresets", 1);
     ASSERT_TRUE(problem);
     EXPECT_EQ("presets_tours/1 presets: expected at most 1 presets (maximumPresets), found 2", toString(*problem));

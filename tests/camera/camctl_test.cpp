@@ -13,26 +13,13 @@ using nlohmann::json;
 
 namespace {
 
-class Camctl : public testing::Test {
+class Camctl : public ControlProgramTest {
 protected:
-    CommandResult control(const std::vector<std::string> &arguments) {
-        std::vector<std::string> command = {controlPath(), "--directory", directory_};
-        command.insert(command.end(), arguments.begin(), arguments.end());
-        return runCommand(command);
-    }
-
     void expectDone(const std::vector<std::string> &arguments, const std::string &output) {
         const CommandResult ended = control(arguments);
         EXPECT_EQ(0, ended.status.code);
         EXPECT_EQ(output + "\n", ended.output);
         EXPECT_EQ("", ended.errors);
-    }
-
-    void expectRefused(const std::vector<std::string> &arguments, const std::string &error) {
-        const CommandResult ended = control(arguments);
-        EXPECT_EQ(1, ended.status.code);
-        EXPECT_EQ("", ended.output);
-        EXPECT_EQ("quarnsnmp-camctl: " + error + "\n", ended.errors);
     }
 
     json state() {
@@ -42,9 +29,6 @@ protected:
     json target(const std::string &service, const std::string &id) {
         return state()["services"][service]["targets"][id];
     }
-
-    TemporaryDirectory root_;
-    std::string directory_ = root_.file("sockets");
 };
 
 TEST_F(Camctl, PrintsTheStateAsReadableJson) {
@@ -59,18 +43,20 @@ TEST_F(Camctl, PrintsTheStateAsReadableJson) {
 
 TEST_F(Camctl, SetsNumbersFlagsTextsAndGroups) {
     RunningCamera camera(directory_);
-    expectDone({"set", "alarm/1", "state", "1"}, "alarm/1 state is 1");
-    expectDone({"set", "temperature/1", "temperature", "-5000"}, "temperature/1 temperature is -5000");
-    expectDone({"set", "exposure/1", "manualMode", "true"}, "exposure/1 manualMode is true");
-    expectDone({"set", "positioning/1", "tilt", R"({"position":-7,"acceleration":3})"},
-               R"(positioning/1 tilt is {"acceleration":3,"position":-7})");
-    expectDone({"set", "presets_tours/1", "presets", R"([{"id":"a","number":2}])"},
-               R"(presets_tours/1 presets is [{"id":"a","number":2}])");
-    EXPECT_EQ(1, target("alarm", "alarm/1")["state"]);
-    EXPECT_EQ(-5000, target("temperature", "temperature/1")["temperature"]);
-    EXPECT_EQ(true, target("exposure", "exposure/1")["manualMode"]);
-    EXPECT_EQ(-7, target("positioning", "positioning/1")["tilt"]["position"]);
-    EXPECT_EQ("a", target("presets_tours", "presets_tours/1")["presets"][0]["id"]);
+    const std::vector<std::vector<std::string>> rows = {
+        {"alarm", "state", "1"},
+        {"temperature", "temperature", "-5000"},
+        {"exposure", "manualMode", "true"},
+        {"positioning", "tilt", R"({"acceleration":3,"position":-7})"},
+        {"presets_tours", "presets", R"([{"id":"a","name":"","number":2,"pan":0,"tilt":0,"zoom":0}])"},
+    };
+    for (const std::vector<std::string> &row : rows) {
+        const std::string id = row[0] + "/1";
+        expectDone({"set", id, row[1], row[2]}, id + " " + row[1] + " is " + row[2]);
+        json expected = target(row[0], id);
+        expected.merge_patch({{row[1], json::parse(row[2])}});
+        EXPECT_EQ(expected, target(row[0], id));
+    }
 }
 
 TEST_F(Camctl, TakesWhatIsNotJsonAsAText) {

@@ -32,13 +32,7 @@ using ErrorRows = std::vector<std::pair<std::string, std::string>>;
 
 void expectErrors(const ErrorRows &rows) {
     for (const auto &[text, error] : rows) {
-        SCOPED_TRACE(text);
-        try {
-            parseCamera(text, "bad.json");
-            ADD_FAILURE() << "the file was accepted";
-        } catch (const FileError &caught) {
-            EXPECT_EQ("bad.json: " + error, caught.what());
-        }
+        EXPECT_EQ("bad.json: " + error, test::errorOf([&, &text = text] { parseCamera(text, "bad.json"); })) << text;
     }
 }
 
@@ -141,18 +135,9 @@ TEST(CameraFiles, WithInvalidFieldsAreRefused) {
            "presets[1].id: expected a value other than that of presets[0]");
 }
 
-std::string errorOf(const std::function<void()> &reading) {
-    try {
-        reading();
-    } catch (const FileError &error) {
-        return error.what();
-    }
-    return "no error";
-}
-
 TEST(CameraFiles, ThatAreMissingAreNamed) {
-    EXPECT_EQ("/nowhere/a.json: No such file or directory", errorOf([] { readCameraFile("/nowhere/a.json"); }));
-    EXPECT_EQ("/: not a regular file", errorOf([] { readCameraFile("/"); }));
+    EXPECT_EQ("/nowhere/a.json: No such file or directory", test::errorOf([] { readCameraFile("/nowhere/a.json"); }));
+    EXPECT_EQ("/: not a regular file", test::errorOf([] { readCameraFile("/"); }));
 }
 
 TEST(CameraFiles, AreFoundByNameOrPath) {
@@ -161,9 +146,9 @@ TEST(CameraFiles, AreFoundByNameOrPath) {
     EXPECT_EQ("./dome", findNamedFile("camera", "./dome", directory));
     EXPECT_EQ("dome.json", findNamedFile("camera", "dome.json", directory));
     EXPECT_EQ("no camera 'cube' in " + directory + "; available: dome, minimal, stepper, twinfocus",
-              errorOf([&] { findNamedFile("camera", "cube", directory); }));
+              test::errorOf([&] { findNamedFile("camera", "cube", directory); }));
     EXPECT_EQ("no camera 'dome' in /nowhere; available: none",
-              errorOf([] { findNamedFile("camera", "dome", "/nowhere"); }));
+              test::errorOf([] { findNamedFile("camera", "dome", "/nowhere"); }));
 }
 
 TEST(ShippedCameras, HaveTheirServices) {

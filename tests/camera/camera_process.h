@@ -93,6 +93,26 @@ protected:
     support::LineClient control_{directory_, "control"};
 };
 
+/** Test of the control program, on a directory for the sockets of a camera. */
+class ControlProgramTest : public testing::Test {
+protected:
+    support::CommandResult control(const std::vector<std::string> &arguments) {
+        std::vector<std::string> command = {support::controlPath(), "--directory", directory_};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        return support::runCommand(command);
+    }
+
+    void expectRefused(const std::vector<std::string> &arguments, const std::string &error) {
+        const support::CommandResult ended = control(arguments);
+        EXPECT_EQ(1, ended.status.code);
+        EXPECT_EQ("", ended.output);
+        EXPECT_EQ("quarnsnmp-camctl: " + error + "\n", ended.errors);
+    }
+
+    support::TemporaryDirectory root_;
+    std::string directory_ = root_.file("sockets");
+};
+
 } // namespace camera::test
 
 #endif

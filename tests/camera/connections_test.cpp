@@ -9,23 +9,18 @@
 
 using namespace camera::test;
 using namespace support;
-using nlohmann::json;
 
 namespace {
 
-class Connections : public testing::Test {
+class Connections : public CameraTest {
 protected:
     void expectService() {
         LineClient client(directory_, "temperature");
         EXPECT_EQ(kTemperatureAnswer, client.ask(kTemperatureRequest));
     }
-
-    TemporaryDirectory root_;
-    std::string directory_ = root_.file("sockets");
 };
 
 TEST_F(Connections, TakeALineOfTheLargestSize) {
-    RunningCamera camera(directory_);
     LineClient client(directory_, "temperature");
     const std::string longest =
         kTemperatureRequest + std::string(wire::kMaximumLine - 1 - kTemperatureRequest.size(), ' ');
@@ -34,7 +29,6 @@ TEST_F(Connections, TakeALineOfTheLargestSize) {
 }
 
 TEST_F(Connections, EndWithALongerLine) {
-    RunningCamera camera(directory_);
     LineClient witness(directory_, "temperature");
     LineClient client(directory_, "temperature");
     client.send(kTemperatureRequest + std::string(wire::kMaximumLine - kTemperatureRequest.size(), ' ') + "\n");
@@ -47,7 +41,6 @@ TEST_F(Connections, EndWithALongerLine) {
 }
 
 TEST_F(Connections, MayEndInTheMiddleOfALine) {
-    RunningCamera camera(directory_);
     LineClient witness(directory_, "temperature");
     for (int i = 0; i < 20; ++i) {
         LineClient client(directory_, "temperature");
@@ -58,7 +51,6 @@ TEST_F(Connections, MayEndInTheMiddleOfALine) {
 }
 
 TEST_F(Connections, PutHalfLinesTogether) {
-    RunningCamera camera(directory_);
     LineClient witness(directory_, "temperature");
     LineClient client(directory_, "temperature");
     for (const char octet : kTemperatureRequest) {
@@ -71,7 +63,6 @@ TEST_F(Connections, PutHalfLinesTogether) {
 }
 
 TEST_F(Connections, MayEndBeforeTheAnswerIsRead) {
-    RunningCamera camera(directory_);
     for (int i = 0; i < 20; ++i) {
         LineClient client(directory_, "temperature");
         std::string requests;
@@ -84,7 +75,6 @@ TEST_F(Connections, MayEndBeforeTheAnswerIsRead) {
 }
 
 TEST_F(Connections, OfAClientThatDoesNotReadEndAndDisturbNobody) {
-    RunningCamera camera(directory_);
     LineClient witness(directory_, "device_information");
     LineClient client(directory_, "device_information");
     const std::string request = R"(["get_static_information_send","device_information/1"])";
@@ -102,7 +92,6 @@ TEST_F(Connections, OfAClientThatDoesNotReadEndAndDisturbNobody) {
 }
 
 TEST_F(Connections, LoseNothingOfWhatWaitsForAClientToRead) {
-    RunningCamera camera(directory_);
     LineClient client(directory_, "device_information");
     const std::string request = R"(["get_static_information_send","device_information/1"])";
     const std::string answer = client.ask(request);
@@ -119,7 +108,6 @@ TEST_F(Connections, LoseNothingOfWhatWaitsForAClientToRead) {
 }
 
 TEST_F(Connections, OfAFollowerThatDoesNotReadEnd) {
-    RunningCamera camera(directory_);
     LineClient follower(directory_, "control");
     EXPECT_EQ(R"({"ok":true})", follower.ask(R"({"command":"follow"})"));
     LineClient client(directory_, "relay");
@@ -133,7 +121,6 @@ TEST_F(Connections, OfAFollowerThatDoesNotReadEnd) {
 }
 
 TEST_F(Connections, AreLimitedInNumber) {
-    RunningCamera camera(directory_);
     LineClient witness(directory_, "temperature");
     EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
     {
@@ -169,6 +156,7 @@ long ticksOf(pid_t process) {
 
 TEST_F(Connections, WaitWhenTheCameraHasNoFileLeft) {
     constexpr unsigned kFiles = 40;
+    directory_ = root_.file("few");
     RunningCamera camera(directory_, "dome", kFiles);
     LineClient witness(directory_, "temperature");
     EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));

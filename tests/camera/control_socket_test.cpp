@@ -27,7 +27,6 @@ TEST_F(ControlSocket, ShowsAndSetsTheState) {
     EXPECT_EQ("dome", shown["camera"]);
     EXPECT_EQ(1, shown["services"]["alarm"]["targets"]["alarm/2"]["state"]);
     EXPECT_EQ(true, shown["services"]["alarm"]["up"]);
-    EXPECT_EQ(11U, shown["services"].size());
 }
 
 TEST_F(ControlSocket, AnswersWhatItRefuses) {
@@ -168,7 +167,8 @@ TEST_F(ControlSocket, TellsFollowersWhatHappens) {
     }
     EXPECT_THAT(kinds, testing::ElementsAre("command", "changed", "fault", "service_down", "service_up", "command",
                                             "changed", "reboot", "changed"));
-    for (int i = 0; i < 11; ++i) {
+    const json services = state()["services"];
+    for (std::size_t i = 0; i < services.size(); ++i) {
         EXPECT_EQ("service_down", follower.next().value("event", ""));
     }
     EXPECT_FALSE(follower.readable());

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Collecting the events of a camera in tests.
+ * Recorder of a camera's events.
  */
 #ifndef QUARNSNMP_TEST_EVENT_RECORDER_H
 #define QUARNSNMP_TEST_EVENT_RECORDER_H
@@ -15,17 +15,24 @@
 
 namespace camera::test {
 
-/** Collects the events of a camera, and their times apart from them. */
+/** Recorder of a camera's events, with their times in a list of their own. */
 class EventRecorder {
 public:
-    explicit EventRecorder(Events &events)
-        : subscription_(events.subscribe([this](const nlohmann::json &event) {
-              EXPECT_TRUE(event.at("time").is_number());
-              EXPECT_GE(event.at("time"), times_.empty() ? 0.0 : times_.back());
-              times_.push_back(event.at("time"));
-              seen_.push_back(event);
-              seen_.back().erase("time");
-          })) {}
+    explicit EventRecorder(Events &events) {
+        start(events);
+    }
+
+    /** Records the events of a camera from now on, in place of earlier ones. */
+    void start(Events &events) {
+        clear();
+        subscription_ = events.subscribe([this](const nlohmann::json &event) {
+            EXPECT_TRUE(event.at("time").is_number());
+            EXPECT_GE(event.at("time"), times_.empty() ? 0.0 : times_.back());
+            times_.push_back(event.at("time"));
+            seen_.push_back(event);
+            seen_.back().erase("time");
+        });
+    }
 
     const std::vector<nlohmann::json> &seen() const {
         return seen_;
@@ -34,7 +41,7 @@ public:
         return times_;
     }
 
-    /** The kinds of the events that tell of moves, each with its axis, as in "move_stopped pan". */
+    /** Returns the events of axes, each as kind and axis, such as "move_stopped pan". */
     std::vector<std::string> moves() const {
         std::vector<std::string> kinds;
         for (const nlohmann::json &event : seen_) {

@@ -9,81 +9,75 @@ using nlohmann::json;
 
 namespace {
 
-TEST(Events, TellOfCommandsAndTheirChanges) {
-    const auto dome = test::shippedCamera("dome");
-    test::setUpRelay(*dome, "relay/2");
-    const test::EventRecorder recorder(dome->events());
-    dome->call("relay", {"set_state_send", "relay/2", 1});
-    EXPECT_THAT(recorder.seen(),
-                testing::ElementsAre(R"({"event": "command", "service": "relay", "target": "relay/2", "operation":
-                                        "set_state_send", "arguments": [1], "status": 0})"_json,
-                                     json{{"event", "changed"}, {"target", "relay/2"}, {"fields", {{"state", 1}}}}));
+/** Events of the dome, with a relay/1 that is ready for commands. */
+class DomeEvents : public testing::Test {
+protected:
+    DomeEvents() {
+        dome_->set("presets_tours/1", "presets", R"([{"id": "a", "number": 1, "pan": 5, "tilt": 0, "zoom": 20}])"_json);
+        recorder_.clear();
+    }
+
+    /** Returns the event of a call without arguments, or with one, of a relay. */
+    static json command(const json &target, const char *operation, const json &arguments, wire::Status status) {
+        return {{"event", "command"},     {"service", "relay"},     {"target", target},
+                {"operation", operation}, {"arguments", arguments}, {"status", status}};
+    }
+
+    std::unique_ptr<CameraModel> dome_ = [] {
+        auto dome = test::shippedCamera("dome");
+        test::setUpRelay(*dome, "relay/1");
+        return dome;
+    }();
+    test::EventRecorder recorder_{dome_->events()};
+};
+
+TEST_F(DomeEvents, ReportCommandsAndTheirChanges) {
+    dome_->call("relay", {"set_state_send", "relay/1", 1});
+    dome_->call("relay", {"set_state_send", "relay/1", 1});
+    EXPECT_THAT(recorder_.seen(),
+                testing::ElementsAre(command("relay/1", "set_state_send", {1}, wire::kSuccess),
+                                     R"({"event": "changed", "target": "relay/1", "fields": {"state": 1}})"_json,
+                                     command("relay/1", "set_state_send", {1}, wire::kSuccess)));
 }
 
-TEST(Events, TellOfCommandsThatWereRefused) {
-    const auto dome = test::shippedCamera("dome");
-    const test::EventRecorder recorder(dome->events());
-    dome->call("relay", {"set_state_send", "relay/9", 1});
-    dome->call("relay", {"set_state_send", "relay/1", 2});
-    dome->call("relay", {"frob", nullptr});
-    ASSERT_EQ(3U, recorder.seen().size());
-    EXPECT_EQ(wire::kUnknownTarget, recorder.seen()[0]["status"]);
-    EXPECT_EQ(wire::kInvalidArgument, recorder.seen()[1]["status"]);
-    EXPECT_EQ((json{{"event", "command"},
-                    {"service", "relay"},
-                    {"target", nullptr},
-                    {"operation", "frob"},
-                    {"arguments", json::array()},
-                    {"status", wire::kUnknownOperation}}),
-              recorder.seen()[2]);
+TEST_F(DomeEvents, ReportRefusedCommands) {
+    dome_->call("relay", {"set_state_send", "relay/9", 1});
+    dome_->call("relay", {"set_state_send", "relay/1", 2});
+    dome_->call("relay", {"frob", nullptr});
+    EXPECT_THAT(recorder_.seen(),
+                testing::ElementsAre(command("relay/9", "set_state_send", {1}, wire::kUnknownTarget),
+                                     command("relay/1", "set_state_send", {2}, wire::kInvalidArgument),
+                                     command(nullptr, "frob", json::array(), wire::kUnknownOperation)));
 }
 
-TEST(Events, DoNotTellOfReading) {
-    const auto dome = test::shippedCamera("dome");
-    const test::EventRecorder recorder(dome->events());
-    dome->call("relay", {"get_state_send", "relay/1"});
-    dome->call("relay", {"get_state_send", "relay/9"});
-    EXPECT_THAT(recorder.seen(), testing::IsEmpty());
+TEST_F(DomeEvents, DoNotReportReadRequests) {
+    dome_->call("relay", {"get_state_send", "relay/1"});
+    dome_->call("relay", {"get_state_send", "relay/9"});
+    EXPECT_THAT(recorder_.seen(), testing::IsEmpty());
 }
 
-TEST(Events, DoNotTellOfCommandsWithoutChangeAsChanges) {
-    const auto dome = test::shippedCamera("dome");
-    test::setUpRelay(*dome, "relay/1");
-    const test::EventRecorder recorder(dome->events());
-    dome->call("relay", {"set_state_send", "relay/1", 0});
-    ASSERT_EQ(1U, recorder.seen().size());
-    EXPECT_EQ("command", recorder.seen()[0]["event"]);
-}
-
-TEST(Events, TellOfChangesInOtherServices) {
-    const auto dome = test::shippedCamera("dome");
-    ASSERT_FALSE(dome->set("presets_tours/1", "presets",
-                           json::array({{{"id", "a"}, {"number", 1}, {"pan", 5}, {"tilt", 0}, {"zoom", 20}}})));
-    const test::EventRecorder recorder(dome->events());
+TEST_F(DomeEvents, ReportChangesInOtherServices) {
     ASSERT_EQ(wire::kSuccess,
-              dome->call("presets_tours", {"move_to_preset_send", "presets_tours/1", "a", 1.0, 1, 1}).status);
-    ASSERT_LT(1U, recorder.seen().size());
-    const json fields = {{"pan.target", 5},   {"pan.moving", true},  {"pan.priority", 1}, {"tilt.priority", 1},
-                         {"zoom.target", 20}, {"zoom.moving", true}, {"zoom.priority", 1}};
-    EXPECT_EQ((json{{"event", "changed"}, {"target", "positioning/1"}, {"fields", fields}}), recorder.seen()[1]);
+              dome_->call("presets_tours", {"move_to_preset_send", "presets_tours/1", "a", 1.0, 1, 1}).status);
+    ASSERT_LT(1U, recorder_.seen().size());
+    EXPECT_EQ(R"({"event": "changed", "target": "positioning/1", "fields": {
+                  "pan.target": 5, "pan.moving": true, "pan.priority": 1, "tilt.priority": 1,
+                  "zoom.target": 20, "zoom.moving": true, "zoom.priority": 1}})"_json,
+              recorder_.seen()[1]);
 }
 
-TEST(Events, TellOfSetFields) {
-    const auto dome = test::shippedCamera("dome");
-    const test::EventRecorder recorder(dome->events());
-    ASSERT_FALSE(dome->set("alarm/3", "state", 1));
-    ASSERT_TRUE(dome->set("alarm/3", "state", "x"));
-    EXPECT_THAT(recorder.seen(),
-                testing::ElementsAre(json{{"event", "changed"}, {"target", "alarm/3"}, {"fields", {{"state", 1}}}}));
+TEST_F(DomeEvents, ReportSetFields) {
+    ASSERT_FALSE(dome_->set("alarm/3", "state", 1));
+    ASSERT_TRUE(dome_->set("alarm/3", "state", "x"));
+    EXPECT_THAT(recorder_.seen(),
+                testing::ElementsAre(R"({"event": "changed", "target": "alarm/3", "fields": {"state": 1}})"_json));
 }
 
-TEST(Events, TellOfRestarts) {
-    const auto dome = test::shippedCamera("dome");
-    const test::EventRecorder recorder(dome->events());
-    dome->call("device_management", {"reboot_send", "device_management/1", 2});
+TEST_F(DomeEvents, ReportRestarts) {
+    dome_->call("device_management", {"reboot_send", "device_management/1", 2});
     EXPECT_THAT(
-        recorder.seen(),
-        testing::Contains(json{{"event", "reboot"}, {"target", "device_management/1"}, {"kind", 2}, {"seconds", 5}}));
+        recorder_.seen(),
+        testing::Contains(R"({"event": "reboot", "target": "device_management/1", "kind": 2, "seconds": 5})"_json));
 }
 
 TEST(Subscriptions, EndWithTheirObjects) {

@@ -4,7 +4,6 @@
 
 using namespace camera;
 using nlohmann::json;
-using testing::ElementsAre;
 
 namespace {
 
@@ -13,40 +12,45 @@ protected:
     wire::Status setManual(int enable) {
         return callService("exposure", "set_manual_mode_enable_send", {enable});
     }
-    wire::Status moveIris(int position) {
-        return callService("iris", "set_position_send", {position});
+    void runIris(const std::vector<test::Script> &scripts) {
+        using Arguments = test::ScriptArguments;
+        runDrive("iris", scripts,
+                 {{"manual", [this](const Arguments &a) { EXPECT_EQ(wire::kSuccess, setManual(a.at(0))); }},
+                  {"mode", [this](const Arguments &a) { setField("exposure", "manualMode", a.at(0)); }},
+                  {"move",
+                   [this](const Arguments &a) {
+                       EXPECT_EQ(wire::kSuccess, callService("iris", "set_position_send", json::array({a.at(0)})));
+                   }},
+                  {"run", [this](const Arguments &a) {
+                       EXPECT_EQ(wire::kSuccess, callService("iris", "set_velocity_send", {a.at(0), a.at(1)}));
+                   }}});
     }
 };
 
-TEST_F(AutomaticExposure, DrivesTheIrisAtItsSpeed) {
-    setField("iris", "position", 3000);
-    ASSERT_EQ(wire::kSuccess, setManual(0));
-    expectAt("iris", 3000, -1000, 1000);
-    expectAtAfter(0.5, "iris", 2500, -1000, 1000);
-    expectAtRestAfter(1.5, "iris", 1000);
-    EXPECT_THAT(happened("iris"), ElementsAre("0.0 move_started 3000", "2.0 move_stopped 1000"));
-}
-
-TEST_F(AutomaticExposure, FollowsTheLight) {
-    ASSERT_EQ(wire::kSuccess, setManual(0));
-    setField("iris", "automaticPosition", 9000);
-    expectAtAfter(1.0, "iris", 2000, 1000, 9000);
-    setField("iris", "automaticPosition", 500);
-    expectAtAfter(1.0, "iris", 1000, -1000, 500);
-    expectAtRestAfter(1.0, "iris", 500);
-}
-
-TEST_F(AutomaticExposure, BringsTheIrisBack) {
-    ASSERT_EQ(wire::kSuccess, setManual(0));
-    setField("iris", "position", 4000);
-    expectAtAfter(1.0, "iris", 3000, -1000, 1000);
-}
-
-TEST_F(AutomaticExposure, TakesTheIrisOverFromTheHand) {
-    ASSERT_EQ(wire::kSuccess, callService("iris", "set_velocity_send", {0, 1}));
-    pass(1.0);
-    setField("exposure", "manualMode", false);
-    expectAt("iris", 2000, -1000, 1000);
+TEST_F(AutomaticExposure, RunsItsScripts) {
+    runIris({
+        {"takes over a manual run", "run 0 1; pass 1.0; mode false; at 2000 -1000 1000"},
+        {"leaves a manual move alone when it is off already",
+         "move 3000; pass 1.0; manual 1; mode true; at 2000 1000 3000"},
+        {"ends by a call where the iris is",
+         "set position 3000; manual 0; pass 0.5; manual 1; after 10.0 rest 2500; set automaticPosition 7000; "
+         "after 10.0 rest 2500"},
+        {"ends by a set where the iris is",
+         "set position 3000; manual 0; pass 0.5; mode true; after 10.0 rest 2500; set automaticPosition 7000; "
+         "after 10.0 rest 2500"},
+        {"drives the iris at its speed",
+         "set position 3000; manual 0; at 3000 -1000 1000; after 0.5 at 2500 -1000 1000; after 1.5 rest 1000; "
+         "events 0.0 move_started 3000 2.0 move_stopped 1000"},
+        {"follows the light",
+         "manual 0; set automaticPosition 9000; after 1.0 at 2000 1000 9000; set automaticPosition 500; "
+         "after 1.0 at 1000 -1000 500; after 1.0 rest 500"},
+        {"brings the iris back", "manual 0; set position 4000; after 1.0 at 3000 -1000 1000"},
+        {"that is on already goes on",
+         "set position 3000; manual 0; pass 1.0; manual 0; at 2000 -1000 1000; events 0.0 move_started 3000"},
+        {"is back after a restart",
+         "set position 3000; manual 0; pass 1.0; reboot; awake 4.0; rest 2000; awake 10.0; rest 1000; "
+         "events 0.0 move_started 3000 1.0 move_stopped 2000 6.0 move_started 2000 7.0 move_stopped 1000"},
+    });
 }
 
 TEST_F(AutomaticExposure, RefusesTheHand) {
@@ -56,39 +60,6 @@ TEST_F(AutomaticExposure, RefusesTheHand) {
     expectRefused(wire::kNotSupported, "iris", "set_velocity_send", {0, 0});
     expectRefused(wire::kInvalidArgument, "iris", "set_position_send", {10001});
     expectRefused(wire::kInvalidArgument, "iris", "set_velocity_send", {2, 0});
-}
-
-TEST_F(AutomaticExposure, EndsWhereTheIrisIs) {
-    for (const bool byCommand : {true, false}) {
-        setField("iris", "position", 3000);
-        ASSERT_EQ(wire::kSuccess, setManual(0));
-        pass(0.5);
-        if (byCommand) {
-            ASSERT_EQ(wire::kSuccess, setManual(1));
-        } else {
-            setField("exposure", "manualMode", true);
-        }
-        expectAtRestAfter(10.0, "iris", 2500);
-    }
-    setField("iris", "automaticPosition", 7000);
-    expectAtRestAfter(10.0, "iris", 2500);
-}
-
-TEST_F(AutomaticExposure, ThatIsOffAlreadyLeavesTheIrisToTheHand) {
-    ASSERT_EQ(wire::kSuccess, moveIris(3000));
-    pass(1.0);
-    ASSERT_EQ(wire::kSuccess, setManual(1));
-    setField("exposure", "manualMode", true);
-    expectAt("iris", 2000, 1000, 3000);
-}
-
-TEST_F(AutomaticExposure, ThatIsOnAlreadyGoesOn) {
-    setField("iris", "position", 3000);
-    ASSERT_EQ(wire::kSuccess, setManual(0));
-    pass(1.0);
-    ASSERT_EQ(wire::kSuccess, setManual(0));
-    expectAt("iris", 2000, -1000, 1000);
-    EXPECT_THAT(happened("iris"), ElementsAre("0.0 move_started 3000"));
 }
 
 TEST_F(AutomaticExposure, IsToldAsAChangeOfTheIris) {
@@ -101,19 +72,6 @@ TEST_F(AutomaticExposure, IsToldAsAChangeOfTheIris) {
     events_.clear();
     setField("exposure", "manualMode", false);
     EXPECT_THAT(events_.seen(), testing::Contains(changed));
-}
-
-TEST_F(AutomaticExposure, IsBackAfterARestart) {
-    setField("iris", "position", 3000);
-    ASSERT_EQ(wire::kSuccess, setManual(0));
-    pass(1.0);
-    reboot();
-    passAwake(4.0);
-    expectAtRest("iris", 2000);
-    passAwake(10.0);
-    expectAtRest("iris", 1000);
-    EXPECT_THAT(happened("iris"), ElementsAre("0.0 move_started 3000", "1.0 move_stopped 2000", "6.0 move_started 2000",
-                                              "7.0 move_stopped 1000"));
 }
 
 TEST(Exposure, DrivesTheIrisOfItsNumberFromTheStart) {

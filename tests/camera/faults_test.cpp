@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "dry_run.h"
+#include "event_recorder.h"
 #include "faults.h"
 #include "service_request_handler.h"
 #include "test_cameras.h"
@@ -12,62 +13,62 @@ using nlohmann::json;
 
 namespace {
 
-TEST(FaultTable, StrikeAsOftenAsOrdered) {
-    FaultTable orders;
-    orders.set("temperature", "get_temperature_send", 7, 2);
-    EXPECT_EQ(std::nullopt, orders.take("temperature", "other"));
-    EXPECT_EQ(std::nullopt, orders.take("alarm", "get_temperature_send"));
-    EXPECT_EQ(7, orders.take("temperature", "get_temperature_send"));
-    EXPECT_EQ(7, orders.take("temperature", "get_temperature_send"));
-    EXPECT_EQ(std::nullopt, orders.take("temperature", "get_temperature_send"));
+TEST(FaultTable, AffectsTheGivenNumberOfCalls) {
+    FaultTable faults;
+    faults.set("temperature", "get_temperature_send", 7, 2);
+    EXPECT_EQ(std::nullopt, faults.take("temperature", "other"));
+    EXPECT_EQ(std::nullopt, faults.take("alarm", "get_temperature_send"));
+    EXPECT_EQ(7, faults.take("temperature", "get_temperature_send"));
+    EXPECT_EQ(7, faults.take("temperature", "get_temperature_send"));
+    EXPECT_EQ(std::nullopt, faults.take("temperature", "get_temperature_send"));
 }
 
-TEST(FaultTable, StrikeAlways) {
-    FaultTable orders;
-    orders.set("temperature", "*", 7, std::nullopt);
+TEST(FaultTable, AffectsAllCallsWithoutANumber) {
+    FaultTable faults;
+    faults.set("temperature", "*", 7, std::nullopt);
     for (int i = 0; i < 100; ++i) {
-        EXPECT_EQ(7, orders.take("temperature", "get_temperature_send"));
+        EXPECT_EQ(7, faults.take("temperature", "get_temperature_send"));
     }
 }
 
-TEST(FaultTable, ForAnOperationGoBeforeThoseForAll) {
-    FaultTable orders;
-    orders.set("relay", "*", 1, std::nullopt);
-    orders.set("relay", "get_state_send", 2, 1);
-    EXPECT_EQ(2, orders.take("relay", "get_state_send"));
-    EXPECT_EQ(1, orders.take("relay", "get_state_send"));
+TEST(FaultTable, ForAnOperationPrefersNamedOperations) {
+    FaultTable faults;
+    faults.set("relay", "*", 1, std::nullopt);
+    faults.set("relay", "get_state_send", 2, 1);
+    EXPECT_EQ(2, faults.take("relay", "get_state_send"));
+    EXPECT_EQ(1, faults.take("relay", "get_state_send"));
 }
 
-TEST(FaultTable, TakeThePlaceOfOlderOnes) {
-    FaultTable orders;
-    orders.set("relay", "*", 1, std::nullopt);
-    orders.set("relay", "*", 2, 1);
-    EXPECT_EQ(2, orders.take("relay", "get_state_send"));
-    EXPECT_EQ(std::nullopt, orders.take("relay", "get_state_send"));
+TEST(FaultTable, ReplacesOlderFaults) {
+    FaultTable faults;
+    faults.set("relay", "*", 1, std::nullopt);
+    faults.set("relay", "*", 2, 1);
+    EXPECT_EQ(2, faults.take("relay", "get_state_send"));
+    EXPECT_EQ(std::nullopt, faults.take("relay", "get_state_send"));
 }
 
-TEST(FaultTable, AreClearedAsMeant) {
-    const auto ordered = [] {
-        FaultTable orders;
-        orders.set("relay", "*", 1, 1);
-        orders.set("relay", "get_state_send", 2, 3);
-        orders.set("alarm", "get_state_send", 3, std::nullopt);
-        return orders;
+TEST(FaultTable, ClearsTheSelectedFaults) {
+    const auto filled = [] {
+        FaultTable faults;
+        faults.set("relay", "*", 1, 1);
+        faults.set("relay", "get_state_send", 2, 3);
+        faults.set("alarm", "get_state_send", 3, std::nullopt);
+        return faults;
     };
-    FaultTable orders = ordered();
-    orders.clear("relay", "get_state_send");
+    FaultTable faults = filled();
+    faults.clear("relay", "get_state_send");
     EXPECT_EQ((json{{{"service", "alarm"}, {"operation", "get_state_send"}, {"status", 3}, {"times", "always"}},
                     {{"service", "relay"}, {"operation", "*"}, {"status", 1}, {"times", 1}}}),
-              orders.list("status"));
-    orders = ordered();
-    orders.clear("relay", std::nullopt);
-    EXPECT_EQ(1U, orders.list("status").size());
-    orders = ordered();
-    orders.clear(std::nullopt, std::nullopt);
-    EXPECT_EQ(json::array(), orders.list("status"));
+              faults.list("status"));
+    faults = filled();
+    faults.clear("relay", std::nullopt);
+    EXPECT_EQ(1U, faults.list("status").size());
+    faults = filled();
+    faults.clear(std::nullopt, std::nullopt);
+    EXPECT_EQ(json::array(), faults.list("status"));
 }
 
-class Desk : public testing::Test {
+class RequestHandler : public testing::Test {
 protected:
     std::string line(const json &request, const std::string &service = "relay") {
         std::string text = wire::encode(request);
@@ -81,7 +82,7 @@ protected:
     ServiceRequestHandler handler_{*camera_, faults_, services_};
 };
 
-TEST_F(Desk, DoesNotExecuteACallThatFails) {
+TEST_F(RequestHandler, DoesNotExecuteACallThatFails) {
     test::setUpRelay(*camera_, "relay/1");
     faults_.failures().set("relay", "set_state_send", -5, 1);
     EXPECT_EQ("[-5]\n", line({"set_state_send", "relay/1", 1}));
@@ -90,7 +91,7 @@ TEST_F(Desk, DoesNotExecuteACallThatFails) {
     EXPECT_EQ(1, camera_->state("relay/1")["state"]);
 }
 
-TEST_F(Desk, CombinesFailureAndDelay) {
+TEST_F(RequestHandler, CombinesFailureAndDelay) {
     faults_.failures().set("relay", "get_state_send", 5, 1);
     faults_.delays().set("relay", "*", 250, std::nullopt);
     const Reply reply = handler_.handleService("relay", R"(["get_state_send","relay/1"])");
@@ -101,31 +102,29 @@ TEST_F(Desk, CombinesFailureAndDelay) {
     EXPECT_EQ(std::chrono::milliseconds(250), next.delay);
 }
 
-TEST_F(Desk, TellsOfFaultsThatStrike) {
+TEST_F(RequestHandler, PublishesFaults) {
     test::setUpRelay(*camera_, "relay/1");
-    std::vector<json> seen;
-    const auto subscription = camera_->events().subscribe([&](json event) {
-        event.erase("time");
-        seen.push_back(event);
-    });
+    const test::EventRecorder recorder(camera_->events());
     faults_.failures().set("relay", "*", 5, 1);
     faults_.delays().set("relay", "set_state_send", 10, 1);
     line({"set_state_send", "relay/1", 1});
     line({"set_state_send", "relay/1", 0});
     faults_.failures().set("relay", "initiator_init", 9, 1);
     line({"initiator_init", nullptr});
-    EXPECT_THAT(seen,
+    json command = R"({"event": "command", "service": "relay", "target": "relay/1", "operation": "set_state_send",
+                       "arguments": [1], "status": 5})"_json;
+    json executed = command;
+    executed["arguments"] = {0};
+    executed["status"] = wire::kSuccess;
+    EXPECT_THAT(recorder.seen(),
                 testing::ElementsAre(
                     R"({"event": "fault", "service": "relay", "operation": "set_state_send", "status": 5,
-                       "milliseconds": 10})"_json,
-                    R"({"event": "command", "service": "relay", "target": "relay/1", "operation": "set_state_send",
-                       "arguments": [1], "status": 5})"_json,
-                    R"({"event": "command", "service": "relay", "target": "relay/1", "operation": "set_state_send",
-                       "arguments": [0], "status": 0})"_json,
-                    json{{"event", "fault"}, {"service", "relay"}, {"operation", "initiator_init"}, {"status", 9}}));
+                        "milliseconds": 10})"_json,
+                    command, executed,
+                    R"({"event": "fault", "service": "relay", "operation": "initiator_init", "status": 9})"_json));
 }
 
-TEST_F(Desk, WelcomesClientsThatComeAndGo) {
+TEST_F(RequestHandler, AnswersClientsThatRegisterAndLeave) {
     EXPECT_EQ("[0]\n", line({"initiator_init", nullptr}));
     EXPECT_EQ("[0]\n", line({"initiator_deinit", nullptr}));
     EXPECT_EQ("[2]\n", line({"initiator_init", "relay/1"}));
@@ -134,7 +133,7 @@ TEST_F(Desk, WelcomesClientsThatComeAndGo) {
     EXPECT_EQ("[42]\n", line({"initiator_init", nullptr}));
 }
 
-TEST_F(Desk, DoesNotCountRubbishAsACall) {
+TEST_F(RequestHandler, DoesNotCountMalformedRequests) {
     faults_.failures().set("relay", "*", 42, 1);
     EXPECT_EQ("[2]\n", handler_.handleService("relay", "rubbish").line);
     EXPECT_EQ("[42]\n", line({"get_state_send", "relay/1"}));

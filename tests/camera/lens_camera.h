@@ -32,34 +32,14 @@ protected:
         return camera_->state(service + "/1");
     }
 
-    /** Expects a drive to be somewhere on its way; a target of null is that of a velocity. */
+    /** Expects a drive in motion; the target of a run is null. */
     void expectAt(const std::string &service, int position, int velocity, const nlohmann::json &target) {
-        const nlohmann::json now = state(service);
-        EXPECT_EQ(position, now["position"]) << service << " at " << now_;
-        EXPECT_EQ(velocity, now["velocity"]) << service << " at " << now_;
-        EXPECT_EQ(target, now["target"]) << service << " at " << now_;
-        EXPECT_EQ(true, now["moving"]) << service << " at " << now_;
+        expectDrive(service, state(service), position, velocity, true);
+        EXPECT_EQ(target, state(service)["target"]) << service << " at " << now_;
     }
 
     void expectAtRest(const std::string &service, int position) {
-        const nlohmann::json now = state(service);
-        EXPECT_EQ(position, now["position"]) << service << " at " << now_;
-        EXPECT_EQ(0, now["velocity"]) << service << " at " << now_;
-        EXPECT_EQ(nullptr, now["target"]) << service << " at " << now_;
-        EXPECT_EQ(false, now["moving"]) << service << " at " << now_;
-    }
-
-    /** Lets time pass, and then expects the same as expectAt(). */
-    template <typename... Expected>
-    void expectAtAfter(double seconds, const Expected &...expected) {
-        pass(seconds);
-        expectAt(expected...);
-    }
-
-    /** Lets time pass, and then expects the same as expectAtRest(). */
-    void expectAtRestAfter(double seconds, const std::string &name, int position) {
-        pass(seconds);
-        expectAtRest(name, position);
+        expectDrive(service, state(service), position, 0, false);
     }
 
     /** What the drive of a service was told to have done, as in "3.5 move_stopped 2000", with its time and position. */
@@ -74,6 +54,28 @@ protected:
             }
         }
         return lines;
+    }
+
+    /** Runs scripts on the drive of a service. The fixture's commands extend those of this class. */
+    void runDrive(const std::string &service, const std::vector<Script> &scripts, ScriptCommands commands) {
+        using Arguments = ScriptArguments;
+        commands["set"] = [=](const Arguments &a) { setField(service, a.at(0), a.at(1)); };
+        commands["at"] = [=](const Arguments &a) { expectAt(service, a.at(0), a.at(1), a.at(2)); };
+        commands["rest"] = [=](const Arguments &a) { expectAtRest(service, a.at(0)); };
+        commands["field"] = [=](const Arguments &a) { EXPECT_EQ(a.at(1), state(service)[a.at(0).get<std::string>()]); };
+        commands["events"] = [=](const Arguments &a) {
+            nlohmann::json words = nlohmann::json::array();
+            for (const std::string &event : happened(service)) {
+                std::istringstream text(event);
+                double time = 0.0;
+                std::string kind;
+                int position = 0;
+                text >> time >> kind >> position;
+                words.insert(words.end(), {time, kind, position});
+            }
+            EXPECT_EQ(nlohmann::json(a), words);
+        };
+        runScripts(scripts, std::move(commands));
     }
 
     /** Expects a call to be refused, with nothing but that to be told and nothing to be changed. */

@@ -30,6 +30,12 @@ protected:
     wire::Status run(int direction, int run = 1) {
         return callService(service_, "set_velocity_send", {direction, run});
     }
+    void runLens(const std::vector<test::Script> &scripts) {
+        using Arguments = test::ScriptArguments;
+        runDrive(service_, scripts,
+                 {{"move", [this](const Arguments &a) { EXPECT_EQ(wire::kSuccess, move(a.at(0))); }},
+                  {"run", [this](const Arguments &a) { EXPECT_EQ(wire::kSuccess, run(a.at(0), a.at(1))); }}});
+    }
 };
 
 INSTANTIATE_TEST_SUITE_P(All, ALensDrive,
@@ -37,14 +43,28 @@ INSTANTIATE_TEST_SUITE_P(All, ALensDrive,
                                          LensDriveCalls{"iris", "set_position_send"}),
                          [](const auto &test) { return std::string(test.param.service); });
 
-TEST_P(ALensDrive, ApproachesAPositionAtItsSpeed) {
-    ASSERT_EQ(wire::kSuccess, move(3000));
-    expectAt(service_, 1000, 1000, 3000);
-    expectAtAfter(0.5, service_, 1500, 1000, 3000);
-    expectAtRestAfter(1.5, service_, 3000);
-    ASSERT_EQ(wire::kSuccess, move(0));
-    expectAtAfter(1.25, service_, 1750, -1000, 0);
-    expectAtRestAfter(10.0, service_, 0);
+TEST_P(ALensDrive, RunsItsScripts) {
+    runLens({
+        {"approaches a position at its speed",
+         "move 3000; at 1000 1000 3000; after 0.5 at 1500 1000 3000; after 1.5 rest 3000; move 0; "
+         "after 1.25 at 1750 -1000 0; after 10.0 rest 0"},
+        {"runs to its ends", "run 0 1; at 1000 1000 null; after 8.5 at 9500 1000 null; after 1.0 rest 10000; run 1 1; "
+                             "after 8.5 at 1500 -1000 null; after 10.0 rest 0; "
+                             "events 0.0 move_started 1000 9.0 limit_reached 10000 9.0 move_stopped 10000 9.5 "
+                             "move_started 10000 19.5 limit_reached 0 19.5 move_stopped 0"},
+        {"does not run beyond its end", "set position 10000; run 0 1; rest 10000; "
+                                        "events 0.0 move_started 10000 0.0 limit_reached 10000 0.0 move_stopped 10000"},
+        {"obeys the last command",
+         "run 0 1; pass 2.0; move 2000; at 3000 -1000 2000; pass 0.5; run 0 1; at 2500 1000 null; pass 0.5; run 1 1; "
+         "after 0.5 at 2500 -1000 null; "
+         "events 0.0 move_started 1000 2.0 move_started 3000 2.5 move_started 2500 3.0 move_started 3000"},
+        {"goes on with another speed and range",
+         "move 9000; pass 1.0; set speed 250; at 2000 250 9000; pass 2.0; set maximum 2600; at 2500 250 2600; "
+         "after 1.0 rest 2600; run 1 1; pass 1.0; set speed 500; at 2350 -500 null"},
+        {"rests where it is put",
+         "run 0 1; pass 0.5; set position 7000; rest 7000; events 0.0 move_started 1000 0.5 move_stopped 7000"},
+        {"loses its move with the power", "run 0 1; pass 0.5; reboot; awake 20.0; rest 1500"},
+    });
 }
 
 TEST_P(ALensDrive, AnswersWhereItIsOnItsWay) {
@@ -56,37 +76,18 @@ TEST_P(ALensDrive, AnswersWhereItIsOnItsWay) {
     EXPECT_EQ((json{1250, 0, 10000}), answer_.results);
 }
 
-TEST_P(ALensDrive, RunsToItsEnds) {
-    ASSERT_EQ(wire::kSuccess, run(0));
-    expectAt(service_, 1000, 1000, nullptr);
-    expectAtAfter(8.5, service_, 9500, 1000, nullptr);
-    expectAtRestAfter(1.0, service_, 10000);
-    ASSERT_EQ(wire::kSuccess, run(1));
-    expectAtAfter(8.5, service_, 1500, -1000, nullptr);
-    expectAtRestAfter(10.0, service_, 0);
-    EXPECT_THAT(happened(service_),
-                ElementsAre("0.0 move_started 1000", "9.0 limit_reached 10000", "9.0 move_stopped 10000",
-                            "9.5 move_started 10000", "19.5 limit_reached 0", "19.5 move_stopped 0"));
-}
-
-TEST_P(ALensDrive, DoesNotRunBeyondItsEnd) {
-    setField(service_, "position", 10000);
-    ASSERT_EQ(wire::kSuccess, run(0));
-    expectAtRest(service_, 10000);
-    EXPECT_THAT(happened(service_),
-                ElementsAre("0.0 move_started 10000", "0.0 limit_reached 10000", "0.0 move_stopped 10000"));
-}
-
 TEST_P(ALensDrive, IsHaltedWhereItIs) {
     for (const int direction : {0, 1}) {
         ASSERT_EQ(wire::kSuccess, run(0));
         pass(0.5);
         ASSERT_EQ(wire::kSuccess, run(direction, 0));
-        expectAtRestAfter(10.0, service_, 1500);
+        pass(10.0);
+        expectAtRest(service_, 1500);
         ASSERT_EQ(wire::kSuccess, move(0));
         pass(0.5);
         ASSERT_EQ(wire::kSuccess, run(direction, 0));
-        expectAtRestAfter(10.0, service_, 1000);
+        pass(10.0);
+        expectAtRest(service_, 1000);
     }
     EXPECT_EQ(kNever, camera_->nextTime());
 }
@@ -95,21 +96,6 @@ TEST_P(ALensDrive, AtRestDoesNotNoticeAHalt) {
     ASSERT_EQ(wire::kSuccess, run(0, 0));
     EXPECT_THAT(happened(service_), testing::IsEmpty());
     EXPECT_EQ(1U, events_.seen().size());
-}
-
-TEST_P(ALensDrive, ObeysTheLastCommand) {
-    ASSERT_EQ(wire::kSuccess, run(0));
-    pass(2.0);
-    ASSERT_EQ(wire::kSuccess, move(2000));
-    expectAt(service_, 3000, -1000, 2000);
-    pass(0.5);
-    ASSERT_EQ(wire::kSuccess, run(0));
-    expectAt(service_, 2500, 1000, nullptr);
-    pass(0.5);
-    ASSERT_EQ(wire::kSuccess, run(1));
-    expectAtAfter(0.5, service_, 2500, -1000, nullptr);
-    EXPECT_THAT(happened(service_), ElementsAre("0.0 move_started 1000", "2.0 move_started 3000",
-                                                "2.5 move_started 2500", "3.0 move_started 3000"));
 }
 
 TEST_P(ALensDrive, TellsOfItsMovesAsAnAxisDoes) {
@@ -140,37 +126,6 @@ TEST_P(ALensDrive, RefusesPositionsAndRunsThatAreNone) {
     expectAt(service_, 1000, 1000, 3000);
 }
 
-TEST_P(ALensDrive, GoesOnWithAnotherSpeedAndRange) {
-    ASSERT_EQ(wire::kSuccess, move(9000));
-    pass(1.0);
-    setField(service_, "speed", 250);
-    expectAt(service_, 2000, 250, 9000);
-    pass(2.0);
-    setField(service_, "maximum", 2600);
-    expectAt(service_, 2500, 250, 2600);
-    expectAtRestAfter(1.0, service_, 2600);
-    ASSERT_EQ(wire::kSuccess, run(1));
-    pass(1.0);
-    setField(service_, "speed", 500);
-    expectAt(service_, 2350, -500, nullptr);
-}
-
-TEST_P(ALensDrive, RestsWhereItIsPut) {
-    ASSERT_EQ(wire::kSuccess, run(0));
-    pass(0.5);
-    setField(service_, "position", 7000);
-    expectAtRest(service_, 7000);
-    EXPECT_THAT(happened(service_), ElementsAre("0.0 move_started 1000", "0.5 move_stopped 7000"));
-}
-
-TEST_P(ALensDrive, LosesItsMoveWithThePower) {
-    ASSERT_EQ(wire::kSuccess, run(0));
-    pass(0.5);
-    reboot();
-    passAwake(20.0);
-    expectAtRest(service_, 1500);
-}
-
 TEST(Iris, HasAllPositionsThatItsCallsCanSay) {
     double now = 0.0;
     const auto camera = test::makeCamera(R"({"name": "wide", "services": {"iris": {"targets": [{"maximum": 4294967295,
@@ -190,17 +145,27 @@ protected:
     wire::Status move(int position, int speed) {
         return callService(service_, "set_position_send", {position, speed});
     }
+    void runStepper(const std::vector<test::Script> &scripts) {
+        runDrive(service_, scripts, {{"move", [this](const test::ScriptArguments &a) {
+                                          EXPECT_EQ(wire::kSuccess, move(a.at(0), a.at(1)));
+                                      }}});
+    }
 };
 
 INSTANTIATE_TEST_SUITE_P(All, AStepper, testing::Values("focus_stepper", "zoom_stepper"),
                          [](const auto &test) { return std::string(test.param); });
 
-TEST_P(AStepper, MovesAtTheSpeedOfItsCommand) {
-    ASSERT_EQ(wire::kSuccess, move(3000, 500));
-    EXPECT_EQ(500, state(service_)["speed"]);
-    expectAtAfter(1.0, service_, 1500, 500, 3000);
-    expectAtRestAfter(3.0, service_, 3000);
-    EXPECT_THAT(happened(service_), ElementsAre("0.0 move_started 1000", "4.0 move_stopped 3000"));
+TEST_P(AStepper, RunsItsScripts) {
+    runStepper({
+        {"moves at the speed of its command",
+         "move 3000 500; field speed 500; after 1.0 at 1500 500 3000; after 3.0 rest 3000; "
+         "events 0.0 move_started 1000 4.0 move_stopped 3000"},
+        {"goes nowhere without speed",
+         "move 3000 0; events; next never; move 3000 500; pass 1.0; move 0 0; after 10.0 rest 1500; field speed 0"},
+        {"obeys the last command",
+         "move 10000 1000; pass 2.0; move 0 100; at 3000 -100 0; after 10.0 at 2000 -100 0; after 20.0 rest 0"},
+        {"loses its move with the power", "move 3000 500; pass 1.0; reboot; awake 20.0; rest 1500"},
+    });
 }
 
 TEST_P(AStepper, IsAsSlowAndAsFastAsItCanBe) {
@@ -210,28 +175,9 @@ TEST_P(AStepper, IsAsSlowAndAsFastAsItCanBe) {
         ASSERT_EQ(wire::kSuccess, move(3000, wanted));
         expectAt(service_, 1000, speed, 3000);
         EXPECT_EQ(speed, state(service_)["speed"]) << wanted;
-        expectAtAfter(1.0, service_, 1000 + speed, speed, 3000);
+        pass(1.0);
+        expectAt(service_, 1000 + speed, speed, 3000);
     }
-}
-
-TEST_P(AStepper, GoesNowhereWithoutSpeed) {
-    ASSERT_EQ(wire::kSuccess, move(3000, 0));
-    EXPECT_THAT(happened(service_), testing::IsEmpty());
-    EXPECT_EQ(kNever, camera_->nextTime());
-    ASSERT_EQ(wire::kSuccess, move(3000, 500));
-    pass(1.0);
-    ASSERT_EQ(wire::kSuccess, move(0, 0));
-    expectAtRestAfter(10.0, service_, 1500);
-    EXPECT_EQ(0, state(service_)["speed"]);
-}
-
-TEST_P(AStepper, ObeysTheLastCommand) {
-    ASSERT_EQ(wire::kSuccess, move(10000, 1000));
-    pass(2.0);
-    ASSERT_EQ(wire::kSuccess, move(0, 100));
-    expectAt(service_, 3000, -100, 0);
-    expectAtAfter(10.0, service_, 2000, -100, 0);
-    expectAtRestAfter(20.0, service_, 0);
 }
 
 TEST_P(AStepper, RefusesPositionsAndSpeedsThatAreNone) {
@@ -240,14 +186,6 @@ TEST_P(AStepper, RefusesPositionsAndSpeedsThatAreNone) {
         expectRefused(wire::kInvalidArgument, service_, "set_position_send", {position, speed});
     }
     expectAt(service_, 1000, 500, 3000);
-}
-
-TEST_P(AStepper, LosesItsMoveWithThePower) {
-    ASSERT_EQ(wire::kSuccess, move(3000, 500));
-    pass(1.0);
-    reboot();
-    passAwake(20.0);
-    expectAtRest(service_, 1500);
 }
 
 class TheFocusStepper : public test::LensCamera {};

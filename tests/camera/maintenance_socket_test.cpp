@@ -23,68 +23,56 @@ struct Shown {
     std::size_t place; ///< of the value in the answer; 0 when no call reads it
 };
 
-void PrintTo(const Shown &shown, std::ostream *out) {
-    *out << shown.service << " " << shown.field;
-}
-
-class EachField : public CameraTest, public testing::WithParamInterface<Shown> {};
-
-TEST_P(EachField, IsSetByTheControlProgram) {
-    const Shown &shown = GetParam();
-    const std::string target = std::string(shown.service) + "/1";
-    json call = json::array({shown.operation, target});
-    call.insert(call.end(), shown.arguments.begin(), shown.arguments.end());
-    LineClient client(directory_, shown.service);
-    Follower follower(directory_);
-    const json before = client.call(call);
-
-    EXPECT_EQ(kDone, set(target, shown.field, shown.value));
-
-    json event = follower.next();
-    event.erase("time");
-    EXPECT_EQ((json{{"event", "changed"}, {"target", target}, {"fields", {{shown.field, shown.value}}}}), event);
-    std::string path = std::string("/") + shown.field;
-    std::replace(path.begin(), path.end(), '.', '/');
-    EXPECT_EQ(shown.value, targetState(shown.service)[json::json_pointer(path)]);
-    if (shown.place > 0) {
-        json expected = before;
-        expected[shown.place] = shown.value.is_array() ? shown.value[0]["id"] : shown.value;
-        EXPECT_NE(before, expected);
-        EXPECT_EQ(expected, client.call(call));
-    }
-}
-
 const json kNone = json::array();
 const json kPresets =
     json::array({{{"id", "gate"}, {"name", "Gate"}, {"number", 0}, {"pan", 1000}, {"tilt", -2000}, {"zoom", 20}}});
 
-INSTANTIATE_TEST_SUITE_P(
-    OfTheDome, EachField,
-    testing::Values(Shown{"alarm", "state", 1, "get_state_send", kNone, 1},
-                    Shown{"device_management", "reboots", 7, "get_reboots", kNone, 0},
-                    Shown{"device_management", "rebootSeconds", 9, "get_reboots", kNone, 0},
-                    Shown{"power", "powerState", 255, "get_power_state_send", kNone, 1},
-                    Shown{"power", "voltageState", 2, "get_voltage_state_send", kNone, 1},
-                    Shown{"presets_tours", "maximumPresets", 9, "get_max_presets_send", kNone, 1},
-                    Shown{"presets_tours", "presets", kPresets, "get_preset_id_for_quarnapi_id_send", {0}, 1},
-                    Shown{"relay", "state", 1, "get_state_send", kNone, 1},
-                    Shown{"relay", "configuration.c1", 1, "get_configuration_send", kNone, 1},
-                    Shown{"relay", "configuration.c2", 2, "get_configuration_send", kNone, 2},
-                    Shown{"relay", "configuration.c3", -3, "get_configuration_send", kNone, 3},
-                    Shown{"relay", "configuration.c4", 255, "get_configuration_send", kNone, 4},
-                    Shown{"relay", "configuration.c5", -5, "get_configuration_send", kNone, 5},
-                    Shown{"relay", "configuration.c6", 6, "get_configuration_send", kNone, 6},
-                    Shown{"relay", "configuration.c7", 7, "get_configuration_send", kNone, 7},
-                    Shown{"temperature", "temperature", 41000, "get_temperature_send", kNone, 1}),
-    [](const testing::TestParamInfo<Shown> &test) {
-        std::string name = std::string(test.param.service) + "_" + test.param.field;
-        std::replace(name.begin(), name.end(), '.', '_');
-        return name;
-    });
+using RunningDome = CameraTest;
 
-using EachService = CameraTest;
+TEST_F(RunningDome, ShowsTheFieldsThatTheControlProgramSets) {
+    const std::vector<Shown> rows = {
+        {"alarm", "state", 1, "get_state_send", kNone, 1},
+        {"device_management", "reboots", 7, "get_reboots", kNone, 0},
+        {"device_management", "rebootSeconds", 9, "get_reboots", kNone, 0},
+        {"power", "powerState", 255, "get_power_state_send", kNone, 1},
+        {"power", "voltageState", 2, "get_voltage_state_send", kNone, 1},
+        {"presets_tours", "maximumPresets", 9, "get_max_presets_send", kNone, 1},
+        {"presets_tours", "presets", kPresets, "get_preset_id_for_quarnapi_id_send", {0}, 1},
+        {"relay", "state", 1, "get_state_send", kNone, 1},
+        {"relay", "configuration.c1", 1, "get_configuration_send", kNone, 1},
+        {"relay", "configuration.c2", 2, "get_configuration_send", kNone, 2},
+        {"relay", "configuration.c3", -3, "get_configuration_send", kNone, 3},
+        {"relay", "configuration.c4", 255, "get_configuration_send", kNone, 4},
+        {"relay", "configuration.c5", -5, "get_configuration_send", kNone, 5},
+        {"relay", "configuration.c6", 6, "get_configuration_send", kNone, 6},
+        {"relay", "configuration.c7", 7, "get_configuration_send", kNone, 7},
+        {"temperature", "temperature", 41000, "get_temperature_send", kNone, 1},
+    };
+    for (const Shown &shown : rows) {
+        SCOPED_TRACE(std::string(shown.service) + " " + shown.field);
+        const std::string target = std::string(shown.service) + "/1";
+        json call = json::array({shown.operation, target});
+        call.insert(call.end(), shown.arguments.begin(), shown.arguments.end());
+        LineClient client(directory_, shown.service);
+        Follower follower(directory_);
+        const json before = client.call(call);
+        EXPECT_EQ(kDone, set(target, shown.field, shown.value));
+        json event = follower.next();
+        event.erase("time");
+        EXPECT_EQ((json{{"event", "changed"}, {"target", target}, {"fields", {{shown.field, shown.value}}}}), event);
+        std::string path = std::string("/") + shown.field;
+        std::replace(path.begin(), path.end(), '.', '/');
+        EXPECT_EQ(shown.value, targetState(shown.service)[json::json_pointer(path)]);
+        if (shown.place > 0) {
+            json expected = before;
+            expected[shown.place] = shown.value.is_array() ? shown.value[0]["id"] : shown.value;
+            EXPECT_NE(before, expected);
+            EXPECT_EQ(expected, client.call(call));
+        }
+    }
+}
 
-TEST_F(EachService, FailsAndIsLateOnCommand) {
+TEST_F(RunningDome, FailsAndDelaysCallsOnCommand) {
     constexpr int kMilliseconds = 50;
     for (const json &call : {json{"get_state_send", "alarm/1"}, json{"get_power_state_send", "power/1"},
                              json{"get_max_presets_send", "presets_tours/1"}, json{"get_state_send", "relay/1"},

@@ -7,7 +7,6 @@
 #include "test_cameras.h"
 
 using namespace camera;
-using nlohmann::json;
 
 namespace {
 

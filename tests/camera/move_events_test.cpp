@@ -55,16 +55,13 @@ TEST_F(MoveEvents, ComeBeforeThoseOfALaterCommand) {
     EXPECT_EQ("command", events_.seen()[1]["event"]);
 }
 
-TEST_F(MoveEvents, TellOfAMoveToWhereTheAxisIs) {
-    ASSERT_EQ(wire::kSuccess, move("tilt", 0));
-    EXPECT_THAT(events_.moves(), testing::ElementsAre("move_started tilt", "move_stopped tilt"));
-    expectAtRest("tilt", 0);
-}
-
-TEST_F(MoveEvents, ComeWithoutAskingWhenSomethingWakesTheCamera) {
-    ASSERT_EQ(wire::kSuccess, run("tilt", 10000));
-    passAwake(10.0);
-    EXPECT_THAT(events_.moves(), testing::ElementsAre("move_started tilt", "limit_reached tilt", "move_stopped tilt"));
+TEST_F(MoveEvents, RunsItsScripts) {
+    runMoves({
+        {"tell of a move to where the axis is", "move tilt 0; moves move_started tilt move_stopped tilt; rest tilt 0"},
+        {"come without asking when something wakes the camera",
+         "run tilt 10000; awake 10.0; moves move_started tilt limit_reached tilt move_stopped tilt"},
+        {"are not due in a camera at rest", "next never; move pan 100000; next 2.0; awake 10.0; next never"},
+    });
 }
 
 TEST_F(MoveEvents, DoNotNameAPassingPositionAChange) {
@@ -89,14 +86,6 @@ TEST_F(MoveEvents, DoNotNameAPassingPositionAChange) {
 TEST_F(MoveEvents, AreNotToldOfCommandsThatAreRefused) {
     EXPECT_EQ(wire::kInvalidArgument, move("tilt", 20001));
     EXPECT_THAT(events_.moves(), testing::IsEmpty());
-    EXPECT_EQ(kNever, camera_->nextTime());
-}
-
-TEST_F(MoveEvents, AreNotDueInACameraAtRest) {
-    EXPECT_EQ(kNever, camera_->nextTime());
-    ASSERT_EQ(wire::kSuccess, move("pan", 100000));
-    EXPECT_EQ(2.0, camera_->nextTime());
-    passAwake(10.0);
     EXPECT_EQ(kNever, camera_->nextTime());
 }
 

@@ -65,33 +65,57 @@ protected:
         return camera_->state("positioning/1")[name];
     }
 
-    /** Expects an axis to be somewhere on its way. */
+    /** Expects an axis in motion. */
     void expectAt(const std::string &name, int position, int velocity) {
-        const nlohmann::json now = axis(name);
-        EXPECT_EQ(position, now["position"]) << name << " at " << now_;
-        EXPECT_EQ(velocity, now["velocity"]) << name << " at " << now_;
-        EXPECT_EQ(true, now["moving"]) << name << " at " << now_;
+        expectDrive(name, axis(name), position, velocity, true);
     }
 
     void expectAtRest(const std::string &name, int position) {
-        const nlohmann::json now = axis(name);
-        EXPECT_EQ(position, now["position"]) << name << " at " << now_;
-        EXPECT_EQ(0, now["velocity"]) << name << " at " << now_;
-        EXPECT_EQ(false, now["moving"]) << name << " at " << now_;
-        EXPECT_EQ(nullptr, now["target"]) << name << " at " << now_;
+        expectDrive(name, axis(name), position, 0, false);
     }
 
-    /** Lets time pass, and then expects the same as expectAt(). */
-    template <typename... Expected>
-    void expectAtAfter(double seconds, const Expected &...expected) {
-        pass(seconds);
-        expectAt(expected...);
-    }
-
-    /** Lets time pass, and then expects the same as expectAtRest(). */
-    void expectAtRestAfter(double seconds, const std::string &name, int position) {
-        pass(seconds);
-        expectAtRest(name, position);
+    /** Runs scripts. The arguments of a command are those of the function of its name. */
+    void runMoves(const std::vector<Script> &scripts) {
+        using Arguments = ScriptArguments;
+        const auto argument = [](const Arguments &a, std::size_t i, auto otherwise) {
+            return a.size() > i ? a[i].get<decltype(otherwise)>() : otherwise;
+        };
+        ScriptCommands commands;
+        commands["move"] = [=](const Arguments &a) {
+            EXPECT_EQ(wire::kSuccess,
+                      move(a.at(0), a.at(1), argument(a, 2, kFullSpeed), argument(a, 3, int{kPriority})));
+        };
+        commands["run"] = [=](const Arguments &a) {
+            EXPECT_EQ(wire::kSuccess, run(a.at(0), a.at(1), argument(a, 2, 0U), argument(a, 3, int{kPriority})));
+        };
+        commands["call"] = [=](const Arguments &a) { EXPECT_EQ(wire::kSuccess, call(a.at(0), a.at(1))); };
+        commands["results"] = [=](const Arguments &a) { EXPECT_EQ(a.at(0), answer_.results); };
+        commands["set"] = [=](const Arguments &a) { set(a.at(0), a.at(1)); };
+        commands["at"] = [=](const Arguments &a) { expectAt(a.at(0), a.at(1), a.at(2)); };
+        commands["rest"] = [=](const Arguments &a) { expectAtRest(a.at(0), a.at(1)); };
+        commands["field"] = [=](const Arguments &a) {
+            std::string path = "/" + a.at(0).get<std::string>();
+            std::replace(path.begin(), path.end(), '.', '/');
+            EXPECT_EQ(a.at(1), camera_->state("positioning/1").at(nlohmann::json::json_pointer(path)));
+        };
+        commands["times"] = [=](const Arguments &a) {
+            const std::vector<double> &times = events_.times();
+            ASSERT_LE(a.size(), times.size());
+            EXPECT_EQ(nlohmann::json(a), nlohmann::json(std::vector<double>(
+                                             times.end() - static_cast<std::ptrdiff_t>(a.size()), times.end())));
+        };
+        commands["moves"] = [=](const Arguments &a) {
+            std::string moves;
+            for (const std::string &each : events_.moves()) {
+                moves += (moves.empty() ? "" : " ") + each;
+            }
+            std::string expected;
+            for (const nlohmann::json &each : a) {
+                expected += (expected.empty() ? "" : " ") + each.get<std::string>();
+            }
+            EXPECT_EQ(expected, moves);
+        };
+        runScripts(scripts, std::move(commands));
     }
 
     void set(const std::string &key, const nlohmann::json &value) {

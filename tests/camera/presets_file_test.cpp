@@ -59,12 +59,7 @@ protected:
     }
 
     std::string errorOfStart() {
-        try {
-            start();
-        } catch (const FileError &error) {
-            return error.what();
-        }
-        return "no error";
+        return test::errorOf([this] { start(); });
     }
 
     support::TemporaryDirectory root_;

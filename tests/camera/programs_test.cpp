@@ -26,6 +26,14 @@ mode_t permissionsOf(const std::string &path) {
     return status.st_mode & 07777U;
 }
 
+/** Expects that a start fails with one line on standard error. */
+void expectStartError(const std::vector<std::string> &arguments, const std::string &error) {
+    const CommandResult ended = start(arguments);
+    EXPECT_EQ(1, ended.status.code);
+    EXPECT_EQ("", ended.output);
+    EXPECT_THAT(ended.errors, testing::MatchesRegex("quarnsnmp-camera: " + error + "\n"));
+}
+
 class Program : public testing::Test {
 protected:
     TemporaryDirectory root_;
@@ -68,8 +76,7 @@ TEST_F(Program, LeavesNothingBehind) {
 TEST_F(Program, SurvivesAReaderOfItsOutputThatIsGone) {
     RunningCamera camera(directory_);
     camera.signal(SIGPIPE);
-    LineClient client(directory_, "temperature");
-    EXPECT_EQ("[0,31500]", client.ask(R"(["get_temperature_send","temperature/1"])"));
+    EXPECT_EQ(kTemperatureAnswer, LineClient(directory_, "temperature").ask(kTemperatureRequest));
 }
 
 TEST_F(Program, LeavesADirectoryThatWasThere) {
@@ -102,14 +109,10 @@ TEST_F(Program, StartsAgainAfterAKilledOne) {
     EXPECT_FALSE(std::filesystem::exists(directory_));
 }
 
-TEST_F(Program, IsRefusedWhereAnotherOneRuns) {
+TEST_F(Program, IsRefusedInADirectoryInUse) {
     RunningCamera camera(directory_);
-    const CommandResult second = start({"--directory", directory_});
-    EXPECT_EQ(1, second.status.code);
-    EXPECT_EQ("", second.output);
-    EXPECT_EQ("quarnsnmp-camera: another camera runs in " + directory_ + "\n", second.errors);
-    LineClient client(directory_, "temperature");
-    EXPECT_EQ("[0,31500]", client.ask(R"(["get_temperature_send","temperature/1"])"));
+    expectStartError({"--directory", directory_}, "another camera runs in " + directory_);
+    EXPECT_EQ(kTemperatureAnswer, LineClient(directory_, "temperature").ask(kTemperatureRequest));
 }
 
 TEST_F(Program, RunsBesideAnotherOneElsewhere) {
@@ -119,32 +122,21 @@ TEST_F(Program, RunsBesideAnotherOneElsewhere) {
     EXPECT_TRUE(LineClient(root_.file("more"), "zoom_stepper").connected());
 }
 
-TEST_F(Program, RefusesADirectoryThatItCannotUse) {
+TEST_F(Program, RefusesAnUnusableDirectory) {
     writeFile(directory_, "");
-    const CommandResult file = start({"--directory", directory_});
-    EXPECT_EQ(1, file.status.code);
-    EXPECT_EQ("quarnsnmp-camera: cannot open " + directory_ + "/camera.lock: Not a directory\n", file.errors);
-
-    const CommandResult missing = start({"--directory", root_.file("a/b")});
-    EXPECT_EQ(1, missing.status.code);
-    EXPECT_EQ("quarnsnmp-camera: cannot create the directory " + root_.file("a/b") + ": No such file or directory\n",
-              missing.errors);
-
+    expectStartError({"--directory", directory_}, "cannot open " + directory_ + "/camera.lock: Not a directory");
+    expectStartError({"--directory", root_.file("a/b")},
+                     "cannot create the directory " + root_.file("a/b") + ": No such file or directory");
     const std::string longName = root_.file(std::string(100, 'd'));
-    const CommandResult tooLong = start({"--directory", longName});
-    EXPECT_EQ(1, tooLong.status.code);
-    EXPECT_EQ("quarnsnmp-camera: cannot listen on " + longName +
-                  "/alarm.sock: a socket's path has at most 107 octets\n",
-              tooLong.errors);
+    expectStartError({"--directory", longName},
+                     "cannot listen on " + longName + "/alarm.sock: a socket's path has at most 107 octets");
     EXPECT_FALSE(std::filesystem::exists(longName));
 }
 
 TEST_F(Program, DoesNotRemoveAFileInTheWay) {
     std::filesystem::create_directory(directory_);
     writeFile(directory_ + "/alarm.sock", "precious");
-    const CommandResult ended = start({"--directory", directory_});
-    EXPECT_EQ(1, ended.status.code);
-    EXPECT_EQ("quarnsnmp-camera: " + directory_ + "/alarm.sock is in the way: it is not a socket\n", ended.errors);
+    expectStartError({"--directory", directory_}, directory_ + "/alarm.sock is in the way: it is not a socket");
     EXPECT_THAT(entriesOf(directory_), testing::ElementsAre("alarm.sock"));
 }
 
@@ -157,22 +149,18 @@ TEST_F(Program, PlaysTheCameraOfAFile) {
     EXPECT_EQ("[0,-1]", client.ask(R"(["get_temperature_send","temperature/1"])"));
 }
 
-TEST_F(Program, NamesAMistakeInACameraFile) {
+TEST_F(Program, ReportsAnErrorInACameraFile) {
     writeFile(root_.file("own.json"),
               "{\n\"name\": \"own\",\n\"services\": {\"alarm\": {\"targets\": [{\"state\": true}]}}}");
-    const CommandResult wrong = start({"--camera", root_.file("own.json"), "--directory", directory_});
-    EXPECT_EQ(1, wrong.status.code);
-    EXPECT_EQ("quarnsnmp-camera: " + root_.file("own.json") +
-                  ": services.alarm.targets[0].state: expected an integer from -2147483648 to 2147483647, found true\n",
-              wrong.errors);
+    expectStartError({"--camera", root_.file("own.json"), "--directory", directory_},
+                     root_.file("own.json") + ": services.alarm.targets.0..state: expected an integer from -2147483648 "
+                                              "to 2147483647, found true");
     EXPECT_FALSE(std::filesystem::exists(directory_));
 }
 
-TEST_F(Program, NamesTheCamerasThatThereAre) {
-    const CommandResult ended = start({"--camera", "cube", "--directory", directory_});
-    EXPECT_EQ(1, ended.status.code);
-    EXPECT_THAT(ended.errors, testing::MatchesRegex("quarnsnmp-camera: no camera 'cube' in .*/share/quarnsnmp/cameras; "
-                                                    "available: dome, minimal, stepper, twinfocus\n"));
+TEST_F(Program, NamesTheShippedCamerasInAnError) {
+    expectStartError({"--camera", "cube", "--directory", directory_},
+                     "no camera 'cube' in .*/share/quarnsnmp/cameras; available: dome, minimal, stepper, twinfocus");
 }
 
 TEST_F(Program, ListsItsCameras) {

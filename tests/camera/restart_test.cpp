@@ -79,7 +79,7 @@ TEST_F(ARestart, StopsMovesWhereTheyAre) {
     passAwake(2.0);
     const json before = camera_->state("positioning/1");
     ASSERT_EQ(5000, before["pan"]["velocity"]);
-    const test::EventRecorder recorder(camera_->events());
+    events_.clear();
     reboot();
     passAwake(kRestart);
     json after = camera_->state("positioning/1");
@@ -88,7 +88,7 @@ TEST_F(ARestart, StopsMovesWhereTheyAre) {
     EXPECT_EQ(0, after["pan"]["velocity"]);
     EXPECT_EQ(nullptr, after["pan"]["priority"]);
     EXPECT_EQ(4294967295U, after["velocityTimeout"]);
-    EXPECT_THAT(recorder.moves(), testing::ElementsAre("move_stopped pan"));
+    EXPECT_THAT(events_.moves(), testing::ElementsAre("move_stopped pan"));
 }
 
 TEST_F(ARestart, LosesCommandsAndKeepsSettings) {
@@ -135,10 +135,10 @@ TEST_F(ARestart, ComesBackWithNoMorePresetsThanThereCanBe) {
 TEST_F(ARestart, TellsWhatItChanges) {
     test::setUpRelay(*camera_, "relay/1");
     ASSERT_EQ(wire::kSuccess, call("relay", "set_state_send", {1}));
-    const test::EventRecorder recorder(camera_->events());
+    events_.clear();
     reboot();
     passAwake(kRestart);
-    EXPECT_THAT(recorder.seen(),
+    EXPECT_THAT(events_.seen(),
                 testing::ElementsAre(
                     R"({"event": "command", "service": "device_management", "target": "device_management/1",
                        "operation": "reboot_send", "arguments": [2], "status": 0})"_json,

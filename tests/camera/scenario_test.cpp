@@ -30,16 +30,6 @@ std::string file(const std::string &steps, const std::string &more = "") {
     return R"({"name": "test", )" + more + R"("steps": )" + steps + "}";
 }
 
-/** Returns the message of a function's FileError, or "no error". */
-std::string errorOf(const std::function<void()> &function) {
-    try {
-        function();
-    } catch (const FileError &error) {
-        return error.what();
-    }
-    return "no error";
-}
-
 /** Dry run of a scenario on a camera in this process. */
 void dryRunOn(CameraModel &camera, Scenario &scenario) {
     std::unique_ptr<DryRun> run;
@@ -89,7 +79,7 @@ TEST(ScenarioFiles, WithErrorsAreRefusedInOneLine) {
          "steps[0].clear.command: unknown key; the command is clear"},
     };
     for (const auto &[text, error] : rows) {
-        EXPECT_EQ("bad.json: " + error, errorOf([&, &text = text] { parseScenario(text, "bad.json"); })) << text;
+        EXPECT_EQ("bad.json: " + error, test::errorOf([&, &text = text] { parseScenario(text, "bad.json"); })) << text;
     }
 }
 
@@ -122,10 +112,10 @@ TEST(DryRuns, RefuseTheFirstInvalidCommandOfAScenario) {
     const json before = camera->state("gadget/1");
     for (const auto &[text, error] : rows) {
         Scenario scenario = parseScenario(text, "unfit.json");
-        EXPECT_EQ("unfit.json: " + error, errorOf([&] { dryRunOn(*camera, scenario); })) << text;
+        EXPECT_EQ("unfit.json: " + error, test::errorOf([&] { dryRunOn(*camera, scenario); })) << text;
     }
     Scenario fits = parseScenario(file(narrow + R"({"at": 0, "set": {"gadget/1": {"level": 5}}}])"), "fits.json");
-    EXPECT_EQ("no error", errorOf([&] { dryRunOn(*camera, fits); }));
+    EXPECT_EQ("no error", test::errorOf([&] { dryRunOn(*camera, fits); }));
     EXPECT_EQ(before, camera->state("gadget/1")) << "a dry run changes the camera";
 }
 
@@ -234,7 +224,7 @@ TEST_F(Played, SkipsCommandsForMissingServices) {
 
 TEST_F(Played, EndsWhenTheCameraRefusesAStep) {
     refused_ = {{"command", "up"}, {"service", "gizmo"}};
-    EXPECT_EQ("test.json: steps[1]: not now", errorOf([this] {
+    EXPECT_EQ("test.json: steps[1]: not now", test::errorOf([this] {
                   playText(R"([{"at": 0, "down": "gizmo"}, {"at": 1, "up": "gizmo"}, {"at": 2, "clear": {}}])");
               }));
     EXPECT_EQ("      0.0 s  gizmo is down\n", output_.str());
@@ -249,7 +239,7 @@ TEST(EachShippedScenario, FitsTheDomeAndHasTheNameOfItsFile) {
         Scenario scenario = readScenarioFile(file.path);
         EXPECT_EQ(file.name, scenario.name);
         EXPECT_NE("", scenario.description);
-        EXPECT_EQ("no error", errorOf([&] { dryRunOn(*dome, scenario); }));
+        EXPECT_EQ("no error", test::errorOf([&] { dryRunOn(*dome, scenario); }));
     }
 }
 

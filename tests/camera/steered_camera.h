@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 
 #include "event_recorder.h"
+#include "script.h"
 #include "test_cameras.h"
 #include "text_file.h"
 
@@ -18,10 +19,27 @@ namespace camera::test {
 class SteeredCamera : public testing::Test {
 protected:
     /** @param file  text of the camera file */
-    explicit SteeredCamera(const std::string &file) : camera_(makeCamera(file, [this] { return now_; })) {}
+    explicit SteeredCamera(const std::string &file) : file_(file), camera_(makeCamera(file, [this] { return now_; })) {}
 
     /** The shipped camera "dome". */
     SteeredCamera() : SteeredCamera(readTextFile(QUARNSNMP_CAMERAS "/dome.json")) {}
+
+    /** Runs scripts, each on a new camera. The fixture's commands extend those of this class. */
+    void runScripts(const std::vector<Script> &scripts, ScriptCommands commands) {
+        commands["pass"] = [this](const ScriptArguments &arguments) { pass(arguments.at(0)); };
+        commands["awake"] = [this](const ScriptArguments &arguments) { passAwake(arguments.at(0)); };
+        commands["reboot"] = [this](const ScriptArguments & /*arguments*/) { reboot(); };
+        commands["next"] = [this](const ScriptArguments &arguments) {
+            EXPECT_DOUBLE_EQ(arguments.at(0) == "never" ? kNever : arguments.at(0).get<double>(), camera_->nextTime());
+        };
+        for (const Script &script : scripts) {
+            events_.stop();
+            now_ = 0.0;
+            camera_ = makeCamera(file_, [this] { return now_; });
+            events_.start(camera_->events());
+            runScript(script, commands);
+        }
+    }
 
     /** Lets time pass without a call to the camera. */
     void pass(double seconds) {
@@ -58,6 +76,17 @@ protected:
         ASSERT_FALSE(problem) << toString(*problem);
     }
 
+    /** Expects the state of a drive. A drive at rest has no target. */
+    void expectDrive(const std::string &name, const nlohmann::json &drive, int position, int velocity, bool moving) {
+        EXPECT_EQ(position, drive["position"]) << name << " at " << now_;
+        EXPECT_EQ(velocity, drive["velocity"]) << name << " at " << now_;
+        EXPECT_EQ(moving, drive["moving"]) << name << " at " << now_;
+        if (!moving) {
+            EXPECT_EQ(nullptr, drive["target"]) << name << " at " << now_;
+        }
+    }
+
+    std::string file_;
     double now_ = 0.0;
     std::unique_ptr<CameraModel> camera_;
     EventRecorder events_{camera_->events()};
