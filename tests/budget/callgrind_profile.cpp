@@ -42,12 +42,12 @@ public:
         if (const char *name = after("desc: Trigger: Client Request: ", line)) {
             subject = name;
         } else if (const char *caller = after("ob=", line)) {
-            object = caller;
-            calledObject = caller; // unless a line names another one
+            object_ = caller;
+            calledObject_ = caller; // unless a line names another one
         } else if (const char *callee = after("cob=", line)) {
-            calledObject = callee;
+            calledObject_ = callee;
         } else if (after("calls=", line) != nullptr) {
-            isCall = true;
+            isCall_ = true;
         } else if (!line.empty() && line[0] >= '0' && line[0] <= '9') {
             takeCost(costOf(line));
         }
@@ -58,21 +58,21 @@ public:
 
 private:
     void takeCost(std::uint64_t cost) {
-        if (!isCall) {
+        if (!isCall_) {
             instructions.own += cost;
             instructions.total += cost;
-        } else if (isAgentLibrary(calledObject) && !isAgentLibrary(object)) {
+        } else if (isAgentLibrary(calledObject_) && !isAgentLibrary(object_)) {
             instructions.own -= cost;
         }
-        if (isCall) {
-            isCall = false;
-            calledObject = object;
+        if (isCall_) {
+            isCall_ = false;
+            calledObject_ = object_;
         }
     }
 
-    std::string object;
-    std::string calledObject;
-    bool isCall = false;
+    std::string object_;
+    std::string calledObject_;
+    bool isCall_ = false;
 };
 
 void addProfile(const std::filesystem::path &path, std::map<std::string, Instructions> &result) {

@@ -140,7 +140,7 @@ TEST(MibContents, HaveTheNotificationsOfTheReference) {
     }
     std::vector<std::string> documented;
     for (const objects_document::TrapRow &trap : objects_document::traps()) {
-        documented.push_back(trap.name + "Changed " + trap.identifier);
+        documented.push_back(trap.name + "Changed " + trap.oid);
     }
     ASSERT_THAT(documented, testing::Not(testing::IsEmpty()));
     EXPECT_THAT(found, UnorderedElementsAreArray(documented));

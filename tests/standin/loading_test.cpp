@@ -38,26 +38,26 @@ std::string outputOf(const std::string &command) {
 /** The library, loaded; its functions are looked up by name. */
 class LoadedLibrary {
 public:
-    LoadedLibrary() : handle(::dlopen(STANDIN_LIBRARY, RTLD_NOW | RTLD_LOCAL)) {
-        if (handle == nullptr) {
+    LoadedLibrary() : handle_(::dlopen(STANDIN_LIBRARY, RTLD_NOW | RTLD_LOCAL)) {
+        if (handle_ == nullptr) {
             throw std::runtime_error(::dlerror());
         }
     }
     ~LoadedLibrary() {
-        EXPECT_EQ(0, ::dlclose(handle));
+        EXPECT_EQ(0, ::dlclose(handle_));
     }
     LoadedLibrary(const LoadedLibrary &) = delete;
     LoadedLibrary &operator=(const LoadedLibrary &) = delete;
 
     template <typename Function>
     Function *get(const char *name) const {
-        void *const symbol = ::dlsym(handle, name);
+        void *const symbol = ::dlsym(handle_, name);
         EXPECT_NE(nullptr, symbol) << name;
         return reinterpret_cast<Function *>(symbol);
     }
 
 private:
-    void *handle;
+    void *handle_;
 };
 
 #define LOOK_UP(library, name) (library).get<decltype(name)>(#name)

@@ -47,13 +47,13 @@ json toJson(Number number) {
 template <typename Type>
 class Input {
 public:
-    explicit Input(unsigned index) : value(sample<Type>(index)) {}
+    explicit Input(unsigned index) : value_(sample<Type>(index)) {}
     void passNull(bool /*isWanted*/) {}
     Type pass() {
-        return value;
+        return value_;
     }
     void addArgument(json &list) const {
-        list.push_back(toJson(value));
+        list.push_back(toJson(value_));
     }
     void addResult(json & /*list*/) const {}
     void addOutput(json & /*list*/) const {}
@@ -61,7 +61,7 @@ public:
     static constexpr bool kIsOutput = false;
 
 private:
-    Type value;
+    Type value_;
 };
 
 /** One argument of a call: an input, unless it is one of the pointers below. */
@@ -85,19 +85,20 @@ Number untouchedBy(Number result) {
 template <typename Number>
 class Slot<Number *> {
 public:
-    explicit Slot(unsigned index) : result(sample<Number>(index)), untouched(untouchedBy(result)), storage(untouched) {}
+    explicit Slot(unsigned index)
+        : result_(sample<Number>(index)), untouched_(untouchedBy(result_)), storage_(untouched_) {}
     void passNull(bool isWanted) {
-        isNull = isWanted;
+        isNull_ = isWanted;
     }
     Number *pass() {
-        return isNull ? nullptr : &storage;
+        return isNull_ ? nullptr : &storage_;
     }
     void addArgument(json & /*list*/) const {}
     void addResult(json &list) const {
-        list.push_back(result);
+        list.push_back(result_);
     }
     void addOutput(json &list) const {
-        list.push_back(storage == untouched ? json("untouched") : json(storage));
+        list.push_back(storage_ == untouched_ ? json("untouched") : json(storage_));
     }
     void addBadResponses(std::vector<std::vector<json>> &list) const {
         using Limits = std::numeric_limits<Number>;
@@ -108,36 +109,36 @@ public:
     static constexpr bool kIsOutput = true;
 
 private:
-    Number result;
-    Number untouched;
-    Number storage;
-    bool isNull = false;
+    Number result_;
+    Number untouched_;
+    Number storage_;
+    bool isNull_ = false;
 };
 
 /** An output for a text. */
 template <>
 class Slot<char **> {
 public:
-    explicit Slot(unsigned index) : result(toJson(sample<const char *>(index))) {}
+    explicit Slot(unsigned index) : result_(toJson(sample<const char *>(index))) {}
     Slot(const Slot &) = delete;
     Slot &operator=(const Slot &) = delete;
     ~Slot() {
-        if (storage != &untouched) {
-            std::free(storage);
+        if (storage_ != &untouched_) {
+            std::free(storage_);
         }
     }
     void passNull(bool isWanted) {
-        isNull = isWanted;
+        isNull_ = isWanted;
     }
     char **pass() {
-        return isNull ? nullptr : &storage;
+        return isNull_ ? nullptr : &storage_;
     }
     void addArgument(json & /*list*/) const {}
     void addResult(json &list) const {
-        list.push_back(result);
+        list.push_back(result_);
     }
     void addOutput(json &list) const {
-        list.push_back(storage == &untouched ? json("untouched") : toJson(static_cast<const char *>(storage)));
+        list.push_back(storage_ == &untouched_ ? json("untouched") : toJson(static_cast<const char *>(storage_)));
     }
     void addBadResponses(std::vector<std::vector<json>> &list) const {
         list.push_back({1, 0, 1.5, true, json::array({"text"}), json::object(), std::string("with \0 in it", 12)});
@@ -145,10 +146,10 @@ public:
     static constexpr bool kIsOutput = true;
 
 private:
-    json result;
-    char untouched = '\0';
-    char *storage = &untouched;
-    bool isNull = false;
+    json result_;
+    char untouched_ = '\0';
+    char *storage_ = &untouched_;
+    bool isNull_ = false;
 };
 
 template <typename... Types>
@@ -156,8 +157,8 @@ class TypedTrial : public Trial {
 public:
     using Function = zorva_core_status (*)(void *, const char *, Types...);
 
-    TypedTrial(Function called, unsigned round)
-        : TypedTrial(called, round, std::make_integer_sequence<unsigned, sizeof...(Types)>()) {}
+    TypedTrial(Function function, unsigned round)
+        : TypedTrial(function, round, std::make_integer_sequence<unsigned, sizeof...(Types)>()) {}
 
     json arguments() const override {
         return collect([](const auto &slot, json &list) { slot.addArgument(list); });
@@ -170,7 +171,7 @@ public:
     }
     std::vector<std::vector<json>> badResponses() const override {
         std::vector<std::vector<json>> list;
-        std::apply([&](const auto &...slot) { (slot.addBadResponses(list), ...); }, slots);
+        std::apply([&](const auto &...slot) { (slot.addBadResponses(list), ...); }, slots_);
         return list;
     }
     zorva_core_status run(void *cookie, const char *target, std::optional<std::size_t> nullOutput) override {
@@ -182,25 +183,25 @@ public:
         return std::apply(
             [&](auto &...slot) {
                 (choose(slot), ...);
-                return function(cookie, target, slot.pass()...);
+                return function_(cookie, target, slot.pass()...);
             },
-            slots);
+            slots_);
     }
 
 private:
     template <unsigned... Indices>
-    TypedTrial(Function called, unsigned round, std::integer_sequence<unsigned, Indices...> /*positions*/)
-        : function(called), slots((round + Indices)...) {}
+    TypedTrial(Function function, unsigned round, std::integer_sequence<unsigned, Indices...> /*positions*/)
+        : function_(function), slots_((round + Indices)...) {}
 
     template <typename Visit>
     json collect(const Visit &visit) const {
         json list = json::array();
-        std::apply([&](const auto &...slot) { (visit(slot, list), ...); }, slots);
+        std::apply([&](const auto &...slot) { (visit(slot, list), ...); }, slots_);
         return list;
     }
 
-    Function function;
-    std::tuple<Slot<Types>...> slots;
+    Function function_;
+    std::tuple<Slot<Types>...> slots_;
 };
 
 template <typename... Types>

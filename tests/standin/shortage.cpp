@@ -28,16 +28,16 @@ bool failsNow(Resource resource) noexcept {
 
 } // namespace
 
-Shortage::Shortage(Resource limitedResource, int successes) noexcept : resource(limitedResource) {
+Shortage::Shortage(Resource resource, int successes) noexcept : resource_(resource) {
     countdownOf(resource) = successes;
 }
 
 Shortage::~Shortage() {
-    countdownOf(resource) = -1;
+    countdownOf(resource_) = -1;
 }
 
 bool Shortage::hasStruck() const noexcept {
-    return countdownOf(resource) < 0;
+    return countdownOf(resource_) < 0;
 }
 
 SmallSendBuffers::SmallSendBuffers() noexcept {

@@ -17,7 +17,7 @@ enum class Resource {
 /** During its lifetime one request of this thread fails, after a number of successful ones. */
 class Shortage {
 public:
-    Shortage(Resource limitedResource, int successes) noexcept;
+    Shortage(Resource resource, int successes) noexcept;
     ~Shortage();
     Shortage(const Shortage &) = delete;
     Shortage &operator=(const Shortage &) = delete;
@@ -26,7 +26,7 @@ public:
     bool hasStruck() const noexcept;
 
 private:
-    const Resource resource;
+    const Resource resource_;
 };
 
 /** During its lifetime the sockets that this thread opens have the smallest send buffer there is. */

@@ -40,7 +40,7 @@ int listenAt(const std::string &path) {
 
 void Peer::send(std::string_view octets) const {
     while (!octets.empty()) {
-        const ssize_t count = ::send(descriptor, octets.data(), octets.size(), MSG_NOSIGNAL);
+        const ssize_t count = ::send(descriptor_, octets.data(), octets.size(), MSG_NOSIGNAL);
         if (count < 0) {
             return;
         }
@@ -49,17 +49,16 @@ void Peer::send(std::string_view octets) const {
 }
 
 void Peer::hangUp() const {
-    ::shutdown(descriptor, SHUT_RDWR);
+    ::shutdown(descriptor_, SHUT_RDWR);
 }
 
-ScriptedServer::ScriptedServer(const std::string &directory, const std::string &name, Handler lineHandler,
-                               Scope handlerScope)
-    : path(directory + "/" + name + ".sock"), scope(handlerScope), listener(listenAt(path)),
-      wakeUp(::eventfd(0, EFD_CLOEXEC)), handler(std::move(lineHandler)) {
-    if (wakeUp < 0) {
+ScriptedServer::ScriptedServer(const std::string &directory, const std::string &name, Handler handler, Scope scope)
+    : path_(directory + "/" + name + ".sock"), scope_(scope), listener_(listenAt(path_)),
+      wakeUp_(::eventfd(0, EFD_CLOEXEC)), handler_(std::move(handler)) {
+    if (wakeUp_ < 0) {
         fail("eventfd");
     }
-    thread = std::thread([this] { run(); });
+    thread_ = std::thread([this] { run(); });
 }
 
 ScriptedServer::ScriptedServer(const std::string &directory, const std::string &name, const std::string &answer)
@@ -67,71 +66,71 @@ ScriptedServer::ScriptedServer(const std::string &directory, const std::string &
 
 ScriptedServer::~ScriptedServer() {
     const std::uint64_t one = 1;
-    if (::write(wakeUp, &one, sizeof one) != sizeof one) {
+    if (::write(wakeUp_, &one, sizeof one) != sizeof one) {
         ::abort();
     }
-    thread.join();
-    ::unlink(path.c_str());
-    ::close(listener);
-    ::close(wakeUp);
-    for (const auto &[descriptor, pending] : connections) {
+    thread_.join();
+    ::unlink(path_.c_str());
+    ::close(listener_);
+    ::close(wakeUp_);
+    for (const auto &[descriptor, pending] : connections_) {
         ::close(descriptor);
     }
 }
 
 std::vector<std::string> ScriptedServer::requests() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return received;
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return received_;
 }
 
 unsigned ScriptedServer::greetings() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return greeted;
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return greeted_;
 }
 
 unsigned ScriptedServer::farewells() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return left;
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return left_;
 }
 
 unsigned ScriptedServer::connectionCount() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return accepted;
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return accepted_;
 }
 
 std::size_t ScriptedServer::openConnections() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return connections.size();
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return connections_.size();
 }
 
 void ScriptedServer::forEachPeer(const std::function<void(Peer &peer)> &action) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    for (const auto &[descriptor, pending] : connections) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    for (const auto &[descriptor, pending] : connections_) {
         Peer peer(descriptor);
         action(peer);
     }
 }
 
 void ScriptedServer::refuseInput() {
-    const std::lock_guard<std::mutex> lock(mutex);
-    for (const auto &[descriptor, pending] : connections) {
-        refusing.insert(descriptor);
+    const std::lock_guard<std::mutex> lock(mutex_);
+    for (const auto &[descriptor, pending] : connections_) {
+        refusing_.insert(descriptor);
         ::shutdown(descriptor, SHUT_RD);
     }
 }
 
-void ScriptedServer::setHandler(Handler lineHandler) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    handler = std::move(lineHandler);
+void ScriptedServer::setHandler(Handler handler) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    handler_ = std::move(handler);
 }
 
 void ScriptedServer::run() {
     for (;;) {
-        std::vector<pollfd> waits = {{wakeUp, POLLIN, 0}, {listener, POLLIN, 0}};
+        std::vector<pollfd> waits = {{wakeUp_, POLLIN, 0}, {listener_, POLLIN, 0}};
         {
-            const std::lock_guard<std::mutex> lock(mutex);
-            for (const auto &[descriptor, pending] : connections) {
-                if (refusing.count(descriptor) == 0) {
+            const std::lock_guard<std::mutex> lock(mutex_);
+            for (const auto &[descriptor, pending] : connections_) {
+                if (refusing_.count(descriptor) == 0) {
                     waits.push_back({descriptor, POLLIN, 0});
                 }
             }
@@ -144,8 +143,8 @@ void ScriptedServer::run() {
         }
         for (std::size_t i = 2; i < waits.size(); ++i) {
             if (waits[i].revents != 0 && !receive(waits[i].fd)) {
-                const std::lock_guard<std::mutex> lock(mutex);
-                connections.erase(waits[i].fd);
+                const std::lock_guard<std::mutex> lock(mutex_);
+                connections_.erase(waits[i].fd);
                 ::close(waits[i].fd);
             }
         }
@@ -156,11 +155,11 @@ void ScriptedServer::run() {
 }
 
 void ScriptedServer::accept() {
-    const int descriptor = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+    const int descriptor = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
     if (descriptor >= 0) {
-        const std::lock_guard<std::mutex> lock(mutex);
-        connections.emplace(descriptor, std::string());
-        ++accepted;
+        const std::lock_guard<std::mutex> lock(mutex_);
+        connections_.emplace(descriptor, std::string());
+        ++accepted_;
     }
 }
 
@@ -168,13 +167,13 @@ bool ScriptedServer::receive(int descriptor) {
     std::array<char, 4096> octets{};
     const ssize_t count = ::recv(descriptor, octets.data(), octets.size(), 0);
     if (count <= 0) {
-        const std::lock_guard<std::mutex> lock(mutex);
-        return refusing.count(descriptor) != 0;
+        const std::lock_guard<std::mutex> lock(mutex_);
+        return refusing_.count(descriptor) != 0;
     }
     std::vector<std::string> lines;
     {
-        const std::lock_guard<std::mutex> lock(mutex);
-        std::string &pending = connections[descriptor];
+        const std::lock_guard<std::mutex> lock(mutex_);
+        std::string &pending = connections_[descriptor];
         pending.append(octets.data(), static_cast<std::size_t>(count));
         for (std::size_t end = pending.find('\n'); end != std::string::npos; end = pending.find('\n')) {
             lines.push_back(pending.substr(0, end));
@@ -191,16 +190,16 @@ void ScriptedServer::handle(int descriptor, const std::string &line) {
     Peer peer(descriptor);
     Handler react;
     {
-        const std::lock_guard<std::mutex> lock(mutex);
+        const std::lock_guard<std::mutex> lock(mutex_);
         const bool isGreeting = line == R"(["initiator_init",null])";
         const bool isFarewell = line == R"(["initiator_deinit",null])";
-        greeted += isGreeting ? 1 : 0;
-        left += isFarewell ? 1 : 0;
-        if (scope == Scope::kCalls && (isGreeting || isFarewell)) {
+        greeted_ += isGreeting ? 1 : 0;
+        left_ += isFarewell ? 1 : 0;
+        if (scope_ == Scope::kCalls && (isGreeting || isFarewell)) {
             react = [](Peer &initiator, const std::string &) { initiator.send("[0]\n"); };
         } else {
-            received.push_back(line);
-            react = handler;
+            received_.push_back(line);
+            react = handler_;
         }
     }
     // Not under the mutex: a handler may wait for an action of the test.

@@ -21,7 +21,7 @@ namespace support {
 /** The server's end of one connection. */
 class Peer {
 public:
-    explicit Peer(int connectedDescriptor) : descriptor(connectedDescriptor) {}
+    explicit Peer(int descriptor) : descriptor_(descriptor) {}
 
     /** Sends octets as they are. */
     void send(std::string_view octets) const;
@@ -29,7 +29,7 @@ public:
     void hangUp() const;
 
 private:
-    int descriptor;
+    int descriptor_;
 };
 
 /**
@@ -41,8 +41,7 @@ public:
     using Handler = std::function<void(Peer &peer, const std::string &line)>;
     enum class Scope { kCalls, kEverything };
 
-    ScriptedServer(const std::string &directory, const std::string &name, Handler lineHandler,
-                   Scope handlerScope = Scope::kCalls);
+    ScriptedServer(const std::string &directory, const std::string &name, Handler handler, Scope scope = Scope::kCalls);
     /** As above; every request is answered with the same line. */
     ScriptedServer(const std::string &directory, const std::string &name, const std::string &answer);
     /** Closes all connections and the socket. */
@@ -67,7 +66,7 @@ public:
     void refuseInput();
 
     /** Replaces the handler. */
-    void setHandler(Handler lineHandler);
+    void setHandler(Handler handler);
 
 private:
     void run();
@@ -76,21 +75,21 @@ private:
     bool receive(int descriptor);
     void handle(int descriptor, const std::string &line);
 
-    const std::string path;
-    const Scope scope;
-    int listener = -1;
-    int wakeUp = -1;
+    const std::string path_;
+    const Scope scope_;
+    int listener_ = -1;
+    int wakeUp_ = -1;
 
-    mutable std::mutex mutex;
-    Handler handler;
-    std::map<int, std::string> connections; ///< with the incomplete next line
-    std::set<int> refusing;                 ///< connections that nothing is read from any more
-    std::vector<std::string> received;
-    unsigned greeted = 0;
-    unsigned left = 0;
-    unsigned accepted = 0;
+    mutable std::mutex mutex_;
+    Handler handler_;
+    std::map<int, std::string> connections_; ///< with the incomplete next line
+    std::set<int> refusing_;                 ///< connections that nothing is read from any more
+    std::vector<std::string> received_;
+    unsigned greeted_ = 0;
+    unsigned left_ = 0;
+    unsigned accepted_ = 0;
 
-    std::thread thread;
+    std::thread thread_;
 };
 
 } // namespace support

@@ -50,7 +50,7 @@ TEST(Objects, AreThoseOfTheReference) {
     }
     std::set<std::string> documented; // each once: two kinds of lens have the same objects
     for (const objects_document::ObjectRow &row : objects_document::objects("no heading has this", false)) {
-        documented.insert(line(row.name, row.identifier, row.access, row.syntax));
+        documented.insert(line(row.name, row.oid, row.access, row.syntax));
     }
     EXPECT_THAT(listed, UnorderedElementsAreArray(documented));
 }

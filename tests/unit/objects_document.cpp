@@ -41,12 +41,12 @@ std::vector<std::vector<std::string>> tableLines(const std::function<bool(const 
 } // namespace
 
 bool operator==(const ObjectRow &left, const ObjectRow &right) {
-    return left.name == right.name && left.identifier == right.identifier && left.access == right.access &&
+    return left.name == right.name && left.oid == right.oid && left.access == right.access &&
            left.syntax == right.syntax && left.getCalls == right.getCalls && left.setCalls == right.setCalls;
 }
 
 void PrintTo(const ObjectRow &row, std::ostream *stream) {
-    *stream << "| `" << row.name << "` | " << row.identifier << " | " << row.access << " | " << row.syntax << " | "
+    *stream << "| `" << row.name << "` | " << row.oid << " | " << row.access << " | " << row.syntax << " | "
             << row.getCalls << " | " << row.setCalls << " |";
 }
 

@@ -15,7 +15,7 @@ namespace objects_document {
 /** A row of the reference. */
 struct ObjectRow {
     std::string name;
-    std::string identifier; ///< of the instance; of the first row for a column of a table
+    std::string oid; ///< of the instance; of the first row for a column of a table
     std::string access;
     std::string syntax;
     std::string getCalls;
@@ -36,7 +36,7 @@ std::vector<ObjectRow> objects(const std::string &word, bool wanted);
 /** A row of the table of traps. */
 struct TrapRow {
     std::string name;
-    std::string identifier;
+    std::string oid;
 };
 
 /** The traps. The test fails when the document cannot be read. */

@@ -65,20 +65,20 @@ std::vector<NewValue> samples() {
 }
 
 /** A GET, and the calls that it made. */
-Answer read(const std::string &identifier, std::string &calls) {
+Answer read(const std::string &instance, std::string &calls) {
     scripted::core().clearRecord();
-    Pdu pdu{{identifier}};
-    EXPECT_EQ(pdu.run(MODE_GET), SNMP_ERR_NOERROR) << identifier;
+    Pdu pdu{{instance}};
+    EXPECT_EQ(pdu.run(MODE_GET), SNMP_ERR_NOERROR) << instance;
     calls = recordedCalls();
     return pdu.answer(0);
 }
 
 /** SETs of everything that the object takes. @return whether it took anything */
-bool write(const std::string &identifier, std::string &calls) {
+bool write(const std::string &instance, std::string &calls) {
     scripted::core().clearRecord();
     bool taken = false;
     for (const NewValue &value : samples()) {
-        Pdu pdu{{identifier, value}};
+        Pdu pdu{{instance, value}};
         taken = pdu.set() == SNMP_ERR_NOERROR || taken;
     }
     calls = recordedCalls();
@@ -86,13 +86,13 @@ bool write(const std::string &identifier, std::string &calls) {
 }
 
 /** The row that the reference should have for an instance. */
-ObjectRow observed(const std::string &name, const std::string &identifier, bool registeredWritable) {
+ObjectRow observed(const std::string &name, const std::string &instance, bool registeredWritable) {
     ObjectRow row;
     row.name = name;
-    row.identifier = identifier;
-    read(identifier, row.getCalls); // the first one may ask the camera for what is held from then on
-    row.syntax = syntaxOf(read(identifier, row.getCalls));
-    const bool taken = write(identifier, row.setCalls);
+    row.oid = instance;
+    read(instance, row.getCalls); // the first one may ask the camera for what is held from then on
+    row.syntax = syntaxOf(read(instance, row.getCalls));
+    const bool taken = write(instance, row.setCalls);
     row.access = taken || registeredWritable ? "read-write" : "read-only";
     return row;
 }
@@ -118,17 +118,17 @@ std::set<const netsnmp_handler_registration *> registrations() {
 std::vector<ObjectRow> registeredObjects() {
     std::vector<ObjectRow> rows;
     for (const netsnmp_handler_registration *registration : registrations()) {
-        std::string identifier;
+        std::string registered;
         for (std::size_t i = 0; i < registration->rootoid_len; ++i) {
-            identifier += (i != 0 ? "." : "") + std::to_string(registration->rootoid[i]);
+            registered += (i != 0 ? "." : "") + std::to_string(registration->rootoid[i]);
         }
         const std::string name = registration->handlerName;
         if (name.find("StatesTable") == std::string::npos) {
-            rows.push_back(observed(name, identifier + ".0", (registration->modes & HANDLER_CAN_SET) != 0));
+            rows.push_back(observed(name, registered + ".0", (registration->modes & HANDLER_CAN_SET) != 0));
             continue;
         }
         for (const char *column : {"1", "2", "3"}) {
-            rows.push_back(observed(name + "." + column, identifier + ".1." + column + ".1", false));
+            rows.push_back(observed(name + "." + column, registered + ".1." + column + ".1", false));
         }
     }
     return rows;
