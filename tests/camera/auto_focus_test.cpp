@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Automatic focus, and how it and the focus by hand exclude each other.
+// Automatic focus, and its mutual exclusion with manual commands of the focus.
 #include "lens_camera.h"
 
 using namespace camera;
@@ -8,12 +8,12 @@ using testing::ElementsAre;
 
 namespace {
 
-/** A focus, and its operations for the automatic and for the hand. */
+/** Focus service, with its operations for automatic and manual mode. */
 struct FocusCalls {
     const char *service;
     const char *run;
-    json byHand;         ///< with arguments; the first one goes to 5000, at full speed
-    const char *counter; ///< the field that counts runs
+    json byHand;         ///< manual operations with arguments; the first one moves to 5000 at full speed
+    const char *counter; ///< field with the number of runs
 };
 
 void PrintTo(const FocusCalls &focus, std::ostream *out) {
@@ -89,27 +89,27 @@ TEST_P(AFocus, RunsItsScripts) {
          "set position 4321; manual 0; after 0.25 rest 4321; after 1.25 at 3321 -1000 1000; field focusing true; "
          "after 2.321 rest 1000; field focusing false; "
          "events 0.0 focus_started 4321 0.5 move_started 4321 3.821 move_stopped 1000 3.821 focus_settled 1000"},
-        {"tells the times however late it is asked",
+        {"reports exact times to a late request",
          "automatic; sharp 3000; pass 100.0; "
          "events 0.0 focus_started 1000 0.5 move_started 1000 2.5 move_stopped 3000 2.5 focus_settled 3000"},
         {"does not follow the scene in manual mode", "sharp 9000; after 10.0 rest 1000; events"},
-        {"is left alone by a scene that is as sharp", "automatic; sharp 1000; events; next never"},
+        {"ignores a scene without a change of the sharp position", "automatic; sharp 1000; events; next never"},
         {"starts anew with another run",
          "automatic; sharp 3000; pass 1.0; search; rest 1500; pass 0.25; search; runs 2; after 10.0 rest 3000; "
          "events 0.0 focus_started 1000 0.5 move_started 1000 1.0 move_stopped 1500 1.0 focus_started 1500 1.25 "
          "focus_started 1500 1.75 move_started 1500 3.25 move_stopped 3000 3.25 focus_settled 3000"},
-        {"need not search", "automatic; set searchTime 0; sharp 2000; at 1000 1000 2000; pass 1.0; search; "
+        {"works without a search", "automatic; set searchTime 0; sharp 2000; at 1000 1000 2000; pass 1.0; search; "
                             "events 0.0 focus_started 1000 0.0 move_started 1000 1.0 move_stopped 2000 1.0 "
                             "focus_settled 2000 1.0 focus_started 2000 1.0 focus_settled 2000"},
-        {"searches no more in manual mode",
+        {"ends its search in manual mode",
          "automatic; sharp 3000; pass 0.25; manual 1; after 10.0 rest 1000; events 0.0 focus_started 1000"},
-        {"that is manual already goes on", "hand; pass 1.0; manual 255; at 2000 1000 5000"},
-        {"that is automatic already goes on", "automatic; sharp 3000; pass 1.0; manual 0; at 1500 1000 3000; "
+        {"continues a move when it is manual already", "hand; pass 1.0; manual 255; at 2000 1000 5000"},
+        {"continues a run when it is automatic already", "automatic; sharp 3000; pass 1.0; manual 0; at 1500 1000 3000; "
                                               "events 0.0 focus_started 1000 0.5 move_started 1000"},
         {"ends a move by hand in automatic mode",
          "hand; pass 1.0; manual 0; rest 2000; after 1.0 at 1500 -1000 1000; "
          "events 0.0 move_started 1000 1.0 move_stopped 2000 1.0 focus_started 2000 1.5 move_started 2000"},
-        {"that is put somewhere goes back",
+        {"returns when its position is set",
          "automatic; set position 2000; after 1.0 at 1500 -1000 1000; set position 3000; at 3000 -1000 1000; "
          "pass 1.0; set position 1000; rest 1000; field focusing false; "
          "events 0.0 focus_started 2000 0.5 move_started 2000 1.0 move_stopped 3000 1.0 move_started 3000 2.0 "
@@ -146,7 +146,7 @@ TEST_P(AFocus, InAutomaticModeRefusesTheHand) {
     for (const json &call : GetParam().byHand) {
         expectRefused(wire::kNotSupported, service_, call[0], call[1]);
     }
-    // What is wrong in any mode is wrong in this one.
+    // An invalid position takes precedence over the mode.
     json wrong = GetParam().byHand[0][1];
     wrong[0] = 10001;
     expectRefused(wire::kInvalidArgument, service_, GetParam().byHand[0][0], wrong);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the operations do beyond storing and reading one value.
+// Behaviour of operations beyond the storage of values.
 #include "steered_camera.h"
 
 using namespace camera;
@@ -18,7 +18,7 @@ protected:
         return callService(service, operation, arguments);
     }
 
-    /** Moves all axes, and lets more time pass than that takes. */
+    /** Moves all axes and waits until the end of the moves. */
     wire::Status move(int pan, int tilt, int zoom) {
         const wire::Status status = call("positioning", "move_to_position_with_speed_percentage_send",
                                          {1, pan, 1.0, 1, tilt, 1.0, 1, zoom, 1.0, 1});
@@ -82,7 +82,7 @@ TEST_F(Dome, RunsNoFasterThanItCanAndMay) {
     EXPECT_EQ(-1000, camera_->state("positioning/1")["pan"]["velocity"]);
 }
 
-TEST_F(Dome, RefusesSoftVelocityLimitsThatAreNone) {
+TEST_F(Dome, RefusesInvalidSoftVelocityLimits) {
     const json before = camera_->state("positioning/1");
     for (const json &arguments : {json{1, -1, 1000, 0, 0, 0, 0, 0, 0}, json{1, 60, 50, 0, 0, 0, 0, 0, 0},
                                   json{1, 60, 280001, 0, 0, 0, 0, 0, 0}, json{1, 60, 70, 0, 0, 0, 1, 9, 8}}) {
@@ -202,7 +202,7 @@ TEST_F(Dome, SwitchesNoRelayThatHasNotBeenSetUp) {
     EXPECT_EQ(1, camera_->state("relay/1")["state"]);
 }
 
-TEST_F(Dome, RefusesRelayStatesAndRestartsThatAreNone) {
+TEST_F(Dome, RefusesInvalidRelayStatesAndRestarts) {
     setField("relay", "configuration.c1", 1);
     EXPECT_EQ(wire::kInvalidArgument, call("relay", "set_state_send", {2}));
     EXPECT_EQ(wire::kNotSupported, call("device_management", "reboot_send", {1}));

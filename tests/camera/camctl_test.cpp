@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The control program.
+// Control program.
 #include <csignal>
 
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Clients that misbehave, and how little the others notice of them.
+// Misbehaving clients, and their effects on others.
 #include <fstream>
 
 #include <gmock/gmock.h>
@@ -139,7 +139,7 @@ TEST_F(Connections, AreLimitedInNumber) {
         [this] { return LineClient(directory_, "temperature").ask(kTemperatureRequest) == kTemperatureAnswer; }));
 }
 
-/** Processor time that a process has used so far, in clock ticks. */
+/** Returns the processor time of a process in clock ticks. */
 long ticksOf(pid_t process) {
     std::ifstream file("/proc/" + std::to_string(process) + "/stat");
     std::string field;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The control socket of a running camera, and what its commands do to the clients of the services.
+// Control socket of a running camera, and the effects of its commands on other clients.
 #include <filesystem>
 
 #include <gmock/gmock.h>
@@ -49,7 +49,7 @@ TEST_F(ControlSocket, TakesAServiceDownAndUp) {
     EXPECT_EQ("[6]", directory.ask(R"(["get_target_ids","alarm"])"));
     EXPECT_EQ(R"([0,"temperature/1"])", directory.ask(R"(["get_target_ids","temperature"])"));
     EXPECT_EQ(false, state()["services"]["alarm"]["up"]);
-    // What the service shows can be set while it is down.
+    // The control program can set fields of a stopped service.
     EXPECT_EQ(kDone, set("alarm/1", "state", 1));
 
     EXPECT_EQ(kDone, order(R"({"command":"up","service":"alarm"})"));

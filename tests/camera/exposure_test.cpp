@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Automatic exposure, which drives the iris, and how it and the iris by hand exclude each other.
+// Automatic exposure, and its mutual exclusion with manual commands of the iris.
 #include "lens_camera.h"
 
 using namespace camera;
@@ -45,9 +45,9 @@ TEST_F(AutomaticExposure, RunsItsScripts) {
          "manual 0; set automaticPosition 9000; after 1.0 at 2000 1000 9000; set automaticPosition 500; "
          "after 1.0 at 1000 -1000 500; after 1.0 rest 500"},
         {"brings the iris back", "manual 0; set position 4000; after 1.0 at 3000 -1000 1000"},
-        {"that is on already goes on",
+        {"continues when it is on already",
          "set position 3000; manual 0; pass 1.0; manual 0; at 2000 -1000 1000; events 0.0 move_started 3000"},
-        {"is back after a restart",
+        {"resumes after a restart",
          "set position 3000; manual 0; pass 1.0; reboot; awake 4.0; rest 2000; awake 10.0; rest 1000; "
          "events 0.0 move_started 3000 1.0 move_stopped 2000 6.0 move_started 2000 7.0 move_stopped 1000"},
     });

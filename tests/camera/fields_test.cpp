@@ -10,7 +10,7 @@ using nlohmann::json;
 
 namespace {
 
-/** Fields of all kinds of service, as `service field`. */
+/** Field of any service. */
 struct AnyField {
     std::string service;
     FieldSummary field;
@@ -26,7 +26,7 @@ std::vector<AnyField> allFields() {
     return fields;
 }
 
-/** Those of them that can be set, or those that cannot. */
+/** Returns the fields that can be set, or those that cannot. */
 std::vector<AnyField> allFieldsThatAre(bool settable) {
     std::vector<AnyField> fields = allFields();
     fields.erase(std::remove_if(fields.begin(), fields.end(),
@@ -85,7 +85,7 @@ TEST(EveryReadOnlyField, IsRefusedInCameraFiles) {
     }
 }
 
-/** Path of a dotted key in nested JSON. */
+/** Returns the path of a dotted key in nested JSON. */
 json::json_pointer pointerTo(std::string key) {
     std::replace(key.begin(), key.end(), '.', '/');
     return json::json_pointer("/" + key);

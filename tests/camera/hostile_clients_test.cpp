@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Clients that do not speak the protocol at all, at each kind of socket: the others notice nothing.
+// Clients that violate the protocol on each kind of socket, without effects on others.
 #include <random>
 
 #include <gmock/gmock.h>
@@ -13,7 +13,7 @@ using namespace support;
 
 namespace {
 
-/** What a client sends to a socket, over connections of its own. */
+/** Attack on a socket, over connections of its own. */
 struct Hostility {
     const char *name;
     void (*commit)(const std::string &directory, const std::string &socket);
@@ -23,7 +23,7 @@ void PrintTo(const Hostility &hostility, std::ostream *stream) {
     *stream << hostility.name;
 }
 
-/** Octets of every kind, newlines among them; the same ones each time. */
+/** Returns random octets with newlines, the same in each call. */
 std::string rubbish() {
     std::mt19937 generator(1); // NOLINT(cert-msc51-cpp): a failure must come again
     std::uniform_int_distribution<int> octet(0, 255);
@@ -61,7 +61,7 @@ void announceALength(const std::string &directory, const std::string &socket) {
     }
 }
 
-/** A line of 100 MB would be as good a way to use up memory as one that never ends. */
+/** Sends a line of 100 MiB, which a vulnerable server would store. */
 void sendAnEndlessLine(const std::string &directory, const std::string &socket) {
     constexpr std::size_t kEndless = 100U << 20U;
     const std::string part(wire::kMaximumLine, '[');

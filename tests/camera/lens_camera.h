@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * A camera whose lens has round numbers, for tests of what moves in it.
+ * Camera whose lens has round numbers, for tests of its drives.
  */
 #ifndef QUARNSNMP_TEST_LENS_CAMERA_H
 #define QUARNSNMP_TEST_LENS_CAMERA_H
@@ -42,7 +42,7 @@ protected:
         expectDrive(service, state(service), position, 0, false);
     }
 
-    /** What the drive of a service was told to have done, as in "3.5 move_stopped 2000", with its time and position. */
+    /** Returns the events of a drive as time, kind and position, such as "3.5 move_stopped 2000". */
     std::vector<std::string> happened(const std::string &service) {
         camera_->advance();
         std::vector<std::string> lines;
@@ -78,7 +78,7 @@ protected:
         runScripts(scripts, std::move(commands));
     }
 
-    /** Expects a call to be refused, with nothing but that to be told and nothing to be changed. */
+    /** Expects that a call is refused: it changes nothing, and its command is the only event. */
     void expectRefused(wire::Status status, const std::string &service, const std::string &operation,
                        const nlohmann::json &arguments) {
         const nlohmann::json before = state(service);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Moves of the drives in the lens by hand.
+// Manual moves of the lens drives.
 #include <limits>
 
 #include "lens_camera.h"
@@ -10,7 +10,7 @@ using testing::ElementsAre;
 
 namespace {
 
-/** A drive that can be run, and the operation that sends it to a position. */
+/** Lens drive, and its operation for a move to a position. */
 struct LensDriveCalls {
     const char *service;
     const char *move;
@@ -61,9 +61,9 @@ TEST_P(ALensDrive, RunsItsScripts) {
         {"goes on with another speed and range",
          "move 9000; pass 1.0; set speed 250; at 2000 250 9000; pass 2.0; set maximum 2600; at 2500 250 2600; "
          "after 1.0 rest 2600; run 1 1; pass 1.0; set speed 500; at 2350 -500 null"},
-        {"rests where it is put",
+        {"rests at a position that is set",
          "run 0 1; pass 0.5; set position 7000; rest 7000; events 0.0 move_started 1000 0.5 move_stopped 7000"},
-        {"loses its move with the power", "run 0 1; pass 0.5; reboot; awake 20.0; rest 1500"},
+        {"loses its move in a restart", "run 0 1; pass 0.5; reboot; awake 20.0; rest 1500"},
     });
 }
 
@@ -115,7 +115,7 @@ TEST_P(ALensDrive, TellsOfItsMovesAsAnAxisDoes) {
               events_.seen().back());
 }
 
-TEST_P(ALensDrive, RefusesPositionsAndRunsThatAreNone) {
+TEST_P(ALensDrive, RefusesInvalidPositionsAndRuns) {
     ASSERT_EQ(wire::kSuccess, move(3000));
     for (const int position : {-1, 10001}) {
         expectRefused(wire::kInvalidArgument, service_, GetParam().move, {position});
@@ -160,11 +160,11 @@ TEST_P(AStepper, RunsItsScripts) {
         {"moves at the speed of its command",
          "move 3000 500; field speed 500; after 1.0 at 1500 500 3000; after 3.0 rest 3000; "
          "events 0.0 move_started 1000 4.0 move_stopped 3000"},
-        {"goes nowhere without speed",
+        {"does not move without speed",
          "move 3000 0; events; next never; move 3000 500; pass 1.0; move 0 0; after 10.0 rest 1500; field speed 0"},
         {"obeys the last command",
          "move 10000 1000; pass 2.0; move 0 100; at 3000 -100 0; after 10.0 at 2000 -100 0; after 20.0 rest 0"},
-        {"loses its move with the power", "move 3000 500; pass 1.0; reboot; awake 20.0; rest 1500"},
+        {"loses its move in a restart", "move 3000 500; pass 1.0; reboot; awake 20.0; rest 1500"},
     });
 }
 
@@ -180,7 +180,7 @@ TEST_P(AStepper, IsAsSlowAndAsFastAsItCanBe) {
     }
 }
 
-TEST_P(AStepper, RefusesPositionsAndSpeedsThatAreNone) {
+TEST_P(AStepper, RefusesInvalidPositionsAndSpeeds) {
     ASSERT_EQ(wire::kSuccess, move(3000, 500));
     for (const auto &[position, speed] : {std::pair{-1, 100}, {10001, 100}, {10001, 0}, {100, -1}}) {
         expectRefused(wire::kInvalidArgument, service_, "set_position_send", {position, speed});

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The lens of a running camera.
+// Lens of a running camera.
 #include <algorithm>
 
 #include <gmock/gmock.h>

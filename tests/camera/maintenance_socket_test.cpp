@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Inputs, outputs, sensors and presets of a running camera: what the control program sets is what clients read.
+// Inputs, outputs, sensors and presets of a running camera: clients read the values of the control program.
 #include <csignal>
 #include <filesystem>
 
@@ -13,14 +13,14 @@ using nlohmann::json;
 
 namespace {
 
-/** A field that is set, and the call that shows it. */
+/** Field with a new value, and the call that reads it. */
 struct Shown {
     const char *service;
     const char *field;
     json value;
-    const char *operation; ///< with the target and the arguments as its only arguments
+    const char *operation; ///< its arguments are the target and `arguments`
     json arguments;
-    std::size_t place; ///< of the value in the answer; 0 when no call reads it
+    std::size_t place; ///< index of the value in the answer; 0 without such a call
 };
 
 const json kNone = json::array();
@@ -94,7 +94,7 @@ TEST_F(RunningDome, FailsAndDelaysCallsOnCommand) {
     }
 }
 
-/** A camera that keeps its presets in a file. */
+/** Camera with a file for its presets. */
 class PresetsOfAProcess : public testing::Test {
 protected:
     std::unique_ptr<Camera> start() {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The timer that lets things happen in the camera, on its own event loop and the real time.
+// Timer of the camera model, with its own event loop and the real time.
 #include <gmock/gmock.h>
 
 #include "event_recorder.h"
@@ -12,7 +12,7 @@ namespace {
 
 class Timer : public testing::Test {
 protected:
-    /** Sends the zoom so far that it takes some milliseconds. */
+    /** Starts a move of the zoom of some milliseconds. */
     void zoomTo(int position) {
         ASSERT_EQ(wire::kSuccess,
                   camera_

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A running camera that moves.
+// Moves of a running camera.
 #include <cmath>
 
 #include <gmock/gmock.h>
@@ -18,7 +18,7 @@ protected:
         return targetState("positioning")[name];
     }
 
-    /** Sends pan to a position. */
+    /** Moves pan to a position. */
     std::string movePan(int position, double fraction) {
         LineClient client(directory_, "positioning");
         return client.ask(json({"move_to_position_with_speed_percentage_send", "positioning/1", 1, position, fraction,

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What a camera tells of its moves, and when it says that something will happen.
+// Events of moves, and the announced times of events.
 #include "moving_camera.h"
 
 using namespace camera;
@@ -57,10 +57,10 @@ TEST_F(MoveEvents, ComeBeforeThoseOfALaterCommand) {
 
 TEST_F(MoveEvents, RunsItsScripts) {
     runMoves({
-        {"tell of a move to where the axis is", "move tilt 0; moves move_started tilt move_stopped tilt; rest tilt 0"},
-        {"come without asking when something wakes the camera",
+        {"report a move to the present position", "move tilt 0; moves move_started tilt move_stopped tilt; rest tilt 0"},
+        {"come without a request",
          "run tilt 10000; awake 10.0; moves move_started tilt limit_reached tilt move_stopped tilt"},
-        {"are not due in a camera at rest", "next never; move pan 100000; next 2.0; awake 10.0; next never"},
+        {"have no time in a camera at rest", "next never; move pan 100000; next 2.0; awake 10.0; next never"},
     });
 }
 

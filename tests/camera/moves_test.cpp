@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Moves of pan, tilt and zoom to positions, and what ends or changes them.
+// Moves of pan, tilt and zoom to positions, and their interruptions.
 #include <cmath>
 #include <limits>
 
@@ -38,7 +38,7 @@ TEST_F(Move, RunsItsScripts) {
         {"takes the shorter way round an endless axis",
          "move pan 350000; field pan.target 350000; after 0.3 at pan 355500 -30000; after 10.0 rest pan 350000; "
          "move pan 10000; after 0.4 at pan 358000 40000; after 0.2 at pan 5666 29443; after 10.0 rest pan 10000"},
-        {"rests at the end that it cannot brake in front of",
+        {"rests at an end of the axis that it reaches too fast",
          "set digitalZoom.enabled true; set zoom.acceleration 100; move zoom 3600; after 3.25 at zoom 285 100; "
          "set digitalZoom.enabled false; after 0.1 at zoom 295 90; after 0.1 rest zoom 300"},
         {"shows the priority of the last command, which counts whatever its priority is",
@@ -50,10 +50,10 @@ TEST_F(Move, RunsItsScripts) {
          R"(set pan.position 10000; set pan.softPosition {"enabled":true,"minimum":0,"maximum":350000}; )"
          "move pan 340000; after 1.0 at pan 60000 100000; after 10.0 rest pan 340000; move pan 355000; "
          "field pan.target 350000; after 10.0 rest pan 350000"},
-        {"of one field leaves.the others alone",
+        {"affects one axis only",
          "move pan 100000; pass 0.5; move tilt 10000; move zoom 110; after 0.5 at pan 50000 100000; "
          "at tilt 1250 5000; at zoom 60 100"},
-        {"takes the place of another one from where the axis is",
+        {"replaces another move on its way",
          "move pan 150000; pass 1.0; move pan 40000; at pan 50000 100000; field pan.target 40000; "
          "after 1.0 at pan 100000 0; after 0.5 at pan 87500 -50000; after 10.0 rest pan 40000; "
          "moves move_started pan move_started pan move_stopped pan"},
@@ -70,19 +70,19 @@ TEST_F(Move, RunsItsScripts) {
          "set digitalZoom.enabled true; move zoom 3600; field zoom.target 3600; after 1.0 at zoom 110 100; "
          "set digitalZoom.enabled false; field zoom.target 300; set digitalZoom.enabled true; "
          "after 35.0 rest zoom 3600"},
-        {"goes on from the end that it cannot brake in front of",
+        {"continues from an end of the axis that stopped it",
          "move tilt 20000 1.02; after 1.5 at tilt 10000 10000; move tilt 12000; "
          R"(set tilt {"maximum":13000,"acceleration":10000}; after 10.0 rest tilt 12000; )"
          "moves move_started tilt move_started tilt move_stopped tilt"},
     });
 }
 
-TEST_F(Move, WithASpeedThatIsNoneIsRefused) {
+TEST_F(Move, WithAnInvalidSpeedIsRefused) {
     const json before = camera_->state("positioning/1");
     for (const double fraction : {-0.01, std::numeric_limits<double>::infinity(), std::nan("")}) {
         EXPECT_EQ(wire::kInvalidArgument, move("pan", 5, fraction));
     }
-    // Of an axis that stays out of it nothing counts.
+    // The values of a disabled axis are ignored.
     EXPECT_EQ(wire::kInvalidArgument,
               call("move_to_position_with_speed_percentage_send", {1, 5, 1.0, 1, 5, -1.0, 0, 0, 0.0, 1}));
     EXPECT_EQ(before, camera_->state("positioning/1"));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * A camera with a clock that tests set, for tests of what moves.
+ * Camera with a simulated clock, for tests of moves.
  */
 #ifndef QUARNSNMP_TEST_MOVING_CAMERA_H
 #define QUARNSNMP_TEST_MOVING_CAMERA_H
@@ -10,12 +10,12 @@
 
 namespace camera::test {
 
-/** Values of commands whose arguments are the same for most tests. */
+/** Default arguments of commands. */
 inline constexpr double kFullSpeed = 1.0;
 inline constexpr int kPriority = 5;
 
 /**
- * A camera whose axes have round numbers: pan is endless and takes a second to its full speed of 100000, tilt a second
+ * Camera whose axes have round numbers: pan is endless and takes a second to its full speed of 100000, tilt a second
  * to 10000, and zoom has its speed of 1 to 101 at once.
  */
 class MovingCamera : public SteeredCamera {
@@ -36,7 +36,7 @@ protected:
         return callService(service, operation, arguments);
     }
 
-    /** Sends one axis to a position. */
+    /** Moves one axis to a position. */
     wire::Status move(const std::string &axis, int position, double fraction = kFullSpeed, int priority = kPriority) {
         nlohmann::json arguments = nlohmann::json::array();
         for (const char *each : {"pan", "tilt", "zoom"}) {
@@ -49,7 +49,7 @@ protected:
         return call("move_to_position_with_speed_percentage_send", arguments);
     }
 
-    /** Gives one axis a velocity, with a time-out in milliseconds. */
+    /** Moves one axis at a velocity. @param timeout  in milliseconds */
     wire::Status run(const std::string &axis, int velocity, unsigned timeout = 0, int priority = kPriority) {
         nlohmann::json arguments = nlohmann::json::array();
         for (const char *each : {"pan", "tilt", "zoom"}) {

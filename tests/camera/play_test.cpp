@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Scenarios that the control program plays on a running camera.
+// Scenarios of the control program on a running camera.
 #include <csignal>
 
 #include <gmock/gmock.h>
@@ -126,7 +126,7 @@ TEST_F(Play, StopsWhereTheCameraRefusesAStep) {
     EXPECT_EQ("quarnsnmp-camctl: " + path + ": steps[1]: cannot bring up iris: the camera restarts\n", ended.errors);
 }
 
-TEST_F(Play, RefusesSpeedsThatAreNone) {
+TEST_F(Play, RefusesInvalidSpeeds) {
     for (const char *speed : {"0", "-1", "nan", "inf", "1e7", "fast"}) {
         const CommandResult ended = runCommand(command("warm-up", speed));
         EXPECT_EQ(2, ended.status.code) << speed;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The file that keeps presets.
+// File of presets.
 #include <filesystem>
 
 #include <gmock/gmock.h>
@@ -24,7 +24,7 @@ const char *const kCamera = R"({"name": "two", "services": {
 
 class KeptPresets : public testing::Test {
 protected:
-    /** Starts the camera, with the file as it is, in the place of the one before. */
+    /** Starts a new camera with the present file. */
     void start() {
         presets_.reset();
         camera_ = test::makeCamera(kCamera);

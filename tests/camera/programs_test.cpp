@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Start and end of the camera's process.
+// Start and end of the camera process.
 #include <csignal>
 #include <filesystem>
 

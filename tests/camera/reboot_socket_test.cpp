@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Restarts of a running camera, as its clients see them.
+// Restarts of a running camera from the perspective of its clients.
 #include <csignal>
 #include <set>
 
@@ -31,7 +31,7 @@ protected:
         EXPECT_TRUE(management.ends());
     }
 
-    /** Reads events until each of some services has had one of a kind. @return the time of the last */
+    /** Reads events until each of the services has had one of a kind. @return the time of the last one */
     double await(const std::string &kind, std::set<std::string> services) {
         double time = -1.0;
         while (!services.empty()) {

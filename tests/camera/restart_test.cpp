@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What a restart does to the camera's model, on a clock that the tests set.
+// Effects of a restart on the model, with a simulated clock.
 #include <gmock/gmock.h>
 
 #include "steered_camera.h"

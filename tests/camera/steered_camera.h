@@ -41,12 +41,12 @@ protected:
         }
     }
 
-    /** Lets time pass without a call to the camera. */
+    /** Advances the clock without a call to the camera. */
     void pass(double seconds) {
         now_ += seconds;
     }
 
-    /** Lets time pass with a call to advance() at each timed event, as the timer does. */
+    /** Advances the clock, with a call to advance() at each timed event, as the timer does. */
     void passAwake(double seconds) {
         const double end = now_ + seconds;
         while (camera_->nextTime() <= end) {

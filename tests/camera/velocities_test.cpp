@@ -39,25 +39,25 @@ TEST_F(Velocity, RunsItsScripts) {
         {"ends exactly at the end of the axis",
          "run tilt 10000; next 3.0; after 2.5 at tilt 18750 5000; after 0.5 rest tilt 20000; "
          "moves move_started tilt limit_reached tilt move_stopped tilt; times 3.0"},
-        {"is no move at the end of the axis",
+        {"does not move beyond the end of the axis",
          "set zoom.position 300; run zoom 50; rest zoom 300; "
          "moves move_started zoom limit_reached zoom move_stopped zoom; run zoom -50; after 1.0 at zoom 250 -50"},
         {"goes round an endless axis",
          "run pan -100000; next never; after 1.0 at pan 310000 -100000; after 3600000.0 at pan 310000 -100000; "
          "after 0.1 at pan 300000 -100000"},
-        {"brakes when a soft limit is put behind it",
+        {"brakes at once for a new soft limit behind it",
          R"(run tilt 10000; pass 1.0; set tilt.softPosition {"enabled":true,"minimum":-1000,"maximum":1000}; )"
          "after 1.0 rest tilt 10000; moves move_started tilt limit_reached tilt move_stopped tilt"},
-        {"goes on beyond a soft limit that is lifted",
+        {"continues beyond a disabled soft limit",
          R"(set tilt.softPosition {"enabled":true,"minimum":-1000,"maximum":10000}; run tilt 10000; )"
          "after 1.5 at tilt 8750 5000; set tilt.softPosition.enabled false; after 0.5 at tilt 12500 10000; "
          "after 5.0 rest tilt 20000"},
-        {"is none for an axis without speed",
+        {"moves no axis without speed",
          R"(set zoom {"minimumSpeed":0,"maximumSpeed":0}; run zoom 50; rest zoom 10; moves)"},
         {"of zero brakes",
          "move pan 150000; pass 1.0; run pan 0; field pan.target null; after 0.5 at pan 87500 50000; "
          "moves move_started pan; after 0.5 rest pan 100000; moves move_started pan move_stopped pan; times 2.0"},
-        {"of zero is nothing to an axis at rest", "run pan 0; rest pan 0; next never; moves"},
+        {"of zero has no effect at rest", "run pan 0; rest pan 0; next never; moves"},
     });
 }
 

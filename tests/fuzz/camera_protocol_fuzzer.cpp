@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Lines of clients to a simulated camera: what comes on the sockets of its services, its directory and its control.
+ * Fuzzer of the lines of clients on the sockets of a simulated camera: services, directory and control.
  *
- * An input is text. Each line has the name of a socket, a space, and the line that comes on it, and a line with a
- * number lets so many milliseconds pass. The camera is made anew for each input: its state is what a finding depends
- * on, and making it costs less than a few lines.
+ * An input is text. A line has the name of a socket, a space, and the client's line; a line with a number advances the
+ * clock by so many milliseconds. Each input gets a new camera, so that a finding is reproducible. Its construction
+ * costs less than a few lines.
  */
 #include <algorithm>
 #include <charconv>
@@ -24,7 +24,7 @@ namespace {
 
 constexpr int kMostLines = 64;
 
-/** The services of a camera that has them all: those of two that the project ships. */
+/** Returns the services of a camera with all services, from two shipped cameras. */
 const json &everyService() {
     static const json services = [] {
         json all;
@@ -51,10 +51,10 @@ std::unique_ptr<camera::CameraModel> makeCamera(camera::Clock clock) {
     return std::make_unique<camera::CameraModel>("every service", "", std::move(services), std::move(clock));
 }
 
-/** A camera and all that takes its clients' lines, without sockets. */
+/** Camera with the handlers of its clients' lines, without sockets. */
 class Camera {
 public:
-    /** Takes a line of an input. */
+    /** Handles a line of an input. */
     void take(std::string_view line) {
         const std::size_t space = line.find(' ');
         const std::string_view socket = line.substr(0, space);
@@ -89,7 +89,7 @@ private:
         }
     }
 
-    /** Lets time pass as a timer does that wakes the camera whenever something happens. */
+    /** Advances the clock as the timer does, with a call to advance() at each timed event. */
     void pass(double seconds) {
         constexpr int kMostWakes = 10000;
         const double end = now_ + seconds;
@@ -104,7 +104,7 @@ private:
         model_->advance();
     }
 
-    /** A line of the camera as JSON; what is not there, or not of the right type, throws. */
+    /** Parses a line of the camera. Access to missing or mistyped members throws. */
     static json checkAnswer(const std::string &line) {
         if (line.find('\n') != line.size() - 1) {
             fuzz::reportFinding("an answer or event that is not one line: " + line);
