@@ -5,7 +5,6 @@
 
 #include "camera_agent.h"
 #include "eventually.h"
-#include "golden_walk.h"
 #include "object_oids.h"
 #include "position_commands.h"
 
@@ -59,21 +58,6 @@ protected:
     TwinFocusLens() : Lens("twinfocus") {}
 };
 
-/** Pan, tilt and zoom, and a zoom stepper as well. */
-struct TwinZoom {
-    static json services() {
-        const json axis = {{"minimum", 0}, {"maximum", 1000}, {"maximumSpeed", 100000}};
-        return {{"positioning", {{"targets", {{{"pan", axis}, {"tilt", axis}, {"zoom", axis}}}}}},
-                {"zoom_stepper", {{"targets", {{{"maximum", 4000}, {"maximumSpeed", 1000}}}}}}};
-    }
-    CameraFile file = CameraFile(services());
-};
-
-class TwinZoomLens : private TwinZoom, public Lens {
-protected:
-    TwinZoomLens() : Lens(file.path) {}
-};
-
 } // namespace
 
 TEST_F(Lens, FocusGoesToPositionsAndByDeltas) {
@@ -118,14 +102,6 @@ TEST_F(Lens, IrisGoesToPositionsRunsAndStops) {
     EXPECT_TRUE(eventually(seconds(10), [&] { return drive(kIris).at("velocity") == 0; }));
 }
 
-TEST_F(Lens, IrisOpensFullyWhenADeltaGoesBelowZero) {
-    set(oids::systemLensFeatureControl, kAllManual);
-    set(oids::positionIrisLens, absolute(0, 0x2000));
-    EXPECT_TRUE(arrives(kIris, 32));
-    set(oids::positionIrisLens, delta(-1, 0x4000));
-    EXPECT_TRUE(arrives(kIris, 255));
-}
-
 TEST_F(Lens, OneCommandSwitchesFocusAndIris) {
     const CameraEvents events(camera_);
     set(oids::systemLensFeatureControl, kAllManual);
@@ -142,34 +118,6 @@ TEST_F(Lens, OneCommandSwitchesFocusAndIris) {
                             "do_auto_focus_send", "set_manual_mode_enable_send", "set_manual_mode_enable_send"));
 }
 
-TEST_F(Lens, AutomaticFocusSettlesWhereThePictureIsSharp) {
-    set(oids::systemLensFeatureControl, kAllManual);
-    set(oids::positionFocusLens, absolute(0, 0));
-    ASSERT_TRUE(arrives(kFocus, 0));
-    set(oids::systemLensFeatureControl, "\x40\x80"s);
-    EXPECT_TRUE(arrives(kFocus, drive(kFocus).at("sharpPosition")));
-    EXPECT_EQ(get(oids::positionFocusLens), "0x02000000") << "the last command, not where the lens is";
-}
-
-TEST_F(Lens, TheStatusFollowsTheDeviceAndTheControlDoesNot) {
-    set(oids::systemLensFeatureControl, kAllAutomatic);
-    setField(camera_, "exposure/1", "manualMode", true);
-    EXPECT_EQ(get(oids::systemLensFeatureStatus), "\"@\"");
-    EXPECT_EQ(get(oids::systemLensFeatureControl), "0xc080");
-    control("fail", "lens_focus", "get_manual_mode_enable_send", "1");
-    EXPECT_EQ(get(oids::systemLensFeatureStatus), "0x00") << "what cannot be read is 0";
-    EXPECT_EQ(logged("Failed zorva api call: zorva_api_lens_focus_get_manual_mode_enable_send("), 1U);
-    EXPECT_EQ(logged("handle_systemLensFeatureStatus1: autoIris=FALSE,autoFocus=TRUE"), 1U);
-}
-
-TEST_F(Lens, EquippedAnswersASetWithEightOctetsOfWhichOneCounts) {
-    EXPECT_EQ(get(oids::systemLensEquipped), "0x00");
-    const Result result = manager_.set({octetString(oids::systemLensEquipped, "\x40")});
-    ASSERT_TRUE(result.ok()) << result;
-    EXPECT_EQ(result.single().octets, "\x40\0\0\0\0\0\0\0"s);
-    EXPECT_EQ(get(oids::systemLensEquipped), "\"@\"");
-}
-
 TEST_F(Lens, ACommandWhileTheServiceIsAwayIsAcceptedAndLost) {
     set(oids::systemLensFeatureControl, kAllManual);
     control("down", "lens_focus");
@@ -179,10 +127,6 @@ TEST_F(Lens, ACommandWhileTheServiceIsAwayIsAcceptedAndLost) {
     EXPECT_EQ(drive(kFocus).at("position"), 5000);
     set(oids::positionFocusLens, absolute(0, 0));
     EXPECT_TRUE(arrives(kFocus, 0));
-}
-
-TEST_F(StepperLens, AnswersAsRecorded) {
-    EXPECT_TRUE(matchesGoldenWalk(manager_, ".1.3.6.1.4.1", "stepper"));
 }
 
 TEST_F(StepperLens, FocusStepsToPositionsAndCannotBeStopped) {
@@ -226,10 +170,6 @@ TEST_F(StepperLens, AutomaticFocusIsAQuickRun) {
     EXPECT_EQ(manager_.set({octetString(oids::systemLensEquipped, "\xC0")}).single().octets, "\xC0\0\0\0\0\0\0\0"s);
 }
 
-TEST_F(TwinFocusLens, AnswersAsRecorded) {
-    EXPECT_TRUE(matchesGoldenWalk(manager_, ".1.3.6.1.4.1", "twinfocus"));
-}
-
 TEST_F(TwinFocusLens, TheMotorDrivenLensHasTheObjectsAndSixRefusalsAreLogged) {
     EXPECT_EQ(logged("OID not OK"), 6U);
     for (const char *name : {"rangeFocusLimit", "timeoutFocus", "positionFocusLens", "systemLensFeatureControl",
@@ -243,16 +183,6 @@ TEST_F(TwinFocusLens, TheMotorDrivenLensHasTheObjectsAndSixRefusalsAreLogged) {
     EXPECT_TRUE(arrives(kFocus, 8000));
     EXPECT_EQ(drive(kFocusStepper).at("position"), 900);
     EXPECT_THAT(events.matching({{"event", "command"}, {"service", "focus_stepper"}}), IsEmpty());
-}
-
-TEST_F(TwinZoomLens, PositioningHasTheZoomAndThreeRefusalsAreLogged) {
-    EXPECT_EQ(logged("OID not OK"), 3U);
-    for (const char *name : {"rangeZoomLimit", "timeoutZoom", "positionZoomLens"}) {
-        EXPECT_EQ(logged("registerScalar: Registration for "s + name + " OID not OK"), 1U) << name;
-    }
-    set(oids::positionZoomLens, absolute(127, 65535));
-    EXPECT_TRUE(eventually(seconds(10), [&] { return drive("positioning/1").at("zoom").at("position") == 1000; }));
-    EXPECT_EQ(drive(kZoomStepper).at("position"), 0);
 }
 
 TEST(LensDiscovery, AServiceThatComesLateIsFound) {
