@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char *kAgentLibrary = "/libnetsnmp";
 
-/** What follows a word at the start of a line; null when the line starts otherwise. */
+/** Returns the rest of a line after a word at its start, or null if it starts otherwise. */
 const char *after(const std::string &word, const std::string &line) {
     return line.rfind(word, 0) == 0 ? line.c_str() + word.size() : nullptr;
 }

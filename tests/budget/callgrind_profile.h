@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * How many instructions the module takes for a request, counted by callgrind. They are the same in every run.
+ * Number of instructions of the module for a request, counted by callgrind. They are the same in every run.
  */
 #ifndef QUARNSNMP_CALLGRIND_PROFILE_H
 #define QUARNSNMP_CALLGRIND_PROFILE_H

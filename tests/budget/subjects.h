@@ -30,7 +30,7 @@ struct Subject {
     std::uint64_t limit;         ///< kGet or kSet, which also says what it is
 };
 
-/** Lets the test framework print subjects. */
+/** Prints a subject, for the test framework. */
 inline std::ostream &operator<<(std::ostream &stream, const Subject &subject) {
     return stream << subject.name;
 }

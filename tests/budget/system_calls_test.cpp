@@ -25,7 +25,7 @@ constexpr int kRequests = 20;
 /** The names of the system calls from the arrival of a request to the departure of its answer, in one text. */
 using Calls = std::string;
 
-/** Lets agents of this process start under strace, which follows their main thread. */
+/** Starts the agents of this process under strace, which follows their main thread. */
 class TracedAgents {
 public:
     explicit TracedAgents(const std::string &trace) {
@@ -42,7 +42,7 @@ private:
     static constexpr const char *kPrefix = "QUARNSNMP_SNMPD_PREFIX";
 };
 
-/** What the agent did for each request that it answered, in order. */
+/** Returns the system calls of each answered request, in order. */
 std::vector<Calls> readTrace(const std::string &trace) {
     std::vector<Calls> result;
     std::ifstream file(trace);
@@ -95,7 +95,7 @@ TEST(SystemCallsTest, HeldObjectsNeedNone) {
                              ".1.3.6.1.4.1.1206.4.2.7.1.5.0", ".1.3.6.1.4.1.1206.4.2.7.2.1.0"}) {
         EXPECT_EQ(callsOf(agent, trace, held), own) << held;
     }
-    // One that asks the camera shows that the comparison can fail.
+    // A request that calls the camera shows that the comparison can fail.
     EXPECT_NE(callsOf(agent, trace, ".1.3.6.1.4.1.99999.1.1.7.0.0"), own);
 }
 

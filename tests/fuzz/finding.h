@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * How a fuzzer reports what no sanitizer sees.
+ * Report of a finding that no sanitizer detects.
  */
 #ifndef QUARNSNMP_FUZZ_FINDING_H
 #define QUARNSNMP_FUZZ_FINDING_H

@@ -20,7 +20,7 @@ oid *const kContestedObjects[] = {
     oid_rangeFocusLimit,         oid_timeoutFocus,       oid_positionFocusLens, oid_systemLensFeatureControl,
     oid_systemLensFeatureStatus, oid_systemLensEquipped, oid_rangeZoomLimit,    oid_timeoutZoom,
     oid_positionZoomLens};
-constexpr std::size_t kArc = 6; // the place of 1206 in their identifiers
+constexpr std::size_t kArc = 6; // index of 1206 in their OIDs
 
 std::vector<const scripted::Call *> gScriptedCalls;
 
@@ -92,7 +92,7 @@ scripted::Value outputValue(const scripted::Value &sample, Input &input) {
     return text.empty() ? scripted::Value(nullptr) : scripted::Value(std::move(text));
 }
 
-/** What the agent hands over of a type: the size of an element, how many there are at least, and at most. */
+/** Sizes that the agent passes for a type: that of an element, and the lowest and highest number of elements. */
 struct TypeSize {
     unsigned char type;
     std::size_t size;
@@ -194,7 +194,7 @@ requests::NewValue variableValue(Input &input) {
         return requests::NewValue::integer(input.integer());
     }
     if (chosen.type == ASN_OBJECT_ID) {
-        // Not any numbers: a response with what is no identifier cannot be encoded.
+        // Only valid OIDs: a response with another one cannot be encoded.
         std::vector<oid> identifier = {1, 3};
         appendSubIdentifiers(identifier, input);
         const auto *octets = reinterpret_cast<const char *>(identifier.data());

@@ -11,16 +11,16 @@
 
 namespace fuzz {
 
-/** What the module has registered, in the order of the identifiers; it stays as it is. */
+/** Returns the registrations of the module, in the order of their OIDs; they do not change. */
 using Objects = std::vector<netsnmp_handler_registration *>;
 
 /**
  * Starts the agent's library and every feature once in a process. The objects of a lens with steppers, whose
- * identifiers are those of another lens, lie below 1.3.6.1.4.1.1207 in place of 1206.
+ * OIDs are those of another lens, lie below 1.3.6.1.4.1.1207 in place of 1206.
  */
 const Objects &startModule();
 
-/** Lets a call of the core library answer from now on what the input says: outputs of any value, or any status. */
+/** Scripts a call of the core library by the input: outputs of any value, or any status. */
 void scriptAnswer(Input &input);
 
 /** Polls the watched values, as the poll thread does, and sends the traps, as the agent's loop does. */
@@ -35,10 +35,10 @@ void endInput();
 /** Appends sub-identifiers to a name, of which one octet may stand for the largest ones; as many as names may have. */
 void appendSubIdentifiers(std::vector<oid> &name, Input &input);
 
-/** The identifier of some variable: an object's with something behind it, or any. */
+/** Returns the OID of a varbind: one that begins with an object's, or any. */
 std::vector<oid> variableName(const Objects &objects, Input &input);
 
-/** The value of some variable, of a size in memory that the agent hands over for its type. */
+/** Returns the value of a varbind, of a size in memory that the agent passes for its type. */
 requests::NewValue variableValue(Input &input);
 
 } // namespace fuzz

@@ -4,7 +4,7 @@
  * Requests to the agent with the module in it, from the parsed PDU to the encoded response.
  *
  * An input is a sequence of steps: an answer of the core library, a poll, a PDU in BER as it comes in a message, or a
- * request that is built of registered identifiers and well-formed values.
+ * request that is built of registered OIDs and well-formed values.
  */
 #include <memory>
 
@@ -80,7 +80,7 @@ void handle(netsnmp_session *session, Pdu pdu) {
     }
 }
 
-/** The rest of the input as a PDU; null when it is none, or one that no agent's session hands on. */
+/** Returns the rest of the input as a PDU; null if it is not one, or not one that an agent's session delivers. */
 Pdu parsedPdu(fuzz::Input &input) {
     Pdu pdu = makePdu(SNMP_MSG_GET, SNMP_VERSION_2c);
     // The parser takes the octets for its own.

@@ -4,7 +4,7 @@
  * The module's own handlers, called mode by mode as the agent calls them.
  *
  * The agent's helpers are left out, so that each handler meets what they would keep from it. What the agent itself
- * guarantees is kept: a phase follows only when nobody has refused the one before, and the value of an integer has the
+ * guarantees is kept: a phase follows only if the one before was not refused, and the value of an integer has the
  * size that the agent's parser gives it. Values lie in memory of exactly their size, and exceptions get through to the
  * fuzzer, which the frame would turn into genErr.
  *
@@ -25,7 +25,7 @@ constexpr int kMostSteps = 16;
 constexpr std::size_t kMostLists = 4;
 constexpr std::size_t kMostVariables = 3;
 
-/** Variables of one object that its handler gets in one call, as the agent's request has them. */
+/** Varbinds of one object that its handler gets in one call, as in the agent's request. */
 class VariableList {
 public:
     explicit VariableList(netsnmp_handler_registration *registration) : registration_(registration) {}
@@ -54,7 +54,7 @@ public:
         }
     }
 
-    /** Notes the column of the last variable, as the agent's table helper does. */
+    /** Notes the column of the last varbind, as the agent's table helper does. */
     void setColumn(unsigned int column) {
         auto *info = SNMP_MALLOC_TYPEDEF(netsnmp_table_request_info);
         info->colnum = column;
@@ -62,7 +62,7 @@ public:
                                       netsnmp_create_data_list(TABLE_HANDLER_NAME, info, std::free));
     }
 
-    /** Calls the object's handler. @return whether it, or a variable, refuses */
+    /** Calls the object's handler. @return true if it refuses, or marks a varbind */
     bool refuses(int mode) {
         agentRequest_.mode = mode;
         netsnmp_mib_handler *own = requests::ownHandler(*registration_);
@@ -115,7 +115,7 @@ requests::NewValue anyValue(fuzz::Input &input) {
     return value;
 }
 
-/** Variables of one object: of a table several, of a scalar one, as the agent's helpers hand them on. */
+/** Varbinds of one object, as the agent's helpers pass them on: one of a scalar, several of a table. */
 void addList(Lists &lists, bool withValues, const fuzz::Objects &objects, fuzz::Input &input) {
     netsnmp_handler_registration *registration = objects.at(input.choice(objects.size()));
     VariableList &list = lists.emplace_back(registration);
@@ -125,7 +125,7 @@ void addList(Lists &lists, bool withValues, const fuzz::Objects &objects, fuzz::
         std::vector<oid> name = root;
         fuzz::appendSubIdentifiers(name, input);
         list.add(name, withValues ? anyValue(input) : requests::NewValue{ASN_NULL, ""});
-        // A name that ends before the column has none.
+        // A name may end before the column.
         if (isTable(*registration) && name.size() > root.size() + 1) {
             list.setColumn(static_cast<unsigned int>(name[root.size() + 1]));
         }
@@ -140,7 +140,7 @@ Lists readLists(bool withValues, const fuzz::Objects &objects, fuzz::Input &inpu
     return lists;
 }
 
-/** Calls every handler, also after one has refused. @return whether one has */
+/** Calls every handler, also after a refusal. @return true after a refusal */
 bool anyRefuses(Lists &lists, int mode) {
     bool refused = false;
     for (VariableList &list : lists) {
@@ -151,7 +151,7 @@ bool anyRefuses(Lists &lists, int mode) {
 
 /**
  * Runs the phases of a SET.
- * @param foreignRefusal  the place of a phase that a variable of somebody else refuses; beyond the last for none
+ * @param foreignRefusal  index of a phase that a varbind of another module refuses; beyond the last if there is none
  */
 void set(Lists &lists, std::size_t foreignRefusal) {
     static constexpr struct {

@@ -8,7 +8,7 @@ namespace scripted {
 
 namespace {
 
-// Not a status that any test would choose: it marks a call that the test said nothing about.
+// Status of a call without a script; no test uses it.
 constexpr zorva_core_status kUnscripted = -9999;
 
 template <typename T>

@@ -6,7 +6,7 @@
  * A call is recorded as one text, written as in C with the handles by name and the outputs as `&`, for instance
  * `zorva_api_iris_set_velocity_send(iris, "iris/1", 0, 1)`. A handle that is not open shows as `null` or `closed`.
  *
- * Nothing is answered by default: a service has no targets until targets() names some, and a call that has outputs
+ * There are no default answers: a service has no targets until targets() names some, and a call that has outputs
  * needs an answer(). A call without one fails and is listed by problems(). After a failed call the outputs hold
  * rubbish, as the interface allows.
  */
@@ -30,13 +30,13 @@ namespace scripted {
 /** Value of an output. The null pointer is a missing text, or a number that the call leaves as it was. */
 using Value = std::variant<std::int64_t, std::string, std::nullptr_t>;
 
-/** What a call does: its status, and with status 0 the values of its outputs in order. */
+/** Outcome of a call: its status, and with status 0 the values of its outputs in order. */
 struct Outcome {
     zorva_core_status status = 0;
     std::vector<Value> outputs;
 };
 
-/** What getTargetIds() does. */
+/** Outcome of getTargetIds(). */
 struct Targets {
     bool found = false;
     std::vector<std::string> ids;
@@ -56,16 +56,16 @@ public:
     /** Forgets the script, the record and all open handles. */
     void reset();
 
-    /** From now on the service has these targets; an empty list is "true, but nothing there". */
+    /** From now on the service has these targets; with an empty list the discovery succeeds without a target. */
     void targets(const std::string &service, std::vector<std::string> ids);
-    /** The next discovery of the service, before what targets() says; several are used up in order. */
+    /** The next discovery of the service, before those of targets(); several are used up in order. */
     void targetsOnce(const std::string &service, Targets targets);
 
     /** From now on the call succeeds with these outputs. */
     void answer(const std::string &function, std::vector<Value> outputs);
     /** From now on the call fails. */
     void fail(const std::string &function, zorva_core_status status);
-    /** The next call only, before what answer() or fail() says; several are used up in order. */
+    /** The next call only, before the outcome of answer() or fail(); several are used up in order. */
     void once(const std::string &function, Outcome outcome);
     /**
      * Runs `action` inside each such call, on the caller's thread. A discovery goes by its record, as in
@@ -86,7 +86,7 @@ public:
     /** Forgets the recorded calls, log lines and sleeps; the script and the handles stay. */
     void clearRecord();
 
-    // What the library's functions use.
+    // For the functions of the library.
     Outcome perform(const std::string &function, const std::string &recorded, std::size_t outputs);
     bool discover(const std::string &service, std::vector<std::string> &ids);
     void *open(const std::string &name);

@@ -52,7 +52,7 @@ void fill(const std::string &function, const Outcome &outcome, std::size_t &next
             return;
         }
         if constexpr (std::is_same_v<Output, char *>) {
-            // A failed call leaves texts alone, since whoever asked frees them.
+            // A failed call does not touch texts, which the caller frees.
             if (outcome.status == 0) {
                 const auto *text = std::get_if<std::string>(&outcome.outputs.at(next++));
                 *argument = text != nullptr ? strdup(text->c_str()) : nullptr;
@@ -105,7 +105,7 @@ zorva_core_status plain(const std::string &function, void *handle) {
 
 } // namespace
 
-// The bodies must not be reached by exceptions of the script: a test that asks for the impossible ends in an abort.
+// An exception of the script does not leave these functions: a script that cannot be carried out ends in an abort.
 #define ZORVA_SERVICE(service)                                                                                         \
     extern "C" zorva_core_status zorva_api_##service##_initiator_init(                                                 \
         void *ipcCookie, void *logCookie, void **apiCookie, int32_t reserved0, void *reserved1) {                      \
@@ -161,12 +161,12 @@ extern "C" zorva_core_status zorva_core_ipc_deinit(void *ipcCookie) {
     return plain(__func__, ipcCookie);
 }
 
-/** In place of the C library's: the module waits for late services, and a test need not. */
+/** Replaces the C library's function: the module waits for late services, and a test does not. */
 extern "C" unsigned int sleep(unsigned int seconds) {
     if (gettid() == getpid()) {
         core().sleep(seconds);
     } else {
-        // Not the module's: a fuzzer has a thread of its own that looks at the memory every second.
+        // A sleep of a fuzzer's own thread, which checks the memory every second.
         std::this_thread::sleep_for(std::chrono::seconds(seconds));
     }
     return 0;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * A core library that has nothing to say: every call succeeds at once, and no log line is wanted. What is left of a
- * request is the module's own work, and the same every time.
+ * A core library without work of its own: every call succeeds at once, and log lines are dropped. A request then costs
+ * only the module's own work, which is the same every time.
  *
  * The outputs of a call are 1, 2, 3 and so on, so that no range is empty; texts are as long as those of real cameras.
  * Each service has one target, or as many as QUARNSNMP_SILENT_TARGETS says.
@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr int kHighestLevel = 2; // that is written; no line of the module is as grave
+constexpr int kHighestLevel = 2; // of a line that is written; the module has none of such severity
 
 int gHandle = 0;
 

@@ -8,7 +8,7 @@ namespace requests {
 
 void startAgentLibrary() {
     static const bool started = [] {
-        // Neither the machine's configuration nor its MIB files belong into a test.
+        // Tests do not depend on the machine's configuration and MIB files.
         setenv("SNMPCONFPATH", "/nonexistent", 1);
         setenv("MIBS", "", 1);
         netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, 1);

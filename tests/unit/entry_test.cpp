@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "module_test.h"
+#include "oids.h"
 #include "poll_thread.h"
 #include "snmp_utils.h"
 #include "trap_sender.h"
@@ -11,13 +12,6 @@ std::vector<std::string> gSteps;
 using EntryTest = ModuleTest;
 
 const LogLine kLeaving{7, "timer_thread_func: LEAVING IN THREAD FUNC due to interruption"};
-
-oid gTestOid[] = {1, 3, 6, 1, 4, 1, 99999, 1, 1, 8, 0};
-
-int refuse(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
-           netsnmp_agent_request_info * /*reqinfo*/, netsnmp_request_info * /*requests*/) {
-    return SNMP_ERR_GENERR;
-}
 
 } // namespace
 
@@ -103,10 +97,11 @@ TEST_F(EntryTest, TheTableHasTheFeaturesInOrder) {
     EXPECT_EQ(gFeatureModules.at(10).poll, PollTemperature);
 }
 
-TEST_F(EntryTest, UnloadingTakesEveryObjectBack) {
+TEST_F(EntryTest, UnloadingUnregistersEveryObject) {
     emptyFeatureTable();
     gFeatureModules.at(7).init = [](void *) {
-        return registerScalar({"power", refuse, gTestOid, OID_LENGTH(gTestOid), HANDLER_CAN_GETANDGETNEXT});
+        return registerScalar({"power", [](auto...) { return SNMP_ERR_GENERR; }, oid_power, OID_LENGTH(oid_power),
+                               HANDLER_CAN_GETANDGETNEXT});
     };
     gFeatureModules.at(7).deinit = [] {};
     for (int i = 0; i < 3; ++i) {

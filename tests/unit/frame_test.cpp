@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <climits>
+#include <functional>
 #include <stdexcept>
 
-#include "module_test.h"
+#include "handler_requests.h"
+#include "oids.h"
 #include "snmp_utils.h"
 #include "zorva_api_exception.h"
 
@@ -11,33 +13,15 @@ namespace {
 const char *const kObject = oids::registered::power;
 const char *const kInstance = oids::power;
 
-oid gObjectOid[] = {1, 3, 6, 1, 4, 1, 99999, 1, 1, 8, 0};
-
-const int kOtherModes[] = {MODE_GETNEXT,    MODE_GETBULK,    MODE_SET_RESERVE1, MODE_SET_RESERVE2,
-                           MODE_SET_ACTION, MODE_SET_COMMIT, MODE_SET_FREE,     MODE_SET_UNDO};
-
-int answerSeven(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
-    return HandleIntMib(ASN_INTEGER, 7, handler, reginfo, reqinfo, requests);
-}
-
-int answerUnsigned(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                   netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
-    return HandleIntMib(ASN_UNSIGNED, 40, handler, reginfo, reqinfo, requests);
-}
-
-int answerText(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo, netsnmp_agent_request_info *reqinfo,
-               netsnmp_request_info *requests) {
-    return HandleStringMib(std::string("a\0b", 3), handler, reginfo, reqinfo, requests);
-}
-
-int throwError(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*reginfo*/,
-               netsnmp_agent_request_info * /*reqinfo*/, netsnmp_request_info * /*requests*/) {
-    throw std::runtime_error("no room");
-}
+Netsnmp_Node_Handler *const answerSeven = [](auto... arguments) { return HandleIntMib(ASN_INTEGER, 7, arguments...); };
+Netsnmp_Node_Handler *const answerUnsigned = [](auto... arguments) {
+    return HandleIntMib(ASN_UNSIGNED, 40, arguments...);
+};
+Netsnmp_Node_Handler *const answerText = [](auto... arguments) { return HandleStringMib("a\0b"s, arguments...); };
+Netsnmp_Node_Handler *const throwError = [](auto...) -> int { throw std::runtime_error("no room"); };
 
 snmp_variable object(Netsnmp_Node_Handler *handler, int modes = HANDLER_CAN_GETANDGETNEXT) {
-    return {"power", handler, gObjectOid, OID_LENGTH(gObjectOid), modes};
+    return {"power", handler, oid_power, OID_LENGTH(oid_power), modes};
 }
 
 class FrameTest : public ModuleTest {
@@ -69,7 +53,7 @@ TEST(ScaleValues, PassesThroughSinglePrecision) {
     EXPECT_EQ(ScaleValues(100000001, 0, 1, 0, 1), 100000000);
 }
 
-TEST(ScaleValues, HasADefinedResultWhereItHasNoMeaning) {
+TEST(ScaleValues, HasADefinedResultForAnEmptyRange) {
     EXPECT_EQ(ScaleValues(5, 5, 5, 0, 100), 0);
     EXPECT_EQ(ScaleValues(6, 5, 5, 0, 100), INT_MAX);
     EXPECT_EQ(ScaleValues(4, 5, 5, 0, 100), INT_MIN);
@@ -82,15 +66,15 @@ TEST(UshortSwapEndian, SwapsTheOctets) {
     EXPECT_EQ(ushort_swap_endian(0xFF00), 0x00FF);
 }
 
-TEST_F(FrameTest, AVendorScalarAnswersBelowItsStoredIdentifier) {
+TEST_F(FrameTest, AVendorScalarAnswersBelowItsStoredOid) {
     ASSERT_TRUE(registerScalar(object(answerSeven)));
     EXPECT_EQ(requests::registeredName(kObject), "power");
-    EXPECT_NE(get(kObject).type, ASN_INTEGER) << "the stored identifier is no instance";
+    EXPECT_NE(get(kObject).type, ASN_INTEGER) << "the stored OID is not an instance";
     EXPECT_THAT(get(kInstance), isInteger(7));
     EXPECT_THAT(core().logs(), ElementsAre(LogLine{7, "registerScalar: Registration for power OID OK"}));
 }
 
-TEST_F(FrameTest, TheSecondRegistrationOfAnIdentifierIsRefused) {
+TEST_F(FrameTest, TheSecondRegistrationOfAnOidIsRefused) {
     ASSERT_TRUE(registerScalar(object(answerSeven)));
     core().clearRecord();
     snmp_variable second = object(answerText);
@@ -99,7 +83,7 @@ TEST_F(FrameTest, TheSecondRegistrationOfAnIdentifierIsRefused) {
     EXPECT_EQ(get(kInstance).integer, 7);
 }
 
-TEST_F(FrameTest, ObjectsCanBeTakenBackAndRegisteredAgain) {
+TEST_F(FrameTest, ObjectsCanBeUnregisteredAndRegisteredAgain) {
     for (int i = 0; i < 3; ++i) {
         ASSERT_TRUE(registerScalar(object(answerSeven)));
         ASSERT_EQ(get(kInstance).integer, 7);
@@ -122,25 +106,18 @@ TEST_F(FrameTest, AnExceptionOfAHandlerIsAnsweredWithGenErr) {
 }
 
 TEST_F(FrameTest, HandleIntMibSetsTheTypeThatItIsGiven) {
-    const Answer answer = Request(kInstance).run(answerUnsigned, MODE_GET);
-    EXPECT_EQ(answer.returned, SNMP_ERR_NOERROR);
-    EXPECT_EQ(answer.type, ASN_UNSIGNED);
-    EXPECT_EQ(answer.integer, 40);
+    EXPECT_THAT(Request(kInstance).run(answerUnsigned, MODE_GET), isInteger(40, ASN_UNSIGNED));
 }
 
 TEST_F(FrameTest, HandleStringMibSetsTheTextAsItIs) {
-    const Answer answer = Request(kInstance).run(answerText, MODE_GET);
-    EXPECT_EQ(answer.returned, SNMP_ERR_NOERROR);
-    EXPECT_EQ(answer.type, ASN_OCTET_STR);
-    EXPECT_EQ(answer.octets, std::string("a\0b", 3));
+    EXPECT_THAT(Request(kInstance).run(answerText, MODE_GET), isOctets("a\0b"s));
 }
 
 TEST_F(FrameTest, BothAnswerGenErrForAnyModeButGetAndLeaveTheRequest) {
-    for (const int mode : kOtherModes) {
+    for (const int mode : modesExcept({MODE_GET})) {
         for (Netsnmp_Node_Handler *handler : {answerSeven, answerText}) {
             const Answer answer = Request(kInstance).run(handler, mode);
-            EXPECT_EQ(answer.returned, SNMP_ERR_GENERR) << mode;
-            EXPECT_EQ(answer.requestError, SNMP_ERR_NOERROR) << mode;
+            EXPECT_THAT(answer, isRefused(SNMP_ERR_GENERR, SNMP_ERR_NOERROR)) << mode;
             EXPECT_EQ(answer.type, ASN_NULL) << mode;
         }
     }
@@ -181,7 +158,7 @@ TEST_F(FrameTest, ARequestWithoutARowHasNoCell) {
     EXPECT_EQ(col, 0);
 }
 
-TEST_F(FrameTest, TheRowDoesNotDependOnHowIdentifiersArePrinted) {
+TEST_F(FrameTest, TheRowDoesNotDependOnTheOutputFormatOfOids) {
     const int format = netsnmp_ds_get_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OID_OUTPUT_FORMAT);
     for (const int other : {NETSNMP_OID_OUTPUT_SUFFIX, NETSNMP_OID_OUTPUT_UCD, NETSNMP_OID_OUTPUT_FULL}) {
         netsnmp_ds_set_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OID_OUTPUT_FORMAT, other);
@@ -202,22 +179,20 @@ TEST_F(FrameTest, AFailedCallIsNamedAsItIsWritten) {
     core().targets("iris", {"iris/1"});
     core().fail("zorva_api_iris_set_velocity_send", 9);
     void *gApiCookie = nullptr;
-    try {
-        ZORVA_API_CALL(zorva_api_iris_set_velocity_send( gApiCookie, "iris/1", 0 ,
-                                                         1));
-        FAIL() << "no exception";
-    } catch (const std::exception &error) {
-        EXPECT_STREQ(error.what(), "Failed zorva api call: zorva_api_iris_set_velocity_send( gApiCookie, \"iris/1\", "
-                                   "0 , 1) (status 9)");
-    }
-    try {
-        ZORVA_API_CALL(zorva_api_iris_set_velocity_send(
-            gApiCookie, "iris/1", 0, 1));
-        FAIL() << "no exception";
-    } catch (const std::exception &error) {
-        EXPECT_STREQ(error.what(), "Failed zorva api call: zorva_api_iris_set_velocity_send( gApiCookie, \"iris/1\", "
-                                   "0, 1) (status 9)");
-    }
+    const auto textOf = [](const std::function<void()> &call) {
+        try {
+            call();
+        } catch (const std::exception &error) {
+            return std::string(error.what());
+        }
+        return "no exception"s;
+    };
+    EXPECT_EQ(textOf([&] { ZORVA_API_CALL(zorva_api_iris_set_velocity_send( gApiCookie, "iris/1", 0 ,
+                                                                   1)); }),
+              "Failed zorva api call: zorva_api_iris_set_velocity_send( gApiCookie, \"iris/1\", 0 , 1) (status 9)");
+    EXPECT_EQ(textOf([&] { ZORVA_API_CALL(zorva_api_iris_set_velocity_send(
+                      gApiCookie, "iris/1", 0, 1)); }),
+              "Failed zorva api call: zorva_api_iris_set_velocity_send( gApiCookie, \"iris/1\", 0, 1) (status 9)");
 }
 
 TEST_F(FrameTest, ASuccessfulCallThrowsNothing) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Checks of what the module holds before anything has happened: earlier tests of the same process leave traces. The
+ * Checks of the state of a module that was just loaded. Earlier tests of the same process would change it. The
  * suites of such tests have "FreshTest" in their names.
  */
 #ifndef QUARNSNMP_FRESH_PROCESS_H
@@ -12,7 +12,7 @@
 
 #include <gtest/gtest.h>
 
-/** Ends the process. @return (by its status) whether nothing has failed; what has failed goes to standard error */
+/** Ends the process with status 0, or with status 1 and the failures on standard error. */
 [[noreturn]] inline void endWithResult() {
     const testing::TestResult &result = *testing::UnitTest::GetInstance()->current_test_info()->result();
     for (int i = 0; i < result.total_part_count(); ++i) {

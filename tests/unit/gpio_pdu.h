@@ -35,7 +35,7 @@ public:
     int run(int mode);
     /** Calls only the last handler of that chain, which is the module's. */
     int runOwnHandler(int mode);
-    /** Runs the phases of a SET as long as none is refused. @return the error that the manager gets */
+    /** Runs the phases of a SET up to the first refusal. @return the error for the manager */
     int set();
 
     /** A varbind's answer; `returned` belongs to the whole list and is left out. */

@@ -18,15 +18,11 @@ struct BitMap : Row {
     std::vector<LogLine> failure; ///< after the lines of the states before it
 };
 
+const std::vector<LogLine> kNoFailure;
+const std::vector<LogLine> kFailure{logs::error("handle_outputStatus: MODE_SET_RESERVE2 fail")};
 const BitMap kBitMaps[] = {
-    {{"inputStatus"}, &kAlarmTable, oids::inputStatus, 4, "Exit.", true, {}},
-    {{"outputStatus"},
-     &kRelayTable,
-     oids::outputStatus,
-     2,
-     "Done.",
-     false,
-     {logs::error("handle_outputStatus: MODE_SET_RESERVE2 fail")}},
+    row<BitMap>("inputStatus", &kAlarmTable, oids::inputStatus, 4, "Exit.", true, kNoFailure),
+    row<BitMap>("outputStatus", &kRelayTable, oids::outputStatus, 2, "Done.", false, kFailure),
 };
 
 class GpioStatusTest : public ModuleTest, public testing::WithParamInterface<BitMap> {

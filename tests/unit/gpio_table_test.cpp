@@ -3,6 +3,7 @@
 
 #include <limits>
 
+#include "handler_requests.h"
 #include "snmp_utils.h"
 
 const GpioTable kAlarmTable{
@@ -85,16 +86,8 @@ protected:
     }
 };
 
-void expectInteger(const Answer &answer, long expected) {
-    EXPECT_EQ(answer.type, ASN_INTEGER);
-    EXPECT_EQ(answer.integer, expected);
-    EXPECT_EQ(answer.requestError, SNMP_ERR_NOERROR);
-}
-
-void expectGpio(const Answer &answer) {
-    EXPECT_EQ(answer.type, ASN_OCTET_STR);
-    EXPECT_EQ(answer.octets, "GPIO");
-    EXPECT_EQ(answer.requestError, SNMP_ERR_NOERROR);
+testing::Matcher<const Answer &> isGpio() {
+    return isOctets("GPIO");
 }
 
 /** A GET of one cell. @return its answer, with what the handlers returned */
@@ -106,16 +99,7 @@ Answer getCell(const std::string &name) {
     return answer;
 }
 
-const unsigned long kMissingRows[] = {0, 3, 4, 2147483647, 2147483648, 4294967295};
-
 } // namespace
-
-TEST_P(GpioTableTest, IsRegisteredUnderItsOwnName) {
-    gpio::start(*GetParam(), 1);
-    EXPECT_EQ(requests::registeredName(GetParam()->root), GetParam()->object);
-    UnregisterAll();
-    EXPECT_EQ(requests::registeredName(GetParam()->root), "");
-}
 
 TEST_P(GpioTableTest, HasARowForEachTarget) {
     core().answer(gpio::readFunction(*GetParam()), {std::int64_t{1}});
@@ -130,9 +114,9 @@ TEST_P(GpioTableTest, HasARowForEachTarget) {
             EXPECT_EQ(found.name, cell(static_cast<unsigned long>(column), static_cast<unsigned long>(row)));
             EXPECT_EQ(found.answer.returned, SNMP_ERR_NOERROR);
             if (column == 1) {
-                expectGpio(found.answer);
+                EXPECT_THAT(found.answer, isGpio());
             } else {
-                expectInteger(found.answer, column == 2 ? row - 1 : 1);
+                EXPECT_THAT(found.answer, isInteger(column == 2 ? row - 1 : 1));
             }
         }
         GetParam()->deinit();
@@ -146,8 +130,8 @@ TEST_P(GpioTableTest, AWalkReadsEachStateOnce) {
     gpio::script(*GetParam(), {0, 1});
     const std::vector<requests::Cell> cells = requests::walk(GetParam()->root);
     ASSERT_EQ(cells.size(), 6U);
-    expectInteger(cells[4].answer, 0);
-    expectInteger(cells[5].answer, 1);
+    EXPECT_THAT(cells[4].answer, isInteger(0));
+    EXPECT_THAT(cells[5].answer, isInteger(1));
     EXPECT_THAT(core().calls(), ElementsAre(readCall(1), readCall(2)));
     EXPECT_THAT(core().logs(), ElementsAre(returning(1, 0), returning(2, 1)));
 }
@@ -165,8 +149,8 @@ TEST_P(GpioTableTest, AGetNextThatReachesTheHandlerIsLeftToTheDataSet) {
 TEST_P(GpioTableTest, TheFirstTwoColumnsDescribeTheRow) {
     gpio::start(*GetParam(), 6);
     for (int row = 1; row <= 6; ++row) {
-        expectGpio(getCell(cell(1, static_cast<unsigned long>(row))));
-        expectInteger(getCell(cell(2, static_cast<unsigned long>(row))), row - 1);
+        EXPECT_THAT(getCell(cell(1, static_cast<unsigned long>(row))), isGpio());
+        EXPECT_THAT(getCell(cell(2, static_cast<unsigned long>(row))), isInteger(row - 1));
     }
     EXPECT_THAT(core().calls(), IsEmpty());
     EXPECT_THAT(core().logs(), IsEmpty());
@@ -180,7 +164,7 @@ TEST_P(GpioTableTest, TheThirdColumnIsReadAtEachGet) {
             gpio::script(*GetParam(), {state});
             const Answer answer = getCell(cell(3, static_cast<unsigned long>(row)));
             EXPECT_EQ(answer.returned, SNMP_ERR_NOERROR);
-            expectInteger(answer, state);
+            EXPECT_THAT(answer, isInteger(state));
             EXPECT_THAT(core().calls(), ElementsAre(readCall(row)));
             EXPECT_THAT(core().logs(), ElementsAre(returning(row, state)));
         }
@@ -195,11 +179,11 @@ TEST_P(GpioTableTest, OneRequestReadsSeveralCells) {
         pdu.add({name});
     }
     EXPECT_EQ(pdu.run(MODE_GET), SNMP_ERR_NOERROR);
-    expectGpio(pdu.answer(0));
-    expectInteger(pdu.answer(1), 1);
-    expectInteger(pdu.answer(2), 1);
-    expectInteger(pdu.answer(3), 0);
-    expectGpio(pdu.answer(4));
+    EXPECT_THAT(pdu.answer(0), isGpio());
+    EXPECT_THAT(pdu.answer(1), isInteger(1));
+    EXPECT_THAT(pdu.answer(2), isInteger(1));
+    EXPECT_THAT(pdu.answer(3), isInteger(0));
+    EXPECT_THAT(pdu.answer(4), isGpio());
     EXPECT_THAT(core().calls(), ElementsAre(readCall(2), readCall(1)));
     EXPECT_THAT(core().logs(), ElementsAre(returning(2, 1), returning(1, 0)));
 }
@@ -219,20 +203,18 @@ TEST_P(GpioTableTest, AFailedReadIsAnErrorAndEndsTheRequest) {
 
 TEST_P(GpioTableTest, RowsThatDoNotExistReachNoTarget) {
     gpio::start(*GetParam(), 2);
-    for (const unsigned long row : kMissingRows) {
+    for (const unsigned long row : {0UL, 3UL, 4UL, 2147483647UL, 2147483648UL, 4294967295UL}) {
         const Answer answer = getCell(cell(3, row));
         EXPECT_TRUE(answer.returned == SNMP_ERR_GENERR || answer.type == SNMP_NOSUCHINSTANCE) << row;
         EXPECT_NE(answer.type, ASN_INTEGER) << row;
+        if (row == 3) {
+            EXPECT_EQ(answer.returned, SNMP_ERR_GENERR);
+        }
         for (const unsigned long column : {1UL, 2UL}) {
             EXPECT_EQ(getCell(cell(column, row)).type, SNMP_NOSUCHINSTANCE) << column << " " << row;
         }
     }
     EXPECT_THAT(core().calls(), IsEmpty());
-}
-
-TEST_P(GpioTableTest, ARowPastTheEndIsAnError) {
-    gpio::start(*GetParam(), 2);
-    EXPECT_EQ(getCell(cell(3, 3)).returned, SNMP_ERR_GENERR);
     EXPECT_THAT(core().logs(), IsEmpty());
 }
 
@@ -261,12 +243,12 @@ TEST_P(GpioTableTest, AnUnknownColumnThatReachesTheHandlerIsLogged) {
             EXPECT_EQ(pdu.answer(1).type, ASN_NULL);
         } else {
             EXPECT_THAT(core().logs(), ElementsAre(unknown, returning(2, 1)));
-            expectInteger(pdu.answer(1), 1);
+            EXPECT_THAT(pdu.answer(1), isInteger(1));
         }
     }
 }
 
-TEST_P(GpioTableTest, AnIdentifierWithoutARowIsNoCell) {
+TEST_P(GpioTableTest, AnOidWithoutARowIsNoCell) {
     gpio::start(*GetParam(), 2);
     for (const std::string &name : {std::string(GetParam()->root), std::string(GetParam()->root) + ".1",
                                     std::string(GetParam()->root) + ".1.3"}) {
@@ -285,8 +267,8 @@ TEST_P(GpioTableTest, TheReadOnlyColumnsCannotBeSet) {
     }
     Pdu pdu{{cell(1, 1), NewValue::text("mine")}};
     EXPECT_NE(pdu.set(), SNMP_ERR_NOERROR);
-    expectGpio(getCell(cell(1, 1)));
-    expectInteger(getCell(cell(2, 1)), 0);
+    EXPECT_THAT(getCell(cell(1, 1)), isGpio());
+    EXPECT_THAT(getCell(cell(2, 1)), isInteger(0));
     EXPECT_THAT(core().calls(), IsEmpty());
 }
 
@@ -301,13 +283,13 @@ TEST_P(GpioTableTest, AStartAgainServesTheNewTargetsOnly) {
     EXPECT_EQ(getCell(cell(3, 3)).returned, SNMP_ERR_GENERR);
 }
 
-// What is not given back shows in the leak check at the end of the program.
+// The leak check at the end of the program finds memory of a registration that was not freed.
 TEST_P(GpioTableTest, CanBeRegisteredAgainAndAgain) {
     core().answer(gpio::readFunction(*GetParam()), {std::int64_t{1}});
     for (int i = 0; i < 30; ++i) {
         gpio::start(*GetParam(), 6);
         EXPECT_EQ(requests::walk(GetParam()->root).size(), 18U);
-        expectInteger(getCell(cell(3, 6)), 1);
+        EXPECT_THAT(getCell(cell(3, 6)), isInteger(1));
         GetParam()->deinit();
         UnregisterAll();
         EXPECT_EQ(requests::registeredName(GetParam()->root), "");

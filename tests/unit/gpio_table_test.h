@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The two vendor tables, one row per input or output: what their tests share, and what differs between them.
+ * The two vendor tables, with one row for each input or output: helpers of their tests, and their differences.
  */
 #ifndef QUARNSNMP_GPIO_TABLE_TEST_H
 #define QUARNSNMP_GPIO_TABLE_TEST_H
@@ -12,7 +12,7 @@
 #include "gpio_pdu.h"
 #include "module_test.h"
 
-/** What differs between the tables. */
+/** Differences of the tables. */
 struct GpioTable {
     const char *service; ///< also the word of the log lines and of the targets
     const char *object;  ///< name of the registration
@@ -20,7 +20,7 @@ struct GpioTable {
     bool (*init)(void *ipcCookie);
     void (*deinit)();
     std::vector<std::int64_t> states; ///< every kind that the service can report
-    bool stopsAtUnknownColumn;        ///< whether the variables after one of an unknown column are left alone
+    bool stopsAtUnknownColumn;        ///< and ignores the varbinds after one of it
     bool writable;
 };
 

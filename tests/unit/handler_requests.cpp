@@ -41,6 +41,18 @@ LogLine failed(const std::string &call) {
 
 } // namespace logs
 
+std::string discoverCall(const std::string &service) {
+    return "getTargetIds(\"" + service + "\")";
+}
+
+std::string openCall(const std::string &service) {
+    return "zorva_api_" + service + "_initiator_init(ipc, log, &, 0, null)";
+}
+
+std::string closeCall(const std::string &service) {
+    return "zorva_api_" + service + "_initiator_deinit(" + service + ")";
+}
+
 const Modes &knownModes() {
     static const Modes modes{MODE_GET,        MODE_GETNEXT,    MODE_SET_RESERVE1, MODE_SET_RESERVE2,
                              MODE_SET_ACTION, MODE_SET_COMMIT, MODE_SET_FREE,     MODE_SET_UNDO};

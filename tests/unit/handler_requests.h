@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * What the tests of all handlers share: requests through the phases of a SET, and what is expected of an answer and in
- * the log.
+ * Helpers for the tests of all handlers: requests through the phases of a SET, and expectations of answers and log
+ * lines.
  */
 #ifndef QUARNSNMP_HANDLER_REQUESTS_H
 #define QUARNSNMP_HANDLER_REQUESTS_H
@@ -28,17 +28,22 @@ LogLine failed(const std::string &call);
 
 } // namespace logs
 
-/** Status of every call that a test lets fail. */
+/** Calls that find, open and close a service. */
+std::string discoverCall(const std::string &service);
+std::string openCall(const std::string &service);
+std::string closeCall(const std::string &service);
+
+/** Status of every call that a test makes fail. */
 inline constexpr zorva_core_status kRefused = 17;
 
 using Modes = std::vector<int>;
 
-/** Modes that no handler of a scalar has a use for. */
+/** Modes that no handler of a scalar serves. */
 inline constexpr int kUnknownModes[] = {-1, 6, 99, 162, MODE_GETBULK, std::numeric_limits<int>::max()};
 
 /** All modes that the agent uses. */
 const Modes &knownModes();
-/** All modes that the agent knows, and some that nobody knows, without those that a handler serves. */
+/** All modes of the agent and some unknown ones, without those that a handler serves. */
 Modes modesExcept(const Modes &served);
 
 /** Octets of a value. */
@@ -51,12 +56,12 @@ testing::Matcher<const Answer &> isAccepted();
 /** An answer without an error, of this value. */
 testing::Matcher<const Answer &> isInteger(long value, unsigned char type = ASN_INTEGER);
 testing::Matcher<const Answer &> isOctets(const std::string &value);
-/** What the handler returns, and what it sets on the request. */
+/** An answer with these errors: the result of the handler, and the error of the request. */
 testing::Matcher<const Answer &> isRefused(int returned, int requestError);
 
-/** Runs all phases of a SET that nobody refuses; each has to be accepted. */
+/** Runs all phases of a SET, and expects each to be accepted. */
 void set(std::string_view instance, const NewValue &value);
-/** Runs the phases up to ACTION and then UNDO, as the agent does when another variable's ACTION fails. */
+/** Runs the phases up to ACTION and then UNDO, as the agent does when the ACTION of another varbind fails. */
 void setAndUndo(std::string_view instance, const NewValue &value);
 
 /** A request for a handler; what lies behind the value in memory is not 0. */

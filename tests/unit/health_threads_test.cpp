@@ -28,26 +28,15 @@ struct Watched : Row {
 };
 
 const Watched kWatched[] = {
-    {{"power"}, "power", InitPower, DeinitPower, PollPower, oids::power, "zorva_api_power_get_power_state_send", true},
-    {{"voltage"},
-     "power",
-     InitPower,
-     DeinitPower,
-     PollPower,
-     oids::voltage,
-     "zorva_api_power_get_voltage_state_send",
-     false},
-    {{"temperature"},
-     "temperature",
-     InitTemperature,
-     DeinitTemperature,
-     PollTemperature,
-     oids::temperature,
-     "zorva_api_temperature_get_temperature_send",
-     true},
+    row<Watched>("power", "power", InitPower, DeinitPower, PollPower, oids::power,
+                 "zorva_api_power_get_power_state_send", true),
+    row<Watched>("voltage", "power", InitPower, DeinitPower, PollPower, oids::voltage,
+                 "zorva_api_power_get_voltage_state_send", false),
+    row<Watched>("temperature", "temperature", InitTemperature, DeinitTemperature, PollTemperature, oids::temperature,
+                 "zorva_api_temperature_get_temperature_send", true),
 };
 
-/** Whether a thread of this process waits in the kernel, as for a lock. */
+/** Returns true for a thread of this process that waits in the kernel, as for a lock. */
 bool isAsleep(long thread) {
     std::ifstream stat("/proc/self/task/" + std::to_string(thread) + "/stat");
     std::string text;
@@ -97,15 +86,4 @@ TEST_P(HealthThreadsTest, APollDuringARequestWaitsWhereTheServiceNeedsIt) {
     EXPECT_THAT(get(GetParam().instance), isAccepted());
     polling.join();
     EXPECT_EQ(reads, 2) << "the poll reads when it is its turn";
-}
-
-// The features whose polls tests/agent/poll_reach_test.cpp follows into everything that they can call.
-TEST(FeatureTable, PollsPowerAndTemperatureAndNothingElse) {
-    std::vector<void (*)()> polls;
-    for (const FeatureModule &feature : gFeatureModules) {
-        if (feature.poll != nullptr) {
-            polls.push_back(feature.poll);
-        }
-    }
-    EXPECT_THAT(polls, ElementsAre(PollPower, PollTemperature));
 }

@@ -1,11 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lens_drives.h"
 
-#include <ostream>
-
-#include "feature_modules.h"
-#include "listed_objects.h"
-
 namespace lens_tests {
 
 namespace {
@@ -53,7 +48,7 @@ std::string Drive::readPositionCall() const {
     if (!isStepper) {
         return call(readPosition, "&, &, &");
     }
-    // The focus stepper has a second output, which nobody needs.
+    // The focus stepper has a second output, which the module does not use.
     return call(readPosition, opensExposure ? "&, &" : "&");
 }
 
@@ -88,16 +83,12 @@ std::string Drive::absoluteLine(const Lens &lens, std::int64_t target) const {
            ", abs" + what + shown(target);
 }
 
-void PrintTo(const Drive &drive, std::ostream *stream) {
-    *stream << drive.title;
-}
-
 namespace {
 
 Drive driveOf(const std::string &title, const std::string &word, const std::string &service, bool (*init)(void *),
               void (*deinit)(), const std::string &plural) {
     Drive drive{};
-    drive.title = title;
+    drive.name = title;
     drive.word = word;
     drive.capital = word;
     drive.capital[0] = static_cast<char>(drive.capital[0] - 'a' + 'A');

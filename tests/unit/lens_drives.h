@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The four drives of a lens as records: each has what tells it from the others.
+ * The four drives of a lens as records of their differences.
  */
 #ifndef QUARNSNMP_LENS_DRIVES_H
 #define QUARNSNMP_LENS_DRIVES_H
 
 #include <cstdint>
-#include <iosfwd>
 #include <string>
 #include <vector>
+
+#include "module_test.h"
 
 namespace lens_tests {
 
@@ -23,7 +24,7 @@ struct Object {
     std::string instance() const;
 };
 
-/** What a drive answers about itself; 64 bits hold signed and unsigned positions. */
+/** Position and limits of a drive; 64 bits hold signed and unsigned positions. */
 struct Lens {
     std::int64_t current;
     std::int64_t min;
@@ -34,8 +35,7 @@ struct Lens {
 
 inline constexpr Lens kLens{4000, 1000, 9000};
 
-struct Drive {
-    std::string title;   ///< in names of tests
+struct Drive : Row {
     std::string word;    ///< in log lines of commands
     std::string capital; ///< in names of positions in log lines
     std::string service;
@@ -57,7 +57,7 @@ struct Drive {
     std::string readPosition; ///< operation that a delta begins with
     std::string move;
     std::vector<Object> objects;            ///< in the order of their registration: range, time-out, position, others
-    std::vector<std::string> constantLines; ///< after the handler's name, for range and time-out; empty for none
+    std::vector<std::string> constantLines; ///< after the handler's name, for range and time-out; empty without a line
 
     const Object &position() const;
     std::string function(const std::string &operation) const;
@@ -72,8 +72,6 @@ struct Drive {
     std::string deltaLine(const Lens &lens, std::int64_t step, std::int64_t target) const;
     std::string absoluteLine(const Lens &lens, std::int64_t target) const;
 };
-
-void PrintTo(const Drive &drive, std::ostream *stream);
 
 Drive focus();
 Drive focusStepper();

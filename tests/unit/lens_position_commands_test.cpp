@@ -5,7 +5,7 @@ namespace lens_tests {
 
 namespace {
 
-/** What each command logs and calls, in order. */
+/** Log lines and calls of each command, in order. */
 class LensCommandTest : public LensDriveTest {
 protected:
     void SetUp() override {
@@ -53,7 +53,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Drives, LensCommandTest, testing::ValuesIn(allDrives()), titleOf);
+INSTANTIATE_TEST_SUITE_P(Drives, LensCommandTest, testing::ValuesIn(allDrives()), nameOf<Drive>);
 
 } // namespace
 
@@ -76,14 +76,10 @@ TEST_P(LensCommandTest, ADelta) {
     expectStory(command(1, -1, 0x4000), deltaStory(kLens, 2000, 2000));
     expectStory(command(1, 1, 0x0100), deltaStory(kLens, 31, 4031));
     expectStory(command(1, -1, 0x0100), deltaStory(kLens, 31, 3969));
-}
-
-TEST_P(LensCommandTest, ADeltaEndsAtTheUpperLimit) {
+    // Up to the limit.
     expectStory(command(1, 1, 0xA000), deltaStory(kLens, 5000, 9000));
     expectStory(command(1, 1, 0xFFFF), deltaStory(kLens, 8000, 9000));
-}
-
-TEST_P(LensCommandTest, ADeltaGoesWhereTheSignOfItsSpeedSays) {
+    // By the sign of the speed.
     for (int speed = -128; speed <= 127; ++speed) {
         expectStory(command(1, speed, 0x4000), deltaStory(kLens, 2000, speed < 0 ? 2000 : 6000));
     }
@@ -93,9 +89,7 @@ TEST_P(LensCommandTest, AnAbsoluteMove) {
     expectStory(command(2, 0, 0), absoluteStory(kLens, 1000));
     expectStory(command(2, 0, 0x4000), absoluteStory(kLens, 3000));
     expectStory(command(2, 0, 0xFFFF), absoluteStory(kLens, 9000));
-}
-
-TEST_P(LensCommandTest, AnAbsoluteMoveHasNoUseForItsSpeed) {
+    // At any speed.
     for (int speed = -128; speed <= 127; ++speed) {
         expectStory(command(2, speed, 0x8000), absoluteStory(kLens, 5000));
     }
@@ -107,7 +101,7 @@ TEST_P(LensCommandTest, AContinuousMoveGoesWhereTheSignOfItsSpeedSays) {
     }
 }
 
-TEST_P(LensCommandTest, ADeltaWithoutAPositionIsDroppedWithoutAWord) {
+TEST_P(LensCommandTest, ADeltaWithoutAPositionIsDroppedSilently) {
     core().fail(GetParam().function(GetParam().readPosition), kRefused);
     for (const int speed : {-1, 0, 1}) {
         const Answer answer = commit(command(1, speed, 0x4000));

@@ -101,7 +101,7 @@ std::vector<unsigned int> sweep() {
     return positions;
 }
 
-INSTANTIATE_TEST_SUITE_P(Drives, LensModelTest, testing::ValuesIn(allDrives()), titleOf);
+INSTANTIATE_TEST_SUITE_P(Drives, LensModelTest, testing::ValuesIn(allDrives()), nameOf<Drive>);
 
 } // namespace
 

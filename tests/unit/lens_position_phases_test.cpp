@@ -20,7 +20,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Drives, LensPositionTest, testing::ValuesIn(allDrives()), titleOf);
+INSTANTIATE_TEST_SUITE_P(Drives, LensPositionTest, testing::ValuesIn(allDrives()), nameOf<Drive>);
 
 } // namespace
 

@@ -7,7 +7,7 @@ namespace lens_tests {
 
 namespace {
 
-/** How many log lines there were before each watched call. */
+/** Number of log lines before each watched call. */
 std::vector<std::size_t> gLinesBefore;
 
 } // namespace
@@ -80,11 +80,6 @@ Answer LensTest::phase(const Object &object, int mode, const std::string &value)
     return DirtyRequest(object.instance(), NewValue::text(value)).runOwnHandler(mode);
 }
 
-Answer LensTest::phase(const Object &object, int mode) {
-    forget();
-    return Request(object.instance()).runOwnHandler(mode);
-}
-
 Answer LensTest::commit(const Object &object, const std::string &value) {
     EXPECT_THAT(phase(object, MODE_SET_ACTION, value), isAccepted());
     return phase(object, MODE_SET_COMMIT, value);
@@ -96,10 +91,6 @@ LogLine enter(const Object &object) {
 
 LogLine done(const Object &object, int level) {
     return said(object, level, "Done.");
-}
-
-LogLine unknownMode(const Object &object, int mode, int level) {
-    return said(object, level, "unknown mode (" + std::to_string(mode) + ")");
 }
 
 LogLine said(const Object &object, int level, const std::string &text) {
@@ -119,10 +110,6 @@ const Object &LensDriveTest::object() {
 
 Answer LensDriveTest::phase(int mode, const std::string &value) {
     return LensTest::phase(object(), mode, value);
-}
-
-Answer LensDriveTest::phase(int mode) {
-    return LensTest::phase(object(), mode);
 }
 
 Answer LensDriveTest::commit(const std::string &value) {
@@ -146,10 +133,6 @@ void LensDriveTest::restart(const Lens &lens) {
 void LensDriveTest::restartWithoutLimits() {
     core().once(GetParam().function(GetParam().readRange), {kRefused, {}});
     restart();
-}
-
-std::string titleOf(const testing::TestParamInfo<Drive> &info) {
-    return info.param.title;
 }
 
 } // namespace lens_tests

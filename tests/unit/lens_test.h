@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * What the tests of the lens share: a camera with one drive, phases on the objects' own handlers, and a record of log
+ * Helpers for the tests of the lens: a camera with one drive, phases on the objects' own handlers, and a record of log
  * lines and calls in one order.
  */
 #ifndef QUARNSNMP_LENS_TEST_H
@@ -12,18 +12,18 @@
 
 namespace lens_tests {
 
-using Lines = std::vector<std::string>;
+using Lines = Calls;
 
 /** A log line as story() has it. */
-std::string line(const scripted::LogLine &log);
+std::string line(const LogLine &log);
 
 class LensTest : public ModuleTest {
 protected:
     void SetUp() override;
 
-    /** Puts the drive and what it needs into the camera. */
+    /** Adds the drive and its services to the camera. */
     static void offer(const Drive &drive, const Lens &lens = kLens);
-    /** What the drive's service answers from now on. */
+    /** Sets the answers of the drive's service from now on. */
     static void answer(const Drive &drive, const Lens &lens);
     /** Brings the drive up, and forgets the calls and log lines of that. */
     static void start(const Drive &drive, const Lens &lens = kLens);
@@ -36,18 +36,15 @@ protected:
     static Lines story();
 
     /** One phase on the object's own handler, with the record of this phase only. */
-    static requests::Answer phase(const Object &object, int mode, const std::string &value);
-    /** The same without a value. */
-    static requests::Answer phase(const Object &object, int mode);
-    /** A command that nobody checks: an ACTION and a COMMIT, with the record of the COMMIT only. */
-    static requests::Answer commit(const Object &object, const std::string &value);
+    static Answer phase(const Object &object, int mode, const std::string &value);
+    /** An ACTION and a COMMIT without a check, with the record of the COMMIT only. */
+    static Answer commit(const Object &object, const std::string &value);
 };
 
 /** Lines of an object's handler. */
-scripted::LogLine enter(const Object &object);
-scripted::LogLine done(const Object &object, int level = 7);
-scripted::LogLine unknownMode(const Object &object, int mode, int level = 3);
-scripted::LogLine said(const Object &object, int level, const std::string &text);
+LogLine enter(const Object &object);
+LogLine done(const Object &object, int level = 7);
+LogLine said(const Object &object, int level, const std::string &text);
 
 /** A drive that is up; the command that it holds is 0 at the start of each test. */
 class LensDriveTest : public LensTest, public testing::WithParamInterface<Drive> {
@@ -55,9 +52,8 @@ protected:
     void SetUp() override;
 
     static const Object &object();
-    static requests::Answer phase(int mode, const std::string &value);
-    static requests::Answer phase(int mode);
-    static requests::Answer commit(const std::string &value);
+    static Answer phase(int mode, const std::string &value);
+    static Answer commit(const std::string &value);
     static std::string committed();
     /** The pending command, which becomes the committed one. */
     static std::string pending();
@@ -66,9 +62,6 @@ protected:
     /** The same, with limits that cannot be read at the start; later reads succeed. */
     static void restartWithoutLimits();
 };
-
-/** Names of the parameters. */
-std::string titleOf(const testing::TestParamInfo<Drive> &info);
 
 } // namespace lens_tests
 

@@ -12,7 +12,7 @@
 /** An object of objects.def. */
 struct ListedObject {
     const char *oid;      ///< of the registration
-    const char *instance; ///< none for a table
+    const char *instance; ///< null for a table
     bool isReadOnly;
     unsigned char type; ///< of the answer to a GET
 };

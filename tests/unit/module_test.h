@@ -49,6 +49,12 @@ inline std::ostream &operator<<(std::ostream &stream, const Row &row) {
     return stream << row.name;
 }
 
+/** Makes a row of its name and its other members. */
+template <typename Table, typename... Members>
+Table row(const std::string &name, Members... members) {
+    return {{name}, members...};
+}
+
 /** Name of the test of a row. */
 template <typename Parameter>
 std::string nameOf(const testing::TestParamInfo<Parameter> &row) {

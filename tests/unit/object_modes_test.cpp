@@ -48,7 +48,7 @@ struct Writable {
     Sample second;
     int wrongTypeReturned = SNMP_ERR_WRONGTYPE;
     bool isPrivate = true;               ///< a GET does not answer a value before its COMMIT
-    std::optional<NewValue> undone = {}; ///< answer after an UNDO; none for the last committed value
+    std::optional<NewValue> undone = {}; ///< answer after an UNDO, if not the last committed value
 };
 
 struct ObjectRow : Row { // the name is the handler's, without its prefix
@@ -276,7 +276,7 @@ TEST(ObjectModes, EveryListedScalarHasARow) {
     for (const ObjectRow &row : objectRows()) {
         tested.insert(row.object);
     }
-    EXPECT_EQ(tested, listed) << "objectRows() and objects.def";
+    EXPECT_EQ(tested, listed) << "object_modes_test.cpp needs rows for exactly the scalars of objects.def";
 }
 
 TEST_P(ObjectModesTest, AnyOtherModeIsGenErrAndLeavesTheRequest) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * The users' reference of objects, read for tests that hold it to something.
+ * Reads the users' reference of objects, for tests that compare it.
  */
 #ifndef QUARNSNMP_OBJECTS_DOCUMENT_H
 #define QUARNSNMP_OBJECTS_DOCUMENT_H
@@ -24,7 +24,7 @@ struct ObjectRow {
 
 bool operator==(const ObjectRow &left, const ObjectRow &right);
 
-/** Lets the test framework print rows. */
+/** Prints a row, for the test framework. */
 void PrintTo(const ObjectRow &row, std::ostream *stream);
 
 /**

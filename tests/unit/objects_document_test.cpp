@@ -50,7 +50,7 @@ std::string syntaxOf(const Answer &answer) {
     }
 }
 
-/** Values that some object or other takes. */
+/** Values of which each writable object accepts at least one. */
 std::vector<NewValue> samples() {
     std::vector<NewValue> values;
     for (const long number : {0L, 1L}) {
@@ -73,7 +73,7 @@ Answer read(const std::string &instance, std::string &calls) {
     return pdu.answer(0);
 }
 
-/** SETs of everything that the object takes. @return whether it took anything */
+/** Sets all samples. @return true if the object accepted one */
 bool write(const std::string &instance, std::string &calls) {
     scripted::core().clearRecord();
     bool taken = false;
@@ -90,7 +90,7 @@ ObjectRow observed(const std::string &name, const std::string &instance, bool re
     ObjectRow row;
     row.name = name;
     row.oid = instance;
-    read(instance, row.getCalls); // the first one may ask the camera for what is held from then on
+    read(instance, row.getCalls); // the first GET may ask the camera for a value that the module then keeps
     row.syntax = syntaxOf(read(instance, row.getCalls));
     const bool taken = write(instance, row.setCalls);
     row.access = taken || registeredWritable ? "read-write" : "read-only";

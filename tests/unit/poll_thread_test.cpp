@@ -59,7 +59,7 @@ std::string ownStatus(const std::string &key) {
     return "0";
 }
 
-/** With how many threads a child of this process starts. */
+/** Returns the number of threads with which a child of this process starts. */
 int threadsOfAChild() {
     const pid_t child = fork();
     if (child == 0) {
@@ -174,7 +174,7 @@ TEST_F(PollThreadTest, JoiningItselfIsRefused) {
     EXPECT_EQ(gJoinErrorCode, EDEADLK);
 }
 
-TEST_F(PollThreadForkTest, ThePollsGoOnInParentAndChild) {
+TEST_F(PollThreadForkTest, PollsContinueInParentAndChild) {
     up(7, [] { ++gPolls; });
     ASSERT_EQ(init_quarnsnmp(), 0);
     const pid_t child = fork();
@@ -196,7 +196,7 @@ TEST_F(PollThreadForkTest, AForkAfterTheEndStartsNoThread) {
     ASSERT_EQ(init_quarnsnmp(), 0);
     deinit_quarnsnmp();
     const int threads = threadsOfAChild();
-    // The kernel lets a join go on before the thread is gone.
+    // A join may return before the kernel has removed the thread.
     EXPECT_TRUE(eventually([threads] { return std::stoi(ownStatus("Threads")) == threads; })) << threads;
 }
 

@@ -6,24 +6,13 @@
 #include "positioning_test.h"
 #include "unit_conversion.h"
 
-using positioning::convertNTCIPToZorvaPan;
-using positioning::convertNTCIPToZorvaTilt;
-using positioning::convertNTCIPToZorvaZoom;
-using positioning::convertZorvaToNTCIPPan;
-using positioning::convertZorvaToNTCIPTilt;
-using positioning::convertZorvaToNTCIPZoom;
+using namespace positioning;
 
 namespace {
 
-class PositioningConversionTest : public PositioningTest {
-protected:
-    void SetUp() override {
-        PositioningTest::SetUp();
-        connect();
-    }
-};
+using PositioningConversionTest = ConnectedPositioningTest;
 
-/** Where a zoom position ends up: which of the service's limits count, and what they are. */
+/** Limits of the service, and those of them that apply to a zoom position. */
 struct ZoomRange : Row {
     Limits soft;
     bool digital;
@@ -58,7 +47,7 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Ranges, PositioningZoomRangeTest, testing::ValuesIn(kZoomRanges), nameOf<ZoomRange>);
 
-/** Forgets the record now and then, which would else grow into hundreds of megabytes. */
+/** Clears the record now and then. It would otherwise grow to hundreds of megabytes. */
 void forgetEvery(int period, int i) {
     if (i % period == 0) {
         scripted::core().clearRecord();
@@ -84,10 +73,10 @@ TEST(PositioningPan, EveryAngleOfThreeCirclesIsAStepFromTheLast) {
     }
 }
 
-TEST(PositioningPan, HasAResultForAnyInteger) {
+TEST(PositioningPan, HasAResultForEveryInteger) {
     EXPECT_EQ(convertNTCIPToZorvaPan(INT_MAX / 10), 2147483640 - 360000);
     EXPECT_EQ(convertNTCIPToZorvaPan(INT_MIN / 10), -2147483640 + 360000);
-    // What it is beyond 32 bits is open; the undefined-behaviour sanitizer ends the test if it is nothing at all.
+    // The result beyond 32 bits is open. The undefined-behaviour sanitizer ends the test if there is none.
     for (const int ntcip : {INT_MAX / 10 + 1, INT_MIN / 10 - 1, INT_MAX, INT_MIN}) {
         const int result = convertNTCIPToZorvaPan(ntcip);
         EXPECT_LE(result, INT_MAX - 360000) << ntcip;
@@ -114,7 +103,7 @@ TEST(PositioningPan, BackCutsNegativeAnglesTowardsZero) {
     EXPECT_EQ(convertZorvaToNTCIPPan(INT_MIN), -214748364);
 }
 
-TEST(PositioningPan, BackHasAResultForAnyInteger) {
+TEST(PositioningPan, BackHasAResultForEveryInteger) {
     EXPECT_EQ(convertZorvaToNTCIPPan(INT_MAX - 5), 214748364);
     for (const int zorva : {INT_MAX - 4, INT_MAX}) {
         EXPECT_LE(std::abs(convertZorvaToNTCIPPan(zorva)), 214748365) << zorva;
@@ -151,7 +140,7 @@ TEST(PositioningTilt, NegativeAnglesPassButForWholeCircles) {
     }
 }
 
-TEST(PositioningTilt, HasAResultForAnyInteger) {
+TEST(PositioningTilt, HasAResultForEveryInteger) {
     for (const int ntcip : {INT_MAX / 10, INT_MAX / 10 + 1, INT_MIN / 10, INT_MIN / 10 - 1, INT_MAX, INT_MIN}) {
         const int result = convertNTCIPToZorvaTilt(ntcip);
         EXPECT_LE(result, 90000) << ntcip;
@@ -182,7 +171,7 @@ TEST(PositioningTilt, BackGoesToTheNearestHundredthOfEveryAngle) {
     }
 }
 
-TEST(PositioningTilt, BackHasAResultForAnyInteger) {
+TEST(PositioningTilt, BackHasAResultForEveryInteger) {
     EXPECT_EQ(convertZorvaToNTCIPTilt(INT_MAX), 214748365) << "the sum is unsigned";
     EXPECT_EQ(convertZorvaToNTCIPTilt(-360014), 0) << "cut towards zero";
     EXPECT_EQ(convertZorvaToNTCIPTilt(-360015), -1);

@@ -164,11 +164,10 @@ std::vector<FailedConversion> failedConversions() {
     };
 }
 
-class PositioningFailuresTest : public PositioningTest {
+class PositioningFailuresTest : public ConnectedPositioningTest {
 protected:
     void SetUp() override {
-        PositioningTest::SetUp();
-        connect();
+        ConnectedPositioningTest::SetUp();
         softPositions({1000, 350000, false}, {-80000, 45000}, {10, 300, false});
     }
 };
@@ -279,7 +278,7 @@ TEST_F(PositioningFailuresTest, APositionThatCannotBeReadIsZero) {
     }
 }
 
-TEST_F(PositioningFailuresTest, AZoomThatCannotBeConvertedLeavesPanAndTilt) {
+TEST_F(PositioningFailuresTest, AZoomThatCannotBeConvertedDoesNotAffectPanAndTilt) {
     core().fail(service::kGetSoftPositions, kRefused);
     const std::uint32_t expected[] = {9000, 35000, 0};
     for (const auto axis : {kPanAxis, kTiltAxis, kZoomAxis}) {

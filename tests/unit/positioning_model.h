@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * What the conversions of positioning must give, said in another way than the module says it: bands between corner
+ * Expected results of the conversions of positioning, by other means than the module's: bands between corner
  * points, and fractions of integers in place of floating-point numbers.
  */
 #ifndef QUARNSNMP_POSITIONING_MODEL_H

@@ -8,10 +8,10 @@ const char *const kInstances[] = {oids::positionPan, oids::positionTilt, oids::p
 
 enum class Kind { Stop, Delta, Absolute, Continuous };
 
-/** What bounds the zoom. */
+/** Limits of the zoom. */
 enum class ZoomBound { SoftLimits, DigitalZoom, Optics };
 
-/** One command to an axis, and what becomes of it while the camera stands where the fixture has it. */
+/** One command to an axis, and its effect at the fixture's position. */
 struct Command : Row {
     Kind kind;
     Axis axis;
@@ -20,7 +20,7 @@ struct Command : Row {
     int target;        ///< position or velocity that the service is told
     int opticalTarget; ///< the same where the optics bound the zoom
     const char *fraction;
-    Calls lines; ///< what the command logs at info level
+    Calls lines; ///< at info level
 };
 
 Command stop(const std::string &name, Axis axis, const std::string &line) {
@@ -42,15 +42,8 @@ Command move(const std::string &name, Kind kind, Axis axis, int speed, int posit
 
 Command run(const std::string &name, Axis axis, int speed, int velocity, const std::string &first,
             const std::string &last) {
-    return {{name},
-            Kind::Continuous,
-            axis,
-            speed,
-            0,
-            velocity,
-            velocity,
-            "0",
-            {"continuousMovement: NTCIP continuous " + first, "continuousMovement: countinous " + last}};
+    const Calls lines{"continuousMovement: NTCIP continuous " + first, "continuousMovement: countinous " + last};
+    return row<Command>(name, Kind::Continuous, axis, speed, 0, velocity, velocity, "0", lines);
 }
 
 std::vector<Command> commands() {
@@ -158,11 +151,10 @@ Calls expectedCalls(const Command &each, bool rewritten, ZoomBound bound) {
     return result;
 }
 
-class PositioningCommandTest : public PositioningTest, public testing::WithParamInterface<Command> {
+class PositioningCommandTest : public ConnectedPositioningTest, public testing::WithParamInterface<Command> {
 protected:
     void SetUp() override {
-        PositioningTest::SetUp();
-        connect();
+        ConnectedPositioningTest::SetUp();
         use(instanceOf(GetParam()));
     }
 
@@ -245,7 +237,7 @@ TEST_P(PositioningCommandTest, OnlyTheCommitReachesTheService) {
     EXPECT_THAT(core().calls(), Not(IsEmpty()));
 }
 
-TEST_P(PositioningCommandTest, AFailedMoveIsNotTheManagersMatter) {
+TEST_P(PositioningCommandTest, AFailedMoveIsNotReportedToTheManager) {
     for (const char *function :
          {service::kClearVelocityLimits, service::kGetPosition, service::kGetSoftPositions, service::kGetSoftVelocities,
           service::kSetSoftVelocities, service::kGetCameraVelocities, service::kMove, service::kSetVelocity,

@@ -22,13 +22,8 @@ std::vector<PositionObject> positionObjects() {
             {{"zoom"}, kZoomAxis, "handle_positionZoomLens", oids::positionZoomLens, octets({0x72, 0x4F, 0, 0})}};
 }
 
-class PositionStartTest : public PositioningTest, public testing::WithParamInterface<PositionObject> {
+class PositionStartTest : public ConnectedPositioningTest, public testing::WithParamInterface<PositionObject> {
 protected:
-    void SetUp() override {
-        PositioningTest::SetUp();
-        connect();
-    }
-
     static bool isZoom() {
         return GetParam().axis == kZoomAxis;
     }
@@ -68,7 +63,7 @@ protected:
         core().clearRecord();
         set(GetParam().instance, NewValue::text(value));
     }
-    /** The target of a SET while the speed does not matter. */
+    /** Checks the target of a SET on a camera on which all speeds are equal. */
     static void expectTarget(const std::string &value, const std::vector<int> &targets) {
         cameraVelocities({0, 0}, {0, 0}, {0, 0});
         setTo(value);

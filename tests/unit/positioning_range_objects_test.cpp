@@ -37,13 +37,8 @@ const RangeObject kReadOnly[] = {kPanLeft,
                                  {{"rangeMinimumTiltStepAngle"}, 1, false},
                                  {{"rangeZoomLimit"}, 0, false}};
 
-class PositioningRangeTest : public PositioningTest {
+class PositioningRangeTest : public ConnectedPositioningTest {
 protected:
-    void SetUp() override {
-        PositioningTest::SetUp();
-        connect();
-    }
-
     /** Checks a GET, and the calls and lines that it makes. */
     static void expectRead(const RangeObject &object, long value, const Calls &calls,
                            const std::vector<LogLine> &lines) {

@@ -7,8 +7,7 @@
 #include "positioning_test.h"
 #include "unit_conversion.h"
 
-using positioning::speedNTCIPToZorva;
-using positioning::speedPercentage;
+using namespace positioning;
 
 namespace {
 
@@ -28,13 +27,7 @@ const Velocities kVelocities[] = {
 
 constexpr unsigned int kCeilingsToTry[] = {160000, 80000, 127, 1, 0, 0x7FFFFFFF};
 
-class PositioningSpeedTest : public PositioningTest {
-protected:
-    void SetUp() override {
-        PositioningTest::SetUp();
-        connect();
-    }
-};
+using PositioningSpeedTest = ConnectedPositioningTest;
 
 class PositioningVelocityRangeTest : public PositioningSpeedTest, public testing::WithParamInterface<Velocities> {};
 

@@ -54,7 +54,7 @@ TEST_F(PositioningStartTest, AnUnreadableTimeoutStaysAsItWas) {
     }
 }
 
-TEST_F(PositioningStartTest, WhatAFailedOpeningLeavesBehindIsNoConnection) {
+TEST_F(PositioningStartTest, AFailedOpeningIsNoConnection) {
     core().fail(service::kInit, kRefused);
     // A library may well have filled the handle before it noticed.
     core().during(service::kInit, [] { positioning::gApiCookie = core().open("rubbish"); });
@@ -81,7 +81,7 @@ TEST_F(PositioningStartTest, ASecondStartUsesItsOwnConnection) {
     EXPECT_THAT(core().calls(), ElementsAre(calls::kGetSoftPositions));
 }
 
-TEST_F(PositioningStartTest, WithoutAServiceTheObjectsAnswerWhatTheModuleHolds) {
+TEST_F(PositioningStartTest, WithoutAServiceTheObjectsAnswerTheStoredValues) {
     startWithoutService();
     const std::pair<const char *, long> integers[] = {
         {oids::rangePanLeftLimit, 0},         {oids::rangePanRightLimit, 0},

@@ -6,18 +6,14 @@
 #include "motion_commands.h"
 #include "positioning_test.h"
 
-using positioning::absoluteMovement;
-using positioning::continuousMovement;
-using positioning::deltaMovement;
-using positioning::getInitialPosition;
+using namespace positioning;
 
 namespace {
 
-class PositioningTargetsTest : public PositioningTest {
+class PositioningTargetsTest : public ConnectedPositioningTest {
 protected:
     void SetUp() override {
-        PositioningTest::SetUp();
-        connect();
+        ConnectedPositioningTest::SetUp();
         // One fraction for all speeds, so that only the targets differ.
         cameraVelocities({4, 4}, {4, 4}, {4, 4});
     }
@@ -39,71 +35,47 @@ struct Delta {
 } // namespace
 
 TEST_F(PositioningTargetsTest, DeltasGoByTheSignsOfSpeedAndDelta) {
-    const std::pair<Axis, std::vector<Delta>> axes[] = {
-        {kPanAxis,
-         {{0, -1, 100, 359000},
-          {0, 5, -100, 359000},
-          {0, 5, 100, 1000},
-          {1000, -5, -100, 2000},
-          {359990, 1, 10, 90},
-          {0, 0, 100, 1000},
-          {90000, 127, 0, 90000},
-          {90000, -128, 0, 90000},
-          {359990, 1, 32767, 327660},
-          {0, 1, -32768, 32320},
-          {0, -1, -32768, 327680},
-          {359995, 1, 0, 0},
-          {359994, 1, 0, 359990},
-          {4, -1, 0, 0},
-          {359990, -1, 1, 359980},
-          {0, -1, 32767, 32330},
-          {359990, -1, -32768, 327670},
-          {359990, 1, 1, 0}}},
-        // The tilt goes through the fold.
-        {kTiltAxis,
-         {{0, 1, 100, 1000},
-          {0, -1, 100, -1000},
-          {-10, 1, 1, 0},
-          {-10, -1, 1, -20},
-          {90000, 1, 1, 10},
-          {90000, -1, 1, 89990},
-          {-90000, -1, 1, -89990},
-          {-90000, 1, -1, -89990},
-          {0, 0, 100, 1000},
-          {0, 1, -100, -1000},
-          {-10, 1, 32767, -32340},
-          {0, 1, 32767, -32330},
-          {0, -1, 32767, -327670},
-          {0, 1, -32768, -327680},
-          {0, -1, -32768, -32320},
-          {-90000, 1, 9000, 0},
-          {-1, 1, 0, 0}}},
-        // The zoom ends at its bounds.
-        {kZoomAxis,
-         {{10, 1, 32767, 155},
-          {10, -1, 1, 10},
-          {10, 1, -1, 10},
-          {300, 1, 1, 300},
-          {300, -1, -1, 300},
-          {300, -1, 32767, 155},
-          {100, 0, 30000, 233},
-          {100, -1, 20338, 10},
-          {100, 1, 32767, 245},
-          {100, 1, 0, 100},
-          {300, 1, -32768, 155},
-          {10, -1, -32768, 155},
-          {5, 1, 0, 10},
-          {400, 1, 0, 300}}},
-    };
-    for (const auto &[axis, deltas] : axes) {
+    const auto expectTargets = [](Axis axis, const std::vector<Delta> &deltas) {
         for (const Delta &each : deltas) {
             position(axis == kPanAxis ? each.from : 90000, axis == kTiltAxis ? each.from : -10000,
                      axis == kZoomAxis ? each.from : 100);
             deltaMovement(axis, static_cast<signed char>(each.speed), static_cast<short>(each.delta));
             EXPECT_EQ(lastCall(), calls::move(axis, each.target, "0"))
-                << each.from << " by " << each.delta << " at " << each.speed;
+                << axis << ": " << each.from << " by " << each.delta << " at " << each.speed;
         }
-    }
+    };
+    const std::vector<Delta> pan = {
+        {0, -1, 100, 359000},         {0, 5, -100, 359000},  {0, 5, 100, 1000},       {1000, -5, -100, 2000},
+        {359990, 1, 10, 90},          {0, 0, 100, 1000},     {90000, 127, 0, 90000},  {90000, -128, 0, 90000},
+        {359990, 1, 32767, 327660},   {0, 1, -32768, 32320}, {0, -1, -32768, 327680}, {359995, 1, 0, 0},
+        {359994, 1, 0, 359990},       {4, -1, 0, 0},         {359990, -1, 1, 359980}, {0, -1, 32767, 32330},
+        {359990, -1, -32768, 327670}, {359990, 1, 1, 0}};
+    // Through the fold.
+    const std::vector<Delta> tilt = {{0, 1, 100, 1000},
+                                     {0, -1, 100, -1000},
+                                     {-10, 1, 1, 0},
+                                     {-10, -1, 1, -20},
+                                     {90000, 1, 1, 10},
+                                     {90000, -1, 1, 89990},
+                                     {-90000, -1, 1, -89990},
+                                     {-90000, 1, -1, -89990},
+                                     {0, 0, 100, 1000},
+                                     {0, 1, -100, -1000},
+                                     {-10, 1, 32767, -32340},
+                                     {0, 1, 32767, -32330},
+                                     {0, -1, 32767, -327670},
+                                     {0, 1, -32768, -327680},
+                                     {0, -1, -32768, -32320},
+                                     {-90000, 1, 9000, 0},
+                                     {-1, 1, 0, 0}};
+    // Up to the bounds.
+    const std::vector<Delta> zoom = {
+        {10, 1, 32767, 155},   {10, -1, 1, 10},       {10, 1, -1, 10},      {300, 1, 1, 300},     {300, -1, -1, 300},
+        {300, -1, 32767, 155}, {100, 0, 30000, 233},  {100, -1, 20338, 10}, {100, 1, 32767, 245}, {100, 1, 0, 100},
+        {300, 1, -32768, 155}, {10, -1, -32768, 155}, {5, 1, 0, 10},        {400, 1, 0, 300}};
+    expectTargets(kPanAxis, pan);
+    expectTargets(kTiltAxis, tilt);
+    expectTargets(kZoomAxis, zoom);
 }
 
 TEST_F(PositioningTargetsTest, AbsoluteTargetsAreConverted) {
@@ -185,26 +157,16 @@ TEST_F(PositioningTargetsTest, ContinuousMovesTakeTheirDirectionFromTheSign) {
     }
 }
 
-TEST_F(PositioningTargetsTest, EachAxisHasItsOwnTimeout) {
-    positioning::gLastPanTimeout = 11;
-    positioning::gLastTiltTimeout = 22;
-    positioning::gLastZoomTimeout = 33;
-    for (const Axis axis : {kPanAxis, kTiltAxis, kZoomAxis}) {
-        continuousMovement(axis, 0);
-        EXPECT_EQ(lastCall(), calls::run(axis, 0, 11U * (static_cast<unsigned int>(axis) + 1)));
-    }
-}
-
-TEST_F(PositioningTargetsTest, NoTimeoutIsForEver) {
-    for (const std::uint32_t timeout : {0U, positioning::kInfiniteTimeout}) {
-        for (std::uint32_t *each :
-             {&positioning::gLastPanTimeout, &positioning::gLastTiltTimeout, &positioning::gLastZoomTimeout}) {
-            *each = timeout;
-        }
+TEST_F(PositioningTargetsTest, EachAxisHasItsOwnTimeoutUnlessItIsInfinite) {
+    using namespace positioning;
+    const std::uint32_t kept[][3] = {{11, 22, 33}, {0, 0, 0}, {kInfiniteTimeout, kInfiniteTimeout, kInfiniteTimeout}};
+    for (const auto &timeouts : kept) {
+        gLastPanTimeout = timeouts[kPanAxis];
+        gLastTiltTimeout = timeouts[kTiltAxis];
+        gLastZoomTimeout = timeouts[kZoomAxis];
         for (const Axis axis : {kPanAxis, kTiltAxis, kZoomAxis}) {
-            core().clearRecord();
             continuousMovement(axis, 0);
-            EXPECT_EQ(lastCall(), calls::run(axis, 0, 0xFFFFFFFF)) << axis << " " << timeout;
+            EXPECT_EQ(lastCall(), calls::run(axis, 0, timeouts[axis] != 0 ? timeouts[axis] : 0xFFFFFFFF));
         }
     }
 }
@@ -265,7 +227,7 @@ TEST_F(PositioningTargetsTest, ThePositionAtTheStartIsReadOnceForAllAxes) {
     }
 }
 
-TEST_F(PositioningTargetsTest, APositionBeyondTheLimitsIsWhatItIs) {
+TEST_F(PositioningTargetsTest, APositionBeyondTheLimitsIsNotClamped) {
     position(-20, -1, 9);
     EXPECT_EQ(getInitialPosition(kPanAxis), 0xFFFFFFFFU);
     EXPECT_EQ(getInitialPosition(kTiltAxis), 36000U);
@@ -274,7 +236,7 @@ TEST_F(PositioningTargetsTest, APositionBeyondTheLimitsIsWhatItIs) {
     EXPECT_EQ(getInitialPosition(kTiltAxis), static_cast<std::uint32_t>(-214712364));
 }
 
-TEST_F(PositioningTargetsTest, WithoutAServiceThePositionIsZeroAndNobodyIsAsked) {
+TEST_F(PositioningTargetsTest, WithoutAServiceThePositionIsZeroWithoutACall) {
     positioning::gApiCookie = nullptr;
     for (const Axis axis : {kPanAxis, kTiltAxis, kZoomAxis, kNoAxis}) {
         EXPECT_EQ(getInitialPosition(axis), 0U) << axis;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * What the tests of pan, tilt and zoom share: a positioning service of plausible limits, and the texts of its calls as
+ * Helpers for the tests of pan, tilt and zoom: a positioning service of plausible limits, and the texts of its calls as
  * the scripted core library records them.
  */
 #ifndef QUARNSNMP_POSITIONING_TEST_H
@@ -72,7 +72,7 @@ struct Limits {
 /** Makes the state of positioning that of a module that was just loaded. */
 void forgetPositioning();
 
-/** Whether the service's velocity limits are those that a kind of move wants. */
+/** Upper velocity limits of the service. Each kind of move sets its own. */
 struct Ceilings {
     int pan;
     int tilt;
@@ -107,8 +107,17 @@ protected:
     static void digitalZoom(bool enabled);
     static void maxZoom(int optical, int digital, int combined);
 
-    /** A GET, and the record forgotten: what the first request to an object does on its own is over. */
+    /** Makes a first GET, which may read the position, and clears the record. */
     static void use(std::string_view instance);
+};
+
+/** Positioning that is up and connected. */
+class ConnectedPositioningTest : public PositioningTest {
+protected:
+    void SetUp() override {
+        PositioningTest::SetUp();
+        connect();
+    }
 };
 
 #endif

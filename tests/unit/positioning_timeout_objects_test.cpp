@@ -18,28 +18,16 @@ struct Timeout : Row {
 };
 
 const Timeout kTimeouts[] = {
-    {{"pan"}, kPanAxis, "handle_timeoutPan", oids::timeoutPan, &positioning::gLastPanTimeout, texts::kSetPanTimeout},
-    {{"tilt"},
-     kTiltAxis,
-     "handle_timeoutTilt",
-     oids::timeoutTilt,
-     &positioning::gLastTiltTimeout,
-     texts::kSetTiltTimeout},
-    {{"zoom"},
-     kZoomAxis,
-     "handle_timeoutZoom",
-     oids::timeoutZoom,
-     &positioning::gLastZoomTimeout,
-     texts::kSetZoomTimeout},
+    row<Timeout>("pan", kPanAxis, "handle_timeoutPan", oids::timeoutPan, &positioning::gLastPanTimeout,
+                 texts::kSetPanTimeout),
+    row<Timeout>("tilt", kTiltAxis, "handle_timeoutTilt", oids::timeoutTilt, &positioning::gLastTiltTimeout,
+                 texts::kSetTiltTimeout),
+    row<Timeout>("zoom", kZoomAxis, "handle_timeoutZoom", oids::timeoutZoom, &positioning::gLastZoomTimeout,
+                 texts::kSetZoomTimeout),
 };
 
-class PositioningTimeoutTest : public PositioningTest, public testing::WithParamInterface<Timeout> {
+class PositioningTimeoutTest : public ConnectedPositioningTest, public testing::WithParamInterface<Timeout> {
 protected:
-    void SetUp() override {
-        PositioningTest::SetUp();
-        connect();
-    }
-
     /** One phase on the object's own handler, with the record of this phase only. */
     static Answer phase(int mode, long value) {
         core().clearRecord();

@@ -16,7 +16,7 @@ namespace presets {
 
 namespace {
 
-/** What the next random octets are; an octet of -1 draws them as ever, an errno value lets that fail. */
+/** The next random octets. An octet of -1 draws them as usual; an errno value makes the call fail. */
 struct Randomness {
     int octet = -1;
     int failure = 0;
@@ -33,8 +33,8 @@ protected:
         start();
     }
 
-    /** Stores a number that has no preset yet. @return the identifier that was made up for it */
-    static std::string newIdentifier() {
+    /** Stores a number that has no preset yet. @return the id of the new preset */
+    static std::string newId() {
         core().clearRecord();
         set(kStoreHere.instance, NewValue::integer(7));
         const std::vector<std::string> calls = core().calls();
@@ -110,11 +110,11 @@ TEST_F(PresetsTest, TheCommandsKeepTheirNumbersApart) {
     EXPECT_EQ(get(kStoreHere.instance).octets, octets({9}));
 }
 
-TEST_F(PresetStoreTest, ANewNumberGetsARandomIdentifier) {
+TEST_F(PresetStoreTest, ANewNumberGetsARandomId) {
     std::set<std::string> found;
     std::set<char> variants;
     for (int i = 0; i < 200; ++i) {
-        std::string id = newIdentifier();
+        std::string id = newId();
         EXPECT_THAT(id, testing::MatchesRegex("[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}"));
         found.insert(id);
         variants.insert(id.at(19));
@@ -128,7 +128,7 @@ TEST_F(PresetStoreTest, OfTheRandomOctetsOnlyVersionAndVariantAreSet) {
                                     std::pair(0xFF, "ffffffff-ffff-4fff-bfff-ffffffffffff"),
                                     std::pair(0x5A, "5a5a5a5a-5a5a-4a5a-9a5a-5a5a5a5a5a5a")}) {
         gRandomness = {octet, 0, {}};
-        EXPECT_EQ(newIdentifier(), id);
+        EXPECT_EQ(newId(), id);
         EXPECT_THAT(gRandomness.drawn, ElementsAre(16));
     }
 }
@@ -136,7 +136,7 @@ TEST_F(PresetStoreTest, OfTheRandomOctetsOnlyVersionAndVariantAreSet) {
 TEST_F(PresetStoreTest, ATextThatIsLeftOutIsANewNumberToo) {
     core().answer(kFind, {nullptr});
     gRandomness.octet = 0;
-    EXPECT_EQ(newIdentifier(), "00000000-0000-4000-8000-000000000000");
+    EXPECT_EQ(newId(), "00000000-0000-4000-8000-000000000000");
 }
 
 TEST_F(PresetStoreTest, ThePresetIsNamedByItsNumberWithoutASign) {
@@ -153,7 +153,7 @@ TEST_F(PresetStoreTest, ThePresetIsNamedByItsNumberWithoutASign) {
     }
 }
 
-TEST_F(PresetStoreTest, AStoredNumberKeepsItsIdentifierAndGetsItsNameAgain) {
+TEST_F(PresetStoreTest, AStoredNumberKeepsItsIdAndGetsItsNameAgain) {
     core().answer(kFind, {"made elsewhere"});
     set(kStoreHere.instance, NewValue::integer(12));
     EXPECT_THAT(core().calls(), ElementsAre(find(12), call(kStore, "\"made elsewhere\", \"Preset 12\", 12, 1")));

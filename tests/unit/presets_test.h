@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * What the tests of the presets share: the service's calls as the scripted core library records them, and what differs
- * between the two commands that take the number of a preset.
+ * Helpers for the tests of the presets: the service's calls as the scripted core library records them, and the
+ * differences of the two commands that take the number of a preset.
  */
 #ifndef QUARNSNMP_PRESETS_TEST_H
 #define QUARNSNMP_PRESETS_TEST_H
@@ -32,7 +32,7 @@ inline std::string store(const std::string &id, long number) {
     return call(kStore, "\"" + id + "\", \"" + name + "\", " + std::to_string(number) + ", 1");
 }
 
-/** How the two commands differ. */
+/** Differences of the two commands. */
 struct Command : Row { // the name is the object's
     const char *instance;
     const char *carryOut; ///< function that does something with the preset

@@ -96,7 +96,7 @@ TEST_F(RelayStatesTest, AFailedSwitchEndsTheRequest) {
     EXPECT_THAT(core().logs(), ElementsAre(logs::error("handle_relayStates: MODE_COMMIT fail")));
 }
 
-TEST_F(RelayStatesTest, AWrongTypeIsLoggedAndTheNextVariableIsChecked) {
+TEST_F(RelayStatesTest, AWrongTypeIsLoggedAndTheNextVarbindIsChecked) {
     OwnPdu pdu{{1, NewValue::text("on")}, {2, NewValue::integer(1)}, {2, {ASN_UNSIGNED, NewValue::integer(1).content}}};
     EXPECT_EQ(pdu.runOwnHandler(MODE_SET_RESERVE1), SNMP_ERR_NOERROR);
     EXPECT_EQ(pdu.answer(0).requestError, SNMP_ERR_WRONGTYPE);
@@ -151,7 +151,7 @@ TEST_F(RelayStatesTest, OnlyACommitSwitches) {
     }
 }
 
-TEST_F(RelayStatesTest, AnUndoTakesTheStateBackThatTheRelayHad) {
+TEST_F(RelayStatesTest, AnUndoRestoresTheStateOfTheRelay) {
     core().answer(relays::kGetState, {std::int64_t{77}});
     OwnPdu pdu{{2, NewValue::integer(1)}};
     for (const int mode : {MODE_SET_RESERVE2, MODE_SET_ACTION, MODE_SET_UNDO, MODE_SET_COMMIT}) {
@@ -161,7 +161,7 @@ TEST_F(RelayStatesTest, AnUndoTakesTheStateBackThatTheRelayHad) {
                 ElementsAre(relays::readState(2), relays::readConfiguration(2), relays::switchTo(2, 77)));
 }
 
-TEST_F(RelayStatesTest, AStateThatCouldNotBeReadIsNotTakenBack) {
+TEST_F(RelayStatesTest, AnUnreadableStateIsNotRestored) {
     OwnPdu pdu{{2, NewValue::integer(1)}};
     core().once(relays::kGetState, {0, {std::int64_t{5}}});
     EXPECT_EQ(pdu.runOwnHandler(MODE_SET_RESERVE2), SNMP_ERR_NOERROR);

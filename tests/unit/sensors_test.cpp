@@ -4,6 +4,7 @@
  * Power, voltage and temperature: read from the camera for each request, and watched by the poll thread. Power and
  * voltage are states of one service; the temperature comes in thousandths of a degree and is compared in whole ones.
  */
+#include <array>
 #include <limits>
 #include <optional>
 
@@ -52,23 +53,23 @@ const std::vector<Story> kTemperatureStories = {
     {"a failed poll changes nothing", {{40000, {40}}, {{}, {}}, {42000, {}}, {43000, {43}}}},
 };
 
-struct Sensor : Row {
+/** Readings, and the answers of a GET. */
+using Answers = std::vector<std::pair<std::int64_t, long>>;
+
+struct Sensor : Row { // the name is the object's
     std::string service;
     bool (*init)(void *ipcCookie);
     void (*deinit)();
     void (*poll)();
-    const char *pollName;
-    const char *lineName;
-    std::string object;
+    std::string line; ///< beginning of that of a trap
     std::string read;
     const char *otherRead; ///< another value of the same poll
-    unsigned char type;
-    std::vector<std::pair<std::int64_t, long>> answers; ///< readings, and what a GET answers
-    std::array<std::int64_t, 3> readings;               ///< each a trap after the one before
-    const std::vector<Story> &stories;
+    const Answers *answers;
+    std::array<std::int64_t, 3> readings; ///< each a trap after the one before
+    const std::vector<Story> *stories;
 
-    std::string instance() const {
-        return object + ".0";
+    const ListedObject &object() const {
+        return listedObject(name);
     }
     std::string readCall() const {
         return read + "(" + service + ", \"" + service + "/1\", &)";
@@ -86,47 +87,38 @@ struct Sensor : Row {
     /** Line of a trap. That of a state shows the new state twice. */
     LogLine trapLine(std::int64_t before, std::int64_t after) const {
         const std::int64_t unit = isState() ? 1 : 1000;
-        return logs::debug(pollName + ": trap triggered for "s + lineName + " " +
-                           std::to_string((isState() ? after : before) / unit) + " -> " + std::to_string(after / unit));
+        return logs::debug(line + std::to_string((isState() ? after : before) / unit) + " -> " +
+                           std::to_string(after / unit));
     }
 };
 
-Sensor state(const char *name, const char *object, const char *read, const char *otherRead) {
-    return {{name},    "power",      InitPower,   DeinitPower,
-            PollPower, "PollPower",  name,        object,
-            read,      otherRead,    ASN_INTEGER, {{0, 0}, {1, 1}, {2, 2}, {128, 128}, {254, 254}, {255, 255}},
-            {1, 2, 3}, kStateStories};
-}
-
 const char *const kReadPower = "zorva_api_power_get_power_state_send";
 const char *const kReadVoltage = "zorva_api_power_get_voltage_state_send";
-const Sensor kPower = state("power", oids::registered::power, kReadPower, kReadVoltage);
-const Sensor kVoltage = state("voltage", oids::registered::voltage, kReadVoltage, kReadPower);
-const std::vector<std::pair<std::int64_t, long>> kTemperatureAnswers = {{40000, 40},
-                                                                        {40999, 40},
-                                                                        {999, 0},
-                                                                        {0, 0},
-                                                                        {-999, 0},
-                                                                        {-1000, 4294967295},
-                                                                        {-1500, 4294967295},
-                                                                        {-2000, 4294967294},
-                                                                        {-40000, 4294967256},
-                                                                        {kHottest, 2147483},
-                                                                        {kColdest, 4292819813}};
-const Sensor kTemperature{{"temperature"},
-                          "temperature",
-                          InitTemperature,
-                          DeinitTemperature,
-                          PollTemperature,
-                          "PollTemperature",
-                          "temp",
-                          oids::registered::temperature,
-                          "zorva_api_temperature_get_temperature_send",
-                          nullptr,
-                          ASN_UNSIGNED,
-                          kTemperatureAnswers,
-                          {40000, -10000, 43000},
-                          kTemperatureStories};
+const Answers kStateAnswers = {{0, 0}, {1, 1}, {2, 2}, {128, 128}, {254, 254}, {255, 255}};
+const Answers kTemperatureAnswers = {{40000, 40},
+                                     {40999, 40},
+                                     {999, 0},
+                                     {0, 0},
+                                     {-999, 0},
+                                     {-1000, 4294967295},
+                                     {-1500, 4294967295},
+                                     {-2000, 4294967294},
+                                     {-40000, 4294967256},
+                                     {2147483647, 2147483},
+                                     {-2147483648, 4292819813}};
+constexpr std::array<std::int64_t, 3> kStates{1, 2, 3};
+constexpr std::array<std::int64_t, 3> kTemperatures{40000, -10000, 43000};
+
+const Sensor kPower =
+    row<Sensor>("power", "power", InitPower, DeinitPower, PollPower, "PollPower: trap triggered for power ", kReadPower,
+                kReadVoltage, &kStateAnswers, kStates, &kStateStories);
+const Sensor kVoltage =
+    row<Sensor>("voltage", "power", InitPower, DeinitPower, PollPower, "PollPower: trap triggered for voltage ",
+                kReadVoltage, kReadPower, &kStateAnswers, kStates, &kStateStories);
+const Sensor kTemperature =
+    row<Sensor>("temperature", "temperature", InitTemperature, DeinitTemperature, PollTemperature,
+                "PollTemperature: trap triggered for temp ", "zorva_api_temperature_get_temperature_send", nullptr,
+                &kTemperatureAnswers, kTemperatures, &kTemperatureStories);
 
 class SensorTest : public ModuleTest, public testing::WithParamInterface<Sensor> {
 protected:
@@ -201,14 +193,12 @@ INSTANTIATE_TEST_SUITE_P(Sensors, TemperatureFreshTest, testing::Values(kTempera
 } // namespace
 
 TEST_P(SensorTest, AGetReadsTheValue) {
-    for (const auto &[reading, answered] : GetParam().answers) {
+    for (const auto &[reading, answered] : *GetParam().answers) {
         SCOPED_TRACE(reading);
         core().clearRecord();
         script(GetParam().read, reading);
-        const Answer answer = get(GetParam().instance());
-        EXPECT_THAT(answer, isAccepted());
-        EXPECT_EQ(answer.type, GetParam().type);
-        EXPECT_EQ(answer.integer, answered);
+        EXPECT_THAT(get(GetParam().object().instance),
+                    isInteger(answered, GetParam().isState() ? ASN_INTEGER : ASN_UNSIGNED));
         EXPECT_THAT(core().calls(), ElementsAre(GetParam().readCall()));
         EXPECT_THAT(core().logs(), IsEmpty());
     }
@@ -216,14 +206,14 @@ TEST_P(SensorTest, AGetReadsTheValue) {
 
 TEST_P(SensorTest, AGetOfAnUnreadableValueIsAnError) {
     script(GetParam().read, {});
-    const Answer answer = get(GetParam().instance());
+    const Answer answer = get(GetParam().object().instance);
     EXPECT_THAT(answer, isRefused(SNMP_ERR_GENERR, SNMP_ERR_GENERR));
     EXPECT_EQ(answer.type, ASN_NULL);
     EXPECT_THAT(core().logs(), ElementsAre(GetParam().failureLine()));
 }
 
 TEST_P(SensorTest, PollsSendTrapsOfChanges) {
-    for (const Story &story : GetParam().stories) {
+    for (const Story &story : *GetParam().stories) {
         SCOPED_TRACE(story.name);
         std::int64_t last = forget(story.polls.front().reading);
         for (const auto &[reading, traps] : story.polls) {
@@ -246,15 +236,15 @@ TEST_P(SensorTest, ATrapNamesItsObjectAndCarriesAGauge) {
     pollFirst();
     EXPECT_THAT(poll(GetParam().readings[1]), ElementsAre(GetParam().number(GetParam().readings[1])));
     ASSERT_THAT(traps::gSent, SizeIs(1));
-    EXPECT_EQ(traps::gSent[0].trapOid, requests::parseOid(GetParam().object));
-    EXPECT_EQ(traps::gSent[0].valueName, requests::parseOid(GetParam().object));
+    EXPECT_EQ(traps::gSent[0].trapOid, requests::parseOid(GetParam().object().oid));
+    EXPECT_EQ(traps::gSent[0].valueName, requests::parseOid(GetParam().object().oid));
     EXPECT_EQ(traps::gSent[0].valueType, ASN_UNSIGNED);
 }
 
 TEST_P(SensorTest, AGetDoesNotAffectThePolls) {
     pollFirst();
     script(GetParam().read, GetParam().readings[1]);
-    EXPECT_EQ(get(GetParam().instance()).integer, GetParam().number(GetParam().readings[1]));
+    EXPECT_EQ(get(GetParam().object().instance).integer, GetParam().number(GetParam().readings[1]));
     EXPECT_THAT(poll(GetParam().readings[0]), IsEmpty());
     EXPECT_THAT(poll(GetParam().readings[1]), SizeIs(1));
 }
@@ -315,7 +305,7 @@ TEST_P(PowerTest, BothStatesMayChangeInOnePoll) {
     script(kReadPower, 1);
     script(kReadVoltage, 2);
     EXPECT_THAT(poll(), ElementsAre(1, 2));
-    EXPECT_EQ(traps::gSent.at(0).trapOid, requests::parseOid(kPower.object));
-    EXPECT_EQ(traps::gSent.at(1).trapOid, requests::parseOid(kVoltage.object));
+    EXPECT_EQ(traps::gSent.at(0).trapOid, requests::parseOid(kPower.object().oid));
+    EXPECT_EQ(traps::gSent.at(1).trapOid, requests::parseOid(kVoltage.object().oid));
     EXPECT_THAT(gPollLines, ElementsAre(kPower.trapLine(3, 1), kVoltage.trapLine(4, 2)));
 }

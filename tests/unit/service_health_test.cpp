@@ -5,22 +5,12 @@
  */
 #include <algorithm>
 #include <ctime>
-#include <ostream>
 
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include "every_call.h"
 #include "handler_requests.h"
-
-using requests::get;
-using testing::Contains;
-using testing::Each;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::SizeIs;
 
 namespace {
 
@@ -50,33 +40,28 @@ extern "C" int clock_gettime(clockid_t clock, timespec *time) noexcept {
 namespace {
 
 /** An object whose GET reads from a service. */
-struct ReadObject {
-    const char *name;
+struct ReadObject : Row {
     const char *instance;
     const char *service;
     const char *call; ///< the call of its read
 };
 
-void PrintTo(const ReadObject &object, std::ostream *stream) {
-    *stream << object.name;
-}
-
 // clang-format off
 const ReadObject kReadObjects[] = {
-    {"rangePanLeftLimit",       oids::rangePanLeftLimit,       "positioning",   "zorva_api_positioning_get_soft_position_limits_send"},
-    {"rangePanRightLimit",      oids::rangePanRightLimit,      "positioning",   "zorva_api_positioning_get_soft_position_limits_send"},
-    {"rangeTiltUpLimit",        oids::rangeTiltUpLimit,        "positioning",   "zorva_api_positioning_get_soft_position_limits_send"},
-    {"rangeTiltDownLimit",      oids::rangeTiltDownLimit,      "positioning",   "zorva_api_positioning_get_soft_position_limits_send"},
-    {"positionTilt",            oids::positionTilt,            "positioning",   "zorva_api_positioning_get_position_send"},
-    {"rangeMaximumPreset",      oids::rangeMaximumPreset,      "presets_tours", "zorva_api_presets_tours_get_max_presets_send"},
-    {"systemLensFeatureStatus", oids::systemLensFeatureStatus, "lens_focus",    "zorva_api_lens_focus_get_manual_mode_enable_send"},
-    {"inputStatus",             oids::inputStatus,             "alarm",         "zorva_api_alarm_get_state_send"},
-    {"alarmStatesTable",        "1.3.6.1.4.1.99999.1.3.1.1.3.1", "alarm",       "zorva_api_alarm_get_state_send"},
-    {"outputStatus",            oids::outputStatus,            "relay",         "zorva_api_relay_get_state_send"},
-    {"relayStatesTable",        "1.3.6.1.4.1.99999.1.3.2.1.3.1", "relay",       "zorva_api_relay_get_state_send"},
-    {"temperature",             oids::temperature,             "temperature",   "zorva_api_temperature_get_temperature_send"},
-    {"power",                   oids::power,                   "power",         "zorva_api_power_get_power_state_send"},
-    {"voltage",                 oids::voltage,                 "power",         "zorva_api_power_get_voltage_state_send"},
+    {{"rangePanLeftLimit"},       oids::rangePanLeftLimit,       "positioning",   "zorva_api_positioning_get_soft_position_limits_send"},
+    {{"rangePanRightLimit"},      oids::rangePanRightLimit,      "positioning",   "zorva_api_positioning_get_soft_position_limits_send"},
+    {{"rangeTiltUpLimit"},        oids::rangeTiltUpLimit,        "positioning",   "zorva_api_positioning_get_soft_position_limits_send"},
+    {{"rangeTiltDownLimit"},      oids::rangeTiltDownLimit,      "positioning",   "zorva_api_positioning_get_soft_position_limits_send"},
+    {{"positionTilt"},            oids::positionTilt,            "positioning",   "zorva_api_positioning_get_position_send"},
+    {{"rangeMaximumPreset"},      oids::rangeMaximumPreset,      "presets_tours", "zorva_api_presets_tours_get_max_presets_send"},
+    {{"systemLensFeatureStatus"}, oids::systemLensFeatureStatus, "lens_focus",    "zorva_api_lens_focus_get_manual_mode_enable_send"},
+    {{"inputStatus"},             oids::inputStatus,             "alarm",         "zorva_api_alarm_get_state_send"},
+    {{"alarmStatesTable"},        "1.3.6.1.4.1.99999.1.3.1.1.3.1", "alarm",       "zorva_api_alarm_get_state_send"},
+    {{"outputStatus"},            oids::outputStatus,            "relay",         "zorva_api_relay_get_state_send"},
+    {{"relayStatesTable"},        "1.3.6.1.4.1.99999.1.3.2.1.3.1", "relay",       "zorva_api_relay_get_state_send"},
+    {{"temperature"},             oids::temperature,             "temperature",   "zorva_api_temperature_get_temperature_send"},
+    {{"power"},                   oids::power,                   "power",         "zorva_api_power_get_power_state_send"},
+    {{"voltage"},                 oids::voltage,                 "power",         "zorva_api_power_get_voltage_state_send"},
 };
 // clang-format on
 
@@ -114,7 +99,7 @@ protected:
         get(instance);
         return core().calls();
     }
-    static std::vector<std::string> callsOfASet(const char *instance, const requests::NewValue &value) {
+    static std::vector<std::string> callsOfASet(const char *instance, const NewValue &value) {
         core().clearRecord();
         set(instance, value);
         return core().calls();
@@ -138,14 +123,10 @@ private:
 
 class HeldReadTest : public ServiceHealthTest, public testing::WithParamInterface<ReadObject> {};
 
-std::string nameOf(const testing::TestParamInfo<ReadObject> &object) {
-    return object.param.name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Objects, HeldReadTest, testing::ValuesIn(kReadObjects), nameOf);
+INSTANTIATE_TEST_SUITE_P(Objects, HeldReadTest, testing::ValuesIn(kReadObjects), nameOf<ReadObject>);
 
 /** An answer as far as a manager sees it. */
-std::string textOf(const requests::Answer &answer) {
+std::string textOf(const Answer &answer) {
     return std::to_string(answer.returned) + " " + std::to_string(answer.type) + " " + std::to_string(answer.integer) +
            " " + answer.octets;
 }
@@ -156,19 +137,19 @@ TEST_P(HeldReadTest, AfterASlowFailureAReadFailsAtOnceForTenSeconds) {
     start();
     failAfter(2, GetParam().service);
     const std::string slow = textOf(get(GetParam().instance));
-    const std::vector<scripted::LogLine> slowLogs = core().logs();
-    EXPECT_THAT(core().calls(), Contains(HasSubstr(GetParam().call)));
+    const std::vector<LogLine> slowLogs = core().logs();
+    EXPECT_THAT(core().calls(), Contains(testing::HasSubstr(GetParam().call)));
 
     pass(9.9);
     core().clearRecord();
     EXPECT_EQ(textOf(get(GetParam().instance)), slow);
-    EXPECT_THAT(core().calls(), Not(Contains(HasSubstr(GetParam().call))));
+    EXPECT_THAT(core().calls(), Not(Contains(testing::HasSubstr(GetParam().call))));
     // A position is read once only, whether that succeeds or not.
-    if (std::string(GetParam().name) != "positionTilt") {
+    if (GetParam().name != "positionTilt") {
         EXPECT_EQ(core().logs(), slowLogs);
         pass(0.2);
-        EXPECT_THAT(callsOf(GetParam().instance), Contains(HasSubstr(GetParam().call)));
-        EXPECT_THAT(callsOf(GetParam().instance), Not(Contains(HasSubstr(GetParam().call)))) << "held again";
+        EXPECT_THAT(callsOf(GetParam().instance), Contains(testing::HasSubstr(GetParam().call)));
+        EXPECT_THAT(callsOf(GetParam().instance), Not(Contains(testing::HasSubstr(GetParam().call)))) << "held again";
     }
 }
 
@@ -176,8 +157,8 @@ TEST_P(HeldReadTest, QuickFailuresHoldNothingBack) {
     start();
     failAfter(0.5, GetParam().service);
     const std::vector<std::string> calls = callsOf(GetParam().instance);
-    EXPECT_THAT(calls, Contains(HasSubstr(GetParam().call)));
-    if (std::string(GetParam().name) != "positionTilt") {
+    EXPECT_THAT(calls, Contains(testing::HasSubstr(GetParam().call)));
+    if (GetParam().name != "positionTilt") {
         EXPECT_EQ(callsOf(GetParam().instance), calls);
     }
 }
@@ -197,7 +178,7 @@ TEST_F(ServiceHealthTest, AnyCallThatSucceedsEndsTheHold) {
     get(oids::rangePanLeftLimit);
     EXPECT_THAT(callsOf(oids::rangePanLeftLimit), IsEmpty());
     recover("positioning");
-    callsOfASet(oids::positionPan, requests::NewValue::text(command(0, 0, 0)));
+    callsOfASet(oids::positionPan, NewValue::text(command(0, 0, 0)));
     EXPECT_THAT(callsOf(oids::rangePanLeftLimit), SizeIs(1));
 }
 
@@ -205,7 +186,7 @@ TEST_F(ServiceHealthTest, CommandsAreNeverHeldBackAndHoldNothingBack) {
     start();
     get(oids::positionPan); // its first read
     failAfter(2, "positioning");
-    const requests::NewValue stop = requests::NewValue::text(command(0, 0, 0));
+    const NewValue stop = NewValue::text(command(0, 0, 0));
     const std::vector<std::string> calls = callsOfASet(oids::positionPan, stop);
     EXPECT_THAT(calls, Not(IsEmpty()));
     EXPECT_THAT(callsOf(oids::rangePanLeftLimit), SizeIs(1)) << "the first read after it";
@@ -215,7 +196,7 @@ TEST_F(ServiceHealthTest, CommandsAreNeverHeldBackAndHoldNothingBack) {
     get(oids::outputStatus);
     EXPECT_THAT(callsOf(oids::outputStatus), IsEmpty());
     core().clearRecord();
-    requests::Request request("1.3.6.1.4.1.99999.1.3.2.1.3.1", requests::NewValue::integer(1));
+    Request request("1.3.6.1.4.1.99999.1.3.2.1.3.1", NewValue::integer(1));
     request.run(MODE_SET_RESERVE1);
     request.run(MODE_SET_RESERVE2);
     EXPECT_THAT(core().calls(), SizeIs(1)) << "the read that checks a SET";
@@ -225,8 +206,8 @@ TEST_F(ServiceHealthTest, ACommandDoesNotWaitForTheFirstReadOfItsPosition) {
     start();
     failAfter(2, "positioning");
     get(oids::rangePanLeftLimit);
-    EXPECT_THAT(callsOfASet(oids::positionPan, requests::NewValue::text(command(0, 0, 0))),
-                Not(Contains(HasSubstr("get_position_send"))));
+    EXPECT_THAT(callsOfASet(oids::positionPan, NewValue::text(command(0, 0, 0))),
+                Not(Contains(testing::HasSubstr("get_position_send"))));
 }
 
 TEST_F(ServiceHealthTest, PollsAreNeverHeldBack) {

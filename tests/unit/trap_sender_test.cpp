@@ -9,16 +9,13 @@
 
 #include "fresh_process.h"
 #include "module_test.h"
+#include "oids.h"
 #include "sent_traps.h"
 #include "trap_sender.h"
 
-using traps::gSent;
-using traps::sentValues;
-using traps::turnEventLoop;
+using namespace traps;
 
 namespace {
-
-oid gPowerOid[] = {1, 3, 6, 1, 4, 1, 99999, 1, 1, 8, 0};
 
 class TrapSenderTest : public ModuleTest {
 protected:
@@ -32,7 +29,7 @@ protected:
 };
 
 void sendPower(int value) {
-    EXPECT_EQ(SendTrap(gPowerOid, OID_LENGTH(gPowerOid), value), 0);
+    EXPECT_EQ(SendTrap(oid_power, OID_LENGTH(oid_power), value), 0);
 }
 
 } // namespace
@@ -43,7 +40,7 @@ TEST_F(TrapSenderTest, ATrapNamesTheObjectTwiceAndCarriesItsValueAsAGauge) {
     ASSERT_EQ(turnEventLoop(), 1);
     ASSERT_THAT(gSent, SizeIs(1));
     EXPECT_THAT(gSent[0].firstName, ElementsAre(1, 3, 6, 1, 6, 3, 1, 1, 4, 1, 0));
-    EXPECT_EQ(gSent[0].trapOid, std::vector<oid>(gPowerOid, gPowerOid + OID_LENGTH(gPowerOid)));
+    EXPECT_EQ(gSent[0].trapOid, std::vector<oid>(oid_power, oid_power + OID_LENGTH(oid_power)));
     EXPECT_EQ(gSent[0].valueName, gSent[0].trapOid);
     EXPECT_EQ(gSent[0].valueType, ASN_UNSIGNED);
     EXPECT_EQ(gSent[0].value, 2);
@@ -75,7 +72,7 @@ TEST_F(TrapSenderTest, UnsentTrapsAreDroppedWithTheSender) {
 
 TEST_F(TrapSenderTest, DestroyingWithoutAnInstanceDoesNothing) {
     QuarnSnmpTrapSend::DestroyInstance();
-    EXPECT_EQ(SendTrap(gPowerOid, OID_LENGTH(gPowerOid), 1), -1);
+    EXPECT_EQ(SendTrap(oid_power, OID_LENGTH(oid_power), 1), -1);
     QuarnSnmpTrapSend::snmpMainCallback(-1, nullptr);
 }
 
