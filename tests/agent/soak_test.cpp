@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// Two clients, faults, reloads and power cuts, all at the same time and for as long as one likes: the environment's
-// QUARNSNMP_SOAK_SECONDS says how long.
+// Three clients, faults, frozen cameras, reloads and power cuts, all at the same time and for as long as one likes: the
+// environment's QUARNSNMP_SOAK_SECONDS says how long.
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <csignal>
 #include <iostream>
 #include <thread>
 
@@ -12,6 +13,7 @@
 #include "eventually.h"
 #include "fault_sweep.h"
 #include "footprint.h"
+#include "object_oids.h"
 #include "settings.h"
 
 namespace {
@@ -23,11 +25,15 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 /**
- * The longest that a request may take while one service at a time is wrong. A reload, for which it may have to wait,
- * takes up to 14 s: ten for a lens service that should be there and is not, and two calls that are given up. Then there
- * may be one request of the other client before it, and its own calls: at most four each, of a continuous move.
+ * The longest time of a request. It may have to wait for a reload, which takes up to 40 s if it begins with a frozen
+ * camera. Then there may be a request of each other client before it, and its own calls: at most six each.
  */
-constexpr milliseconds kAnswerLimit = seconds(14) + 2 * (4 * kCallLimit);
+constexpr milliseconds kAnswerLimit = seconds(40) + 3 * (6 * kCallLimit);
+
+/** Varbinds of the requests with many of them. */
+constexpr std::size_t kMany = 200;
+
+constexpr seconds kFreeze(3);
 
 /** Outcomes of a client's requests. */
 struct Counts {
@@ -53,6 +59,7 @@ struct Counts {
 /** Disturbances of the camera and the agent. */
 struct Disturbances {
     std::size_t faults = 0;
+    std::size_t freezes = 0;
     std::size_t reloads = 0;
     std::size_t powerCuts = 0;
     milliseconds longestReload{0};
@@ -104,6 +111,28 @@ void load(const std::string &peer, std::vector<Request> requests, std::size_t fi
     }
 }
 
+/** Sends GETs of many limits and states, in which the module makes the most calls, until `stop` is set. */
+void loadWithMany(const std::string &peer, std::atomic<bool> &stop, Counts &counts) {
+    Manager manager(peer);
+    manager.setTimeout(patient(kAnswerLimit));
+    std::vector<std::string> objects;
+    for (std::size_t i = 0; i < kMany; i += 4) {
+        objects.insert(objects.end(),
+                       {oids::rangePanLeftLimit, oids::rangeMaximumPreset, oids::inputStatus, oids::temperature});
+    }
+    while (!stop) {
+        const Clock::time_point start = Clock::now();
+        const Result result = manager.getAll(objects);
+        counts.longest = std::max(counts.longest, std::chrono::duration_cast<milliseconds>(Clock::now() - start));
+        counts.gets += objects.size();
+        if (!result.answered) {
+            ++counts.unanswered;
+            stop = true;
+            ADD_FAILURE() << "a GET of many objects is not answered";
+        }
+    }
+}
+
 AgentOptions quiet() {
     AgentOptions options;
     options.environment = {{"QUARNSNMP_LOG_LEVEL", "error"}}; // hours of debug lines fill a disk
@@ -137,15 +166,18 @@ protected:
         std::vector<Request> requests = reads_;
         requests.insert(requests.end(), writes_.begin(), writes_.end());
         std::atomic<bool> stop = false;
-        std::array<Counts, 2> counts;
+        std::array<Counts, 3> counts;
         std::thread first(load, agent_.peer(), requests, 0, std::ref(stop), std::ref(counts[0]));
         std::thread second(load, agent_.peer(), requests, requests.size() / 2, std::ref(stop), std::ref(counts[1]));
+        std::thread many(loadWithMany, agent_.peer(), std::ref(stop), std::ref(counts[2]));
         EXPECT_NO_THROW(disturb(duration, stop));
         stop = true;
-        first.join();
-        second.join();
-        counts_.add(counts[0]);
-        counts_.add(counts[1]);
+        for (std::thread *client : {&first, &second, &many}) {
+            client->join();
+        }
+        for (const Counts &each : counts) {
+            counts_.add(each);
+        }
     }
 
     /** Ends all faults and makes every call, so that the module has opened all connections. */
@@ -165,6 +197,7 @@ private:
         Schedule faults(seconds(1));
         Schedule reloads(seconds(10));
         Schedule powerCuts(seconds(30));
+        Schedule freezes(seconds(25));
         while (!stop && Clock::now() < end) {
             if (faults.isDue()) {
                 changeFault();
@@ -172,6 +205,12 @@ private:
             if (reloads.isDue()) {
                 disturbances_.longestReload = std::max(disturbances_.longestReload, agent_.hup());
                 ++disturbances_.reloads;
+            }
+            if (freezes.isDue()) {
+                camera_.signal(SIGSTOP);
+                eventually(kFreeze, [&stop] { return stop.load(); });
+                camera_.signal(SIGCONT);
+                ++disturbances_.freezes;
             }
             if (powerCuts.isDue()) {
                 camera_.kill();
@@ -243,7 +282,8 @@ TEST_F(SoakSlowTiming, EveryRequestIsAnsweredAndNothingGrows) {
     std::cout << counts_.gets << " GET, " << counts_.sets << " SET: " << counts_.failed << " genErr, " << counts_.absent
               << " without an object, " << counts_.unanswered << " unanswered, the longest " << counts_.longest.count()
               << " ms\n"
-              << disturbances_.faults << " faults, " << disturbances_.powerCuts << " power cuts, "
-              << disturbances_.reloads << " reloads, the longest " << disturbances_.longestReload.count() << " ms\n"
+              << disturbances_.faults << " faults, " << disturbances_.freezes << " freezes, " << disturbances_.powerCuts
+              << " power cuts, " << disturbances_.reloads << " reloads, the longest "
+              << disturbances_.longestReload.count() << " ms\n"
               << before << ", then " << after << '\n';
 }

@@ -41,8 +41,8 @@ int CallObjectHandler(netsnmp_mib_handler *handler, netsnmp_handler_registration
 }
 
 /**
- * Entry point of all objects. Catches exceptions, which would end the agent, a C program. Declares the calls of a GET as
- * reads. Marks the varbind of a failed request if there is only one.
+ * Entry point of all objects. Catches exceptions, which would end the agent, a C program. Declares the calls of a GET
+ * as reads. Marks the varbind of a failed request if there is only one.
  */
 int CallHandler(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
                 netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
