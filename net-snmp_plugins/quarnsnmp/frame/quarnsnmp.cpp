@@ -56,8 +56,6 @@ bool InitFeature(const FeatureModule &feature) {
 bool InitFeatures() {
     std::array<bool, std::tuple_size_v<decltype(gFeatureModules)>> notAskedFor{};
     bool anyInitialised = false;
-    // What a feature reads at its start is read as for a GET: a service that hangs delays the start once.
-    const bool formerlyReading = SetReading(true);
     for (std::size_t row = 0; row < gFeatureModules.size(); ++row) {
         FeatureModule &feature = gFeatureModules.at(row);
         feature.initialised = InitFeature(feature);
@@ -72,7 +70,6 @@ bool InitFeatures() {
             anyInitialised = anyInitialised || feature.initialised;
         }
     }
-    SetReading(formerlyReading);
     return anyInitialised;
 }
 

@@ -85,13 +85,14 @@ zorva_core_status EndCall(ServiceHealth &health, const CallStart &start, zorva_c
 
 bool DiscoverTargets(const char *serviceName, std::vector<std::string> &targetIds) {
     ServiceHealth &health = gDirectoryAnswers ? DiscoveryHealth(serviceName) : gDirectory;
+    const bool formerlyReading = SetReading(true);
     const CallStart start = BeginCall(health);
-    gLastDiscoveryHeld = start.held && !gDirectoryAnswers;
-    if (start.held) {
-        return false;
+    const bool found = !start.held && zorva::core::getTargetIds(serviceName, targetIds);
+    if (!start.held) {
+        EndCall(health, start, found ? 0 : kNotFound);
     }
-    const bool found = zorva::core::getTargetIds(serviceName, targetIds);
-    EndCall(health, start, found ? 0 : kNotFound);
+    SetReading(formerlyReading);
+    gLastDiscoveryHeld = start.held && !gDirectoryAnswers;
     gDirectoryAnswers = gDirectoryAnswers || found || health.heldUntil == 0;
     return found;
 }

@@ -5,8 +5,9 @@
  *
  * The agent has one thread. While it waits for a service that does not answer, it answers nobody. A read that fails
  * after a second or more therefore holds back further reads of its service: for ten seconds they fail at once, as the
- * slow one did. Then one read tries again. Any call that succeeds ends the hold. Commands are never held back, and
- * neither are the polls of the poll thread, which delay no request.
+ * slow one did. Then one read tries again. Any call that succeeds ends the hold. Only reads for a GET and the first read
+ * of a position cause a hold and are held back. Commands always reach the service; so do the polls of the poll thread,
+ * which delay no request, and the few reads of a feature's start.
  *
  * Discovery is held back in the same way. Until the directory has answered for the first time, one slow discovery holds
  * back those of all services; after that, only those of its own service.
