@@ -99,13 +99,14 @@ TEST_P(AFocus, RunsItsScripts) {
          "events 0.0 focus_started 1000 0.5 move_started 1000 1.0 move_stopped 1500 1.0 focus_started 1500 1.25 "
          "focus_started 1500 1.75 move_started 1500 3.25 move_stopped 3000 3.25 focus_settled 3000"},
         {"works without a search", "automatic; set searchTime 0; sharp 2000; at 1000 1000 2000; pass 1.0; search; "
-                            "events 0.0 focus_started 1000 0.0 move_started 1000 1.0 move_stopped 2000 1.0 "
-                            "focus_settled 2000 1.0 focus_started 2000 1.0 focus_settled 2000"},
+                                   "events 0.0 focus_started 1000 0.0 move_started 1000 1.0 move_stopped 2000 1.0 "
+                                   "focus_settled 2000 1.0 focus_started 2000 1.0 focus_settled 2000"},
         {"ends its search in manual mode",
          "automatic; sharp 3000; pass 0.25; manual 1; after 10.0 rest 1000; events 0.0 focus_started 1000"},
         {"continues a move when it is manual already", "hand; pass 1.0; manual 255; at 2000 1000 5000"},
-        {"continues a run when it is automatic already", "automatic; sharp 3000; pass 1.0; manual 0; at 1500 1000 3000; "
-                                              "events 0.0 focus_started 1000 0.5 move_started 1000"},
+        {"continues a run when it is automatic already",
+         "automatic; sharp 3000; pass 1.0; manual 0; at 1500 1000 3000; "
+         "events 0.0 focus_started 1000 0.5 move_started 1000"},
         {"ends a move by hand in automatic mode",
          "hand; pass 1.0; manual 0; rest 2000; after 1.0 at 1500 -1000 1000; "
          "events 0.0 move_started 1000 1.0 move_stopped 2000 1.0 focus_started 2000 1.5 move_started 2000"},

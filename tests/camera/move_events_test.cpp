@@ -57,7 +57,8 @@ TEST_F(MoveEvents, ComeBeforeThoseOfALaterCommand) {
 
 TEST_F(MoveEvents, RunsItsScripts) {
     runMoves({
-        {"report a move to the present position", "move tilt 0; moves move_started tilt move_stopped tilt; rest tilt 0"},
+        {"report a move to the present position",
+         "move tilt 0; moves move_started tilt move_stopped tilt; rest tilt 0"},
         {"come without a request",
          "run tilt 10000; awake 10.0; moves move_started tilt limit_reached tilt move_stopped tilt"},
         {"have no time in a camera at rest", "next never; move pan 100000; next 2.0; awake 10.0; next never"},
