@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include <poll.h>
 #include <sys/socket.h>
 
 #include <boost/asio/buffer.hpp>
@@ -62,10 +63,20 @@ void LineConnection::handleLines() {
             handleMoreLinesLater();
             return;
         }
+        if (clientIsGone()) {
+            close();
+            return;
+        }
         const std::string_view line(input_.data() + handled_, length);
         handled_ = end + 1;
         onLine_(*this, line);
     }
+}
+
+bool LineConnection::clientIsGone() {
+    // POLLHUP means the end of both directions. A client that only ended its sending direction still reads answers.
+    pollfd entry{socket_.native_handle(), 0, 0};
+    return poll(&entry, 1, 0) == 1;
 }
 
 void LineConnection::handleMoreLinesLater() {

@@ -25,7 +25,8 @@ inline constexpr std::size_t kMostPendingOutput = std::size_t{4} * 1024 * 1024;
 
 /**
  * Connection of a client. The handler receives the lines one by one, with pauses in favour of other clients. A line
- * beyond the maximum length, or a client that does not read, ends the connection.
+ * beyond the maximum length, or a client that does not read, ends the connection. The connection drops the unhandled
+ * lines of a client that has closed its end: a client that gave up a call has reported its failure already.
  */
 class LineConnection : public std::enable_shared_from_this<LineConnection> {
 public:
@@ -59,6 +60,7 @@ private:
     void read();
     void received(std::size_t count);
     void handleLines();
+    bool clientIsGone();
     void handleMoreLinesLater();
     void writePending();
     void watchForEnd();
