@@ -82,11 +82,6 @@ std::vector<std::string> CameraAgent::finishedOperations(const CameraEvents &eve
     return operations(events);
 }
 
-CameraFile::CameraFile(const nlohmann::json &services)
-    : path(directory.write(
-          "camera.json",
-          nlohmann::json{{"name", "test"}, {"description", "a camera of one test"}, {"services", services}}.dump())) {}
-
 std::vector<std::string> operations(const CameraEvents &events) {
     std::vector<std::string> names;
     for (const nlohmann::json &event : events.matching({{"event", "command"}})) {

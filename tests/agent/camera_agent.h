@@ -68,15 +68,6 @@ protected:
     Manager manager_;
 };
 
-/** A camera file of one test. */
-struct CameraFile {
-    /** @param services  as in a camera file */
-    explicit CameraFile(const nlohmann::json &services);
-
-    TemporaryDirectory directory;
-    std::string path;
-};
-
 /** Returns the operations of all commands so far, in their order. An operation that only reads is not a command. */
 std::vector<std::string> operations(const CameraEvents &events);
 

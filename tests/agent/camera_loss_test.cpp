@@ -17,8 +17,6 @@ using position_commands::stop;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-constexpr const char *kReadOperation = "get_static_information_send";
-
 /** Expects no object that depends on the service, but those that the module answers by itself. */
 void expectNoIdentity(const Agent &agent) {
     Manager manager(agent.peer());
@@ -91,25 +89,10 @@ TEST(CameraLoss, AServiceThatIsDownIsFoundAtTheNextReload) {
     EXPECT_NE(modelName(agent), "");
 }
 
-TEST(CameraLoss, AServiceThatFailsAtAReloadIsLogged) {
-    const Camera camera("minimal");
-    Agent agent(withModule(camera.directory()));
-    for (const auto &[operation, log] : {std::pair{"initiator_init", "failed dev info initiator init"},
-                                         std::pair{kReadOperation, "failed dev info:get_static_information"}}) {
-        ASSERT_TRUE(camera.control("fail", "device_information", operation, "1").status.clean());
-        agent.hup();
-        expectNoIdentity(agent);
-        EXPECT_EQ(agent.moduleLog().count(std::string(" SNMP error InitDeviceInfo: ") + log), 1U)
-            << agent.moduleLog().text();
-        agent.hup();
-        EXPECT_NE(modelName(agent), "");
-    }
-}
-
 TEST(CameraLoss, AServiceThatDoesNotAnswerHoldsTheAgentForTwoSecondsAtMost) {
     const Camera camera("minimal");
     Agent agent(withModule(camera.directory()));
-    ASSERT_TRUE(camera.control("delay", "device_information", kReadOperation, "60000").status.clean());
+    ASSERT_TRUE(camera.control("delay", "device_information", "get_static_information_send", "60000").status.clean());
     const milliseconds duration = agent.hup();
     EXPECT_GE(duration, milliseconds(1000)) << "the delay was not met";
     EXPECT_LT(duration, patient(seconds(4)));

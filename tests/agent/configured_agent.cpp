@@ -2,6 +2,9 @@
 #include "configured_agent.h"
 
 #include <algorithm>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
 
 #include "object_oids.h"
 #include "settings.h"
@@ -14,6 +17,16 @@ namespace {
 
 constexpr const char *kModuleLine = "dlmod quarnsnmp /usr/lib/quarnsnmp/libquarnsnmp_Morvek.so";
 
+std::string contentOf(const std::string &path) {
+    const std::ifstream stream(path);
+    std::ostringstream content;
+    content << stream.rdbuf();
+    if (!stream || content.str().empty()) {
+        throw std::runtime_error("cannot read " + path);
+    }
+    return content.str();
+}
+
 /** Adds the replacements that every shipped configuration needs for a test. */
 std::vector<Replacement> placed(std::vector<Replacement> replacements, const std::vector<Replacement> &further) {
     replacements.push_back({kModuleLine, "dlmod quarnsnmp " + modulePath()});
@@ -22,6 +35,19 @@ std::vector<Replacement> placed(std::vector<Replacement> replacements, const std
 }
 
 } // namespace
+
+std::string shippedConfiguration(const std::string &name, const std::vector<Replacement> &replacements) {
+    const std::string path = examplesDirectory() + "/" + name;
+    std::string text = contentOf(path);
+    for (const auto &[passage, with] : replacements) {
+        const std::size_t start = text.find(passage);
+        if (start == std::string::npos || text.find(passage, start + 1) != std::string::npos) {
+            throw std::runtime_error(std::string(path).append(" does not have exactly once: ").append(passage));
+        }
+        text.replace(start, passage.size(), with);
+    }
+    return text;
+}
 
 std::vector<Written> commands() {
     const std::string stop(4, '\0');

@@ -7,9 +7,21 @@
 #define QUARNSNMP_CONFIGURED_AGENT_H
 
 #include "camera_agent.h"
-#include "shipped_configuration.h"
 
 namespace configured_agent {
+
+/** A passage of a shipped configuration, and the text in its place. */
+struct Replacement {
+    std::string passage;
+    std::string with;
+};
+
+/**
+ * Returns the text of a shipped configuration with some passages replaced.
+ * @param name  of the file, without its directory
+ * @throws std::runtime_error if the file cannot be read, or does not have a passage exactly once
+ */
+std::string shippedConfiguration(const std::string &name, const std::vector<Replacement> &replacements = {});
 
 /** An object that can be written, and a value for it. */
 struct Written {
@@ -43,7 +55,7 @@ harness::AgentOptions labAgent(const std::string &traps);
  * The agent of the field's configuration, with three users.
  * @param further  passages of the file to replace, besides those that belong to a place
  */
-harness::AgentOptions fieldAgent(const std::string &traps, const std::vector<harness::Replacement> &further = {});
+harness::AgentOptions fieldAgent(const std::string &traps, const std::vector<Replacement> &further = {});
 
 /** Writes objects one by one. @param expected  status of each answer */
 void expectWrites(harness::Manager &manager, const std::vector<Written> &objects, harness::ErrorStatus expected);

@@ -141,9 +141,7 @@ TEST_F(NamesOfDome, KeepAMistakeFromBeingSent) {
     EXPECT_FALSE(wrong.status.clean());
     const CommandResult tooShort = run("snmpset", {}, {"positionPan.0", "x", "0240"});
     EXPECT_THAT(tooShort.errors, HasSubstr("Bad string length"));
-}
-
-TEST_F(NamesOfDome, APresetIsAnIntegerInASetOnly) {
+    // A preset is an integer in a SET only.
     const CommandResult refused = run("snmpset", {}, {"presetStorePosition.0", "i", "7"});
     EXPECT_THAT(refused.errors, HasSubstr("Type of attribute is OCTET STRING, not INTEGER"));
     output("snmpset", {"presetStorePosition.0", "i", "7"}, {"-Ir"});

@@ -40,19 +40,16 @@ TEST_F(HandlesTest, AreNeverGivenOutAgain) {
     EXPECT_TRUE(seen.insert(log).second);
 }
 
-TEST_F(HandlesTest, OfAServiceThatIsNotThereAreNotGivenOut) {
+TEST_F(HandlesTest, OfAServiceThatIsNotThereOrDownAreNotGivenOut) {
     void *cookie = this;
     EXPECT_EQ(wire::kUnreachable, zorva_api_relay_initiator_init(ipcCookie, logCookie, &cookie, 0, nullptr));
     EXPECT_EQ(nullptr, cookie);
     EXPECT_EQ(wire::kInvalidHandle, zorva_api_relay_set_state_send(cookie, kTarget, 1));
     EXPECT_EQ(wire::kInvalidHandle, zorva_api_relay_initiator_deinit(cookie));
-}
-
-TEST_F(HandlesTest, OfAServiceThatIsDownAreNotGivenOut) {
     const ScriptedServer down(
         directory(), "relay", [](Peer &peer, const std::string &) { peer.send("[6]\n"); },
         ScriptedServer::Scope::kEverything);
-    void *cookie = this;
+    cookie = this;
     EXPECT_EQ(wire::kServiceDown, zorva_api_relay_initiator_init(ipcCookie, logCookie, &cookie, 0, nullptr));
     EXPECT_EQ(nullptr, cookie);
     EXPECT_TRUE(clientSockets(directory()).empty());

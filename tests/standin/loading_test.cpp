@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <array>
-#include <cstdio>
-#include <filesystem>
 #include <fstream>
-#include <memory>
 #include <regex>
 #include <set>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include <dlfcn.h>
 #include <malloc.h>
@@ -17,6 +14,8 @@
 #include <gtest/gtest.h>
 
 #include "eventually.h"
+#include "process.h"
+#include "process_information.h"
 #include "scripted_server.h"
 #include "temporary_directory.h"
 #include "zorva-core.h"
@@ -25,14 +24,10 @@ using namespace support;
 
 namespace {
 
-std::string outputOf(const std::string &command) {
-    const std::unique_ptr<FILE, int (*)(FILE *)> pipe(::popen(command.c_str(), "r"), &::pclose);
-    std::string output;
-    std::array<char, 4096> piece{};
-    while (pipe != nullptr && std::fgets(piece.data(), piece.size(), pipe.get()) != nullptr) {
-        output += piece.data();
-    }
-    return output;
+std::string outputOf(const std::vector<std::string> &command) {
+    const CommandResult result = runCommand(command);
+    EXPECT_TRUE(result.status.clean()) << result.errors;
+    return result.output;
 }
 
 /** The library, loaded; its functions are looked up by name. */
@@ -63,18 +58,7 @@ private:
 #define LOOK_UP(library, name) (library).get<decltype(name)>(#name)
 
 bool isMapped() {
-    std::ifstream maps("/proc/self/maps");
-    std::stringstream content;
-    content << maps.rdbuf();
-    return content.str().find("libzorva-core") != std::string::npos;
-}
-
-std::size_t entriesOf(const char *directory) {
-    std::size_t count = 0;
-    for ([[maybe_unused]] const auto &entry : std::filesystem::directory_iterator(directory)) {
-        ++count;
-    }
-    return count;
+    return mapsFile(::getpid(), STANDIN_LIBRARY);
 }
 
 /** Begins, makes a call and, unless the library is to be left as it is, ends. */
@@ -121,8 +105,8 @@ protected:
         for (int i = 0; i < kWarmUp + kLoads; ++i) {
             if (i == kWarmUp) {
                 ASSERT_TRUE(eventually([&] { return server.openConnections() == 0; }));
-                descriptors = entriesOf("/proc/self/fd");
-                threads = entriesOf("/proc/self/task");
+                descriptors = descriptorCount(::getpid());
+                threads = threadCount(::getpid());
                 memory = ::mallinfo2().uordblks;
             }
             useOnce(isEnded);
@@ -130,8 +114,8 @@ protected:
             ASSERT_FALSE(isMapped());
         }
         ASSERT_TRUE(eventually([&] { return server.openConnections() == 0; }));
-        EXPECT_EQ(descriptors, entriesOf("/proc/self/fd"));
-        EXPECT_EQ(threads, entriesOf("/proc/self/task"));
+        EXPECT_EQ(descriptors, descriptorCount(::getpid()));
+        EXPECT_EQ(threads, threadCount(::getpid()));
         // The server keeps every request, which is some fifty octets each time. A sanitizer's own allocator counts
         // nothing here; it reports losses at the end.
         EXPECT_LT(::mallinfo2().uordblks, memory + std::size_t{kLoads} * 150);
@@ -153,7 +137,7 @@ TEST_F(LoadingTest, UnloadedLibraryDoesNotWatchForks) {
     useOnce(true);
     ASSERT_FALSE(isMapped());
     // A handler that was left behind would be called at an address where nothing is.
-    EXPECT_EQ("still here\n", outputOf("echo still here"));
+    EXPECT_EQ("still here\n", outputOf({"echo", "still here"}));
     const pid_t child = ::fork();
     if (child == 0) {
         ::_exit(7);
@@ -199,7 +183,7 @@ TEST(Symbols, AreExactlyTheInterface) {
 #include "service_calls.def"
 
     std::set<std::string> exported;
-    std::istringstream lines(outputOf(NM_PROGRAM " --dynamic --defined-only --demangle " STANDIN_LIBRARY));
+    std::istringstream lines(outputOf({NM_PROGRAM, "--dynamic", "--defined-only", "--demangle", STANDIN_LIBRARY}));
     for (std::string line; std::getline(lines, line);) {
         // Address, type and name; the name may have blanks in it.
         constexpr std::size_t kNameColumn = sizeof "0000000000000000 T " - 1;
@@ -209,16 +193,13 @@ TEST(Symbols, AreExactlyTheInterface) {
     EXPECT_EQ(expected, exported);
 }
 
-TEST(Symbols, NoneKeepsTheLibraryMapped) {
-    const std::string symbols = outputOf(READELF_PROGRAM " --wide --symbols " STANDIN_LIBRARY);
+TEST(Symbols, NoneKeepsTheLibraryMappedAndItsNameIsFixed) {
+    const std::string symbols = outputOf({READELF_PROGRAM, "--wide", "--symbols", STANDIN_LIBRARY});
     EXPECT_NE(std::string::npos, symbols.find("zorva_core_init")) << symbols;
     EXPECT_EQ(std::string::npos, symbols.find("UNIQUE"));
-    EXPECT_EQ(std::string::npos, outputOf(READELF_PROGRAM " --dynamic " STANDIN_LIBRARY).find("NODELETE"));
-}
-
-TEST(Symbols, NameOfTheLibraryIsFixed) {
-    EXPECT_NE(std::string::npos,
-              outputOf(READELF_PROGRAM " --dynamic " STANDIN_LIBRARY).find("Library soname: [libzorva-core.so]"));
+    const std::string dynamic = outputOf({READELF_PROGRAM, "--dynamic", STANDIN_LIBRARY});
+    EXPECT_EQ(std::string::npos, dynamic.find("NODELETE"));
+    EXPECT_NE(std::string::npos, dynamic.find("Library soname: [libzorva-core.so]"));
 }
 
 } // namespace

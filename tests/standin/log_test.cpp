@@ -3,7 +3,6 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
-#include <fstream>
 #include <regex>
 
 #include <signal.h>
@@ -43,8 +42,7 @@ protected:
 TEST_F(LogTest, LineHasTimeNameLevelAndText) {
     zorva_core_logging_log(logCookie, 7, "registerScalar: %s = %d", "sysDescr", 5);
     EXPECT_EQ("SNMP debug registerScalar: sysDescr = 5", onlyText());
-    std::ifstream file(logFile);
-    const std::string content((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    const std::string content = LogFile(logFile).text();
     EXPECT_TRUE(std::regex_match(content, std::regex("[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{6} "
                                                      "SNMP debug registerScalar: sysDescr = 5\n")))
         << content;
@@ -118,23 +116,21 @@ TEST_F(LogTest, LinesWithoutAnOpenContextAreDropped) {
     EXPECT_TRUE(logLines().empty());
 }
 
-TEST_F(LogTest, ContextsHaveTheirNames) {
-    void *other = nullptr;
-    std::string name = "trap sender";
-    ASSERT_EQ(wire::kSuccess, zorva_core_logging_init(name.c_str(), &other));
-    name.assign(name.size(), '?');
-    zorva_core_logging_log(other, 5, "text");
-    EXPECT_EQ("trap sender notice text", onlyText());
-}
-
 TEST_F(LogTest, ControlCharactersBecomeEscapes) {
     zorva_core_logging_log(logCookie, 6, "%s", "a\nb\tc\rd\x1b[31me\x7f\x01 gr\xc3\xb6\xc3\x9f\x65 50% \\");
     EXPECT_EQ("SNMP info a\\nb\\tc\\rd\\x1b[31me\\x7f\\x01 gr\xc3\xb6\xc3\x9f\x65 50% \\", onlyText());
-    clear();
-    void *forged = nullptr;
-    ASSERT_EQ(wire::kSuccess, zorva_core_logging_init("a\nb", &forged));
-    zorva_core_logging_log(forged, 6, "text");
-    EXPECT_EQ("a\\nb info text", onlyText());
+}
+
+TEST_F(LogTest, ContextsHaveCopiesOfTheirNames) {
+    for (const auto &[given, written] : {std::pair("trap sender", "trap sender"), std::pair("a\nb", "a\\nb")}) {
+        clear();
+        void *context = nullptr;
+        std::string name = given;
+        ASSERT_EQ(wire::kSuccess, zorva_core_logging_init(name.c_str(), &context));
+        name.assign(name.size(), '?');
+        zorva_core_logging_log(context, 5, "text");
+        EXPECT_EQ(std::string(written) + " notice text", onlyText());
+    }
 }
 
 TEST_F(LogTest, LongLinesAreCutAndMarked) {

@@ -10,7 +10,15 @@
 
 namespace {
 
-class ShortageTest : public StandInTest {};
+class ShortageTest : public StandInTest {
+protected:
+    /** Reads the eight texts and the flag of a camera. @return the status of the call */
+    static zorva_core_status readInformation(void *cookie, std::array<char *, 8> &texts, uint8_t &flag) {
+        return zorva_api_device_information_get_static_information_send(cookie, kTarget, &texts[0], &texts[1],
+                                                                        &texts[2], &texts[3], &texts[4], &texts[5],
+                                                                        &texts[6], &texts[7], &flag);
+    }
+};
 
 TEST_F(ShortageTest, TextsAreAllOrNothing) {
     ScriptedServer server(directory(), "device_information", R"([0,"1","2","3","4","5",null,"7","8",9])");
@@ -23,9 +31,7 @@ TEST_F(ShortageTest, TextsAreAllOrNothing) {
         zorva_core_status status = wire::kFailed;
         {
             const Shortage shortage(Resource::kTextCopies, successes);
-            status = zorva_api_device_information_get_static_information_send(cookie, kTarget, &texts[0], &texts[1],
-                                                                              &texts[2], &texts[3], &texts[4],
-                                                                              &texts[5], &texts[6], &texts[7], &flag);
+            status = readInformation(cookie, texts, flag);
             // Seven of the eight are texts, so the last round has enough.
             EXPECT_EQ(successes < 7, shortage.hasStruck());
         }
@@ -60,9 +66,7 @@ TEST_F(ShortageTest, CopiesOfTextsThatWereNotEnoughAreFreed) {
         std::array<char *, 8> texts{};
         uint8_t flag = 0;
         const Shortage shortage(Resource::kTextCopies, 7);
-        ASSERT_EQ(wire::kNoMemory, zorva_api_device_information_get_static_information_send(
-                                       cookie, kTarget, &texts[0], &texts[1], &texts[2], &texts[3], &texts[4],
-                                       &texts[5], &texts[6], &texts[7], &flag));
+        ASSERT_EQ(wire::kNoMemory, readInformation(cookie, texts, flag));
     }
     // Seven kilobytes a call would be lost; the server keeps the requests, which are shorter than a quarter of one. A
     // sanitizer's own allocator counts nothing here; it reports losses at the end.

@@ -3,7 +3,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -33,12 +32,7 @@ void *StandInTest::open(OpenFunction initiatorInit) {
 }
 
 std::vector<std::string> StandInTest::logLines() const {
-    std::ifstream file(logFile);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(file, line);) {
-        lines.push_back(line);
-    }
-    return lines;
+    return LogFile(logFile).lines();
 }
 
 bool StandInTest::logSays(const std::string &text) const {

@@ -13,6 +13,7 @@
 
 #include "eventually.h"
 #include "kernel_clock.h"
+#include "log_file.h"
 #include "scripted_server.h"
 #include "status.h"
 #include "temporary_directory.h"

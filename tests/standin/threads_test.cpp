@@ -33,6 +33,14 @@ protected:
             [cookie] { return zorva_api_iris_set_position_send(cookie, nullptr, 0) == wire::kInvalidHandle; });
     }
 
+    /** Answers as soon as a flag is set. */
+    static ScriptedServer::Handler answerOnce(const std::atomic<bool> &mayAnswer) {
+        return [&mayAnswer](Peer &peer, const std::string &) {
+            eventually([&] { return mayAnswer.load(); });
+            peer.send("[0,1,2,3]\n");
+        };
+    }
+
     static zorva_core_status readIris(void *cookie) {
         uint32_t current = 0;
         uint32_t min = 0;
@@ -76,10 +84,7 @@ TEST_F(ThreadsTest, CallsOfOneServiceTakeTurns) {
 
 TEST_F(ThreadsTest, HandleMayBeClosedDuringACall) {
     std::atomic<bool> mayAnswer{false};
-    ScriptedServer server(directory(), "iris", [&](Peer &peer, const std::string &) {
-        eventually([&] { return mayAnswer.load(); });
-        peer.send("[0,1,2,3]\n");
-    });
+    ScriptedServer server(directory(), "iris", answerOnce(mayAnswer));
     void *const cookie = open(&zorva_api_iris_initiator_init);
     zorva_core_status callStatus = wire::kFailed;
     std::thread caller([&] { callStatus = readIris(cookie); });
@@ -104,10 +109,7 @@ TEST_F(ThreadsTest, HandleMayBeClosedDuringACall) {
 
 TEST_F(ThreadsTest, CallThatWaitsForItsTurnFailsWhenTheHandleIsClosed) {
     std::atomic<bool> mayAnswer{false};
-    ScriptedServer server(directory(), "iris", [&](Peer &peer, const std::string &) {
-        eventually([&] { return mayAnswer.load(); });
-        peer.send("[0,1,2,3]\n");
-    });
+    ScriptedServer server(directory(), "iris", answerOnce(mayAnswer));
     void *const cookie = open(&zorva_api_iris_initiator_init);
     std::array<zorva_core_status, 8> statuses{};
     std::thread callers([&] {

@@ -29,22 +29,28 @@ protected:
     }
 
     zorva_core_status readState() {
-        uint8_t state = 0;
         return zorva_api_power_get_power_state_send(cookie, kTarget, &state);
+    }
+
+    /** Expects a call to be given up after two seconds. */
+    template <typename Call>
+    static void expectTimeOut(const Call &call) {
+        zorva_core_status status = wire::kSuccess;
+        const milliseconds duration = durationOf([&] { status = call(); });
+        EXPECT_EQ(wire::kTimedOut, status);
+        EXPECT_GE(duration, kEarliest);
+        EXPECT_LT(duration, kLatest);
     }
 
     std::atomic<bool> done{false}; ///< outlives the server, whose handler looks at it
     ScriptedServer server{directory(), "power", "[0,1]"};
     void *cookie = nullptr;
+    uint8_t state = 0;
 };
 
 TEST_F(TimeLimitTest, NoAnswerIsWaitedForTwoSeconds) {
     server.setHandler(keepSilent);
-    zorva_core_status status = wire::kSuccess;
-    const milliseconds duration = durationOf([&] { status = readState(); });
-    EXPECT_EQ(wire::kTimedOut, status);
-    EXPECT_GE(duration, kEarliest);
-    EXPECT_LT(duration, kLatest);
+    expectTimeOut([this] { return readState(); });
     EXPECT_TRUE(clientSockets(directory()).empty());
 }
 
@@ -53,8 +59,7 @@ TEST_F(TimeLimitTest, LateAnswerIsNotTakenForTheNextOne) {
     EXPECT_EQ(wire::kTimedOut, readState());
     server.forEachPeer([](Peer &peer) { peer.send("[0,99]\n"); });
     server.setHandler([](Peer &peer, const std::string &) { peer.send("[0,3]\n"); });
-    uint8_t state = 0;
-    EXPECT_EQ(wire::kSuccess, zorva_api_power_get_power_state_send(cookie, kTarget, &state));
+    EXPECT_EQ(wire::kSuccess, readState());
     EXPECT_EQ(3, state);
     EXPECT_EQ(2U, server.requests().size());
 }
@@ -67,12 +72,8 @@ TEST_F(TimeLimitTest, AnswerThatTricklesInIsNotWaitedForLonger) {
             std::this_thread::sleep_for(milliseconds(100));
         }
     });
-    zorva_core_status status = wire::kSuccess;
-    const milliseconds duration = durationOf([&] { status = readState(); });
+    expectTimeOut([this] { return readState(); });
     done = true;
-    EXPECT_EQ(wire::kTimedOut, status);
-    EXPECT_GE(duration, kEarliest);
-    EXPECT_LT(duration, kLatest);
 }
 
 TEST_F(TimeLimitTest, AnswerWithinTheLimitIsWaitedFor) {
@@ -81,8 +82,7 @@ TEST_F(TimeLimitTest, AnswerWithinTheLimitIsWaitedFor) {
         std::this_thread::sleep_for(milliseconds(1000));
         peer.send("5]\n");
     });
-    uint8_t state = 0;
-    EXPECT_EQ(wire::kSuccess, zorva_api_power_get_power_state_send(cookie, kTarget, &state));
+    EXPECT_EQ(wire::kSuccess, readState());
     EXPECT_EQ(5, state);
 }
 
@@ -111,12 +111,7 @@ TEST_F(TimeLimitTest, FullQueueOfConnectionsIsNotWaitedForLonger) {
     ASSERT_EQ(EAGAIN, errno);
 
     void *iris = nullptr;
-    zorva_core_status status = wire::kSuccess;
-    const milliseconds duration =
-        durationOf([&] { status = zorva_api_iris_initiator_init(ipcCookie, logCookie, &iris, 0, nullptr); });
-    EXPECT_EQ(wire::kTimedOut, status);
-    EXPECT_GE(duration, kEarliest);
-    EXPECT_LT(duration, kLatest);
+    expectTimeOut([&] { return zorva_api_iris_initiator_init(ipcCookie, logCookie, &iris, 0, nullptr); });
     for (const int descriptor : sockets) {
         ::close(descriptor);
     }
@@ -125,11 +120,7 @@ TEST_F(TimeLimitTest, FullQueueOfConnectionsIsNotWaitedForLonger) {
 TEST_F(TimeLimitTest, DirectoryIsNotWaitedForLonger) {
     const ScriptedServer directoryServer(directory(), "directory", keepSilent);
     std::vector<std::string> ids;
-    bool found = true;
-    const milliseconds duration = durationOf([&] { found = zorva::core::getTargetIds("power", ids); });
-    EXPECT_FALSE(found);
-    EXPECT_GE(duration, kEarliest);
-    EXPECT_LT(duration, kLatest);
+    expectTimeOut([&] { return zorva::core::getTargetIds("power", ids) ? wire::kSuccess : wire::kTimedOut; });
 }
 
 TEST_F(TimeLimitTest, HangingServiceDoesNotHoldUpTheEnd) {

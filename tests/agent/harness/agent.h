@@ -19,8 +19,8 @@
 #include "manager.h"
 #include "process.h"
 #include "reserved_port.h"
+#include "secure_session.h"
 #include "temporary_directory.h"
-#include "user.h"
 
 namespace harness {
 

@@ -10,7 +10,6 @@
 
 #include "netsnmp_convert.h"
 #include "netsnmp_types.h"
-#include "secure_session.h"
 
 namespace harness {
 

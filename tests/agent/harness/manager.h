@@ -13,7 +13,7 @@
 
 #include "eventually.h"
 #include "recorded_values.h"
-#include "user.h"
+#include "secure_session.h"
 
 namespace harness {
 
