@@ -159,6 +159,25 @@ TEST_F(HealthTraps, AServiceThatWasAwayIsPolledAgain) {
     EXPECT_THAT(sent(), SizeIs(1));
 }
 
+TEST_F(HealthTraps, AChangeAroundAReloadIsNotReportedButTheReloadIs) {
+    awaitPoll(kPowerSensor);
+    control("fail", kPowerSensor.service, kPowerSensor.operation, "1", "--always");
+    show(kPowerSensor, 1);
+    agent_.hup();
+    control("clear");
+    awaitPoll(kPowerSensor);
+    pollWith(kPowerSensor, 2);
+    EXPECT_TRUE(arrives({oids::registered::power, 2}));
+    EXPECT_THAT(sent(), ElementsAre(Sent{oids::registered::power, 2}));
+    std::vector<std::string> starts;
+    for (const Trap &trap : receiver.traps()) {
+        if (!isBelow(trap.notification(), oids::kVendorSubtree)) {
+            starts.push_back(trap.notification());
+        }
+    }
+    EXPECT_THAT(starts, ElementsAre(".1.3.6.1.6.3.1.1.5.1", ".1.3.6.1.4.1.8072.4.0.3")) << "coldStart, nsNotifyRestart";
+}
+
 TEST_P(HealthTrapsOfEach, GoOnAfterAReload) {
     awaitPoll(kPowerSensor);
     pollWith(kPowerSensor, 1);

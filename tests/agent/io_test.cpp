@@ -68,3 +68,17 @@ TEST_F(InputsAndOutputs, TheTableSwitchesARow) {
     setInteger(relayState(2), 256);
     EXPECT_EQ(relay(2), 0) << "only the low octet reaches the relay";
 }
+
+TEST_F(InputsAndOutputs, ACommandThatFailsUndoesAndPreventsNoOtherOfItsRequest) {
+    control("fail", "relay", "set_state_send", "1", "--always");
+    const Varbind command = octetString(oids::outputControl, "\x01\x80");
+    int milliseconds = 0;
+    for (const bool failsFirst : {false, true}) {
+        const Varbind other = integer(oids::timeoutPan, ++milliseconds);
+        const Result result = failsFirst ? manager_.set({command, other}) : manager_.set({other, command});
+        EXPECT_EQ(result.error, ErrorStatus::GenErr) << result;
+        EXPECT_EQ(result.errorIndex, 0) << "a failed execution names no varbind";
+        EXPECT_EQ(get(oids::timeoutPan), std::to_string(milliseconds));
+    }
+    EXPECT_EQ(relay(1), 0);
+}
