@@ -23,8 +23,8 @@ struct Gadget {
              integerField("level", &Gadget::level)},
             {operation(
                 "set_level_send",
-                +[](const Scope<Gadget> &scope, std::int32_t level) {
-                    scope.state.level = level;
+                +[](const Scope<Gadget> &scope, std::int32_t wanted) {
+                    scope.state.level = wanted;
                     return Answer{};
                 })},
             [](const Gadget &state) { return checkWithin("level", state.level, 0, state.highest, "0 to highest"); }};

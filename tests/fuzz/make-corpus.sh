@@ -127,6 +127,17 @@ presets_tours ["get_preset_id_for_quarnapi_id_send","presets_tours/1",1]
 presets_tours ["move_to_preset_send","presets_tours/1","id-1",1.0,300,1]
 presets_tours ["get_max_presets_send","presets_tours/1"]
 END
+lines dry-run <<'END'
+positioning ["set_velocity_send","positioning/1",1,5000,0,0,0,0,1]
+500
+control {"command":"dryRun","skipMissingServices":true}
+control {"command":"set","target":"positioning/1","field":"pan.position","value":7}
+control {"command":"down","service":"relay"}
+control {"command":"fail","service":"radar","operation":"*","status":1}
+control {"command":"state"}
+control {"command":"follow"}
+END
+
 lines device <<'END'
 alarm ["get_state_send","alarm/4"]
 relay ["set_configuration_send","relay/1",1,0,1,0,1,1,1]
