@@ -17,6 +17,12 @@ AgentOptions withCamera(AgentOptions options, const Camera &camera) {
     return options;
 }
 
+AgentOptions withFastClock() {
+    AgentOptions options;
+    options.fakeTime = "+0 x60";
+    return options;
+}
+
 std::string modelName(const Agent &agent) {
     const Result result = Manager(agent.peer()).get(oids::modelName);
     return result.ok() && result.single().type == Type::Octets ? result.single().octets : "";
@@ -60,6 +66,13 @@ CameraAgent::CameraAgent(const std::string &camera, const AgentOptions &agent)
 
 std::string CameraAgent::get(const std::string &oid) {
     return recordedValue(manager_.get(oid).single());
+}
+
+std::vector<Varbind> CameraAgent::walk() {
+    std::vector<Varbind> all = manager_.walk(oids::kNtcipSubtree);
+    const std::vector<Varbind> vendor = manager_.walk(oids::kVendorSubtree);
+    all.insert(all.end(), vendor.begin(), vendor.end());
+    return all;
 }
 
 void CameraAgent::set(const std::string &oid, const std::string &octets) {

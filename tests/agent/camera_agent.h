@@ -18,6 +18,9 @@ namespace harness {
 /** Adds the module of this build and a running camera to the options of an agent. */
 AgentOptions withCamera(AgentOptions options, const Camera &camera);
 
+/** Returns options of an agent whose clock runs sixty times as fast, so that the module polls once a second. */
+AgentOptions withFastClock();
+
 /** Returns modelName as the agent answers it; empty without such an object. */
 std::string modelName(const Agent &agent);
 
@@ -43,6 +46,9 @@ protected:
 
     /** Reads an object. @return the value as recordedValue() writes it */
     std::string get(const std::string &oid);
+
+    /** Returns all objects of the module. */
+    std::vector<Varbind> walk();
 
     /** Writes octets to an object; a refusal fails the test. */
     void set(const std::string &oid, const std::string &octets);

@@ -27,13 +27,6 @@ void expectNoIdentity(const Agent &agent) {
     EXPECT_EQ(manager.get(oids::rangePanHomePosition).single().number, 65535);
 }
 
-/** A module that finds no service waits for the lens services; at this pace of its clock that takes no time. */
-AgentOptions withFastClock(const Camera &camera) {
-    AgentOptions options = withModule(camera.directory());
-    options.fakeTime = "+0 x60";
-    return options;
-}
-
 } // namespace
 
 TEST(CameraLoss, AHeldObjectIsAnsweredWithoutTheCamera) {
@@ -49,7 +42,7 @@ TEST(CameraLoss, AHeldObjectIsAnsweredWithoutTheCamera) {
 
 TEST(CameraLoss, AReloadFindsTheCameraAgainAfterItsPowerWasCut) {
     Camera camera("dome");
-    Agent agent(withFastClock(camera));
+    Agent agent(withCamera(withFastClock(), camera));
     const std::string name = modelName(agent);
     for (int i = 0; i < 3; ++i) {
         camera.kill();
@@ -65,7 +58,8 @@ TEST(CameraLoss, AReloadFindsTheCameraAgainAfterItsPowerWasCut) {
 TEST(CameraLoss, WithoutACameraTheModuleAnswersForPanAndTilt) {
     Camera camera("minimal");
     camera.stop();
-    Agent agent(withFastClock(camera));
+    // A module that finds no service waits for the lens services; at this pace of its clock that takes no time.
+    Agent agent(withCamera(withFastClock(), camera));
     expectNoIdentity(agent);
     EXPECT_EQ(agent.moduleLog().count("no zorva API dev info"), 3U) << agent.moduleLog().text();
     EXPECT_EQ(agent.moduleLog().count("no zorva API positionings"), 1U);

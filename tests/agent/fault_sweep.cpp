@@ -63,13 +63,6 @@ const Services &FaultSweep::services() const {
     return services_;
 }
 
-std::vector<Varbind> FaultSweep::walk() {
-    std::vector<Varbind> all = manager_.walk(oids::kNtcipSubtree);
-    const std::vector<Varbind> vendor = manager_.walk(oids::kVendorSubtree);
-    all.insert(all.end(), vendor.begin(), vendor.end());
-    return all;
-}
-
 Result FaultSweep::ask(const Request &request) {
     return request.isGet() ? manager_.get(request.varbind.oid) : manager_.set({request.varbind});
 }

@@ -37,9 +37,6 @@ protected:
 
     const Services &services() const;
 
-    /** Returns all objects of the module. */
-    std::vector<harness::Varbind> walk();
-
     /** Reads and writes all objects under a fault, and checks every answer. */
     void sweep(const Fault &fault);
 

@@ -72,27 +72,19 @@ protected:
     }
 };
 
-/** A camera before its first command, and the objects of its agent. */
-class StartOfCamera : public CameraAgent {
+/** A start with one fault. */
+class FaultStart : public CameraAgent, public testing::WithParamInterface<std::string> {
 protected:
-    explicit StartOfCamera(const std::string &camera, const AgentOptions &agent = {}) : CameraAgent(camera, agent) {}
+    FaultStart() : CameraAgent(cameraWith(GetParam())) {}
 
     /** Returns the present objects and their values. */
     std::vector<std::string> shown() {
         std::vector<std::string> lines;
-        for (const char *root : {oids::kNtcipSubtree, oids::kVendorSubtree}) {
-            for (const Varbind &varbind : manager_.walk(root)) {
-                lines.push_back(varbind.oid + " " + recordedValue(varbind));
-            }
+        for (const Varbind &varbind : walk()) {
+            lines.push_back(varbind.oid + " " + recordedValue(varbind));
         }
         return lines;
     }
-};
-
-/** A start with one fault. */
-class FaultStart : public StartOfCamera, public testing::WithParamInterface<std::string> {
-protected:
-    FaultStart() : StartOfCamera(cameraWith(GetParam())) {}
 
     /** Reloads the module under every fault of the start, and without it. @param how of a control command */
     void startUnder(const char *command, const char *how) {
@@ -133,21 +125,15 @@ private:
 
 class FaultStartSlow : public FaultStart {};
 
-AgentOptions withFastClock() {
-    AgentOptions options;
-    options.fakeTime = "+0 x60";
-    return options;
-}
-
 /** A start for which nothing is to be found: it waits for the lens, which at this pace of its clock takes no time. */
-class FaultDiscovery : public StartOfCamera {
+class FaultDiscovery : public CameraAgent {
 protected:
-    FaultDiscovery() : StartOfCamera("dome", withFastClock()) {}
+    FaultDiscovery() : CameraAgent("dome", withFastClock()) {}
 
     /** Reloads the module without targets, or without services that open, and then with all of them. */
     void expectPanTiltAndPresetsOnly(const std::vector<std::string> &services, const char *operation) {
         agent_.hup();
-        const std::vector<std::string> before = shown();
+        const std::vector<Varbind> before = walk();
         for (const std::string &service : services) {
             control("fail", service, operation, kFailed, "--always");
         }
@@ -156,7 +142,7 @@ protected:
         EXPECT_THAT(manager_.walk(oids::kVendorSubtree), IsEmpty());
         control("clear");
         agent_.hup();
-        EXPECT_EQ(shown(), before);
+        EXPECT_EQ(walk(), before);
     }
 };
 

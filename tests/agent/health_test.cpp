@@ -13,16 +13,10 @@
 namespace {
 
 using namespace harness;
-using nlohmann::json;
 using std::chrono::seconds;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-class Health : public CameraAgent {
-protected:
-    Health() : CameraAgent("dome") {}
-};
 
 /** A receiver, and an agent that sends its traps there. */
 struct Receiver {
@@ -82,18 +76,6 @@ protected:
 };
 
 } // namespace
-
-TEST_F(Health, TheSensorsAreReadForEveryRequest) {
-    setField(camera_, "power/1", "powerState", 2);
-    setField(camera_, "power/1", "voltageState", 3);
-    setField(camera_, "temperature/1", "temperature", 42999);
-    EXPECT_EQ(get(oids::power), "2");
-    EXPECT_EQ(get(oids::voltage), "3");
-    EXPECT_EQ(get(oids::temperature), "42");
-    setField(camera_, "temperature/1", "temperature", -1500);
-    EXPECT_EQ(manager_.get(oids::temperature).single().number, 4294967295);
-    EXPECT_EQ(manager_.get(oids::temperature).single().type, Type::Gauge32);
-}
 
 TEST_F(HealthTraps, EveryChangeOfPowerAndVoltageIsTold) {
     awaitPoll(kPowerSensor);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The lens through the whole chain, on cameras with a motor-driven lens, with stepper motors, and with both.
+// The lens through the whole chain, on cameras with a motor-driven lens and with stepper motors.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -16,7 +16,6 @@ using namespace std::string_literals;
 using nlohmann::json;
 using std::chrono::seconds;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 const std::string kFocus = "lens_focus/1";
 const std::string kFocusStepper = "focus_stepper/1";
@@ -28,7 +27,7 @@ const std::string kAllAutomatic = "\xC0\x80"s;
 
 class Lens : public CameraAgent {
 protected:
-    explicit Lens(const std::string &camera = "dome", const AgentOptions &agent = {}) : CameraAgent(camera, agent) {}
+    explicit Lens(const std::string &camera = "dome") : CameraAgent(camera) {}
 
     json drive(const std::string &target) const {
         return targetState(camera_, target);
@@ -51,11 +50,6 @@ protected:
 class StepperLens : public Lens {
 protected:
     StepperLens() : Lens("stepper") {}
-};
-
-class TwinFocusLens : public Lens {
-protected:
-    TwinFocusLens() : Lens("twinfocus") {}
 };
 
 } // namespace
@@ -117,7 +111,7 @@ TEST_F(Lens, ACommandWhileTheServiceIsAwayIsAcceptedAndLost) {
     EXPECT_TRUE(arrives(kFocus, 0));
 }
 
-TEST_F(StepperLens, FocusStepsToPositionsAndCannotBeStopped) {
+TEST_F(StepperLens, StepsToPositionsAndCannotBeStopped) {
     set(oids::systemLensFeatureControl, kAllManual);
     set(oids::positionFocusLens, absolute(0, 0x8000));
     EXPECT_TRUE(arrives(kFocusStepper, 2000));
@@ -132,18 +126,8 @@ TEST_F(StepperLens, FocusStepsToPositionsAndCannotBeStopped) {
         << "at the highest speed";
     EXPECT_EQ(logged("handle_positionFocusStepperLens: stop focus (0)"), 1U);
     EXPECT_EQ(get(oids::positionFocusLens), "0x037f0000");
-}
-
-TEST_F(StepperLens, ZoomIsServedByTheStepper) {
     set(oids::positionZoomLens, absolute(0, 0x8000));
     EXPECT_TRUE(arrives(kZoomStepper, 3000));
-    set(oids::positionZoomLens, delta(-1, 0x1000));
-    EXPECT_TRUE(arrives(kZoomStepper, 2625));
-    set(oids::positionZoomLens, continuous(127));
-    set(oids::positionZoomLens, stop());
-    EXPECT_EQ(drive(kZoomStepper).at("position"), 2625);
-    EXPECT_EQ(get(oids::positionZoomLens), "0x00000000");
-    EXPECT_EQ(get(oids::rangeZoomLimit), "0");
 }
 
 TEST_F(StepperLens, AutomaticFocusIsAQuickRun) {
@@ -158,28 +142,11 @@ TEST_F(StepperLens, AutomaticFocusIsAQuickRun) {
     EXPECT_EQ(manager_.set({octetString(oids::systemLensEquipped, "\xC0")}).single().octets, "\xC0\0\0\0\0\0\0\0"s);
 }
 
-TEST_F(TwinFocusLens, TheMotorDrivenLensHasTheObjectsAndSixRefusalsAreLogged) {
-    EXPECT_EQ(logged("OID not OK"), 6U);
-    for (const char *name : {"rangeFocusLimit", "timeoutFocus", "positionFocusLens", "systemLensFeatureControl",
-                             "systemLensFeatureStatus", "systemLensEquipped"}) {
-        EXPECT_EQ(logged("registerScalar: Registration for "s + name + " OID OK"), 1U) << name;
-        EXPECT_EQ(logged("registerScalar: Registration for "s + name + " OID not OK"), 1U) << name;
-    }
-    const CameraEvents events(camera_);
-    set(oids::systemLensFeatureControl, kAllManual);
-    set(oids::positionFocusLens, absolute(0, 0xFFFF));
-    EXPECT_TRUE(arrives(kFocus, 8000));
-    EXPECT_EQ(drive(kFocusStepper).at("position"), 900);
-    EXPECT_THAT(events.matching({{"event", "command"}, {"service", "focus_stepper"}}), IsEmpty());
-}
-
 TEST(LensDiscovery, AServiceThatComesLateIsFound) {
     const Camera camera("dome");
     // The lists of inputs and identity, and three of the focus.
     ASSERT_TRUE(camera.control("fail", "directory", "get_target_ids", "1", "--times", "5").status.clean());
-    AgentOptions options = withModule(camera.directory());
-    options.fakeTime = "+0 x60";
-    const Agent agent(options);
+    const Agent agent(withCamera(withFastClock(), camera));
     EXPECT_EQ(Manager(agent.peer()).get(oids::systemLensFeatureStatus).single().type, Type::Octets);
     EXPECT_EQ(agent.moduleLog().count("no zorva API alarms"), 1U);
     EXPECT_EQ(agent.moduleLog().count("no zorva API dev info"), 1U);
@@ -189,9 +156,7 @@ TEST(LensDiscovery, AServiceThatComesLateIsFound) {
 TEST(LensDiscovery, AServiceThatNeverComesIsGivenUp) {
     const Camera camera("dome");
     ASSERT_TRUE(camera.control("down", "lens_focus").status.clean());
-    AgentOptions options = withModule(camera.directory());
-    options.fakeTime = "+0 x60";
-    const Agent agent(options);
+    const Agent agent(withCamera(withFastClock(), camera));
     EXPECT_EQ(agent.moduleLog().count("no zorva API focuses"), 2U);
     Manager manager(agent.peer());
     EXPECT_NE(manager.get(oids::positionFocusLens).single().type, Type::Octets);

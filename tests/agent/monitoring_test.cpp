@@ -205,15 +205,13 @@ TEST_F(MonitoringOfMinimal, HasWhatTheCameraHas) {
     EXPECT_THAT(result.values, Contains(Key("sysUpTime")));
 }
 
-TEST_F(MonitoringInTheField, TheViewerReadsWhatThereIsInALab) {
+TEST_F(MonitoringInTheField, TheViewerAloneReadsWhatThereIsInALab) {
     const Exporter exporter;
     const Scrape result = exporter.scrape(kField, agent_.peer());
     EXPECT_EQ(result.status, kOk) << result.body;
     EXPECT_EQ(cameraValues(result), domeWith({}));
     EXPECT_THAT(result.values, Contains(Key("sysUpTime")));
-}
-
-TEST_F(MonitoringInTheField, AWrongPassphraseAndACommunityReadNothing) {
+    // A wrong passphrase and a community read nothing.
     const std::string shipped = shippedText("snmp_quarnsnmp.yml");
     const std::string passphrase = "password: " + kShippedViewer.authentication;
     std::string wrong = shipped;

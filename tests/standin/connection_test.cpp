@@ -54,25 +54,22 @@ TEST_F(ConnectionTest, ServiceThatIsGoneFailsTheCallUntilItIsBack) {
     EXPECT_EQ(wire::kSuccess, readPosition());
 }
 
-TEST_F(ConnectionTest, LossAfterTheRequestIsNotRepeated) {
-    server->setHandler([](Peer &peer, const std::string &) { peer.hangUp(); });
-    EXPECT_EQ(wire::kConnectionLost, zorva_api_zoom_stepper_set_position_send(cookie, kTarget, 7, 1));
-    EXPECT_EQ(1U, server->requests().size());
-    EXPECT_EQ(1U, server->connectionCount());
+TEST_F(ConnectionTest, LossAfterTheRequestOrAmidTheAnswerIsNotRepeated) {
+    unsigned requests = 0;
+    for (const char *piece : {"", "[0,42"}) {
+        server->setHandler([piece](Peer &peer, const std::string &) {
+            peer.send(piece);
+            peer.hangUp();
+        });
+        EXPECT_EQ(wire::kConnectionLost, readPosition());
+        EXPECT_EQ(0, position);
+        EXPECT_EQ(++requests, server->requests().size());
+        EXPECT_EQ(requests, server->connectionCount());
+    }
     server->setHandler(answer);
     EXPECT_EQ(wire::kSuccess, readPosition());
-    EXPECT_EQ(2U, server->requests().size());
-    EXPECT_EQ(2U, server->connectionCount());
-}
-
-TEST_F(ConnectionTest, LossAmidTheAnswerIsNotRepeated) {
-    server->setHandler([](Peer &peer, const std::string &) {
-        peer.send("[0,42");
-        peer.hangUp();
-    });
-    EXPECT_EQ(wire::kConnectionLost, readPosition());
-    EXPECT_EQ(0, position);
-    EXPECT_EQ(1U, server->requests().size());
+    EXPECT_EQ(3U, server->requests().size());
+    EXPECT_EQ(3U, server->connectionCount());
 }
 
 TEST_F(ConnectionTest, LossBehindTheAnswerGoesUnnoticed) {

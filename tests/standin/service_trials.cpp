@@ -81,19 +81,28 @@ Number untouchedBy(Number result) {
     return static_cast<Number>(result ^ Number{0x55});
 }
 
-/** An output for a number. */
-template <typename Number>
-class Slot<Number *> {
+/** An output; an index selects its result. */
+class Output {
 public:
-    explicit Slot(unsigned index)
-        : result_(sample<Number>(index)), untouched_(untouchedBy(result_)), storage_(untouched_) {}
     void passNull(bool isWanted) {
         isNull_ = isWanted;
     }
+    void addArgument(json & /*list*/) const {}
+    static constexpr bool kIsOutput = true;
+
+protected:
+    bool isNull_ = false;
+};
+
+/** An output for a number. */
+template <typename Number>
+class Slot<Number *> : public Output {
+public:
+    explicit Slot(unsigned index)
+        : result_(sample<Number>(index)), untouched_(untouchedBy(result_)), storage_(untouched_) {}
     Number *pass() {
         return isNull_ ? nullptr : &storage_;
     }
-    void addArgument(json & /*list*/) const {}
     void addResult(json &list) const {
         list.push_back(result_);
     }
@@ -106,18 +115,16 @@ public:
                         json::array(), json::object(), std::numeric_limits<std::uint64_t>::max(),
                         std::numeric_limits<std::int64_t>::min(), 1e300});
     }
-    static constexpr bool kIsOutput = true;
 
 private:
     Number result_;
     Number untouched_;
     Number storage_;
-    bool isNull_ = false;
 };
 
 /** An output for a text. */
 template <>
-class Slot<char **> {
+class Slot<char **> : public Output {
 public:
     explicit Slot(unsigned index) : result_(toJson(sample<const char *>(index))) {}
     Slot(const Slot &) = delete;
@@ -127,13 +134,9 @@ public:
             std::free(storage_);
         }
     }
-    void passNull(bool isWanted) {
-        isNull_ = isWanted;
-    }
     char **pass() {
         return isNull_ ? nullptr : &storage_;
     }
-    void addArgument(json & /*list*/) const {}
     void addResult(json &list) const {
         list.push_back(result_);
     }
@@ -143,13 +146,11 @@ public:
     void addBadResponses(std::vector<std::vector<json>> &list) const {
         list.push_back({1, 0, 1.5, true, json::array({"text"}), json::object(), std::string("with \0 in it", 12)});
     }
-    static constexpr bool kIsOutput = true;
 
 private:
     json result_;
     char untouched_ = '\0';
     char *storage_ = &untouched_;
-    bool isNull_ = false;
 };
 
 template <typename... Types>

@@ -12,7 +12,6 @@
 #include <gtest/gtest.h>
 
 #include "eventually.h"
-#include "kernel_clock.h"
 #include "log_file.h"
 #include "scripted_server.h"
 #include "status.h"

@@ -15,6 +15,12 @@ namespace support {
 inline constexpr std::chrono::seconds kPatience{20};
 
 /**
+ * Returns the kernel's time since an arbitrary moment, which stays the same until the machine restarts. A preloaded
+ * library that speeds up the clock of the process does not change it.
+ */
+std::chrono::microseconds kernelTime();
+
+/**
  * Stretches a deadline for a sanitized build, and for an agent behind a prefix such as an emulator. A deadline only
  * matters when a test fails, so the stretching costs nothing.
  */

@@ -103,15 +103,10 @@ Trap readTrap(const std::string &line) {
 
 } // namespace
 
-const Varbind *Trap::find(const std::string &oid) const {
-    const auto found =
-        std::find_if(varbinds.begin(), varbinds.end(), [&oid](const Varbind &varbind) { return varbind.oid == oid; });
-    return found != varbinds.end() ? &*found : nullptr;
-}
-
 std::string Trap::notification() const {
-    const Varbind *found = find(oids::snmpTrapOID);
-    return found != nullptr ? found->octets : "";
+    const auto found = std::find_if(varbinds.begin(), varbinds.end(),
+                                    [](const Varbind &varbind) { return varbind.oid == oids::snmpTrapOID; });
+    return found != varbinds.end() ? found->octets : "";
 }
 
 std::ostream &operator<<(std::ostream &stream, const Trap &trap) {

@@ -29,9 +29,6 @@ struct Trap {
     std::string kind;              ///< the receiver's description, such as "TRAP2, SNMP v2c, community public"
     std::vector<Varbind> varbinds; ///< all varbinds, sysUpTime.0 and snmpTrapOID.0 included
 
-    /** Returns the first varbind with an OID, or null. */
-    const Varbind *find(const std::string &oid) const;
-
     /** Returns the value of snmpTrapOID.0, or an empty text. */
     std::string notification() const;
 };
