@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The shipped configurations in a real agent: the rights of communities and users.
+#include <algorithm>
 #include <memory>
 #include <stdexcept>
 
@@ -19,10 +20,14 @@ using namespace configured_agent;
 using namespace harness;
 using nlohmann::json;
 using std::chrono::milliseconds;
+using testing::AnyOf;
+using testing::Each;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::MatchesRegex;
 using testing::Not;
 using testing::SizeIs;
+using testing::UnorderedElementsAre;
 
 constexpr const char *kColdStart = ".1.3.6.1.6.3.1.1.5.1";
 
@@ -82,6 +87,25 @@ void expectNoAnswer(Manager &&manager, const std::string &who) {
     EXPECT_THAT(result.report, IsEmpty()) << who;
 }
 
+/** Returns the sockets of an agent, except the module's connections to the camera. */
+std::vector<std::string> socketsOfTheAgent(const Agent &agent) {
+    std::vector<std::string> opened = sockets(agent.pid());
+    const auto connections = std::remove(opened.begin(), opened.end(), "unix");
+    EXPECT_NE(connections, opened.end()) << "no connection to the camera";
+    opened.erase(connections, opened.end());
+    return opened;
+}
+
+/** Expects one socket for requests, one that sends traps, and the kernel's notifications about network interfaces. */
+void expectSocketsOnOneAddress(Agent &agent) {
+    const std::string requests = "udp " + agent.peer();
+    const auto traps = MatchesRegex("udp 127\\.0\\.0\\.1:[0-9]+");
+    EXPECT_THAT(socketsOfTheAgent(agent), UnorderedElementsAre(requests, traps, "netlink"));
+    agent.hup();
+    // A reload opens a new socket for traps; the agent leaves the old one open.
+    EXPECT_THAT(socketsOfTheAgent(agent), Each(AnyOf(requests, traps, "netlink")));
+}
+
 std::optional<Trap> coldStartOf(const TrapReceiver &receiver) {
     return receiver.waitFor([](const Trap &trap) { return trap.notification() == kColdStart; });
 }
@@ -136,8 +160,8 @@ TEST(ShippedConfiguration, IsNotAdaptedWhereAPassageIsMissingOrThereTwice) {
     EXPECT_THAT(shippedConfiguration("snmpd-lab.conf", {{"127.0.0.1:1162", "127.0.0.1:7"}}), HasSubstr("127.0.0.1:7"));
 }
 
-TEST_F(LabConfiguration, ListensOnTheLoopbackInterfaceOnly) {
-    EXPECT_THAT(udpAddresses(agent_.port()), testing::ElementsAre("127.0.0.1"));
+TEST_F(LabConfiguration, OpensSocketsOnTheLoopbackInterfaceOnly) {
+    expectSocketsOnOneAddress(agent_);
 }
 
 TEST_F(LabConfiguration, PublicSeesTheSystemAndTheCameraAndWritesNothing) {
@@ -153,6 +177,16 @@ TEST_F(LabConfiguration, PrivateWritesTheCameraAndNothingElse) {
     expectWrites(manager_, settings(), ErrorStatus::None);
     expectWrites(manager_, objectsOfTheAgent(), ErrorStatus::NoAccess);
     EXPECT_EQ(get(oids::modelName), "\"QN-4000 Dome\"") << "the module is still there";
+}
+
+TEST_F(LabConfiguration, ReadsAddNothingToTheModulesLog) {
+    const std::size_t before = agent_.moduleLog().size();
+    EXPECT_THAT(reader_.bulkWalk(oids::kNtcipSubtree), Not(IsEmpty()));
+    EXPECT_THAT(reader_.bulkWalk(oids::kVendorSubtree), Not(IsEmpty()));
+    EXPECT_TRUE(reader_.get(oids::rangePanLeftLimit).ok());
+    EXPECT_EQ(agent_.moduleLog().size(), before) << agent_.moduleLog().tail(5);
+    EXPECT_FALSE(manager_.set({integer(oids::rangeTrueNorthOffset, 1)}).ok());
+    EXPECT_EQ(logged("can only be 0 or 65535"), 1U) << "a refused value is logged";
 }
 
 TEST_F(LabConfiguration, OtherCommunitiesAreNotAnswered) {
@@ -225,8 +259,8 @@ TEST_P(FieldConfigurationRefuses, WhatIsNotSignedAndEncryptedByItsUser) {
     EXPECT_EQ(logged("rebooting system now"), 0U);
 }
 
-TEST_F(FieldConfiguration, ListensOnTheOneAddressOnly) {
-    EXPECT_THAT(udpAddresses(agent_.port()), testing::ElementsAre("127.0.0.1"));
+TEST_F(FieldConfiguration, OpensSocketsOnOneAddressOnly) {
+    expectSocketsOnOneAddress(agent_);
 }
 
 TEST_F(FieldConfiguration, KeepsKeysInPlaceOfPassphrasesForItsOwnUserOnly) {

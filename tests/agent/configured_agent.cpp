@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
+#include <regex>
 #include <sstream>
 #include <stdexcept>
 
@@ -34,6 +36,11 @@ std::vector<Replacement> placed(std::vector<Replacement> replacements, const std
     return replacements;
 }
 
+std::vector<std::string> wordsOf(const std::string &text) {
+    std::istringstream stream(text);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
 } // namespace
 
 std::string shippedConfiguration(const std::string &name, const std::vector<Replacement> &replacements) {
@@ -47,6 +54,26 @@ std::string shippedConfiguration(const std::string &name, const std::vector<Repl
         text.replace(start, passage.size(), with);
     }
     return text;
+}
+
+AgentCommand documentedCommand(const std::string &name) {
+    static const std::regex kCommandLine("\\n#   ([A-Z_]+=.* )?snmpd (.*)");
+    const std::string text = shippedConfiguration(name);
+    std::smatch match;
+    if (!std::regex_search(text, match, kCommandLine)) {
+        throw std::runtime_error(name + " contains no command");
+    }
+    AgentCommand command;
+    for (const std::string &assignment : wordsOf(match[1])) {
+        const std::size_t sign = assignment.find('=');
+        command.environment[assignment.substr(0, sign)] = assignment.substr(sign + 1);
+    }
+    for (const std::string &argument : wordsOf(match[2])) {
+        if (argument != "-f" && argument != "-C" && argument != "-c" && argument != name && argument != "-Le") {
+            command.arguments.push_back(argument);
+        }
+    }
+    return command;
 }
 
 std::vector<Written> commands() {
@@ -105,6 +132,9 @@ AgentOptions labAgent(const std::string &traps) {
                     {"trap2sink 127.0.0.1:1162 public\n", "trap2sink " + traps + " public\n"}},
                    {}));
     };
+    const AgentCommand command = documentedCommand("snmpd-lab.conf");
+    options.arguments = command.arguments;
+    options.environment = command.environment;
     return options;
 }
 
@@ -114,9 +144,11 @@ AgentOptions fieldAgent(const std::string &traps, const std::vector<Replacement>
         return shippedConfiguration(
             "snmpd-field.conf",
             placed({{"agentAddress udp:192.0.2.10:161\n", "agentAddress udp:127.0.0.1:" + std::to_string(port) + "\n"},
+                    {"[snmp] clientaddr 192.0.2.10\n", "[snmp] clientaddr 127.0.0.1\n"},
                     {"authPriv 192.0.2.20:162\n", "authPriv " + traps + "\n"}},
                    further));
     };
+    options.arguments = {"-I", "-smux,mteTrigger,mteTriggerConf"}; // as in Debian's snmpd.service
     options.persistentData = {creationOf(kViewer), creationOf(kOperator), creationOf(kNotifier)};
     options.asker = kViewer;
     return options;

@@ -6,6 +6,10 @@
 #ifndef QUARNSNMP_CONFIGURED_AGENT_H
 #define QUARNSNMP_CONFIGURED_AGENT_H
 
+#include <map>
+#include <string>
+#include <vector>
+
 #include "camera_agent.h"
 
 namespace configured_agent {
@@ -22,6 +26,20 @@ struct Replacement {
  * @throws std::runtime_error if the file cannot be read, or does not have a passage exactly once
  */
 std::string shippedConfiguration(const std::string &name, const std::vector<Replacement> &replacements = {});
+
+/** Command that starts an agent. */
+struct AgentCommand {
+    std::map<std::string, std::string> environment;
+    std::vector<std::string> arguments;
+};
+
+/**
+ * Returns the example command of a shipped configuration, except the arguments that every agent of a test receives: the
+ * configuration, the log and -f.
+ * @param name  of the file, without its directory
+ * @throws std::runtime_error if the file cannot be read, or contains no command
+ */
+AgentCommand documentedCommand(const std::string &name);
 
 /** An object that can be written, and a value for it. */
 struct Written {

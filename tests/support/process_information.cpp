@@ -4,9 +4,11 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <map>
 #include <sstream>
 #include <stdexcept>
-#include <utility>
+#include <system_error>
 
 #include <arpa/inet.h>
 
@@ -49,7 +51,59 @@ std::string addressText(const std::string &words, int family) {
     }
     std::array<char, INET6_ADDRSTRLEN> text{};
     inet_ntop(family, address.data(), text.data(), text.size());
-    return text.data();
+    return family == AF_INET6 ? "[" + std::string(text.data()) + "]" : text.data();
+}
+
+/** Decodes an address with a port, such as "0100007F:0050". */
+std::string endpointText(const std::string &field, int family) {
+    const std::size_t colon = field.find(':');
+    const unsigned long port = std::stoul(field.substr(colon + 1), nullptr, kHexadecimal);
+    return addressText(field.substr(0, colon), family) + ":" + std::to_string(port);
+}
+
+/** A table of sockets in the kernel. */
+struct SocketTable {
+    const char *file;
+    const char *kind;
+    int family;              ///< AF_INET or AF_INET6 for a table with addresses in hexadecimal
+    std::size_t nameColumn;  ///< column of the local address or path; absent in the row of a socket without a path
+    std::size_t inodeColumn; ///< column of the number that identifies the socket
+};
+
+constexpr std::size_t kNoName = 99;
+
+constexpr SocketTable kSocketTables[] = {
+    {"tcp", "tcp", AF_INET, 1, 9},       {"tcp6", "tcp", AF_INET6, 1, 9}, {"udp", "udp", AF_INET, 1, 9},
+    {"udp6", "udp", AF_INET6, 1, 9},     {"raw", "raw", AF_INET, 1, 9},   {"raw6", "raw", AF_INET6, 1, 9},
+    {"packet", "packet", 0, kNoName, 8}, {"unix", "unix", 0, 7, 6},       {"netlink", "netlink", 0, kNoName, 9},
+};
+
+std::vector<std::string> fieldsOf(const std::string &line) {
+    std::istringstream stream(line);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
+std::string socketText(const SocketTable &table, const std::vector<std::string> &fields) {
+    if (table.nameColumn >= fields.size()) {
+        return table.kind;
+    }
+    const std::string &name = fields[table.nameColumn];
+    return std::string(table.kind) + " " + (table.family == 0 ? name : endpointText(name, table.family));
+}
+
+/** Describes all sockets of a process's network namespace. The keys are the targets of links to descriptors. */
+std::map<std::string, std::string> describedSockets(pid_t pid) {
+    std::map<std::string, std::string> sockets;
+    for (const SocketTable &table : kSocketTables) {
+        std::ifstream stream(procPath(pid, std::string("net/") + table.file));
+        std::string line;
+        std::getline(stream, line); // header
+        while (std::getline(stream, line)) {
+            const std::vector<std::string> fields = fieldsOf(line);
+            sockets["socket:[" + fields.at(table.inodeColumn) + "]"] = socketText(table, fields);
+        }
+    }
+    return sockets;
 }
 
 } // namespace
@@ -95,24 +149,23 @@ bool mapsFile(pid_t pid, const std::string &path) {
     return false;
 }
 
-std::vector<std::string> udpAddresses(std::uint16_t port) {
-    std::vector<std::string> addresses;
-    for (const auto &[table, family] : {std::pair{"/proc/net/udp", AF_INET}, std::pair{"/proc/net/udp6", AF_INET6}}) {
-        std::ifstream stream(table);
-        std::string header;
-        std::getline(stream, header);
-        for (std::string line; std::getline(stream, line);) {
-            std::istringstream fields(line);
-            std::string slot;
-            std::string local;
-            fields >> slot >> local;
-            const std::size_t colon = local.find(':');
-            if (std::stoul(local.substr(colon + 1), nullptr, kHexadecimal) == port) {
-                addresses.push_back(addressText(local.substr(0, colon), family));
-            }
+std::vector<std::string> sockets(pid_t pid) {
+    // Before the tables, which then contain every socket found here.
+    std::vector<std::string> links;
+    for (const auto &entry : std::filesystem::directory_iterator(procPath(pid, "fd"))) {
+        std::error_code gone;
+        const std::string target = std::filesystem::read_symlink(entry, gone).string();
+        if (target.rfind("socket:", 0) == 0) {
+            links.push_back(target);
         }
     }
-    return addresses;
+    const std::map<std::string, std::string> described = describedSockets(pid);
+    std::vector<std::string> result;
+    for (const std::string &link : links) {
+        const auto found = described.find(link);
+        result.push_back(found == described.end() ? "unknown" : found->second);
+    }
+    return result;
 }
 
 } // namespace support

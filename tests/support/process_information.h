@@ -8,7 +8,6 @@
 #define QUARNSNMP_SUPPORT_PROCESS_INFORMATION_H
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -35,10 +34,11 @@ std::size_t threadCount(pid_t pid);
 bool mapsFile(pid_t pid, const std::string &path);
 
 /**
- * Returns the local IPv4 and IPv6 addresses at which any process has bound a UDP port, such as "127.0.0.1". Never
- * throws.
+ * Describes the open sockets of a process: "tcp 127.0.0.1:80", "udp [::1]:161" and "raw …" with the local address,
+ * "unix PATH" or "unix" without a path, "packet", "netlink", and "unknown" for a socket in none of the kernel's tables,
+ * such as one without an address.
  */
-std::vector<std::string> udpAddresses(std::uint16_t port);
+std::vector<std::string> sockets(pid_t pid);
 
 } // namespace support
 

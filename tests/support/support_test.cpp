@@ -6,6 +6,10 @@
 #include <fstream>
 #include <stdexcept>
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -21,6 +25,9 @@ namespace {
 
 using std::chrono::milliseconds;
 using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::UnorderedElementsAre;
 
 /** Runs an action that must throw. @return the text of the exception */
 template <typename Action>
@@ -123,6 +130,55 @@ TEST(ProcessInformation, ReadsTheTestItself) {
     EXPECT_TRUE(mapsFile(getpid(), "/proc/self/exe"));
     EXPECT_FALSE(mapsFile(getpid(), "/bin/sh"));
     EXPECT_THROW(threadCount(-1), std::runtime_error);
+}
+
+/** Opens a socket, and binds it to an address unless the length is 0. @return its descriptor */
+int openSocket(int family, int type, const sockaddr *address, socklen_t length) {
+    const int fd = socket(family, type | SOCK_CLOEXEC, 0);
+    EXPECT_GE(fd, 0);
+    EXPECT_TRUE(length == 0 || bind(fd, address, length) == 0);
+    return fd;
+}
+
+TEST(ProcessInformation, DescribesSocketsOfAllKinds) {
+    sockaddr_in ipv4{};
+    ipv4.sin_family = AF_INET;
+    ipv4.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    sockaddr_in everywhere{};
+    everywhere.sin_family = AF_INET;
+    sockaddr_un local{};
+    local.sun_family = AF_UNIX;
+    const TemporaryDirectory directory;
+    const std::string path = directory.file("socket");
+    path.copy(local.sun_path, sizeof local.sun_path - 1);
+    EXPECT_THAT(sockets(getpid()), IsEmpty());
+    const int opened[] = {
+        openSocket(AF_INET, SOCK_DGRAM, reinterpret_cast<const sockaddr *>(&ipv4), sizeof ipv4),
+        openSocket(AF_INET, SOCK_STREAM, reinterpret_cast<const sockaddr *>(&everywhere), sizeof everywhere),
+        openSocket(AF_UNIX, SOCK_STREAM, reinterpret_cast<const sockaddr *>(&local), sizeof local),
+        openSocket(AF_UNIX, SOCK_STREAM, nullptr, 0),
+        openSocket(AF_INET, SOCK_DGRAM, nullptr, 0),
+    };
+    listen(opened[1], 1);
+    EXPECT_THAT(sockets(getpid()),
+                UnorderedElementsAre(MatchesRegex("udp 127\\.0\\.0\\.1:[0-9]+"),
+                                     MatchesRegex("tcp 0\\.0\\.0\\.0:[0-9]+"), "unix " + path, "unix", "unknown"));
+    for (const int fd : opened) {
+        close(fd);
+    }
+}
+
+TEST(ProcessInformation, DescribesSocketsOfIpVersion6) {
+    sockaddr_in6 address{};
+    address.sin6_family = AF_INET6;
+    address.sin6_addr = in6addr_loopback;
+    const int fd = socket(AF_INET6, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    if (fd < 0 || bind(fd, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0) {
+        close(fd);
+        GTEST_SKIP() << "this machine has no IPv6";
+    }
+    EXPECT_THAT(sockets(getpid()), UnorderedElementsAre(MatchesRegex("udp \\[::1\\]:[0-9]+")));
+    close(fd);
 }
 
 class RunningCamera : public testing::Test {

@@ -196,7 +196,8 @@ Launch Agent::launch() const {
     const std::vector<std::string> own = {agentPath(), "-Lf", log().path(), "-r", "-p", directory_.file("agent.pid")};
     arguments.insert(arguments.end(), own.begin(), own.end());
     if (!options_.wholeConfiguration) {
-        arguments.insert(arguments.end(), {"-C", "-c", configurationPath()});
+        // Without -smux, an agent of root opens a TCP port on all addresses.
+        arguments.insert(arguments.end(), {"-C", "-c", configurationPath(), "-I", "-smux"});
     }
     if (!options_.daemonised) {
         arguments.push_back("-f");
