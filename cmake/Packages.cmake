@@ -22,6 +22,9 @@ install(FILES ${packaging}/quarnsnmp/quarnsnmp.conf
 if(QUARNSNMP_BUILD_SIMULATOR)
   install(FILES ${packaging}/quarnsnmp-simulator/quarnsnmp-camera.service
     DESTINATION /lib/systemd/system COMPONENT simulator EXCLUDE_FROM_ALL)
+  # Drop-ins of all directories are applied in the order of their names, so this one comes before an administrator's.
+  install(FILES ${packaging}/quarnsnmp-simulator/10-quarnsnmp-simulator.conf
+    DESTINATION /lib/systemd/system/snmpd.service.d COMPONENT simulator EXCLUDE_FROM_ALL)
 endif()
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/quarnsnmp COMPONENT module EXCLUDE_FROM_ALL
   FILES_MATCHING PATTERN "*.md" PATTERN decisions EXCLUDE PATTERN releasing.md EXCLUDE)

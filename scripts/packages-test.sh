@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Tests the Debian packages: checks them with lintian; installs, uses and purges those of amd64 in a separate root file
-# system; unpacks those of arm64 and checks their dependencies. Usage: scripts/packages-test.sh [DIRECTORY]
+# Tests the Debian packages: checks them with lintian; installs, uses, upgrades and purges those of amd64 in a separate
+# root file system; unpacks those of arm64 and checks their dependencies. Usage: scripts/packages-test.sh [DIRECTORY]
 # DIRECTORY contains the packages of both architectures; by default they are built first. QUARNSNMP_SYSROOT is the
 # sysroot of the arm64 packages, by default that of the project.
 set -euo pipefail
@@ -169,7 +169,7 @@ debian_sources() {
     fail "neither /etc/apt/sources.list nor sources.list.d/debian.sources contains Debian sources"
 }
 
-# Configures a free port and write access from this machine.
+# Configures a free port, and policy-rc.d.
 prepare_agent() {
     local port
     for ((port = 20161; port < 20261; ++port)); do
@@ -177,7 +177,6 @@ prepare_agent() {
     done
     agent_address=127.0.0.1:$port
     sed -i "s/^agentaddress .*/agentaddress udp:$agent_address/" "$debian/etc/snmp/snmpd.conf"
-    echo 'rwcommunity private 127.0.0.1 -V quarnsnmp' >"$debian/etc/snmp/snmpd.conf.d/local.conf"
     # Records and refuses all requests to start, stop or restart a service.
     printf '#!/bin/sh\necho "$*" >>/services\nexit 101\n' >"$debian/usr/sbin/policy-rc.d"
     chmod 755 -- "$debian/usr/sbin/policy-rc.d"
@@ -230,14 +229,21 @@ help_of() {
     done
 }
 
-# systemd does not run in the root, so systemd-analyze checks the unit, with the path of the program from outside.
-test_unit() {
-    local unit=$work/quarnsnmp-camera.service
-    sed "s:^ExecStart=:&$debian:" "$debian/lib/systemd/system/quarnsnmp-camera.service" >"$unit"
-    run_logged "the check of the unit" "$work/unit.log" systemd-analyze verify --man=no "$unit"
-    [[ ! -s $work/unit.log ]] || fail "systemd-analyze reports problems of the unit: $(cat -- "$work/unit.log")"
+# systemd does not run in the root, so systemd-analyze checks copies of the units and of the agent's drop-in. They start
+# the programs of the root from outside.
+test_units() {
+    local units=$work/units unit
+    mkdir -- "$units"
+    cp -r -t "$units" "$debian"/lib/systemd/system/{quarnsnmp-camera.service,snmpd.service{,.d}}
+    for unit in quarnsnmp-camera snmpd; do
+        sed -i "s:^ExecStart=:&$debian:" "$units/$unit.service"
+        run_logged "the check of the unit $unit" "$work/$unit-unit.log" \
+            systemd-analyze verify --man=no "$units/$unit.service"
+        [[ ! -s $work/$unit-unit.log ]] ||
+            fail "systemd-analyze reports problems of the unit $unit: $(cat -- "$work/$unit-unit.log")"
+    done
     run_logged "the check of the unit's security" "$work/unit-security.log" \
-        systemd-analyze security --offline=true --threshold=20 "$unit"
+        systemd-analyze security --offline=true --threshold=20 "$units/quarnsnmp-camera.service"
 }
 
 # Prints the command of a unit in the root. Usage: command_of UNIT
@@ -245,9 +251,14 @@ command_of() {
     sed -n 's/^ExecStart=//p' "$debian/lib/systemd/system/$1.service"
 }
 
+# Prints the environment that drop-ins add to a unit in the root. Usage: environment_of UNIT
+environment_of() {
+    cat -- "$debian/lib/systemd/system/$1.service.d"/*.conf 2>/dev/null | sed -n 's/^Environment=//p'
+}
+
 # Starts camera and agent with the commands of their units.
 start_programs() {
-    local directory command
+    local directory command environment
     for directory in run var/lib; do
         inside install -d -m 0700 -o Debian-snmp -g Debian-snmp "/$directory/quarnsnmp-camera"
     done
@@ -259,7 +270,8 @@ start_programs() {
     camera_pid=$!
     await "the start of the camera" "$work/camera.log" inside quarnsnmp-camctl state
     read -r -a command < <(command_of snmpd)
-    setpriv --pdeathsig TERM chroot "$debian" "${command[@]}" >"$work/agent.log" 2>&1 &
+    mapfile -t environment < <(environment_of snmpd)
+    setpriv --pdeathsig TERM chroot "$debian" env "${environment[@]}" "${command[@]}" >"$work/agent.log" 2>&1 &
     agent_pid=$!
     await "a response with the model's name" "$work/agent.log" get modelName.0
 }
@@ -269,10 +281,20 @@ get() {
     inside snmpget -v2c -c private -m QUARN-NTCIP-1205-MIB -Oqv -t 1 -r 0 "$agent_address" "$1" | grep -v '^No Such'
 }
 
+# Runs the commands in docs/install.md that enable the module. The file with the community must be private.
+enable_module() {
+    local commands permissions
+    commands=$(sed -n '/^\*\*Enable\.\*\*/,/^\*\*Check\.\*\*/{/snmpd\.conf\.d/{/^[a-z]/p}}' "$root/docs/install.md")
+    [[ $commands == *dlmod*local.conf* ]] || fail "docs/install.md has no commands that enable the module"
+    inside sh -e -c "umask 022; $commands"
+    permissions=$(inside stat --format='%a %U %G' /etc/snmp/snmpd.conf.d/local.conf)
+    [[ $permissions == '640 root Debian-snmp' ]] ||
+        fail "the commands in docs/install.md create local.conf with $permissions"
+}
+
 test_use() {
     local walk=$work/walk arc object
-    # As described in docs/install.md.
-    inside sed -i -E 's/^#(view|dlmod)/\1/' /etc/snmp/snmpd.conf.d/quarnsnmp.conf
+    enable_module
     start_programs
     [[ $(get modelName.0) == 'QN-4000 Dome' ]] || fail "the model's name is '$(get modelName.0)'"
     for arc in nema quarn; do
@@ -288,12 +310,50 @@ test_use() {
     inside ptzctl --host "$agent_address" --community private pan to 90 >"$work/ptzctl.log" 2>&1 ||
         fail "ptzctl: $(cat -- "$work/ptzctl.log")"
     await "the pan to 90 degrees" "$work/ptzctl.log" camera_is_at 90000
+    test_log
     stop_programs
+}
+
+# Reading must not fill the log. A refused value shows that the log is on.
+test_log() {
+    # Without -Ir, snmpset itself would refuse the value.
+    local set=(snmpset -v2c -c private -m QUARN-NTCIP-1205-MIB -Ir -t 5 "$agent_address")
+    get rangePanLeftLimit.0 >/dev/null || fail "there is no rangePanLeftLimit.0"
+    if inside "${set[@]}" rangeTrueNorthOffset.0 i 1 >/dev/null 2>&1; then
+        fail "the agent accepts a value that is out of range"
+    fi
+    grep -q 'SNMP error .* can only be 0 or 65535' "$work/agent.log" || fail "a refused value is not in the agent's log"
+    if grep 'SNMP info ' "$work/agent.log"; then
+        fail "the agent's log has lines of the level 'info'; see above"
+    fi
 }
 
 # Usage: camera_is_at THOUSANDTHS-OF-A-DEGREE
 camera_is_at() {
     inside quarnsnmp-camctl state | tr -d ' \n' | grep -qE "\"pan\":\{[^}]*\"position\":$1[,}]"
+}
+
+# An upgrade must restart the camera if it runs, and nothing else. The root has no systemd, so a recorder replaces
+# systemctl.
+test_upgrade() {
+    local newer=$work/newer version
+    version=$(field quarnsnmp-simulator amd64 Version)
+    dpkg-deb --raw-extract "$(archive quarnsnmp-simulator amd64)" "$newer"
+    sed -i "s/^Version: .*/&+upgrade/" "$newer/DEBIAN/control"
+    run_logged "packing an upgrade" "$work/upgrade.log" dpkg-deb --root-owner-group --build "$newer" "$debian/newer.deb"
+    [[ ! -e $debian/usr/bin/systemctl ]] || fail "the root contains systemctl"
+    printf '#!/bin/sh\necho "$*" >>/services\n' >"$debian/usr/bin/systemctl"
+    chmod 755 -- "$debian/usr/bin/systemctl"
+    mv -- "$debian/usr/sbin/policy-rc.d" "$work/"
+    mkdir -p -- "$debian/run/systemd/system"
+    run_logged "the upgrade" "$work/upgrade.log" inside dpkg --install /newer.deb
+    # shellcheck disable=SC2016 # for dpkg-query
+    [[ $(inside dpkg-query --show --showformat='${Version}' quarnsnmp-simulator) == "$version+upgrade" ]] ||
+        fail "the upgrade is not installed"
+    diff <(printf '%s\n' '--system daemon-reload' 'try-restart quarnsnmp-camera.service') "$debian/services" ||
+        fail "the upgrade makes other requests of systemd (>) than expected (<); see above"
+    mv -- "$work/policy-rc.d" "$debian/usr/sbin/"
+    rm -r -- "$debian/services" "$debian/usr/bin/systemctl" "$debian/newer.deb" "$debian/run/systemd" "$newer"
 }
 
 # Removal must keep the configuration only, and a purge nothing. Usage: test_removal CONTENTS-BEFORE
@@ -310,6 +370,8 @@ test_removal() {
     # A directory that belongs to systemd, and the sockets' directory, which systemd removes when the service stops.
     inside rmdir --ignore-fail-on-non-empty "${link%/*}"
     inside rmdir /run/quarnsnmp-camera
+    # docs/install.md creates this file, and no package.
+    rm -- "$debian/etc/snmp/snmpd.conf.d/local.conf"
     diff "$1" <(contents_of_root) || fail "the purge does not restore the initial state (<); see above"
 }
 
@@ -341,8 +403,9 @@ prepare_agent
 contents_of_root >"$work/before"
 test_installation
 test_manuals
-test_unit
+test_units
 test_use
+test_upgrade
 test_removal "$work/before"
 if [[ -n ${QUARNSNMP_OWN_MOUNTS:-} ]]; then
     umount "$debian/proc"
