@@ -57,12 +57,22 @@ protected:
         });
         return there ? testing::AssertionSuccess() : testing::AssertionFailure() << testing::PrintToString(sent());
     }
+
+    void expectTrapsBeforeAndAfterAReload() {
+        awaitPoll(kPowerSensor);
+        pollWith(kPowerSensor, 1);
+        EXPECT_TRUE(arrives({oids::registered::power, 1}));
+        agent_.hup();
+        awaitPoll(kPowerSensor);
+        pollWith(kPowerSensor, 2);
+        EXPECT_TRUE(arrives({oids::registered::power, 2}));
+        EXPECT_THAT(sent(), SizeIs(2)) << "the first reading after the reload is not told";
+    }
 };
 
-/** An agent in the foreground, and a daemon. */
-class HealthTrapsOfEach : public HealthTraps, public testing::WithParamInterface<bool> {
+class DaemonHealthTraps : public HealthTraps {
 protected:
-    HealthTrapsOfEach() : HealthTraps(GetParam()) {}
+    DaemonHealthTraps() : HealthTraps(true) {}
 };
 
 /** A camera that needs as good as no time to restart. */
@@ -160,19 +170,13 @@ TEST_F(HealthTraps, AChangeAroundAReloadIsNotReportedButTheReloadIs) {
     EXPECT_THAT(starts, ElementsAre(".1.3.6.1.6.3.1.1.5.1", ".1.3.6.1.4.1.8072.4.0.3")) << "coldStart, nsNotifyRestart";
 }
 
-TEST_P(HealthTrapsOfEach, GoOnAfterAReload) {
-    awaitPoll(kPowerSensor);
-    pollWith(kPowerSensor, 1);
-    EXPECT_TRUE(arrives({oids::registered::power, 1}));
-    agent_.hup();
-    awaitPoll(kPowerSensor);
-    pollWith(kPowerSensor, 2);
-    EXPECT_TRUE(arrives({oids::registered::power, 2}));
-    EXPECT_THAT(sent(), SizeIs(2)) << "the first reading after the reload is not told";
+TEST_F(HealthTraps, TheyGoOnAfterAReload) {
+    expectTrapsBeforeAndAfterAReload();
 }
 
-INSTANTIATE_TEST_SUITE_P(Agents, HealthTrapsOfEach, testing::Bool(),
-                         [](const auto &agent) { return agent.param ? "Daemon" : "Foreground"; });
+TEST_F(DaemonHealthTraps, TheyComeFromADaemonAndAfterItsReload) {
+    expectTrapsBeforeAndAfterAReload();
+}
 
 TEST_F(Reboot, TheCameraGoesAwayAndComesBackWhileTheAgentAnswers) {
     const Result result = manager_.set(oids::rebootDevice, Type::Integer, 1);
