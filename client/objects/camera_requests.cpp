@@ -2,8 +2,10 @@
 #include "camera_requests.h"
 
 #include <algorithm>
+#include <chrono>
 #include <iterator>
-#include <numeric>
+#include <optional>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -20,24 +22,27 @@ using snmp::Failure;
 using snmp::Response;
 using snmp::Varbind;
 
-constexpr std::size_t kObjectsPerRequest = 16;
+constexpr std::ptrdiff_t kObjectsPerRequest = 16;
 constexpr std::size_t kMostRows = 64;
 
 Failure badResponse(const std::string &what) {
     return {Cause::BadResponse, what, "the answer was discarded; check for a device between here and the camera"};
 }
 
-/** Returns the place of the varbind with the error, from 0. @throws Failure when the response does not tell it */
-std::size_t refusedPlace(const Response &response, std::size_t count) {
-    // An agent names no varbind when a command fails during its execution. With a single one there is no doubt.
-    if (response.errorIndex == 0 && count == 1) {
+/** Returns the place of the varbind with the error, from 0. @return nothing when the response does not tell it */
+std::optional<std::size_t> refusedPlace(const Response &response, std::size_t count) {
+    // With a single varbind there is no doubt.
+    if (count == 1) {
         return 0;
     }
-    if (response.errorIndex < 1 || static_cast<std::size_t>(response.errorIndex) > count) {
-        const snmp::ErrorDescription error = snmp::describeError(response.error);
-        throw Failure(Cause::Refused, "the camera answered " + error.name, error.advice);
-    }
-    return static_cast<std::size_t>(response.errorIndex) - 1;
+    const bool isPlace = response.errorIndex >= 1 && static_cast<std::size_t>(response.errorIndex) <= count;
+    return isPlace ? std::optional(static_cast<std::size_t>(response.errorIndex) - 1) : std::nullopt;
+}
+
+/** Makes the failure of a request with an error that belongs to none of its varbinds. */
+Failure refusal(const Response &response) {
+    const snmp::ErrorDescription error = snmp::describeError(response.error);
+    return {Cause::Refused, "the camera answered " + error.name, error.advice};
 }
 
 /** Checks the number of varbinds. @throws Failure for another number than expected */
@@ -68,46 +73,114 @@ Reading checked(const Instance &instance, const Varbind &value) {
     if (!snmp::hasValue(value.type)) {
         return {instance, value, "the camera answered " + snmp::typeName(value.type), false};
     }
-    return {instance, value, instance.object != nullptr ? validate(*instance.object, value) : "", false};
+    const std::string deviation = instance.object != nullptr ? validate(*instance.object, value) : "";
+    return {instance, value, deviation.empty() ? "" : "the camera answered " + deviation, false};
 }
 
-/** Reads the instances at some places, and puts each reading at the same place. */
-void readPlaces(snmp::Requester &camera, const std::vector<Instance> &instances, std::vector<std::size_t> places,
-                std::vector<Reading> &readings) {
-    while (!places.empty()) {
-        std::vector<Varbind> varbinds;
-        std::transform(places.begin(), places.end(), std::back_inserter(varbinds),
-                       [&](std::size_t place) { return snmp::nameOnly(instances[place].oid); });
-        const Response response = camera.exchange(snmp::Operation::Get, varbinds);
-        if (response.error == snmp::kTooBig && places.size() > 1) {
-            const auto half = places.begin() + static_cast<std::ptrdiff_t>(places.size() / 2);
-            readPlaces(camera, instances, {places.begin(), half}, readings);
-            places.erase(places.begin(), half);
-        } else if (response.error != 0) {
-            const std::size_t refused = refusedPlace(response, places.size());
-            readings[places[refused]] = failed(instances[places[refused]], response.error);
-            places.erase(places.begin() + static_cast<std::ptrdiff_t>(refused));
-        } else {
-            requireCount(response, places.size());
-            for (std::size_t i = 0; i < places.size(); ++i) {
-                requireInstance(response.varbinds[i], instances[places[i]]);
-                readings[places[i]] = checked(instances[places[i]], response.varbinds[i]);
-            }
-            return;
-        }
+std::vector<Varbind> namesOf(const std::vector<Instance> &instances) {
+    std::vector<Varbind> names;
+    std::transform(instances.begin(), instances.end(), std::back_inserter(names),
+                   [](const Instance &instance) { return snmp::nameOnly(instance.oid); });
+    return names;
+}
+
+/** Converts a response to readings. @throws Failure unless it has exactly the requested instances */
+std::vector<Reading> readingsOf(const Response &response, const std::vector<Instance> &instances) {
+    requireCount(response, instances.size());
+    std::vector<Reading> readings;
+    for (std::size_t i = 0; i < instances.size(); ++i) {
+        requireInstance(response.varbinds[i], instances[i]);
+        readings.push_back(checked(instances[i], response.varbinds[i]));
     }
+    return readings;
+}
+
+/** Returns readings without values. */
+std::vector<Reading> unread(const std::vector<Instance> &instances, const std::string &problem) {
+    std::vector<Reading> readings;
+    std::transform(instances.begin(), instances.end(), std::back_inserter(readings), [&](const Instance &instance) {
+        return Reading{instance, snmp::nameOnly(instance.oid), problem, false};
+    });
+    return readings;
+}
+
+/** Converts a response that may be missing, unusable or an error. */
+std::vector<Reading> readingsOrProblem(const std::optional<Response> &response,
+                                       const std::vector<Instance> &instances) {
+    if (!response) {
+        return unread(instances, "no answer in time");
+    }
+    if (response->error != 0) {
+        return unread(instances, snmp::describeError(response->error).name);
+    }
+    try {
+        return readingsOf(*response, instances);
+    } catch (const Failure &failure) {
+        return unread(instances, failure.what());
+    }
+}
+
+std::vector<Reading> readSome(snmp::Requester &camera, const std::vector<Instance> &instances);
+
+/** Reads the instances around one that the camera refused. */
+std::vector<Reading> readAround(snmp::Requester &camera, std::vector<Instance> instances, std::size_t place,
+                                long error) {
+    const auto offset = static_cast<std::ptrdiff_t>(place);
+    const Reading refused = failed(instances[place], error);
+    instances.erase(instances.begin() + offset);
+    std::vector<Reading> readings = instances.empty() ? std::vector<Reading>() : readSome(camera, instances);
+    readings.insert(readings.begin() + offset, refused);
+    return readings;
+}
+
+/** Reads instances. Halves a request that fails, until the failing instance is alone or the agent names it. */
+std::vector<Reading> readSome(snmp::Requester &camera, const std::vector<Instance> &instances) {
+    const Response response = camera.exchange(snmp::Operation::Get, namesOf(instances), snmp::kReadPatience);
+    if (response.error == 0) {
+        return readingsOf(response, instances);
+    }
+    const bool isTooBig = response.error == snmp::kTooBig && instances.size() > 1;
+    const std::optional<std::size_t> place = refusedPlace(response, instances.size());
+    if (place && !isTooBig) {
+        return readAround(camera, instances, *place, response.error);
+    }
+    if (response.error == snmp::kAuthorizationError) {
+        throw refusal(response);
+    }
+    const auto half = instances.begin() + static_cast<std::ptrdiff_t>(instances.size() / 2);
+    std::vector<Reading> readings = readSome(camera, {instances.begin(), half});
+    const std::vector<Reading> rest = readSome(camera, {half, instances.end()});
+    readings.insert(readings.end(), rest.begin(), rest.end());
+    return readings;
+}
+
+/** Reads the row that a walk cannot reach because its successor cannot be read. @return nothing beyond the last row */
+std::optional<Reading> readRowAfter(snmp::Requester &camera, const std::string &column, const std::string &last) {
+    const std::uint32_t row = last == column ? 0 : snmp::parseOid(last).back();
+    const Reading reading = read(camera, instanceAt(column + "." + std::to_string(row + 1)));
+    return reading.missing ? std::nullopt : std::optional(reading);
 }
 
 } // namespace
 
 std::vector<Reading> readAll(snmp::Requester &camera, const std::vector<Instance> &instances) {
-    std::vector<Reading> readings(instances.size());
-    for (std::size_t start = 0; start < instances.size(); start += kObjectsPerRequest) {
-        std::vector<std::size_t> places(std::min(kObjectsPerRequest, instances.size() - start));
-        std::iota(places.begin(), places.end(), start);
-        readPlaces(camera, instances, places, readings);
+    std::vector<Reading> readings;
+    for (auto start = instances.begin(); start != instances.end();) {
+        const auto end = start + std::min<std::ptrdiff_t>(kObjectsPerRequest, instances.end() - start);
+        const std::vector<Reading> some = readSome(camera, {start, end});
+        readings.insert(readings.end(), some.begin(), some.end());
+        start = end;
     }
     return readings;
+}
+
+std::vector<Reading> readQuickly(snmp::Requester &camera, const std::vector<Instance> &instances) {
+    constexpr snmp::Patience kQuick = {1, std::chrono::seconds(1)};
+    try {
+        return readingsOrProblem(camera.exchange(snmp::Operation::Get, namesOf(instances), kQuick), instances);
+    } catch (const Failure &failure) {
+        return unread(instances, failure.what());
+    }
 }
 
 Reading read(snmp::Requester &camera, const Instance &instance) {
@@ -126,10 +199,19 @@ std::vector<Reading> readColumn(snmp::Requester &camera, const std::string &colu
     std::vector<Reading> rows;
     std::string last = column;
     while (rows.size() < kMostRows) {
-        const Response response = camera.exchange(snmp::Operation::GetNext, {snmp::nameOnly(last)});
+        const Response response =
+            camera.exchange(snmp::Operation::GetNext, {snmp::nameOnly(last)}, snmp::kReadPatience);
+        if (response.error == snmp::kAuthorizationError) {
+            throw refusal(response);
+        }
         if (response.error != 0) {
-            rows.push_back(failed(instanceAt(last), response.error));
-            return rows;
+            const std::optional<Reading> row = readRowAfter(camera, column, last);
+            if (!row) {
+                return rows;
+            }
+            rows.push_back(*row);
+            last = row->instance.oid;
+            continue;
         }
         requireCount(response, 1);
         const Varbind &next = response.varbinds.front();
@@ -146,13 +228,26 @@ std::vector<Reading> readColumn(snmp::Requester &camera, const std::string &colu
     return rows;
 }
 
-void writeAll(snmp::Requester &camera, const std::vector<Assignment> &assignments) {
+Written writeAll(snmp::Requester &camera, const std::vector<Assignment> &assignments, const Delivery &delivery) {
     std::vector<Varbind> varbinds;
-    std::transform(assignments.begin(), assignments.end(), std::back_inserter(varbinds),
-                   [](const Assignment &assignment) { return assignment.value; });
-    const Response response = camera.exchange(snmp::Operation::Set, varbinds);
+    std::vector<Instance> instances;
+    for (const Assignment &assignment : assignments) {
+        varbinds.push_back(assignment.value);
+        instances.push_back(assignment.instance);
+    }
+    snmp::WriteResponse responses;
+    if (delivery.attempts == 1) {
+        responses = camera.write(delivery.readsBefore ? namesOf(instances) : std::vector<Varbind>(), varbinds);
+    } else {
+        responses.written = camera.exchange(snmp::Operation::Set, varbinds, {delivery.attempts, {}});
+    }
+    const Response &response = responses.written;
     if (response.error != 0) {
-        const Assignment &refused = assignments[refusedPlace(response, assignments.size())];
+        const std::optional<std::size_t> place = refusedPlace(response, assignments.size());
+        if (!place) {
+            throw refusal(response);
+        }
+        const Assignment &refused = assignments[*place];
         const snmp::ErrorDescription error = snmp::describeError(response.error);
         throw Failure(Cause::Refused,
                       fmt::format("the camera refused {} = {}: {}", refused.instance.name,
@@ -161,8 +256,14 @@ void writeAll(snmp::Requester &camera, const std::vector<Assignment> &assignment
     }
     requireCount(response, assignments.size());
     for (std::size_t i = 0; i < assignments.size(); ++i) {
-        requireInstance(response.varbinds[i], assignments[i].instance);
+        requireInstance(response.varbinds[i], instances[i]);
     }
+    Written result;
+    if (delivery.readsBefore) {
+        result.before = readingsOrProblem(responses.before, instances);
+    }
+    result.answered = response.varbinds;
+    return result;
 }
 
 } // namespace ptz

@@ -17,11 +17,18 @@
 namespace ptz {
 
 /**
- * Reads objects in as few requests as possible. An object that the camera cannot read does not affect the others. Types
- * and lengths of known objects are checked.
+ * Reads objects in as few requests as possible. An object that the camera cannot read does not affect the others, even
+ * if the agent does not name it: such a request is halved until the object is alone. Types and lengths of known objects
+ * are checked.
  * @return one reading for each instance, in the same order
  */
 std::vector<Reading> readAll(snmp::Requester &camera, const std::vector<Instance> &instances);
+
+/**
+ * Reads objects in one request, which is sent once and awaited for a second at most. Throws nothing.
+ * @return one reading for each instance, in the same order; all with a problem without an answer in time
+ */
+std::vector<Reading> readQuickly(snmp::Requester &camera, const std::vector<Instance> &instances);
 
 /** Reads one object. */
 Reading read(snmp::Requester &camera, const Instance &instance);
@@ -30,11 +37,30 @@ Reading read(snmp::Requester &camera, const Instance &instance);
  */
 Reading require(snmp::Requester &camera, const Instance &instance);
 
-/** Reads the rows of a column, 64 at most. @param column OID without the row */
+/**
+ * Reads the rows of a column, 64 at most. A row that the camera cannot read does not affect the others of a column with
+ * consecutive numbers.
+ * @param column  OID without the row
+ */
 std::vector<Reading> readColumn(snmp::Requester &camera, const std::string &column);
 
-/** Writes objects in one request. @throws snmp::Failure with Cause::Refused, which names the refused object */
-void writeAll(snmp::Requester &camera, const std::vector<Assignment> &assignments);
+/** Way to send a write. Only one that can be repeated without harm may have several attempts. */
+struct Delivery {
+    bool readsBefore = true; ///< read the objects, by a request right ahead of the write; only with a single attempt
+    int attempts = 1;        ///< number of times that the request is sent without an answer
+};
+
+/** Outcome of a write. */
+struct Written {
+    std::vector<Reading> before;         ///< in the order of the assignments; empty if not read
+    std::vector<snmp::Varbind> answered; ///< values in the response, in the order of the assignments
+};
+
+/**
+ * Writes objects in one request.
+ * @throws snmp::Failure with Cause::Refused, which names the refused object if the agent does
+ */
+Written writeAll(snmp::Requester &camera, const std::vector<Assignment> &assignments, const Delivery &delivery);
 
 } // namespace ptz
 

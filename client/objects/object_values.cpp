@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "object_values.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <stdexcept>
 
@@ -20,6 +22,10 @@ std::int64_t parseNumber(const std::string &text) {
         throw std::invalid_argument("'" + text + "' is not a number of 32 bits");
     }
     return number;
+}
+
+std::string typeDeviation(const snmp::Varbind &value, snmp::Type expected) {
+    return snmp::typeName(value.type) + " instead of " + snmp::typeName(expected);
 }
 
 snmp::Type typeOf(Kind kind) {
@@ -63,14 +69,41 @@ std::string validate(const Object &object, const snmp::Varbind &value) {
     }
     const snmp::Type expected = typeOf(syntax.kind);
     if (value.type != expected) {
-        return fmt::format("the camera answered {} instead of {}", snmp::typeName(value.type),
-                           snmp::typeName(expected));
+        return typeDeviation(value, expected);
     }
     if (syntax.kind == Kind::Octets && static_cast<std::int64_t>(value.octets.size()) != syntax.highest) {
-        return fmt::format("the camera answered {} octets ({}) instead of {}", value.octets.size(),
-                           snmp::hexText(value.octets), syntax.highest);
+        return fmt::format("{} octets ({}) instead of {}", value.octets.size(), snmp::hexText(value.octets),
+                           syntax.highest);
     }
     return "";
+}
+
+std::string validateNotified(const Object &object, const snmp::Varbind &value) {
+    const snmp::Type expected = typeOf(object.syntax.kind);
+    if (expected == snmp::Type::Octets) {
+        return validate(object, value);
+    }
+    const bool isNumber = value.type == snmp::Type::Integer || value.type == snmp::Type::Gauge32;
+    return isNumber ? "" : typeDeviation(value, expected);
+}
+
+bool holdsLastCommand(const Object &object) {
+    constexpr std::array<const char *, 5> kNames = {"position", "timeout", "preset", "systemLensFeatureControl",
+                                                    "outputControl"};
+    const std::string name = object.name;
+    return std::any_of(kNames.begin(), kNames.end(), [&](const char *start) { return name.rfind(start, 0) == 0; });
+}
+
+bool hasValueWritten(const snmp::Varbind &answered, const snmp::Varbind &written) {
+    if (answered.type != snmp::Type::Octets) {
+        return answered.number == written.number;
+    }
+    if (written.type != snmp::Type::Octets) {
+        return answered.octets == std::string(1, static_cast<char>(written.number));
+    }
+    std::string expected = written.octets;
+    expected.resize(answered.octets.size());
+    return answered.octets == expected;
 }
 
 } // namespace ptz

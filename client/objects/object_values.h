@@ -35,9 +35,22 @@ Assignment parseAssignment(const Instance &instance, const std::string &text);
 
 /**
  * Checks type and number of octets of a value.
- * @return the deviation as a clause, or an empty text
+ * @return the deviation, such as "OCTET STRING instead of INTEGER", or an empty text
  */
 std::string validate(const Object &object, const snmp::Varbind &value);
+
+/** Checks the type of a value in a notification, where a number may be an INTEGER or a Gauge32. @return as validate()
+ */
+std::string validateNotified(const Object &object, const snmp::Varbind &value);
+
+/** Tests whether an object answers the last value written, whatever the camera has done with it. */
+bool holdsLastCommand(const Object &object);
+
+/**
+ * Tests whether an answer has the value that was written. Cameras count missing octets as 0 and ignore further ones,
+ * and answer the number of a preset as an octet.
+ */
+bool hasValueWritten(const snmp::Varbind &answered, const snmp::Varbind &written);
 
 } // namespace ptz
 

@@ -36,7 +36,7 @@ constexpr std::array<ErrorRecord, 18> kErrors = {{
     {13, "resourceUnavailable", kTrouble},
     {14, "commitFailed", kTrouble},
     {15, "undoFailed", kTrouble},
-    {16, "authorizationError", "the agent requires a higher security level or another user"},
+    {kAuthorizationError, "authorizationError", "the agent requires a higher security level or another user"},
     {17, "notWritable", "the object is read-only, or this community or user may not write it"},
     {18, "inconsistentName", kAbsent},
 }};

@@ -11,6 +11,7 @@
 namespace snmp {
 
 inline constexpr long kTooBig = 1;
+inline constexpr long kAuthorizationError = 16;
 
 /** Name and advice of an error status. */
 struct ErrorDescription {

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "session.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <utility>
+
+#include <sys/select.h>
 
 #include "netsnmp_convert.h"
 #include "octets_text.h"
@@ -27,13 +31,62 @@ bool isSecurity(int error) {
     return error <= SNMPERR_USM_GENERICERROR && error >= SNMPERR_USM_DECRYPTIONERROR;
 }
 
-Failure noAnswer(Operation operation) {
-    if (operation == Operation::Set) {
-        return {Cause::NoAnswer, "no answer to a command",
-                "the camera may have carried it out; read its state before the next attempt"};
-    }
+Failure noAnswer() {
     return {Cause::NoAnswer, "no answer",
             "check address and port, and the community or user with its passphrases: an agent ignores unknown ones"};
+}
+
+/** Makes the failure of a write. @param attempts number of times that it was sent */
+Failure noAnswerToCommand(int attempts) {
+    if (attempts == 0) {
+        return {Cause::NoAnswer, "no answer; the command was not sent", noAnswer().advice()};
+    }
+    const std::string times = attempts > 1 ? " " + std::to_string(attempts) + " times" : "";
+    return {Cause::NoAnswer, "no answer; the command was sent" + times,
+            "the camera may have carried it out, or a busy agent may do it later; read its state before the next "
+            "attempt"};
+}
+
+/** Descriptors to wait for. */
+class Descriptors {
+public:
+    Descriptors() {
+        netsnmp_large_fd_set_init(&set, FD_SETSIZE);
+    }
+    ~Descriptors() {
+        netsnmp_large_fd_set_cleanup(&set);
+    }
+    Descriptors(const Descriptors &) = delete;
+    Descriptors &operator=(const Descriptors &) = delete;
+
+    netsnmp_large_fd_set set{};
+};
+
+/** Waits for a message or a time-out of a session, and passes it to the session's callbacks. */
+void serve(void *session) {
+    Descriptors descriptors;
+    timeval timeout{};
+    int limit = 0;
+    int block = 1;
+    snmp_sess_select_info2(session, &limit, &descriptors.set, &timeout, &block);
+    const int count =
+        netsnmp_large_fd_set_select(limit, &descriptors.set, nullptr, nullptr, block != 0 ? nullptr : &timeout);
+    if (count > 0) {
+        snmp_sess_read2(session, &descriptors.set);
+    } else if (count == 0) {
+        snmp_sess_timeout(session);
+    } else if (errno != EINTR) {
+        throw Failure(Cause::BadResponse, "cannot wait for an answer");
+    }
+}
+
+/** Converts a message. @throws Failure for one that is not a response */
+Response responseOf(const netsnmp_pdu &pdu) {
+    if (pdu.command != SNMP_MSG_RESPONSE) {
+        const std::string kind(1, static_cast<char>(pdu.command));
+        throw Failure(Cause::BadResponse, "the answer is a message of type " + hexText(kind));
+    }
+    return {pdu.errstat, pdu.errindex, varbindsOf(pdu)};
 }
 
 SessionPointer open(SessionOptions &options) {
@@ -41,14 +94,12 @@ SessionPointer open(SessionOptions &options) {
     snmp_sess_init(&wanted);
     wanted.peername = options.host.data();
     wanted.version = netsnmp_ds_get_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_SNMPVERSION);
-    wanted.timeout = static_cast<long>(options.timeout.count());
-    wanted.retries = 1;
     SessionPointer session(snmp_sess_open(&wanted));
     if (session) {
         return session;
     }
     if (snmp_errno == SNMPERR_TIMEOUT) {
-        throw noAnswer(Operation::Get);
+        throw noAnswer();
     }
     if (snmp_errno == SNMPERR_GENERR) {
         throw Failure(Cause::Usage, libraryError(nullptr), options.passphraseAdvice);
@@ -60,24 +111,45 @@ SessionPointer open(SessionOptions &options) {
 
 Session::Session(SessionOptions options) : options_(std::move(options)), session_(open(options_)) {}
 
-Failure Session::failureOf(Operation operation, int status) const {
+Failure Session::failureOf(Operation operation, const Pending &pending, int attempts) const {
     const int error = snmp_sess_session(session_.get())->s_snmp_errno;
-    // The library reports a missing answer to the discovery of an SNMPv3 engine as an error.
-    if (status == STAT_TIMEOUT || (status == STAT_ERROR && error == SNMPERR_TIMEOUT)) {
-        return noAnswer(operation);
+    if (pending.status == STAT_TIMEOUT || error == SNMPERR_TIMEOUT) {
+        return operation != Operation::Set ? noAnswer() : noAnswerToCommand(pending.wasSent ? attempts : 0);
     }
     const std::string reason = libraryError(session_.get());
-    if (status == STAT_ERROR && isReport(error)) {
+    if (isReport(error)) {
         return {Cause::NoAnswer, "the agent rejects the credentials: " + reason,
                 "check user, level, protocols and passphrases"};
     }
-    if (status == STAT_ERROR && isSecurity(error)) {
+    if (isSecurity(error)) {
         return {Cause::NoAnswer, "the message cannot be signed or encrypted: " + reason, options_.passphraseAdvice};
     }
     return {Cause::BadResponse, "the request failed: " + reason};
 }
 
-Response Session::exchange(Operation operation, const std::vector<Varbind> &varbinds) {
+int Session::receive(int operation, netsnmp_session *session, int /*request*/, netsnmp_pdu *pdu, void *data) noexcept {
+    auto &pending = *static_cast<Pending *>(data);
+    if (operation == NETSNMP_CALLBACK_OP_CONNECT || operation == NETSNMP_CALLBACK_OP_RESEND) {
+        return 1;
+    }
+    pending.waiting = 0;
+    pending.status = STAT_ERROR;
+    if (operation == NETSNMP_CALLBACK_OP_TIMED_OUT) {
+        pending.status = STAT_TIMEOUT;
+    } else if (operation != NETSNMP_CALLBACK_OP_RECEIVED_MESSAGE) {
+        pending.status = STAT_ERROR; // the session has the reason
+    } else if (pdu->command == SNMP_MSG_REPORT) {
+        session->s_snmp_errno = snmpv3_get_report_type(pdu);
+        // The library repeats the request with the right time, and clears `waiting` if it does not.
+        pending.waiting = session->s_snmp_errno == SNMPERR_NOT_IN_TIME_WINDOW ? 1 : 0;
+    } else {
+        pending.response.reset(snmp_clone_pdu(pdu));
+        pending.status = STAT_SUCCESS;
+    }
+    return 1;
+}
+
+Session::Pending &Session::send(Operation operation, const std::vector<Varbind> &varbinds, const Patience &patience) {
     PduPointer request(snmp_pdu_create(commandOf(operation)));
     if (!request) {
         throw Failure(Cause::BadResponse, "no memory for a request");
@@ -85,18 +157,52 @@ Response Session::exchange(Operation operation, const std::vector<Varbind> &varb
     for (const Varbind &varbind : varbinds) {
         append(*request, varbind);
     }
-    snmp_sess_session(session_.get())->retries = operation == Operation::Set ? 0 : 1;
-    netsnmp_pdu *received = nullptr;
-    const int status = snmp_sess_synch_response(session_.get(), request.release(), &received);
-    const PduPointer response(received);
-    if (status != STAT_SUCCESS || !response) {
-        throw failureOf(operation, status);
+    const bool isLimited = patience.longestTimeout.count() > 0;
+    const auto timeout = isLimited ? std::min(patience.longestTimeout, options_.timeout) : options_.timeout;
+    netsnmp_session &settings = *snmp_sess_session(session_.get());
+    settings.s_snmp_errno = SNMPERR_SUCCESS;
+    settings.timeout = static_cast<long>(timeout.count());
+    // The discovery of an SNMPv3 engine takes place in here. It can be repeated even if the request must not be.
+    settings.retries = std::max(patience.attempts, kReadPatience.attempts) - 1;
+    Pending &pending = pending_.emplace_back();
+    if (snmp_sess_async_send(session_.get(), request.get(), receive, &pending) == 0) {
+        throw failureOf(operation, pending, patience.attempts);
     }
-    if (response->command != SNMP_MSG_RESPONSE) {
-        const std::string kind(1, static_cast<char>(response->command));
-        throw Failure(Cause::BadResponse, "the answer is a message of type " + hexText(kind));
+    static_cast<void>(request.release()); // owned by the library now
+    pending.wasSent = true;
+    settings.retries = patience.attempts - 1;
+    return pending;
+}
+
+Response Session::await(Pending &pending, Operation operation, const Patience &patience) {
+    while (pending.waiting != 0) {
+        serve(session_.get());
     }
-    return {response->errstat, response->errindex, varbindsOf(*response)};
+    if (!pending.response) {
+        throw failureOf(operation, pending, patience.attempts);
+    }
+    return responseOf(*pending.response);
+}
+
+Response Session::exchange(Operation operation, const std::vector<Varbind> &varbinds, const Patience &patience) {
+    return await(send(operation, varbinds, patience), operation, patience);
+}
+
+WriteResponse Session::write(const std::vector<Varbind> &read, const std::vector<Varbind> &written) {
+    const Pending *early = nullptr;
+    if (!read.empty()) {
+        try {
+            early = &send(Operation::Get, read, kWritePatience);
+        } catch (const Failure &) {
+            early = nullptr; // the SET may still get through
+        }
+    }
+    WriteResponse result;
+    result.written = exchange(Operation::Set, written, kWritePatience);
+    if (early != nullptr && early->response && early->response->command == SNMP_MSG_RESPONSE) {
+        result.before = responseOf(*early->response);
+    }
+    return result;
 }
 
 } // namespace snmp

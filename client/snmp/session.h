@@ -7,6 +7,7 @@
 #define CLIENT_SNMP_SESSION_H
 
 #include <chrono>
+#include <list>
 #include <string>
 #include <vector>
 
@@ -22,21 +23,31 @@ struct SessionOptions {
     std::string passphraseAdvice;      ///< advice of a Failure about passphrases: where the program reads them
 };
 
-/**
- * A session with the credentials of startLibrary(). A request that reads is sent twice before it fails. A request that
- * writes is sent once, because a step that arrives twice moves twice.
- */
+/** A session with the credentials of startLibrary(). */
 class Session : public Requester {
 public:
     /** @throws Failure when the session cannot be opened */
     explicit Session(SessionOptions options);
 
-    Response exchange(Operation operation, const std::vector<Varbind> &varbinds) override;
+    Response exchange(Operation operation, const std::vector<Varbind> &varbinds, const Patience &patience) override;
+    WriteResponse write(const std::vector<Varbind> &read, const std::vector<Varbind> &written) override;
 
 private:
-    Failure failureOf(Operation operation, int status) const;
+    /** A request on its way. */
+    struct Pending {
+        int waiting = 1; ///< the first member, since the library clears it after a report that ends the request
+        int status = STAT_ERROR;
+        bool wasSent = false; ///< false if the discovery of the SNMPv3 engine has failed, which precedes the request
+        PduPointer response;
+    };
+
+    static int receive(int operation, netsnmp_session *session, int request, netsnmp_pdu *pdu, void *data) noexcept;
+    Pending &send(Operation operation, const std::vector<Varbind> &varbinds, const Patience &patience);
+    Response await(Pending &pending, Operation operation, const Patience &patience);
+    Failure failureOf(Operation operation, const Pending &pending, int attempts) const;
 
     SessionOptions options_;
+    std::list<Pending> pending_; ///< the library refers to these until the session is closed
     SessionPointer session_;
 };
 

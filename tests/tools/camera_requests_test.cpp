@@ -16,6 +16,7 @@ using ptzctl::Action;
 using ptzctl::Context;
 using scripted::Camera;
 using scripted::kGenErr;
+using scripted::kNotWritable;
 using scripted::kRefused;
 using snmp::Operation;
 using snmp::Response;
@@ -25,7 +26,6 @@ using testing::HasSubstr;
 namespace {
 
 constexpr snmp::Cause kBadResponse = snmp::Cause::BadResponse;
-constexpr long kNotWritable = 17;
 
 /** Reads objects by their OIDs. */
 std::vector<Reading> readThem(snmp::Requester &camera, const std::vector<std::string> &oids) {
@@ -37,7 +37,7 @@ std::vector<Reading> readThem(snmp::Requester &camera, const std::vector<std::st
 const Action kReadTwo = [](Context &context) { readThem(context.camera, {oids::power, oids::voltage}); };
 const Action kReadRows = [](Context &context) { readColumn(context.camera, oids::relayStatesState); };
 const Action kWrite = [](Context &context) {
-    writeAll(context.camera, {assignNumber(instanceAt(oids::timeoutPan), 5)});
+    writeAll(context.camera, {assignNumber(instanceAt(oids::timeoutPan), 5)}, {false, 1});
 };
 
 } // namespace
@@ -99,15 +99,49 @@ TEST(CameraRequests, AResponseToAnotherRequestIsDiscarded) {
     EXPECT_EQ(readThem(camera, {oids::power}).front().problem, "the camera answered NULL");
 }
 
-TEST(CameraRequests, AnErrorWithoutAValidIndexEndsTheCommand) {
-    Camera camera;
-    for (const long index : {0L, 3L, -1L}) {
+TEST(CameraRequests, AnErrorWithoutAValidIndexHalvesTheRequest) {
+    for (const long index : {0L, 9L, -1L}) {
+        Camera camera;
+        camera.failGet("voltage", kGenErr);
         camera.spoil = [index](Operation, Response &response) {
-            response.error = kGenErr;
-            response.errorIndex = index;
+            response.errorIndex = response.error != 0 ? index : 0;
         };
-        EXPECT_EQ(scripted::failure(camera, kReadTwo, kRefused), "the camera answered genErr") << index;
+        const std::vector<Reading> readings =
+            readThem(camera, {oids::power, oids::temperature, oids::voltage, oids::modelName});
+        EXPECT_TRUE(readings[0].ok() && readings[1].ok() && readings[3].ok()) << index;
+        EXPECT_THAT(readings[2].problem, HasSubstr("genErr"));
+        EXPECT_EQ(readings[2].instance.name, "voltage");
+        EXPECT_THAT(camera.log, ElementsAre("get power temperature voltage modelName", "get power temperature",
+                                            "get voltage modelName", "get voltage", "get modelName"));
     }
+}
+
+TEST(CameraRequests, ARefusalOfTheUserEndsTheCommand) {
+    Camera camera;
+    camera.spoil = [](Operation, Response &response) { response.error = snmp::kAuthorizationError; };
+    EXPECT_EQ(scripted::failure(camera, kReadTwo, kRefused), "the camera answered authorizationError");
+    EXPECT_EQ(scripted::failure(camera, kReadRows, kRefused), "the camera answered authorizationError");
+    EXPECT_EQ(camera.log.size(), 2U);
+}
+
+TEST(CameraRequests, AnErrorWithoutAnIndexNamesNoneOfSeveralObjectsWritten) {
+    Camera camera;
+    camera.spoil = [](Operation, Response &response) { response.error = kGenErr; };
+    const Action writeTwo = [](Context &context) {
+        writeAll(context.camera,
+                 {assignNumber(instanceAt(oids::timeoutPan), 5), assignNumber(instanceAt(oids::timeoutTilt), 5)}, {});
+    };
+    EXPECT_EQ(scripted::failure(camera, writeTwo, kRefused), "the camera answered genErr");
+}
+
+TEST(CameraRequests, AQuickReadThrowsNothing) {
+    Camera camera;
+    EXPECT_TRUE(readQuickly(camera, {instanceAt(oids::power)}).front().ok());
+    camera.failGet("power", kGenErr);
+    EXPECT_EQ(readQuickly(camera, {instanceAt(oids::power)}).front().problem, "genErr");
+    camera.answersReads = false;
+    EXPECT_EQ(readQuickly(camera, {instanceAt(oids::power)}).front().problem, "no answer");
+    EXPECT_THAT(camera.log, ElementsAre("1x get power", "1x get power", "1x get power"));
 }
 
 TEST(CameraRequests, AnErrorWithoutAnIndexBelongsToTheOnlyObject) {
@@ -124,6 +158,27 @@ TEST(CameraRequests, ReadsTheRowsOfAColumn) {
     ASSERT_EQ(rows.size(), 2U);
     EXPECT_EQ(rows[1].value.number, 1);
     EXPECT_TRUE(readColumn(camera, ".1.3.6.1.4.1.99999.9").empty());
+}
+
+TEST(CameraRequests, AFailingRowDoesNotAffectTheOthers) {
+    for (const char *failing : {"alarmStatesTable.3.1", "alarmStatesTable.3.2", "alarmStatesTable.3.3"}) {
+        Camera camera;
+        for (const char *row : {"alarmStatesTable.3.2", "alarmStatesTable.3.3"}) {
+            camera.put(row, 1);
+        }
+        camera.failGet(failing, kGenErr);
+        const std::vector<Reading> rows = readColumn(camera, oids::alarmStatesState);
+        ASSERT_EQ(rows.size(), 3U) << failing;
+        for (const Reading &row : rows) {
+            EXPECT_EQ(row.ok(), row.instance.name != failing) << row.instance.name;
+        }
+    }
+}
+
+TEST(CameraRequests, AnUnreadableObjectBehindAColumnIsNoRow) {
+    Camera camera;
+    camera.failGet("relayStatesTable.1", kGenErr);
+    EXPECT_EQ(readColumn(camera, oids::alarmStatesState).size(), 1U);
 }
 
 TEST(CameraRequests, AnEndlessWalkIsStopped) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "commands/move.h"
+#include "commands/set.h"
 #include "commands/show.h"
 #include "object_oids.h"
 #include "scripted_camera.h"
@@ -17,6 +18,7 @@ using scripted::report;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsSupersetOf;
 using testing::Not;
 
 namespace {
@@ -31,6 +33,10 @@ Action moving(const char *axis, double position, int speed) {
 
 Action recalling(int number) {
     return [number](Context &context) { goToPreset(context, number); };
+}
+
+Action writing(const std::string &name, const std::string &value) {
+    return [=](Context &context) { writeAndShow(context, {ptz::parseAssignment(ptz::instanceNamed(name), value)}); };
 }
 
 Action stopping(const std::string &which) {
@@ -156,12 +162,69 @@ TEST(Commands, AWriteShowsBeforeSentAndAfter) {
     Camera camera;
     const Report written = report(camera, moving("pan", 90, 64));
     EXPECT_EQ(written.text, "             before  sent                   after\n"
-                            "positionPan  stop    to 90.00° at speed 64  to 90.00° at speed 64\n");
+                            "positionPan  stop    to 90.00° at speed 64  accepted\n");
     const nlohmann::ordered_json &data = written.data.at("written").at("positionPan");
     EXPECT_EQ(data.at("before").at("mode"), "stop");
     EXPECT_EQ(data.at("sent").at("octets"), "02 40 28 23");
     EXPECT_EQ(data.at("after").at("octets"), "02 40 28 23");
-    EXPECT_THAT(camera.log, ElementsAre("get positionPan", "set positionPan=02 40 28 23", "get positionPan"));
+    EXPECT_EQ(data.at("verified"), false) << "the camera only repeats the command";
+    EXPECT_THAT(camera.log, ElementsAre("1x get positionPan", "set positionPan=02 40 28 23", "get positionPan"));
+}
+
+TEST(Commands, AWriteOfASettingIsVerified) {
+    Camera camera;
+    const Report written = report(camera, writing("rangeTrueNorthOffset", "65535"));
+    EXPECT_THAT(written.text, HasSubstr("rangeTrueNorthOffset  0.00°   unknown  unknown\n"));
+    EXPECT_EQ(written.data.at("written").at("rangeTrueNorthOffset").at("verified"), true);
+}
+
+TEST(Commands, ACommandCanGoOutWithoutAReadBefore) {
+    Camera camera;
+    Settings settings;
+    settings.readsBefore = false;
+    const Report written = report(camera, moving("pan", 90, 64), settings);
+    EXPECT_EQ(written.text, "             sent                   after\n"
+                            "positionPan  to 90.00° at speed 64  accepted\n");
+    EXPECT_FALSE(written.data.at("written").at("positionPan").contains("before"));
+    report(camera, recalling(200), settings);
+    failure(camera, switching(1, true), kRefused, settings);
+    EXPECT_THAT(camera.log, ElementsAre("set positionPan=02 40 28 23", "get positionPan", "set presetGotoPosition=200",
+                                        "get presetGotoPosition", "set outputControl=01 80", "get outputControl",
+                                        "get outputStatus"));
+}
+
+TEST(Commands, ACommandGoesOutWithoutAnAnswerToAnyRead) {
+    const std::string silence = "the camera accepted the command; then no answer";
+    for (const auto &[action, sent] :
+         {std::pair{moving("pan", 90, 64), "set positionPan=02 40 28 23"},
+          std::pair{moving("focus", 0, 64), "set positionFocusLens=02 40 00 00"},
+          std::pair{recalling(200), "set presetGotoPosition=200"},
+          std::pair{switching(7, true), "set outputControl=07 80"},
+          std::pair{automatic(ptz::kAutomaticFocus, true), "set systemLensFeatureControl=40 80"},
+          std::pair{stopping("all"), "4x set positionPan=00 00 00 00 "
+                                     "positionTilt=00 00 00 00 positionZoomLens=00 00 00 00"},
+          std::pair{Action([](Context &context) { setTimeout(context, axesNamed("pan"), 5); }), "set timeoutPan=5"}}) {
+        Camera camera;
+        camera.answersReads = false;
+        EXPECT_EQ(failure(camera, action, snmp::Cause::NoAnswer), silence) << sent;
+        EXPECT_THAT(camera.log, Contains(sent));
+    }
+}
+
+TEST(Commands, ACommandThatReadsBackDifferentlyFails) {
+    Camera camera;
+    camera.spoil = [&camera](snmp::Operation operation, snmp::Response &) {
+        if (operation == snmp::Operation::Set) {
+            camera.put("positionPan", std::string("\x02\x40\x28\x24", 4));
+            camera.put("presetStorePosition", "\x04");
+        }
+    };
+    EXPECT_EQ(failure(camera, moving("pan", 90, 64), kRefused),
+              "the camera accepted the command but did not carry it out: positionPan is to 92.56° at speed 64");
+    EXPECT_EQ(failure(
+                  camera, [](Context &context) { storePreset(context, 3); }, kRefused),
+              "the camera accepted the command but did not carry it out: presetStorePosition is preset 4");
+    report(camera, writing("positionPan", "02 40 28 24 00")); // the camera ignores the fifth octet
 }
 
 TEST(Commands, AWriteFollowsTheByteOrder) {
@@ -184,19 +247,37 @@ TEST(Commands, StopSendsThreeAxesInOneRequest) {
     Camera camera;
     report(camera, stopping("all"));
     EXPECT_THAT(camera.log,
-                Contains("set positionPan=00 00 00 00 positionTilt=00 00 00 00 positionZoomLens=00 00 00 00"));
+                ElementsAre("4x set positionPan=00 00 00 00 positionTilt=00 00 00 00 positionZoomLens=00 00 00 00",
+                            "get positionPan positionTilt positionZoomLens"));
+    camera.log.clear();
     report(camera, stopping("iris"));
-    EXPECT_THAT(camera.log, Contains("set positionIrisLens=00 00 00 00"));
+    EXPECT_THAT(camera.log, ElementsAre("4x set positionIrisLens=00 00 00 00", "get positionIrisLens"));
+    camera.log.clear();
+    report(camera, [](Context &context) { move(context, ptz::axisNamed("pan"), {}); });
+    EXPECT_THAT(camera.log, ElementsAre("4x set positionPan=00 00 00 00", "get positionPan"));
+}
+
+TEST(Commands, StopStopsWhatItCan) {
+    for (const long index : {0L, 2L}) {
+        Camera camera;
+        camera.failSet("positionTilt", kGenErr);
+        camera.spoil = [index](snmp::Operation, snmp::Response &response) {
+            response.errorIndex = response.error != 0 ? index : 0;
+        };
+        EXPECT_EQ(failure(camera, stopping("all"), kRefused), "the camera refused positionTilt = 00 00 00 00: genErr");
+        EXPECT_THAT(camera.log,
+                    IsSupersetOf({"4x set positionPan=00 00 00 00", "4x set positionZoomLens=00 00 00 00"}));
+    }
 }
 
 TEST(Commands, StopOmitsMissingAxes) {
     Camera camera;
     camera.remove("positionZoomLens");
     EXPECT_THAT(report(camera, stopping("all")).text, HasSubstr("The camera does not have positionZoomLens.\n"));
-    EXPECT_THAT(camera.log, Contains("set positionPan=00 00 00 00 positionTilt=00 00 00 00"));
+    EXPECT_THAT(camera.log, IsSupersetOf({"4x set positionPan=00 00 00 00", "4x set positionTilt=00 00 00 00"}));
     camera.failGet("positionPan", kGenErr);
     report(camera, stopping("pan"));
-    EXPECT_EQ(camera.log.at(camera.log.size() - 2), "set positionPan=00 00 00 00") << "the axis did not stop";
+    EXPECT_EQ(camera.log.at(camera.log.size() - 2), "4x set positionPan=00 00 00 00") << "the axis did not stop";
     EXPECT_EQ(failure(camera, stopping("zoom"), kRefused), "the camera has none of these axes");
 }
 
@@ -215,12 +296,12 @@ TEST(Commands, AnAutomaticFeatureIsSwitchedAndVerified) {
 TEST(Commands, ARelayIsSwitchedAndVerified) {
     Camera camera;
     followCommands(camera);
-    camera.put("relayStatesTable.3.2", 0);
+    camera.put("relayStatesTable.2.2", 1);
     EXPECT_THAT(report(camera, switching(1, true)).text, HasSubstr("Relays now: 1 on, 2 off\n"));
     EXPECT_THAT(camera.log, Contains("set outputControl=01 80"));
     EXPECT_EQ(failure(camera, switching(2, true), kRefused),
               "the camera accepted the command but did not switch the relay");
-    EXPECT_EQ(failure(camera, switching(3, true), kUsage), "the camera has relays 1 to 2");
+    EXPECT_EQ(failure(camera, switching(3, true), kUsage), "the camera has no relay 3");
 }
 
 TEST(Commands, APresetIsWithinTheNumberOfTheCamera) {
@@ -243,6 +324,18 @@ TEST(Commands, TimeoutsAndReboot) {
     report(camera, [](Context &context) { setTimeout(context, axesNamed("all"), 5000); });
     EXPECT_THAT(camera.log, Contains("set timeoutPan=5000 timeoutTilt=5000 timeoutZoom=5000"));
     EXPECT_THAT(report(camera, showTimeouts).text, HasSubstr("Pan    5000 ms\n"));
-    report(camera, reboot);
-    EXPECT_THAT(camera.log, Contains("set rebootDevice=1"));
+}
+
+TEST(Commands, TheResponseTellsWhetherTheCameraRestarts) {
+    Camera camera;
+    EXPECT_EQ(report(camera, reboot).text, "              before  sent  after\n"
+                                           "rebootDevice  0       1     1\n");
+    EXPECT_EQ(camera.log.back(), "set rebootDevice=1") << "a camera that restarts does not answer";
+    camera.spoil = [](snmp::Operation operation, snmp::Response &response) {
+        if (operation == snmp::Operation::Set) {
+            response.varbinds.front().number = 0;
+        }
+    };
+    EXPECT_EQ(failure(camera, reboot, kRefused),
+              "the camera accepted the command but did not carry it out: rebootDevice is 0");
 }

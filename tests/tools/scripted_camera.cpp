@@ -16,8 +16,10 @@ using snmp::Varbind;
 
 namespace {
 
-const char *word(Operation operation) {
-    return operation == Operation::Get ? "get" : operation == Operation::Set ? "set" : "next";
+std::string word(Operation operation, const snmp::Patience &patience) {
+    const int usual = operation == Operation::Set ? 1 : 2;
+    const std::string attempts = patience.attempts != usual ? std::to_string(patience.attempts) + "x " : "";
+    return attempts + (operation == Operation::Get ? "get" : operation == Operation::Set ? "set" : "next");
 }
 
 /** Finds the error of the first varbind that has one. @return no error status without one */
@@ -97,6 +99,9 @@ Response Camera::get(const std::vector<Varbind> &varbinds) const {
 
 Response Camera::next(const Varbind &varbind) const {
     const auto found = values_.upper_bound(snmp::parseOid(varbind.oid));
+    if (found != values_.end() && getErrors_.count(found->second.oid) != 0) {
+        return {getErrors_.at(found->second.oid), 1, {varbind}};
+    }
     return {0, 0, {found != values_.end() ? found->second : Varbind{varbind.oid, snmp::Type::EndOfMibView, 0, ""}}};
 }
 
@@ -104,6 +109,12 @@ Response Camera::set(const std::vector<Varbind> &varbinds) {
     Response response = errorAmong(setErrors_, varbinds);
     if (response.error != 0) {
         return response;
+    }
+    const auto missing = std::find_if(varbinds.begin(), varbinds.end(), [&](const Varbind &value) {
+        return values_.count(snmp::parseOid(value.oid)) == 0;
+    });
+    if (missing != varbinds.end()) {
+        return {kNotWritable, missing - varbinds.begin() + 1, varbinds};
     }
     for (const Varbind &value : varbinds) {
         // This product's cameras keep the number of a preset as an octet.
@@ -116,13 +127,16 @@ Response Camera::set(const std::vector<Varbind> &varbinds) {
     return response;
 }
 
-Response Camera::exchange(Operation operation, const std::vector<Varbind> &varbinds) {
-    std::string entry = word(operation);
+Response Camera::exchange(Operation operation, const std::vector<Varbind> &varbinds, const snmp::Patience &patience) {
+    std::string entry = word(operation, patience);
     for (const Varbind &varbind : varbinds) {
         entry += " " + ptz::instanceAt(varbind.oid).name +
                  (operation == Operation::Set ? "=" + snmp::valueText(varbind) : "");
     }
     log.push_back(entry);
+    if (operation != Operation::Set && !answersReads) {
+        throw snmp::Failure(snmp::Cause::NoAnswer, "no answer");
+    }
     Response response = operation == Operation::Get   ? get(varbinds)
                         : operation == Operation::Set ? set(varbinds)
                                                       : next(varbinds.front());
@@ -132,6 +146,19 @@ Response Camera::exchange(Operation operation, const std::vector<Varbind> &varbi
     return response;
 }
 
+snmp::WriteResponse Camera::write(const std::vector<Varbind> &read, const std::vector<Varbind> &written) {
+    snmp::WriteResponse result;
+    if (!read.empty()) {
+        try {
+            result.before = exchange(Operation::Get, read, snmp::kWritePatience);
+        } catch (const snmp::Failure &) {
+            result.before.reset();
+        }
+    }
+    result.written = exchange(Operation::Set, written, snmp::kWritePatience);
+    return result;
+}
+
 ptzctl::Report report(Camera &camera, const ptzctl::Action &action, const ptzctl::Settings &settings) {
     ptzctl::Report result;
     ptzctl::Context context{camera, settings, result};
@@ -139,9 +166,9 @@ ptzctl::Report report(Camera &camera, const ptzctl::Action &action, const ptzctl
     return result;
 }
 
-std::string failure(Camera &camera, const ptzctl::Action &action, snmp::Cause cause) {
+std::string failure(Camera &camera, const ptzctl::Action &action, snmp::Cause cause, const ptzctl::Settings &settings) {
     try {
-        report(camera, action);
+        report(camera, action, settings);
     } catch (const snmp::Failure &failed) {
         EXPECT_EQ(failed.cause(), cause) << failed.what();
         return failed.what();

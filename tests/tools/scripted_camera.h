@@ -22,15 +22,19 @@ namespace scripted {
 /** Cause of a failure that the camera reports. */
 inline constexpr snmp::Cause kRefused = snmp::Cause::Refused;
 
-/** The error status genErr. */
+/** Error statuses. */
 inline constexpr long kGenErr = 5;
+inline constexpr long kNotWritable = 17;
 
 class Camera : public snmp::Requester {
 public:
     /** A camera with every object, each with a valid value. */
     Camera();
 
-    snmp::Response exchange(snmp::Operation operation, const std::vector<snmp::Varbind> &varbinds) override;
+    snmp::Response exchange(snmp::Operation operation, const std::vector<snmp::Varbind> &varbinds,
+                            const snmp::Patience &patience) override;
+    snmp::WriteResponse write(const std::vector<snmp::Varbind> &read,
+                              const std::vector<snmp::Varbind> &written) override;
 
     /** Sets the value of an object. */
     void put(const std::string &name, std::int64_t number);
@@ -44,7 +48,13 @@ public:
     /** Changes responses. */
     std::function<void(snmp::Operation, snmp::Response &)> spoil;
 
-    /** Requests as texts, such as "set positionPan=00 00 00 00 positionTilt=…". */
+    /** Makes the camera answer no more reads. */
+    bool answersReads = true;
+
+    /**
+     * Requests as texts, such as "set positionPan=00 00 00 00 positionTilt=…". The number of attempts precedes a
+     * request that has others than usual.
+     */
     std::vector<std::string> log;
 
 private:
@@ -66,7 +76,8 @@ std::string id(const std::string &name);
 ptzctl::Report report(Camera &camera, const ptzctl::Action &action, const ptzctl::Settings &settings = {});
 
 /** Runs a command and returns the text of its failure. A success or another cause fails the test. */
-std::string failure(Camera &camera, const ptzctl::Action &action, snmp::Cause cause);
+std::string failure(Camera &camera, const ptzctl::Action &action, snmp::Cause cause,
+                    const ptzctl::Settings &settings = {});
 
 } // namespace scripted
 

@@ -22,8 +22,9 @@ namespace ptzctl {
 namespace {
 
 constexpr const char *kFooter =
-    "Exit status: 0 success, 1 refused by the camera, 2 usage error, 3 no answer, 4 several cameras with different "
-    "outcomes, 5 bad answer or local error.\nManual page: ptzctl(1).";
+    "Exit status: 0 success, 1 refused or not carried out by the camera, 2 usage error, 3 no answer, 4 several cameras "
+    "with different "
+    "outcomes, 5 bad answer or local error, such as unwritable output.\nManual page: ptzctl(1).";
 constexpr int kMostMilliseconds = 65535;
 constexpr int kMostNumber = 255;
 constexpr double kLongestSeconds = 3600;
@@ -58,7 +59,7 @@ void addAuthentication(CLI::App &app, snmp::Credentials &credentials) {
     add("-c,--community", credentials.community, "Community, for 2c", "PTZCTL_COMMUNITY");
     add("-u,--user", credentials.user, "User, for 3; passphrases come from the environment or snmp.conf",
         "PTZCTL_USER");
-    add("-l,--level", credentials.level, "Security level, for 3", "PTZCTL_LEVEL")
+    add("-l,--level", credentials.level, "Security level, for 3; by default that of the passphrases", "PTZCTL_LEVEL")
         ->check(CLI::IsMember({"noAuthNoPriv", "authNoPriv", "authPriv"}));
     add("-a,--auth", credentials.authentication, "Authentication protocol, such as SHA-256", "PTZCTL_AUTH");
     add("-x,--privacy", credentials.privacy, "Privacy protocol, such as AES", "PTZCTL_PRIVACY");
@@ -73,6 +74,7 @@ void addOptions(CLI::App &app, Invocation &invocation, const SharedArguments &ar
         ->envname("PTZCTL_HOST");
     app.add_option("-s,--speed", arguments->speed, "Speed of a move: 1 to 127, or 1% to 100%")->capture_default_str();
     app.add_flag("-j,--json", invocation.json, "Print JSON");
+    app.add_flag("!--no-before", invocation.settings.readsBefore, "Send a command without reading anything before it");
     app.add_flag("--verbose", invocation.settings.verbose, "Show raw octets and numbers as well");
     app.add_option("-t,--timeout", invocation.timeoutSeconds, "Seconds to wait for an answer")
         ->check(CLI::Range(0.05, kLongestSeconds))

@@ -46,7 +46,7 @@ _ptzctl_values() {
 
 _ptzctl() {
     local word=${COMP_WORDS[COMP_CWORD]} path='' values index
-    local options='-H --host -s --speed -j --json --verbose -t --timeout --byte-order -v --snmp-version -c --community
+    local options='-H --host -s --speed -j --json --no-before --verbose -t --timeout --byte-order -v --snmp-version -c --community
         -u --user -l --level -a --auth -x --privacy -h --help --version'
     COMPREPLY=()
     if values=$(_ptzctl_values "${COMP_WORDS[COMP_CWORD - 1]}"); then

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /**
  * @file
- * Settings of the output and of the octets.
+ * Settings of the requests, the octets and the output.
  */
 #ifndef PTZCTL_SETTINGS_H
 #define PTZCTL_SETTINGS_H
@@ -13,7 +13,8 @@ namespace ptzctl {
 
 struct Settings {
     ptz::ByteOrder order = ptz::ByteOrder::LowFirst;
-    bool verbose = false; ///< show raw values beside their meaning
+    bool verbose = false;    ///< show raw values beside their meaning
+    bool readsBefore = true; ///< read the objects that a command writes, and the limits of its number, before it
     Style style;
 };
 

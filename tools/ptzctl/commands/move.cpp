@@ -34,40 +34,40 @@ std::string switchOctets(unsigned int which, bool on) {
     return {static_cast<char>(which), static_cast<char>(on ? ptz::kOn : 0)};
 }
 
-/** Writes the objects that the camera has. @throws Failure when it has none of them */
-void writePresent(Context &context, const std::vector<Assignment> &assignments) {
-    const std::vector<Reading> readings = ptz::readAll(context.camera, instancesOf(assignments));
-    std::vector<Assignment> present;
-    std::vector<Reading> before;
-    for (std::size_t i = 0; i < assignments.size(); ++i) {
-        if (readings[i].missing) {
-            context.report.text += "The camera does not have " + assignments[i].instance.name + ".\n";
-        } else {
-            present.push_back(assignments[i]);
-            before.push_back(readings[i]);
-        }
-    }
-    if (present.empty()) {
-        throw Failure(Cause::Refused, "the camera has none of these axes", "`ptzctl status` lists the axes it has");
-    }
-    writeAndShow(context, present, before);
-}
-
 void writePreset(Context &context, const char *oid, int number) {
-    const Reading count = ptz::read(context.camera, ptz::instanceAt(oids::rangeMaximumPreset));
-    // A camera that cannot tell the number of its presets answers 0, and may have some.
-    if (count.ok() && count.value.number > 0 && number > count.value.number) {
-        throw Failure(Cause::Usage, fmt::format("the camera has presets 1 to {}", count.value.number), kNothingSent);
+    if (context.settings.readsBefore) {
+        const Reading count = ptz::readQuickly(context.camera, {ptz::instanceAt(oids::rangeMaximumPreset)}).front();
+        // A camera that cannot tell the number of its presets answers 0, and may have some.
+        if (count.ok() && count.value.number > 0 && number > count.value.number) {
+            throw Failure(Cause::Usage, fmt::format("the camera has presets 1 to {}", count.value.number),
+                          kNothingSent);
+        }
     }
     writeAndShow(context, {numberFor(oid, number)});
 }
 
+/** Checks that a camera with a table of relays has a row for one. @throws Failure without the row */
+void requireRelay(Context &context, int number) {
+    // The agent answers this column without the camera.
+    const auto row = [](int index) {
+        return ptz::instanceAt(oids::row(oids::relayStatesNumber, static_cast<unsigned int>(index)));
+    };
+    const std::vector<Reading> rows = ptz::readQuickly(context.camera, {row(1), row(number)});
+    if (rows[0].ok() && rows[1].missing) {
+        throw Failure(Cause::Usage, fmt::format("the camera has no relay {}", number), kNothingSent);
+    }
+}
+
 /** Reads an object after a command and reports it. */
 snmp::Varbind readBack(Context &context, const char *oid, const char *label) {
-    const Reading reading = ptz::require(context.camera, ptz::instanceAt(oid));
-    context.report.text += label + readingText(reading, context.settings) + "\n";
-    context.report.data[reading.instance.name] = readingJson(reading, context.settings);
-    return reading.value;
+    try {
+        const Reading reading = ptz::require(context.camera, ptz::instanceAt(oid));
+        context.report.text += label + readingText(reading, context.settings) + "\n";
+        context.report.data[reading.instance.name] = readingJson(reading, context.settings);
+        return reading.value;
+    } catch (const Failure &failure) {
+        throw silentAfterCommand(failure);
+    }
 }
 
 } // namespace
@@ -85,11 +85,15 @@ AxisList axesNamed(const std::string &which) {
 }
 
 void move(Context &context, const ptz::Axis &axis, const ptz::PositionCommand &command) {
+    if (command.mode == ptz::Mode::Stop) {
+        stop(context, {&axis});
+        return;
+    }
     writeAndShow(context, {octetsFor(axis.positionOid, ptz::encode(command, context.settings.order))});
     if (axis.automatic == 0) {
         return;
     }
-    const Reading status = ptz::read(context.camera, ptz::instanceAt(oids::systemLensFeatureStatus));
+    const Reading status = ptz::readQuickly(context.camera, {ptz::instanceAt(oids::systemLensFeatureStatus)}).front();
     const bool automatic = status.ok() && (ptz::firstOctet(status.value) & axis.automatic) != 0;
     context.report.data["automatic"] = automatic;
     if (automatic) {
@@ -99,11 +103,13 @@ void move(Context &context, const ptz::Axis &axis, const ptz::PositionCommand &c
 }
 
 void stop(Context &context, const AxisList &axes) {
+    constexpr int kAttempts = 4;
     std::vector<Assignment> assignments;
     for (const ptz::Axis *axis : axes) {
         assignments.push_back(octetsFor(axis->positionOid, ptz::encode({}, context.settings.order)));
     }
-    writePresent(context, assignments);
+    // Nothing precedes a stop, and a stop that arrives twice does no harm.
+    writePresent(context, assignments, {false, kAttempts});
 }
 
 void setAutomatic(Context &context, unsigned int feature, bool on) {
@@ -124,9 +130,8 @@ void storePreset(Context &context, int number) {
 }
 
 void switchRelay(Context &context, int number, bool on) {
-    const std::vector<Reading> relays = ptz::readColumn(context.camera, oids::relayStatesState);
-    if (!relays.empty() && static_cast<std::size_t>(number) > relays.size()) {
-        throw Failure(Cause::Usage, fmt::format("the camera has relays 1 to {}", relays.size()), kNothingSent);
+    if (context.settings.readsBefore) {
+        requireRelay(context, number);
     }
     writeAndShow(context, {octetsFor(oids::outputControl, switchOctets(static_cast<unsigned int>(number), on))});
     const snmp::Varbind states = readBack(context, oids::outputStatus, "Relays now: ");
@@ -142,11 +147,12 @@ void setTimeout(Context &context, const AxisList &axes, int milliseconds) {
     for (const ptz::Axis *axis : axes) {
         assignments.push_back(numberFor(axis->timeoutOid, milliseconds));
     }
-    writePresent(context, assignments);
+    writePresent(context, assignments, {context.settings.readsBefore, 1});
 }
 
 void reboot(Context &context) {
-    writeAndShow(context, {numberFor(oids::rebootDevice, 1)});
+    // A camera that restarts does not answer any more.
+    writeAndShowResponse(context, numberFor(oids::rebootDevice, 1));
 }
 
 } // namespace ptzctl

@@ -19,10 +19,13 @@ using AxisList = std::vector<const ptz::Axis *>;
 /** Returns the axis of a name, or pan, tilt and zoom for "all". @throws std::invalid_argument for another word */
 AxisList axesNamed(const std::string &which);
 
-/** Sends a command to an axis. */
+/** Sends a command to an axis, a stop as stop() does. */
 void move(Context &context, const ptz::Axis &axis, const ptz::PositionCommand &command);
 
-/** Stops axes in one request, except for those that the camera does not have. */
+/**
+ * Stops axes in one request or, if the camera refuses that, one by one. Reads nothing before, and repeats the request
+ * without an answer.
+ */
 void stop(Context &context, const AxisList &axes);
 
 /** Switches an automatic feature. @param feature kAutomaticFocus or kAutomaticIris */
@@ -40,7 +43,7 @@ void switchRelay(Context &context, int number, bool on);
 /** Sets the time-out of continuous moves. @param milliseconds 0 for none */
 void setTimeout(Context &context, const AxisList &axes, int milliseconds);
 
-/** Restarts the camera. */
+/** Restarts the camera. The response tells whether it has accepted the restart. */
 void reboot(Context &context);
 
 } // namespace ptzctl
