@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "library.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "failure.h"
 #include "netsnmp_types.h"
+#include "security_level.h"
 
 namespace snmp {
 
@@ -54,6 +56,22 @@ int chosenVersion(const Credentials &credentials) {
     return libraryText(NETSNMP_DS_LIB_SECNAME).empty() ? NETSNMP_DS_SNMP_VERSION_2c : NETSNMP_DS_SNMP_VERSION_3;
 }
 
+/**
+ * Chooses the security level. Passphrases of the program raise the level of the configuration files, so that they never
+ * stay unused.
+ */
+void chooseLevel(const Credentials &credentials) {
+    const int configured = netsnmp_ds_get_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_SECLEVEL);
+    const bool hasPassphrase = !credentials.authenticationPassphrase.empty() || !credentials.privacyPassphrase.empty();
+    if (!credentials.level.empty() || (configured != 0 && !hasPassphrase)) {
+        return;
+    }
+    const std::string common = libraryText(NETSNMP_DS_LIB_PASSPHRASE);
+    const SecurityLevel level = levelOfPassphrases(libraryText(NETSNMP_DS_LIB_AUTHPASSPHRASE) + common,
+                                                   libraryText(NETSNMP_DS_LIB_PRIVPASSPHRASE) + common);
+    netsnmp_ds_set_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_SECLEVEL, std::max(configured, static_cast<int>(level)));
+}
+
 void requireProtocol(const std::string &what, const std::string &name, int type) {
     if (!name.empty() && type < 0) {
         throw Failure(Cause::Usage, "the SNMP library has no " + what + " '" + name + "'");
@@ -79,6 +97,7 @@ void startLibrary(const char *program, const Credentials &credentials, const std
             configure(name, value);
         }
     }
+    chooseLevel(credentials);
     const int version = chosenVersion(credentials);
     if (version == NETSNMP_DS_SNMP_VERSION_1) {
         throw Failure(Cause::Usage, "snmp.conf selects SNMPv1, which this program does not support",

@@ -15,7 +15,7 @@ struct Credentials {
     std::string version; ///< 2c or 3
     std::string community;
     std::string user;
-    std::string level;          ///< noAuthNoPriv, authNoPriv or authPriv
+    std::string level; ///< noAuthNoPriv, authNoPriv or authPriv; without it the level that the passphrases are for
     std::string authentication; ///< name of the protocol, such as SHA-256
     std::string privacy;        ///< name of the protocol, such as AES
     std::string authenticationPassphrase;

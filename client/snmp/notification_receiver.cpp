@@ -13,6 +13,10 @@ namespace snmp {
 
 namespace {
 
+SecurityLevel levelOf(const netsnmp_pdu &pdu) {
+    return pdu.version == SNMP_VERSION_3 ? static_cast<SecurityLevel>(pdu.securityLevel) : SecurityLevel::NoAuthNoPriv;
+}
+
 void answerInform(netsnmp_session *session, netsnmp_pdu *pdu) {
     PduPointer answer(snmp_clone_pdu(pdu));
     if (answer) {
@@ -69,8 +73,8 @@ int NotificationReceiver::receive(int operation, netsnmp_session *session, int /
     auto &receiver = *static_cast<NotificationReceiver *>(data);
     // No exception may pass through the library, which is written in C.
     try {
-        receiver.handler_(receiver.senderOf(*pdu), varbindsOf(*pdu));
-        if (pdu->command == SNMP_MSG_INFORM) {
+        const bool isTaken = receiver.handler_({receiver.senderOf(*pdu), levelOf(*pdu), varbindsOf(*pdu)});
+        if (isTaken && pdu->command == SNMP_MSG_INFORM) {
             answerInform(session, pdu);
         }
     } catch (...) {

@@ -12,15 +12,23 @@
 #include <vector>
 
 #include "netsnmp_types.h"
+#include "security_level.h"
 #include "varbind.h"
 
 namespace snmp {
 
+/** A notification as received. */
+struct Received {
+    std::string from; ///< address of the sender
+    SecurityLevel level;
+    std::vector<Varbind> varbinds;
+};
+
 /** Listens at an address and answers informs. A process has one receiver at a time. */
 class NotificationReceiver {
 public:
-    /** Takes a notification. @param from address of the sender */
-    using Handler = std::function<void(const std::string &from, const std::vector<Varbind> &varbinds)>;
+    /** Takes a notification. @return false to leave an inform without an answer */
+    using Handler = std::function<bool(const Received &notification)>;
 
     /**
      * @param program  name of the program, as startReceiver() has it
@@ -33,7 +41,7 @@ public:
      * Waits for messages and passes those that arrive to the handler.
      * @param wakeUp  a descriptor that ends the wait when it becomes readable
      * @return whether the wait ended otherwise
-     * @throws what the handler throws; an inform is not answered then
+     * @throws what the handler throws; it leaves an inform without an answer, too
      */
     bool wait(int wakeUp);
 

@@ -35,6 +35,30 @@ protected:
         return client_.run(arguments, environment);
     }
 
+    static ClientEnvironment withoutLevel(const User &user) {
+        ClientEnvironment environment = asUser(user);
+        environment.erase("PTZCTL_LEVEL");
+        return environment;
+    }
+
+    /** Engine ID of the agent. */
+    std::string engine() const {
+        const std::string lines = agent_.persistentData().text();
+        const std::size_t start = lines.find("0x", lines.find("oldEngineID"));
+        EXPECT_NE(start, std::string::npos) << lines;
+        return lines.substr(start, lines.find_first_of(" \n", start) - start);
+    }
+
+    /** Sends a trap about the power to the receiver. @param credentials options of the sending program */
+    void forgeTrap(const std::vector<std::string> &credentials) const {
+        std::vector<std::string> command = {"snmptrap"};
+        command.insert(command.end(), credentials.begin(), credentials.end());
+        command.insert(command.end(),
+                       {"-m", "", traps(), "1", oids::registered::power, oids::registered::power, "u", "7"});
+        const CommandResult sender = runCommand(command, client_.completed({}));
+        EXPECT_TRUE(sender.status.clean()) << sender.errors;
+    }
+
     Client client_;
 };
 
@@ -97,21 +121,53 @@ TEST_F(PtzctlField, TheFileOfTheManualLetsTheUserIn) {
     EXPECT_EQ(result.output, "modelName  QN-4000 Dome\n") << result.errors;
 }
 
+TEST_F(PtzctlField, ThePassphrasesGiveTheLevel) {
+    ClientEnvironment environment = asUser(configured_agent::kViewer);
+    environment.erase("PTZCTL_LEVEL");
+    EXPECT_EQ(run({"get", "modelName"}, environment).output, "modelName  QN-4000 Dome\n");
+    // They outweigh a lower level of the file, which an option outweighs.
+    client_.directory.write("snmp.conf", "defSecurityLevel authNoPriv\n");
+    EXPECT_EQ(run({"get", "modelName"}, environment).output, "modelName  QN-4000 Dome\n");
+    EXPECT_NE(run({"get", "modelName", "--level", "authNoPriv"}, environment).status.code, 0);
+}
+
 TEST_F(PtzctlField, SignedAndEncryptedTrapsAreRead) {
-    const std::string lines = agent_.persistentData().text();
-    const std::size_t start = lines.find("0x", lines.find("oldEngineID"));
-    ASSERT_NE(start, std::string::npos) << lines;
-    const std::string engine = lines.substr(start, lines.find_first_of(" \n", start) - start);
     const std::string output = client_.directory.file("out");
     const std::string errors = client_.directory.file("err");
-    Process receiver({Client::commandLine({"traps", traps(), "--engine", engine, "--count", "1", "--json"}),
-                      client_.completed(asUser(configured_agent::kNotifier)), output, errors});
+    Process receiver({Client::commandLine({"traps", traps(), "--engine", engine(), "--count", "1", "--json"}),
+                      client_.completed(withoutLevel(configured_agent::kNotifier)), output, errors});
     ASSERT_TRUE(LogFile(errors).waitFor("Receiving at", seconds(10))) << LogFile(errors).text();
+    // Anyone can send these two.
+    forgeTrap({"-v2c", "-c", "public"});
+    forgeTrap({"-v3", "-e", engine(), "-u", configured_agent::kNotifier.name, "-l", "noAuthNoPriv"});
+    ASSERT_TRUE(
+        LogFile(errors).waitFor("discarded a notification of the level noAuthNoPriv from 127.0.0.1", seconds(10)));
     agent_.hup();
     const std::optional<ExitStatus> status = receiver.wait(patient(seconds(15)));
     ASSERT_TRUE(status) << LogFile(errors).text();
     EXPECT_TRUE(status->clean());
-    EXPECT_EQ(json::parse(LogFile(output).text()).at("name"), "nsNotifyRestart");
+    const json printed = json::parse(LogFile(output).text());
+    EXPECT_EQ(printed.at("name"), "nsNotifyRestart");
+    EXPECT_EQ(printed.at("level"), "authPriv");
+    EXPECT_THAT(LogFile(errors).text(), testing::EndsWith("ptzctl: discarded 2 notifications\n"));
+}
+
+TEST_F(PtzctlField, TrapsOfALowerLevelCanBeAccepted) {
+    const std::string output = client_.directory.file("out");
+    const std::string errors = client_.directory.file("err");
+    Process receiver({Client::commandLine({"traps", traps(), "--engine", engine(), "--level", "noAuthNoPriv"}),
+                      client_.completed(withoutLevel(configured_agent::kNotifier)), output, errors});
+    ASSERT_TRUE(LogFile(errors).waitFor("Receiving at", seconds(10))) << LogFile(errors).text();
+    forgeTrap({"-v2c", "-c", "public"});
+    EXPECT_TRUE(LogFile(output).waitFor("127.0.0.1 (noAuthNoPriv)  power is 7", seconds(10)));
+    agent_.hup();
+    EXPECT_TRUE(LogFile(output).waitFor("127.0.0.1  nsNotifyRestart", seconds(10)));
+}
+
+TEST_F(PtzctlField, SignedTrapsNeedTheEngine) {
+    const CommandResult result = client_.run({"traps", traps()}, withoutLevel(configured_agent::kNotifier));
+    EXPECT_EQ(result.status.code, kUsage);
+    EXPECT_THAT(result.errors, HasSubstr("traps of the level authPriv need --engine\n"));
 }
 
 TEST_F(PtzctlTraps, TrapsAreExplainedUntilCtrlC) {
@@ -124,6 +180,20 @@ TEST_F(PtzctlTraps, TrapsAreExplainedUntilCtrlC) {
     const std::optional<ExitStatus> status = process_.wait(patient(seconds(10)));
     ASSERT_TRUE(status);
     EXPECT_TRUE(status->clean()) << status->describe();
+}
+
+TEST_F(PtzctlTraps, ReceptionEndsWhenTheOutputCannotBeWritten) {
+    const ReservedPort port;
+    const std::string address = "127.0.0.1:" + std::to_string(port.number());
+    const std::string errors = client_.directory.file("full");
+    Process receiver({Client::commandLine({"traps", address}), client_.completed({}), "/dev/full", errors});
+    ASSERT_TRUE(LogFile(errors).waitFor("Receiving at", seconds(10)));
+    runCommand({"snmptrap", "-v2c", "-c", "public", "-m", "", address, "1", oids::registered::power},
+               client_.completed({}));
+    const std::optional<ExitStatus> status = receiver.wait(patient(seconds(10)));
+    ASSERT_TRUE(status);
+    EXPECT_EQ(status->code, kLocalError);
+    EXPECT_THAT(LogFile(errors).text(), testing::EndsWith("ptzctl: cannot write the output\n"));
 }
 
 TEST_F(PtzctlTraps, AnInformIsAnswered) {
