@@ -158,7 +158,7 @@ nlohmann::ordered_json valueJson(const Instance &instance, const Varbind &value,
     case snmp::Type::Opaque:
         return snmp::valueText(value);
     default:
-        return value.number;
+        return snmp::hasValue(value.type) ? nlohmann::ordered_json(value.number) : nlohmann::ordered_json();
     }
 }
 

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <gmock/gmock.h>
@@ -16,6 +17,7 @@
 #include "host_processes.h"
 #include "object_oids.h"
 #include "run.h"
+#include "security_level.h"
 
 using namespace ptzctl;
 using testing::HasSubstr;
@@ -111,6 +113,36 @@ TEST(Program, AFailureOfOneCameraDoesNotAffectTheOthers) {
     EXPECT_EQ(errorsText(hosts, all), "ptzctl: dying: the child process died before it had an outcome\n"
                                       "ptzctl: throwing: trouble\n"
                                       "ptzctl: refusing: no\n  ask again\n");
+}
+
+TEST(Program, MoreCamerasThanDescriptorsAreAskedInTurn) {
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    rlimit few = before;
+    few.rlim_cur = 24;
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+    std::vector<std::string> hosts(60, "one");
+    hosts.back() = "two";
+    const std::vector<Outcome> all = outcomes(hosts);
+    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+    ASSERT_EQ(all.size(), hosts.size());
+    EXPECT_TRUE(std::all_of(all.begin(), all.end() - 1, [](const Outcome &outcome) {
+        return outcome.code == ExitCode::Done && outcome.report.data.at("name") == "one";
+    }));
+    EXPECT_EQ(all.back().code, ExitCode::NoAnswer);
+}
+
+TEST(Program, WithoutAnyDescriptorEachCameraHasAnError) {
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    rlimit none = before;
+    none.rlim_cur = 0;
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    const std::vector<Outcome> all = outcomes(kTwo);
+    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_EQ(errorsText(kTwo, all), "ptzctl: one: no process: Too many open files\n"
+                                     "ptzctl: two: no process: Too many open files\n");
+    EXPECT_EQ(all[1].code, ExitCode::BadResponse);
 }
 
 TEST(Program, TheExitCodeIsTheCommonOne) {
@@ -282,4 +314,31 @@ TEST(Program, TrapsAreExplained) {
     EXPECT_EQ(trapText(trap(".1.3.6.1.6.3.1.1.5.1", {}), {}), "coldStart: the agent has started");
     EXPECT_EQ(trapText(trap(".1.3.9", {snmp::integer(".1.3.8", 2)}), {}), "1.3.9, 1.3.8 is 2");
     EXPECT_EQ(trapText({}, {}), "a notification without a name");
+    const std::vector<snmp::Varbind> power =
+        trap(oids::registered::power, {{oids::registered::power, snmp::Type::Gauge32, 7, ""}});
+    EXPECT_EQ(trapText(power, {}), "power is 7: the state of the power supply has changed");
+}
+
+TEST(Program, AValueOfTheWrongTypeInATrapIsNoValue) {
+    const std::string temperature = oids::registered::temperature;
+    const std::vector<snmp::Varbind> wrong = {{oids::snmpTrapOID, snmp::Type::Oid, 0, temperature},
+                                              snmp::octetString(temperature, "hot"),
+                                              snmp::integer(oids::positionPan, 5),
+                                              snmp::nameOnly(".1.3.8")};
+    EXPECT_EQ(trapText(wrong, {}), "temperature is OCTET STRING instead of Gauge32, positionPan is INTEGER instead of "
+                                   "OCTET STRING, 1.3.8 is NULL: it has moved by more than 2 degrees");
+    const nlohmann::ordered_json values = trapJson(wrong, {}).at("values");
+    EXPECT_EQ(values.at("temperature").at("problem"), "OCTET STRING instead of Gauge32");
+    EXPECT_TRUE(values.at("1.3.8").is_null());
+}
+
+TEST(Program, TheLevelIsThatOfThePassphrases) {
+    EXPECT_EQ(snmp::levelOfPassphrases("", ""), snmp::SecurityLevel::NoAuthNoPriv);
+    EXPECT_EQ(snmp::levelOfPassphrases("a", ""), snmp::SecurityLevel::AuthNoPriv);
+    EXPECT_EQ(snmp::levelOfPassphrases("a", "b"), snmp::SecurityLevel::AuthPriv);
+    EXPECT_EQ(snmp::levelOfPassphrases("", "b"), snmp::SecurityLevel::AuthPriv) << "never less than asked for";
+    for (const char *name : {"noAuthNoPriv", "authNoPriv", "authPriv"}) {
+        EXPECT_EQ(snmp::levelName(snmp::levelNamed(name)), name);
+    }
+    EXPECT_THROW(snmp::levelNamed("none"), std::invalid_argument);
 }

@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host_processes.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <iterator>
+#include <optional>
 #include <system_error>
+#include <utility>
 
+#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -15,10 +20,14 @@ namespace {
 
 using nlohmann::ordered_json;
 
+constexpr std::size_t kMostProcesses = 250;
+
 /** A child process with a command. */
 struct Child {
+    std::size_t place; ///< of its host
     pid_t pid;
-    int output; ///< descriptor to read the outcome from
+    int output;       ///< descriptor to read the outcome from
+    std::string text; ///< read so far
 };
 
 std::string serialize(const Outcome &outcome) {
@@ -38,10 +47,6 @@ Outcome parseOutcome(const std::string &text) {
             parts.at("advice")};
 }
 
-[[noreturn]] void failWith(const char *what) {
-    throw std::system_error(errno, std::generic_category(), what);
-}
-
 void writeWhole(int descriptor, const std::string &text) {
     std::size_t done = 0;
     while (done < text.size()) {
@@ -53,29 +58,19 @@ void writeWhole(int descriptor, const std::string &text) {
     }
 }
 
-std::string readWhole(int descriptor) {
-    std::string text;
-    std::array<char, 4096> buffer{};
-    while (true) {
-        const ssize_t count = read(descriptor, buffer.data(), buffer.size());
-        if (count == 0 || (count < 0 && errno != EINTR)) {
-            return text;
-        }
-        text.append(buffer.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
-    }
-}
-
-Child start(const std::function<void(Report &)> &command) {
+/** Starts a command. @return nothing, with a reason in errno, without the resources for another child */
+std::optional<Child> start(std::size_t place, const std::vector<Child> &others,
+                           const std::function<void(Report &)> &command) {
     std::array<int, 2> ends{};
     if (pipe(ends.data()) != 0) {
-        failWith("pipe");
+        return std::nullopt;
     }
     const pid_t pid = fork();
-    if (pid < 0) {
-        failWith("fork");
-    }
     if (pid == 0) {
         close(ends[0]);
+        for (const Child &other : others) {
+            close(other.output);
+        }
         // The parent may block signals that have to end this process.
         sigset_t none;
         sigemptyset(&none);
@@ -83,12 +78,25 @@ Child start(const std::function<void(Report &)> &command) {
         writeWhole(ends[1], serialize(outcomeOf(command)));
         _exit(0);
     }
+    const int error = errno;
     close(ends[1]);
-    return {pid, ends[0]};
+    if (pid < 0) {
+        close(ends[0]);
+        errno = error;
+        return std::nullopt;
+    }
+    return Child{place, pid, ends[0], ""};
+}
+
+/** Reads what a child has written. @return false at its end */
+bool readMore(Child &child) {
+    std::array<char, 4096> buffer{};
+    const ssize_t count = read(child.output, buffer.data(), buffer.size());
+    child.text.append(buffer.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
+    return count > 0 || (count < 0 && errno == EINTR);
 }
 
 Outcome finish(const Child &child) {
-    const std::string text = readWhole(child.output);
     close(child.output);
     int status = 0;
     while (waitpid(child.pid, &status, 0) < 0 && errno == EINTR) {
@@ -96,22 +104,44 @@ Outcome finish(const Child &child) {
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
         return {ExitCode::BadResponse, {}, "the child process died before it had an outcome", ""};
     }
-    return parseOutcome(text);
+    return parseOutcome(child.text);
+}
+
+/** Waits until some children have written something, and takes the outcomes of those that have ended. */
+void serve(std::vector<Child> &children, std::vector<Outcome> &outcomes) {
+    std::vector<pollfd> watched;
+    std::transform(children.begin(), children.end(), std::back_inserter(watched), [](const Child &child) {
+        return pollfd{child.output, POLLIN, 0};
+    });
+    poll(watched.data(), watched.size(), -1);
+    for (std::size_t i = children.size(); i-- > 0;) {
+        if (watched[i].revents != 0 && !readMore(children[i])) {
+            outcomes[children[i].place] = finish(children[i]);
+            children.erase(children.begin() + static_cast<std::ptrdiff_t>(i));
+        }
+    }
 }
 
 } // namespace
 
 std::vector<Outcome> runOnAll(const std::vector<std::string> &hosts,
                               const std::function<void(const std::string &host, Report &)> &command) {
+    std::vector<Outcome> outcomes(hosts.size());
     std::vector<Child> children;
-    children.reserve(hosts.size());
-    for (const std::string &host : hosts) {
-        children.push_back(start([&](Report &report) { command(host, report); }));
-    }
-    std::vector<Outcome> outcomes;
-    outcomes.reserve(children.size());
-    for (const Child &child : children) {
-        outcomes.push_back(finish(child));
+    for (std::size_t next = 0; next < hosts.size() || !children.empty();) {
+        const bool startsAnother = next < hosts.size() && children.size() < kMostProcesses;
+        std::optional<Child> child;
+        if (startsAnother) {
+            child = start(next, children, [&](Report &report) { command(hosts[next], report); });
+        }
+        if (child) {
+            children.push_back(std::move(*child));
+            ++next;
+        } else if (!children.empty()) {
+            serve(children, outcomes); // an ended child makes room for another one
+        } else {
+            outcomes[next++] = {ExitCode::BadResponse, {}, "no process: " + std::system_category().message(errno), ""};
+        }
     }
     return outcomes;
 }

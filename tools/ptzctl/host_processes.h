@@ -15,11 +15,11 @@
 namespace ptzctl {
 
 /**
- * Runs a command for all cameras at once, in a child process each: the SNMP library keeps the keys of SNMPv3 users for
- * the whole process without a lock, and a camera that does not answer delays only its own process.
+ * Runs a command for all cameras, in a child process each: the SNMP library keeps the keys of SNMPv3 users for the
+ * whole process without a lock, and a camera that does not answer delays only its own process. Up to 250 run at once,
+ * or fewer if this process may not have as many descriptors or children; an ended one makes room for the next.
  * @param command  runs in the child processes
  * @return one outcome for each host, in the same order
- * @throws std::system_error when a process cannot be started
  */
 std::vector<Outcome> runOnAll(const std::vector<std::string> &hosts,
                               const std::function<void(const std::string &host, Report &)> &command);

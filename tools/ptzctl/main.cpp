@@ -3,12 +3,14 @@
  * @file
  * The command-line client for cameras.
  */
+#include <csignal>
 #include <exception>
 #include <iostream>
 
 #include <unistd.h>
 
 #include "command_line.h"
+#include "output.h"
 #include "run.h"
 
 namespace {
@@ -21,7 +23,9 @@ int readAndRun(int argc, char **argv) {
         app->parse(argc, argv);
     } catch (const CLI::ParseError &error) {
         if (error.get_exit_code() == 0) {
-            return app->exit(error);
+            app->exit(error);
+            ptzctl::requireWritten(std::cout);
+            return static_cast<int>(ptzctl::ExitCode::Done);
         }
         std::cerr << "ptzctl: " << ptzctl::errorOf(*app, error) << "\n  run with --help for more information\n";
         return static_cast<int>(ptzctl::ExitCode::Usage);
@@ -36,6 +40,8 @@ int readAndRun(int argc, char **argv) {
 } // namespace
 
 int main(int argc, char **argv) {
+    // A closed pipe is an error of the output.
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     try {
         return readAndRun(argc, argv);
     } catch (const std::exception &error) {

@@ -7,6 +7,7 @@
 
 #include "commands/traps.h"
 #include "host_processes.h"
+#include "output.h"
 #include "screen.h"
 #include "session.h"
 #include "signal_wait.h"
@@ -65,6 +66,7 @@ ExitCode watch(const Invocation &invocation, std::ostream &output, std::ostream 
             output << text << std::flush;
         }
         errors << errorsText(invocation.hosts, outcomes);
+        requireWritten(output);
         previous = text;
         if (round == invocation.count) {
             return overallCode(outcomes);
@@ -115,24 +117,30 @@ ExitCode runOnCameras(const Invocation &invocation, std::istream &input, std::os
     return overallCode(outcomes);
 }
 
-ExitCode receive(const Invocation &invocation, std::ostream &output, std::ostream &errors) {
-    const Outcome outcome = outcomeOf([&](Report & /*report*/) { receiveTraps(invocation, output, errors); });
-    errors << errorText("", outcome);
-    return outcome.code;
-}
-
-} // namespace
-
-ExitCode run(const Invocation &invocation, std::istream &input, std::ostream &output, std::ostream &errors,
-             bool terminal) {
+ExitCode execute(const Invocation &invocation, std::istream &input, std::ostream &output, std::ostream &errors,
+                 bool terminal) {
     if (invocation.receives) {
-        return receive(invocation, output, errors);
+        receiveTraps(invocation, output, errors);
+        return ExitCode::Done;
     }
     if (invocation.local) {
         output << invocation.local();
         return ExitCode::Done;
     }
     return runOnCameras(invocation, input, output, errors, terminal);
+}
+
+} // namespace
+
+ExitCode run(const Invocation &invocation, std::istream &input, std::ostream &output, std::ostream &errors,
+             bool terminal) {
+    ExitCode code = ExitCode::Done;
+    const Outcome outcome = outcomeOf([&](Report & /*report*/) {
+        code = execute(invocation, input, output, errors, terminal);
+        requireWritten(output);
+    });
+    errors << errorText("", outcome);
+    return outcome.code == ExitCode::Done ? code : outcome.code;
 }
 
 } // namespace ptzctl

@@ -15,7 +15,7 @@
 namespace ptzctl {
 
 /**
- * Executes an invocation.
+ * Executes an invocation, and reports its errors. Ends it when the output cannot be written.
  * @param input     for answers to questions
  * @param terminal  input and output are a terminal
  */

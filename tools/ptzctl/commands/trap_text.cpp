@@ -8,6 +8,7 @@
 #include "object_oids.h"
 #include "object_values.h"
 #include "oid_text.h"
+#include "reading.h"
 #include "value_text.h"
 
 namespace ptzctl {
@@ -37,7 +38,7 @@ constexpr std::array<Explanation, 8> kExplanations = {{
 struct Notification {
     std::string oid; ///< empty without one
     const Explanation *known = nullptr;
-    std::vector<ptz::Assignment> values;
+    std::vector<ptz::Reading> values; ///< with a problem for a value of another type than the object's
 
     std::string name() const {
         return known != nullptr ? known->name : oid.empty() ? "a notification without a name" : snmp::withoutDot(oid);
@@ -50,13 +51,18 @@ ptz::Instance instanceOf(const std::string &oid) {
     return instance.object != nullptr ? instance : ptz::instanceAt(oid);
 }
 
+ptz::Reading readingOf(const snmp::Varbind &value) {
+    const ptz::Instance instance = instanceOf(value.oid);
+    return {instance, value, instance.object != nullptr ? ptz::validateNotified(*instance.object, value) : "", false};
+}
+
 Notification notificationOf(const std::vector<snmp::Varbind> &varbinds) {
     Notification notification;
     for (const snmp::Varbind &varbind : varbinds) {
         if (varbind.oid == oids::snmpTrapOID) {
             notification.oid = varbind.type == snmp::Type::Oid ? varbind.octets : "";
         } else if (varbind.oid != oids::sysUpTime) {
-            notification.values.push_back({instanceOf(varbind.oid), varbind});
+            notification.values.push_back(readingOf(varbind));
         }
     }
     const auto *const found = std::find_if(kExplanations.begin(), kExplanations.end(), [&](const Explanation &known) {
@@ -71,9 +77,10 @@ Notification notificationOf(const std::vector<snmp::Varbind> &varbinds) {
 std::string trapText(const std::vector<snmp::Varbind> &varbinds, const Settings &settings) {
     const Notification notification = notificationOf(varbinds);
     std::string text = settings.style.active(notification.name());
-    for (const auto &[instance, value] : notification.values) {
-        const bool isOwn = notification.known != nullptr && instance.name == notification.known->name;
-        text += (isOwn ? " is " : ", " + instance.name + " is ") + valueText(instance, value, settings);
+    for (const ptz::Reading &value : notification.values) {
+        const std::string &name = value.instance.name;
+        const bool isOwn = notification.known != nullptr && name == notification.known->name;
+        text += (isOwn ? " is " : ", " + name + " is ") + readingText(value, settings);
     }
     return notification.known != nullptr ? text + ": " + notification.known->reason : text;
 }
@@ -82,8 +89,8 @@ nlohmann::ordered_json trapJson(const std::vector<snmp::Varbind> &varbinds, cons
     const Notification notification = notificationOf(varbinds);
     nlohmann::ordered_json result = {{"notification", snmp::withoutDot(notification.oid)},
                                      {"name", notification.name()}};
-    for (const auto &[instance, value] : notification.values) {
-        result["values"][instance.name] = ptz::valueJson(instance, value, settings.order);
+    for (const ptz::Reading &value : notification.values) {
+        result["values"][value.instance.name] = readingJson(value, settings);
     }
     return result;
 }
