@@ -39,6 +39,7 @@ void LineConnection::read() {
 }
 
 void LineConnection::received(std::size_t count) {
+    lastUse_ = std::chrono::steady_clock::now();
     input_.append(chunk_.data(), count);
     handleLines();
 }
@@ -90,7 +91,10 @@ void LineConnection::send(std::string line) {
     std::size_t sent = 0;
     if (output_.empty()) {
         const ssize_t count = ::send(socket_.native_handle(), line.data(), line.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
-        sent = count > 0 ? static_cast<std::size_t>(count) : 0;
+        if (count > 0) {
+            sent = static_cast<std::size_t>(count);
+            lastUse_ = std::chrono::steady_clock::now();
+        }
         if (sent == line.size()) {
             return;
         }

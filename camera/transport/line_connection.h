@@ -53,6 +53,11 @@ public:
         return context_;
     }
 
+    /** Returns the time of the last octets from or to the client, or of the start of the connection. */
+    std::chrono::steady_clock::time_point lastUse() const {
+        return lastUse_;
+    }
+
     /** Closes the connection. */
     void close();
 
@@ -70,6 +75,7 @@ private:
     LineHandler onLine_;
     CloseHandler onClose_;
     std::any context_;
+    std::chrono::steady_clock::time_point lastUse_ = std::chrono::steady_clock::now();
     std::array<char, 4096> chunk_{};
     std::string input_;
     std::size_t handled_ = 0; ///< number of handled octets at the start of the input

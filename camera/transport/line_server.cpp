@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "line_server.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <sys/stat.h>
@@ -99,7 +100,11 @@ void LineServer::accept() {
 
 void LineServer::accepted(Protocol::socket socket) {
     if (connections_.size() >= kMostConnections) {
-        return;
+        // A copy, because close() removes the connection from the set.
+        const auto longestIdle =
+            *std::min_element(connections_.begin(), connections_.end(),
+                              [](const auto &a, const auto &b) { return a->lastUse() < b->lastUse(); });
+        longestIdle->close();
     }
     const auto connection = std::make_shared<LineConnection>(
         std::move(socket), onLine_,

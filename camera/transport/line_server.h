@@ -26,7 +26,10 @@ namespace camera {
  */
 class LineServer {
 public:
-    /** Limit of connections. It prevents one socket from using up the file descriptors of the process. */
+    /**
+     * Limit of connections. It prevents one socket from using up the file descriptors of the process. A new client
+     * beyond it takes the place of the connection that has been idle for the longest time.
+     */
     static constexpr std::size_t kMostConnections = 48;
 
     /** @param onLine  handles the lines of all clients */

@@ -120,23 +120,35 @@ TEST_F(Connections, OfAFollowerThatDoesNotReadEnd) {
     EXPECT_EQ("[0,0]", client.ask(R"(["get_state_send","relay/1"])"));
 }
 
-TEST_F(Connections, AreLimitedInNumber) {
-    LineClient witness(directory_, "temperature");
-    EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
-    {
-        std::vector<std::unique_ptr<LineClient>> clients;
-        int refused = 0;
-        for (int i = 0; i < 60; ++i) {
-            clients.push_back(std::make_unique<LineClient>(directory_, "temperature"));
-            refused += clients.back()->ask(kTemperatureRequest) == kTemperatureAnswer ? 0 : 1;
+TEST_F(Connections, OfTheLongestIdleClientEndsBeyondTheLimit) {
+    for (const char *socket : {"temperature", "directory", "control"}) {
+        const std::string request = R"({"command":"none"})";
+        LineClient active(directory_, socket);
+        const std::string answer = active.ask(request);
+        std::vector<std::unique_ptr<LineClient>> idle;
+        for (int i = 0; i < 47; ++i) {
+            idle.push_back(std::make_unique<LineClient>(directory_, socket));
+            EXPECT_EQ(answer, idle.back()->ask(request));
         }
-        EXPECT_EQ(13, refused); // 48 are served, and the witness is one of them
-        EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
-        LineClient other(directory_, "relay");
-        EXPECT_EQ("[0,0]", other.ask(R"(["get_state_send","relay/1"])"));
+        EXPECT_EQ(answer, active.ask(request));
+        LineClient other(directory_, socket);
+        ASSERT_EQ(answer, other.ask(request)) << socket;
+        EXPECT_TRUE(idle[0]->ends());
+        EXPECT_FALSE(idle[1]->readable());
+        EXPECT_EQ(answer, active.ask(request));
     }
-    EXPECT_TRUE(eventually(
-        [this] { return LineClient(directory_, "temperature").ask(kTemperatureRequest) == kTemperatureAnswer; }));
+}
+
+TEST_F(Connections, OfAFollowerWithEventsIsNotIdle) {
+    Follower follower(directory_);
+    std::vector<std::unique_ptr<LineClient>> idle;
+    for (int i = 0; i < 100; ++i) {
+        idle.push_back(std::make_unique<LineClient>(directory_, "control"));
+        EXPECT_EQ(kDone,
+                  idle.back()->call(
+                      {{"command", "set"}, {"target", "temperature/1"}, {"field", "temperature"}, {"value", i}}));
+        ASSERT_EQ("changed", follower.next().value("event", ""));
+    }
 }
 
 /** Returns the processor time of a process in clock ticks. */
