@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "directory_check.h"
 #include "service.h"
 #include "wire.h"
 
@@ -45,6 +46,9 @@ SocketDirectory::SocketDirectory(std::string path) : path_(std::move(path)), loc
     const bool created = mkdir(path_.c_str(), S_IRWXU) == 0;
     if (!created && errno != EEXIST) {
         failWith("cannot create the directory " + path_, errno);
+    }
+    if (const std::optional<std::string> reason = wire::unsafeDirectory(path_)) {
+        throw TransportError(*reason);
     }
     lock();
     noteOrigin(created);

@@ -27,7 +27,8 @@ public:
     /**
      * Reserves the directory, and removes the sockets of a killed camera. Creates a missing directory with access for
      * its owner only.
-     * @throws TransportError when the directory is inaccessible or in use by another camera
+     * @throws TransportError when the directory is inaccessible, unsafe (wire::unsafeDirectory()) or in use by another
+     *     camera
      */
     explicit SocketDirectory(std::string path);
     SocketDirectory(const SocketDirectory &) = delete;

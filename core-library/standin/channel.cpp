@@ -10,6 +10,7 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
+#include "directory_check.h"
 #include "status.h"
 #include "wire.h"
 
@@ -145,6 +146,12 @@ zorva_core_status Channel::connect(const Deadline &deadline) {
         return wire::kUnreachable;
     }
     std::memcpy(address.sun_path, path_.data(), path_.size());
+    if (const std::optional<std::string> reason = wire::unsafeDirectory(path_.substr(0, path_.rfind('/')))) {
+        if (const auto log = debugLog(log_)) {
+            log->write(kDebug, "core library: not connecting to %s: %s", path_.c_str(), reason->c_str());
+        }
+        return wire::kUnreachable;
+    }
     if (!socket_.open()) {
         return wire::kNoMemory;
     }

@@ -11,6 +11,7 @@
 
 #include <pthread.h>
 
+#include "directory_check.h"
 #include "response.h"
 #include "status.h"
 #include "wire.h"
@@ -115,6 +116,9 @@ zorva_core_status Library::start() {
         state_.directory = wire::socketDirectory();
         state_.directoryChannel = makeChannel(wire::kDirectorySocket, {});
         state_.sink = openSink();
+        if (const std::optional<std::string> reason = wire::unsafeDirectory(state_.directory)) {
+            LogContext("zorva-core", state_.sink).write(kError, "refusing the camera's sockets: %s", reason->c_str());
+        }
     }
     ++users_;
     return wire::kSuccess;

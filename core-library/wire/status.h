@@ -22,7 +22,7 @@ enum Status : zorva_core_status {
 
     kNotInitialised = 100, ///< zorva_core_init() has not been called
     kInvalidHandle = 101,  ///< the handle never existed, is closed, or is of another kind
-    kUnreachable = 102,    ///< no process listens on the service's socket
+    kUnreachable = 102,    ///< no process listens on the service's socket, or its directory is unsafe
     kTimedOut = 103,       ///< no response within the time limit
     kConnectionLost = 104, ///< the connection ended between request and response
     kBadResponse = 105,    ///< malformed response

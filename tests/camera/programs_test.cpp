@@ -34,6 +34,12 @@ void expectStartError(const std::vector<std::string> &arguments, const std::stri
     EXPECT_THAT(ended.errors, testing::MatchesRegex("quarnsnmp-camera: " + error + "\n"));
 }
 
+/** Creates a directory, regardless of the umask. */
+void createDirectory(const std::string &path, mode_t mode) {
+    ASSERT_EQ(0, mkdir(path.c_str(), mode)) << path;
+    ASSERT_EQ(0, chmod(path.c_str(), mode)) << path;
+}
+
 class Program : public testing::Test {
 protected:
     TemporaryDirectory root_;
@@ -48,9 +54,22 @@ TEST_F(Program, IsForItsOwnerOnly) {
     }
 }
 
-TEST_F(Program, IsForItsOwnerOnlyWhereEverythingIsForEverybody) {
-    std::filesystem::create_directory(directory_);
-    std::filesystem::permissions(directory_, std::filesystem::perms::all);
+TEST_F(Program, RefusesAnUnsafeDirectory) {
+    createDirectory(directory_, 0770);
+    expectStartError({"--directory", directory_}, directory_ + " is writable by other users; run chmod go-w on it");
+    EXPECT_THAT(entriesOf(directory_), testing::IsEmpty());
+    ASSERT_EQ(0, chmod(directory_.c_str(), 0755));
+    std::filesystem::create_directory_symlink(directory_, root_.file("link"));
+    for (const char *const suffix : {"", "/", "//"}) {
+        expectStartError({"--directory", root_.file("link") + suffix},
+                         root_.file("link") + " is a symbolic link; give the path of the directory itself");
+    }
+    EXPECT_THAT(entriesOf(directory_), testing::IsEmpty());
+    RunningCamera camera(directory_);
+}
+
+TEST_F(Program, IsForItsOwnerOnlyWhereEverybodyMayRead) {
+    createDirectory(directory_, 0755);
     Process camera({{"/bin/sh", "-c", "umask 0; exec \"$0\" --directory \"$1\"", cameraPath(), directory_}});
     ASSERT_EQ("camera dome ready in " + directory_, camera.output().awaitLine(0));
     for (const std::string &entry : entriesOf(directory_)) {
@@ -80,7 +99,7 @@ TEST_F(Program, SurvivesAReaderOfItsOutputThatIsGone) {
 }
 
 TEST_F(Program, LeavesADirectoryThatWasThere) {
-    std::filesystem::create_directory(directory_);
+    createDirectory(directory_, 0755);
     RunningCamera camera(directory_);
     EXPECT_TRUE(camera.stop().clean());
     EXPECT_TRUE(std::filesystem::is_empty(directory_));
@@ -124,7 +143,7 @@ TEST_F(Program, RunsBesideAnotherOneElsewhere) {
 
 TEST_F(Program, RefusesAnUnusableDirectory) {
     writeFile(directory_, "");
-    expectStartError({"--directory", directory_}, "cannot open " + directory_ + "/camera.lock: Not a directory");
+    expectStartError({"--directory", directory_}, directory_ + " is not a directory");
     expectStartError({"--directory", root_.file("a/b")},
                      "cannot create the directory " + root_.file("a/b") + ": No such file or directory");
     const std::string longName = root_.file(std::string(100, 'd'));
@@ -134,7 +153,7 @@ TEST_F(Program, RefusesAnUnusableDirectory) {
 }
 
 TEST_F(Program, DoesNotRemoveAFileInTheWay) {
-    std::filesystem::create_directory(directory_);
+    createDirectory(directory_, 0755);
     writeFile(directory_ + "/alarm.sock", "precious");
     expectStartError({"--directory", directory_}, directory_ + "/alarm.sock is in the way: it is not a socket");
     EXPECT_THAT(entriesOf(directory_), testing::ElementsAre("alarm.sock"));

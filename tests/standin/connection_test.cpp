@@ -118,6 +118,22 @@ TEST_F(ConnectionTest, SocketThatMayNotBeUsedIsUnreachable) {
     EXPECT_TRUE(clientSockets(directory()).size() == 1U);
 }
 
+TEST_F(ConnectionTest, UnsafeDirectoryIsRefused) {
+    ASSERT_EQ(0, ::chmod(directory().c_str(), 0770));
+    server->forEachPeer([](Peer &peer) { peer.hangUp(); });
+    EXPECT_EQ(wire::kUnreachable, readPosition());
+    const std::string reason = directory() + " is writable by other users; run chmod go-w on it";
+    EXPECT_TRUE(
+        logSays(" SNMP debug core library: not connecting to " + temporary.file("zoom_stepper.sock") + ": " + reason));
+    StandInTest::TearDown();
+    ASSERT_EQ(wire::kSuccess, zorva_core_init());
+    EXPECT_TRUE(logSays(" zorva-core error refusing the camera's sockets: " + reason));
+    ASSERT_EQ(0, ::chmod(directory().c_str(), 0700));
+    ASSERT_EQ(wire::kSuccess, zorva_core_ipc_initiator_init(nullptr, nullptr, &ipcCookie));
+    logCookie = nullptr;
+    open(&zorva_api_zoom_stepper_initiator_init);
+}
+
 TEST_F(ConnectionTest, PathThatIsTooLongIsUnreachable) {
     ASSERT_EQ(wire::kSuccess, zorva_core_deinit());
     setEnvironment("QUARNSNMP_CAMERA_DIR", "/tmp/" + std::string(200, 'x'));
