@@ -16,6 +16,7 @@
 #include "event_loop.h"
 #include "presets_file.h"
 #include "shipped_files.h"
+#include "visible_text.h"
 #include "wire.h"
 
 namespace {
@@ -35,7 +36,7 @@ int listCameras() {
             const std::string description = camera::readCameraFile(file.path).description;
             constexpr std::size_t kColumn = 11;
             const std::size_t gap = file.name.size() < kColumn ? kColumn - file.name.size() : 1;
-            std::cout << file.name << std::string(gap, ' ') << description << '\n';
+            std::cout << camera::visible(file.name + std::string(gap, ' ') + description) << '\n';
         } catch (const camera::FileError &error) {
             std::cerr << "quarnsnmp-camera: " << error.what() << '\n';
             status = kStartError;
@@ -52,7 +53,7 @@ struct Options {
 };
 
 void warn(const std::string &line) {
-    std::cerr << "quarnsnmp-camera: " << line << std::endl;
+    std::cerr << "quarnsnmp-camera: " << camera::visible(line) << std::endl;
 }
 
 void runCamera(const Options &options) {
@@ -76,7 +77,7 @@ void runCamera(const Options &options) {
     const camera::SocketDirectory sockets(options.directory);
     camera::CameraServer server(io, model, sockets, warn);
     server.open();
-    std::cout << "camera " << model.name() << " ready in " << options.directory << std::endl;
+    std::cout << camera::visible("camera " + model.name() + " ready in " + options.directory) << std::endl;
     camera::runPolling(io);
     server.close();
 }
@@ -120,7 +121,7 @@ int main(int argc, char **argv) {
     try {
         return run(argc, argv);
     } catch (const std::exception &error) {
-        std::cerr << "quarnsnmp-camera: " << error.what() << '\n';
+        std::cerr << "quarnsnmp-camera: " << camera::visible(error.what()) << '\n';
         return kStartError;
     }
 }

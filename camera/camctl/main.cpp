@@ -14,6 +14,7 @@
 #include "control_client.h"
 #include "scenario_runner.h"
 #include "shipped_files.h"
+#include "visible_text.h"
 #include "wire.h"
 
 namespace {
@@ -157,7 +158,7 @@ void addPlay(CLI::App &app, Request &request) {
 
 int follow(camera::ControlClient &client, const std::string &directory) {
     while (const std::optional<std::string> line = client.nextLine()) {
-        std::cout << *line << std::endl;
+        std::cout << camera::visible(*line) << std::endl;
     }
     throw camera::ControlError("the camera in " + directory + " has ended");
 }
@@ -182,7 +183,7 @@ int playScenario(const Request &request) {
         camera::findNamedFile("scenario", request.scenario, camera::shippedDirectory("scenarios")));
     checkScenario(scenario, request.directory);
     camera::ControlClient client(request.directory);
-    std::cout << scenario.name << ": " << scenario.description << std::endl;
+    std::cout << camera::visible(scenario.name + ": " + scenario.description) << std::endl;
     const Clock::time_point start = Clock::now();
     const camera::ScenarioRunner runner = {
         [&](double seconds) {
@@ -190,7 +191,7 @@ int playScenario(const Request &request) {
         },
         [&](const json &command) { return client.execute(command); }, std::cout};
     runner.play(scenario, request.speed);
-    std::cout << scenario.name << " has been played" << std::endl;
+    std::cout << camera::visible(scenario.name) << " has been played" << std::endl;
     return 0;
 }
 
@@ -200,8 +201,11 @@ int execute(const Request &request) {
     if (request.command["command"] == "follow") {
         return follow(client, request.directory);
     }
-    std::cout << (answer.contains("state") ? camera::printable(answer["state"], 2) : camera::doneText(request.command))
-              << '\n';
+    if (answer.contains("state")) {
+        std::cout << camera::visible(camera::printable(answer["state"], 2), "\n") << '\n';
+    } else {
+        std::cout << camera::visible(camera::doneText(request.command)) << '\n';
+    }
     return 0;
 }
 
@@ -240,7 +244,7 @@ int main(int argc, char **argv) {
     try {
         return run(argc, argv);
     } catch (const std::exception &error) {
-        std::cerr << "quarnsnmp-camctl: " << error.what() << '\n';
+        std::cerr << "quarnsnmp-camctl: " << camera::visible(error.what()) << '\n';
         return kRefused;
     }
 }

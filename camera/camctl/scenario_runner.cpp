@@ -6,6 +6,7 @@
 
 #include "command_text.h"
 #include "text_file.h"
+#include "visible_text.h"
 
 namespace camera {
 
@@ -48,7 +49,7 @@ void ScenarioRunner::play(const Scenario &scenario, double speed) const {
                 expectSuccess(scenario, i, execute(each.command));
                 text = doneText(each.command);
             }
-            output << std::setw(kColumn) << std::fixed << std::setprecision(1) << step.at << " s  " << text
+            output << std::setw(kColumn) << std::fixed << std::setprecision(1) << step.at << " s  " << visible(text)
                    << std::endl;
         }
     }
