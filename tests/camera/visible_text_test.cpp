@@ -50,9 +50,4 @@ TEST_F(VisibleText, EscapesTheTextsOfAScenario) {
     expectVisible(control({"play", wrong}), hostile);
 }
 
-TEST_F(VisibleText, EscapesTheRefusedArgumentsOfACommand) {
-    RunningCamera camera(directory_, "minimal");
-    expectVisible(control({"down", "\x1b[2J"}), "unknown service");
-}
-
 } // namespace
