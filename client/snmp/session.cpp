@@ -163,7 +163,7 @@ Session::Pending &Session::send(Operation operation, const std::vector<Varbind> 
     settings.s_snmp_errno = SNMPERR_SUCCESS;
     settings.timeout = static_cast<long>(timeout.count());
     // The discovery of an SNMPv3 engine takes place in here. It can be repeated even if the request must not be.
-    settings.retries = std::max(patience.attempts, kReadPatience.attempts) - 1;
+    settings.retries = isLimited ? 0 : std::max(patience.attempts, kReadPatience.attempts) - 1;
     Pending &pending = pending_.emplace_back();
     if (snmp_sess_async_send(session_.get(), request.get(), receive, &pending) == 0) {
         throw failureOf(operation, pending, patience.attempts);
