@@ -10,8 +10,6 @@ constexpr int64_t kSlow = 1'000'000'000;      // a failed read of this length ca
 constexpr int64_t kHoldTime = 10'000'000'000; // and the hold lasts this long
 constexpr zorva_core_status kNotFound = 1;    // any status but 0: a discovery has none of its own
 
-thread_local bool tReading = false;
-
 /** Health of the discovery of one service. */
 struct Discovery {
     const char *service;
@@ -48,39 +46,27 @@ ServiceHealth &DiscoveryHealth(const char *serviceName) {
 
 } // namespace
 
+std::atomic<pthread_t> gReadingThread{0};
+
 namespace service_health {
 #define ZORVA_SERVICE(service) ServiceHealth service;
 #include "service_calls.def"
 } // namespace service_health
 
-bool SetReading(bool reading) {
-    const bool before = tReading;
-    tReading = reading;
-    return before;
-}
-
-CallStart BeginCall(const ServiceHealth &health) {
-    if (!tReading) {
+CallStart BeginRead(const ServiceHealth &health) {
+    if (gReadingThread != pthread_self()) {
         return {false, 0, 0};
     }
     const int64_t now = Now();
-    if (now < health.heldUntil) {
-        return {true, health.status, now};
-    }
-    return {false, 0, now};
+    return now < health.heldUntil ? CallStart{true, health.status, now} : CallStart{false, 0, now};
 }
 
-zorva_core_status EndCall(ServiceHealth &health, const CallStart &start, zorva_core_status status) {
-    if (status == 0) {
-        EndHold(health);
-    } else if (tReading) {
-        const int64_t now = Now();
-        if (now - start.time >= kSlow) {
-            health.status = status;
-            health.heldUntil = now + kHoldTime;
-        }
+void RecordFailure(ServiceHealth &health, const CallStart &start, zorva_core_status status) {
+    const int64_t now = start.time != 0 ? Now() : 0;
+    if (now - start.time >= kSlow) {
+        health.status = status;
+        health.heldUntil = now + kHoldTime;
     }
-    return status;
 }
 
 bool DiscoverTargets(const char *serviceName, std::vector<std::string> &targetIds) {

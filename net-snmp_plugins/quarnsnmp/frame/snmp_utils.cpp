@@ -25,31 +25,26 @@ struct Registered {
 
 std::vector<Registered> gRegistrations;
 
-/** Calls the object's own handler, which the registration carries. */
-int CallObjectHandler(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                      netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+/**
+ * Entry point of all objects. Calls the object's own handler, which the registration carries. Catches exceptions, which
+ * would end the agent, a C program. Declares the calls of a GET as reads. Marks the varbind of a failed request if
+ * there is only one.
+ */
+int CallHandler(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
+                netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
     const char *problem = "exception of unknown type";
+    int returned = SNMP_ERR_GENERR;
+    SetReading(reqinfo->mode == MODE_GET || reqinfo->mode == MODE_GETNEXT);
     try {
         const auto objectHandler = reinterpret_cast<Netsnmp_Node_Handler *>(handler->myvoid);
-        return objectHandler(handler, reginfo, reqinfo, requests);
+        returned = objectHandler(handler, reginfo, reqinfo, requests);
     } catch (const std::exception &error) {
         zorva_core_logging_log(GetLogCookie(), kLogError, "%s: %s", reginfo->handlerName, error.what());
     } catch (...) {
         zorva_core_logging_log(GetLogCookie(), kLogError, "%s: %s", reginfo->handlerName, problem);
     }
-    return SNMP_ERR_GENERR;
-}
-
-/**
- * Entry point of all objects. Catches exceptions, which would end the agent, a C program. Declares the calls of a GET
- * as reads. Marks the varbind of a failed request if there is only one.
- */
-int CallHandler(netsnmp_mib_handler *handler, netsnmp_handler_registration *reginfo,
-                netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
-    const bool formerlyReading = SetReading(!MODE_IS_SET(reqinfo->mode));
-    const int returned = CallObjectHandler(handler, reginfo, reqinfo, requests);
-    SetReading(formerlyReading);
-    if (requests->next == nullptr) {
+    SetReading(false);
+    if (returned != SNMP_ERR_NOERROR && requests->next == nullptr) {
         MarkFailure(requests, returned);
     }
     return returned;
