@@ -113,15 +113,6 @@ TEST_F(Camctl, PrintsRefusals) {
                   "device_management/1 reboots: expected an integer from 0 to 4294967295, found \"many\"");
 }
 
-TEST_F(Camctl, DoesNotSetWhatFollowsFromCommands) {
-    RunningCamera camera(directory_);
-    expectRefused({"set", "positioning/1", "pan.velocity", "5"},
-                  "positioning/1 pan.velocity: read-only: it follows from commands");
-    expectRefused({"set", "positioning/1", "pan", R"({"position":5,"target":7})"},
-                  "positioning/1 pan.target: read-only: it follows from commands");
-    EXPECT_EQ(0, target("positioning", "positioning/1")["pan"]["position"]);
-}
-
 TEST_F(Camctl, FollowsUntilTheCameraEnds) {
     RunningCamera camera(directory_);
     Process follow({{controlPath(), "--directory", directory_, "follow"}});

@@ -40,16 +40,6 @@ TEST_F(Connections, EndWithALongerLine) {
     expectService();
 }
 
-TEST_F(Connections, MayEndInTheMiddleOfALine) {
-    LineClient witness(directory_, "temperature");
-    for (int i = 0; i < 20; ++i) {
-        LineClient client(directory_, "temperature");
-        client.send(kTemperatureRequest.substr(0, 1 + static_cast<std::size_t>(i)));
-    }
-    EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
-    expectService();
-}
-
 TEST_F(Connections, PutHalfLinesTogether) {
     LineClient witness(directory_, "temperature");
     LineClient client(directory_, "temperature");
@@ -60,18 +50,6 @@ TEST_F(Connections, PutHalfLinesTogether) {
     }
     client.send("\n");
     EXPECT_EQ(kTemperatureAnswer, client.readLine().value_or("no answer"));
-}
-
-TEST_F(Connections, MayEndBeforeTheAnswerIsRead) {
-    for (int i = 0; i < 20; ++i) {
-        LineClient client(directory_, "temperature");
-        std::string requests;
-        for (int k = 0; k < 100; ++k) {
-            requests += kTemperatureRequest + "\n";
-        }
-        client.send(requests);
-    }
-    expectService();
 }
 
 TEST_F(Connections, OfAClientThatDoesNotReadEndAndDisturbNobody) {

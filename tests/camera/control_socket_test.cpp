@@ -69,26 +69,6 @@ TEST_F(ControlSocket, RefusesToBringUpAServiceWhosePathIsTaken) {
     EXPECT_TRUE(LineClient(directory_, "alarm").connected());
 }
 
-TEST_F(ControlSocket, LetsCallsFailOnceSeveralTimesOrAlways) {
-    LineClient client(directory_, "temperature");
-    EXPECT_EQ(kDone,
-              order(R"({"command":"fail","service":"temperature","operation":"get_temperature_send","status":1})"));
-    EXPECT_EQ("[1]", client.ask(kTemperatureRequest));
-    EXPECT_EQ(kTemperatureAnswer, client.ask(kTemperatureRequest));
-    EXPECT_EQ(kDone, order(R"({"command":"fail","service":"temperature","operation":"*","status":7,"times":3})"));
-    EXPECT_EQ("[7]", client.ask(kTemperatureRequest));
-    EXPECT_EQ("[7]", client.ask(R"(["initiator_init",null])"));
-    EXPECT_EQ("[7]", client.ask(kTemperatureRequest));
-    EXPECT_EQ(kTemperatureAnswer, client.ask(kTemperatureRequest));
-    EXPECT_EQ(kDone,
-              order(R"({"command":"fail","service":"temperature","operation":"*","status":-9,"times":"always"})"));
-    for (int i = 0; i < 50; ++i) {
-        ASSERT_EQ("[-9]", client.ask(kTemperatureRequest));
-    }
-    EXPECT_EQ(kDone, order(R"({"command":"clear","service":"temperature"})"));
-    EXPECT_EQ(kTemperatureAnswer, client.ask(kTemperatureRequest));
-}
-
 TEST_F(ControlSocket, LetsTheDirectoryFail) {
     LineClient client(directory_, "directory");
     EXPECT_EQ(kDone, order(R"({"command":"fail","service":"directory","operation":"get_target_ids","status":1})"));

@@ -155,6 +155,9 @@ TEST(SettingAGroup, ChangesNothingWhenOneOfItsValuesIsWrong) {
     ASSERT_TRUE(problem);
     EXPECT_EQ("positioning/1 pan.maximumSpeed: expected an integer from 0 to 2147483647, found \"fast\"",
               toString(*problem));
+    const auto readOnly = dome->set("positioning/1", "pan", {{"position", 5}, {"target", 7}});
+    ASSERT_TRUE(readOnly);
+    EXPECT_EQ("positioning/1 pan.target: read-only: it follows from commands", toString(*readOnly));
     EXPECT_EQ(before, dome->state("positioning/1"));
 }
 

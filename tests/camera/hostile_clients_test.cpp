@@ -42,14 +42,20 @@ void sendRubbish(const std::string &directory, const std::string &socket) {
 }
 
 void leaveInTheMiddle(const std::string &directory, const std::string &socket) {
-    for (const std::string &half : {std::string(1, '['), kTemperatureRequest.substr(0, 9), kTemperatureRequest,
-                                    rubbish() + kTemperatureRequest}) {
-        LineClient(directory, socket).send(half);
+    for (std::size_t length = 1; length <= kTemperatureRequest.size(); ++length) {
+        LineClient(directory, socket).send(kTemperatureRequest.substr(0, length));
     }
+    LineClient(directory, socket).send(rubbish() + kTemperatureRequest);
 }
 
 void leaveBeforeTheAnswer(const std::string &directory, const std::string &socket) {
-    LineClient(directory, socket).send(kTemperatureRequest + "\n" + kTemperatureRequest + "\n" + kTemperatureRequest);
+    std::string requests;
+    for (int i = 0; i < 100; ++i) {
+        requests += kTemperatureRequest + "\n";
+    }
+    for (int i = 0; i < 20; ++i) {
+        LineClient(directory, socket).send(requests + kTemperatureRequest);
+    }
 }
 
 void announceALength(const std::string &directory, const std::string &socket) {

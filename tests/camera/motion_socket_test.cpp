@@ -45,23 +45,6 @@ TEST_F(MovingProcess, TellsOfItsMoveWhileNobodyAsks) {
     EXPECT_NEAR(2.0 * std::sqrt(20000.0 / 600000.0), seconds, 1e-3);
 }
 
-TEST_F(MovingProcess, ShowsWhereItIsOnItsWay) {
-    EXPECT_EQ("[0]", movePan(90000, 0.02));
-    json now;
-    EXPECT_TRUE(eventually([&] {
-        now = axis("pan");
-        return now["position"] > 100;
-    }));
-    EXPECT_LT(now["position"], 90000);
-    EXPECT_EQ(90000, now["target"]);
-    EXPECT_EQ(true, now["moving"]);
-    EXPECT_EQ(5599, now["velocity"]);
-    EXPECT_EQ(1, now["priority"]);
-    LineClient client(directory_, "positioning");
-    const json first = client.call({"get_position_send", "positioning/1"});
-    EXPECT_TRUE(eventually([&] { return client.call({"get_position_send", "positioning/1"})[1] > first[1]; }));
-}
-
 TEST_F(MovingProcess, GoesOnWhileItsServiceIsDown) {
     Follower follower(directory_);
     EXPECT_EQ("[0]", movePan(40000, 0.1));

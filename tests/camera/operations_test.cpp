@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include "event_recorder.h"
 #include "test_cameras.h"
 #include "text_file.h"
 
@@ -108,7 +109,7 @@ std::vector<Example> examples() {
         ["alarm", "get_state_send", [], [5], {}],
         ["device_information", "get_static_information_send", [], ["QN-1", "1.2-3", null, "0815", "five",
             null, "", "eight", 9], {}],
-        ["device_management", "reboot_send", [2], [], {"reboots": 1}],
+        ["device_management", "reboot_send", [2], [], {"reboots": 8}],
         ["exposure", "get_manual_mode_enable_send", [], [1], {}],
         ["exposure", "set_manual_mode_enable_send", [0], [], {"manualMode": false}],
         ["focus_stepper", "get_limits_send", [], [-10, 4000, 1, 900], {}],
@@ -180,7 +181,7 @@ std::unique_ptr<CameraModel> fullCamera() {
         "alarm": {"targets": [{"state": 5}]},
         "device_information": {"targets": [{"model": "QN-1", "firmware": "1.2-3", "hardware": null, "serial": "0815",
             "text5": "five", "text7": "", "text8": "eight", "flag": 9}]},
-        "device_management": {"targets": [{}]},
+        "device_management": {"targets": [{"reboots": 7, "rebootSeconds": 9}]},
         "exposure": {"targets": [{"manualMode": true}]},
         "focus_stepper": {"targets": [{"position": 20, "secondPosition": 21, "minimum": -10, "maximum": 4000,
             "minimumSpeed": 1, "maximumSpeed": 900, "sharpPosition": 20, "searchTime": 8}]},
@@ -248,6 +249,33 @@ TEST(EachOperation, AnswersAndChangesTheModel) {
         const std::optional<Problem> problem = service.check(0);
         EXPECT_FALSE(problem) << toString(*problem);
     }
+}
+
+/** The examples read these values. */
+TEST(EachIndependentField, IsSetToAnotherValueAlone) {
+    std::size_t set = 0;
+    for (const std::string service : {"alarm", "device_information", "device_management", "exposure", "power",
+                                      "presets_tours", "relay", "temperature"}) {
+        const json wanted = fullCamera()->service(service)->values(0);
+        const auto camera = test::makeCameraOf(service, json::object());
+        json expected = camera->service(service)->values(0);
+        test::EventRecorder recorder(camera->events());
+        for (const auto &field : wanted.items()) {
+            if (expected[field.key()] == field.value()) {
+                continue;
+            }
+            SCOPED_TRACE(service + " " + field.key());
+            ++set;
+            recorder.clear();
+            EXPECT_FALSE(camera->set(service + "/1", field.key(), field.value()));
+            EXPECT_THAT(recorder.seen(), testing::ElementsAre(json{{"event", "changed"},
+                                                                   {"target", service + "/1"},
+                                                                   {"fields", {{field.key(), field.value()}}}}));
+            expected[field.key()] = field.value();
+            EXPECT_EQ(expected, camera->service(service)->values(0));
+        }
+    }
+    EXPECT_LE(20U, set);
 }
 
 /** Expects that a call is refused and changes nothing. */

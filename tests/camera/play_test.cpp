@@ -110,22 +110,6 @@ TEST_F(Play, NeedsAFileAndACamera) {
     expectRefused({"play", path}, "no camera answers in " + directory_ + ": No such file or directory");
 }
 
-TEST_F(Play, StopsWhereTheCameraRefusesAStep) {
-    RunningCamera camera(directory_);
-    const std::string path = write(R"([{"at": 0, "down": "iris"}, {"at": 0, "up": "iris"}, {"at": 0, "clear": {}}])");
-    LineClient control(directory_, "control");
-    EXPECT_EQ(
-        kDone,
-        control.call(
-            {{"command", "set"}, {"target", "device_management/1"}, {"field", "rebootSeconds"}, {"value", 3600}}));
-    EXPECT_EQ("[0]", LineClient(directory_, "device_management").ask(R"(["reboot_send","device_management/1",2])"));
-    EXPECT_TRUE(eventually([&] { return control.call({{"command", "state"}})["state"]["rebooting"] == true; }));
-    const CommandResult ended = runCommand(command(path));
-    EXPECT_EQ(1, ended.status.code);
-    EXPECT_EQ("own: Mine\n      0.0 s  iris is down\n", ended.output);
-    EXPECT_EQ("quarnsnmp-camctl: " + path + ": steps[1]: cannot bring up iris: the camera restarts\n", ended.errors);
-}
-
 TEST_F(Play, RefusesInvalidSpeeds) {
     for (const char *speed : {"0", "-1", "nan", "inf", "1e7", "fast"}) {
         const CommandResult ended = runCommand(command("warm-up", speed));

@@ -21,10 +21,6 @@ protected:
         EXPECT_EQ(kDone, set("device_management/1", "rebootSeconds", seconds));
     }
 
-    json switchService(const std::string &command, const std::string &service) {
-        return control_.call({{"command", command}, {"service", service}});
-    }
-
     void reboot() {
         LineClient management(directory_, "device_management");
         EXPECT_EQ("[0]", management.ask(kReboot));
@@ -89,39 +85,15 @@ TEST_F(RebootSocket, ComesBackInTime) {
     EXPECT_EQ(kTemperatureAnswer, LineClient(directory_, "temperature").ask(kTemperatureRequest));
 }
 
-TEST_F(RebootSocket, CanTakeNoTime) {
-    expectRebootSeconds(0);
-    reboot();
-    await("service_down", allServices());
-    await("service_up", allServices());
-    EXPECT_EQ(kTemperatureAnswer, LineClient(directory_, "temperature").ask(kTemperatureRequest));
-}
-
 TEST_F(RebootSocket, DoesNotExecuteWhatComesBehindItsCall) {
     expectRebootSeconds(0);
     LineClient management(directory_, "device_management");
     management.send(kReboot + "\n" + kReboot + "\n");
     EXPECT_EQ("[0]", management.readLine().value_or("no answer"));
     EXPECT_TRUE(management.ends());
+    await("service_down", allServices());
     await("service_up", allServices());
     EXPECT_EQ(1, state()["services"]["device_management"]["targets"]["device_management/1"]["reboots"]);
-}
-
-TEST_F(RebootSocket, LeavesDownWhatWasTakenDownByHand) {
-    expectRebootSeconds(2);
-    EXPECT_EQ(kDone, switchService("down", "alarm"));
-    reboot();
-    std::set<std::string> others = allServices();
-    others.erase("alarm");
-    await("service_down", others);
-    EXPECT_EQ(kDone, switchService("down", "relay"));
-    EXPECT_EQ("cannot bring up iris: the camera restarts", switchService("up", "iris")["error"]);
-    others.erase("relay");
-    await("service_up", others);
-    EXPECT_FALSE(LineClient(directory_, "alarm").connected());
-    EXPECT_FALSE(LineClient(directory_, "relay").connected());
-    EXPECT_EQ(kDone, switchService("up", "alarm"));
-    EXPECT_TRUE(LineClient(directory_, "alarm").connected());
 }
 
 TEST_F(RebootSocket, KeepsFaultsAndIsControlledMeanwhile) {

@@ -12,10 +12,6 @@ namespace {
 
 using ServiceSocket = CameraTest;
 
-TEST_F(ServiceSocket, SaysThatItIsReady) {
-    EXPECT_EQ("camera dome ready in " + directory_, camera_.readyLine());
-}
-
 TEST_F(ServiceSocket, AnswersCalls) {
     LineClient client(directory_, "positioning");
     EXPECT_EQ("[0]", client.ask(R"(["initiator_init",null])"));
@@ -60,12 +56,6 @@ TEST_F(ServiceSocket, TellsItsTargets) {
     }
 }
 
-TEST_F(ServiceSocket, HasSocketsForItsServicesOnly) {
-    EXPECT_TRUE(LineClient(directory_, "alarm").connected());
-    EXPECT_FALSE(LineClient(directory_, "focus_stepper").connected());
-    EXPECT_FALSE(LineClient(directory_, "zoom_stepper").connected());
-}
-
 TEST_F(ServiceSocket, AnswersManyRequestsAtOnceInTheirOrder) {
     LineClient client(directory_, "temperature");
     constexpr int kRequests = 500;
@@ -96,16 +86,6 @@ TEST_F(ServiceSocket, KeepsTextsAsTheyAre) {
     LineClient control(directory_, "control");
     const json state = control.call({{"command", "state"}});
     EXPECT_EQ(name, state["state"]["services"]["presets_tours"]["targets"]["presets_tours/1"]["presets"][0]["name"]);
-}
-
-TEST_F(ServiceSocket, ServesTwoClientsAtOnce) {
-    LineClient first(directory_, "relay");
-    LineClient second(directory_, "relay");
-    EXPECT_EQ("[0]", first.ask(R"(["set_configuration_send","relay/2",1,0,1,0,1,1,1])"));
-    EXPECT_EQ("[0]", first.ask(R"(["set_state_send","relay/2",1])"));
-    EXPECT_EQ("[0,1]", second.ask(R"(["get_state_send","relay/2"])"));
-    EXPECT_EQ("[0]", second.ask(R"(["set_state_send","relay/2",0])"));
-    EXPECT_EQ("[0,0]", first.ask(R"(["get_state_send","relay/2"])"));
 }
 
 TEST(EachShippedCamera, HasASocketForEachOfItsServices) {
