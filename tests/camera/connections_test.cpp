@@ -12,13 +12,7 @@ using namespace support;
 
 namespace {
 
-class Connections : public CameraTest {
-protected:
-    void expectService() {
-        LineClient client(directory_, "temperature");
-        EXPECT_EQ(kTemperatureAnswer, client.ask(kTemperatureRequest));
-    }
-};
+using Connections = CameraTest;
 
 TEST_F(Connections, TakeALineOfTheLargestSize) {
     LineClient client(directory_, "temperature");
@@ -37,7 +31,7 @@ TEST_F(Connections, EndWithALongerLine) {
     endless.send(std::string(wire::kMaximumLine, 'x'));
     EXPECT_TRUE(endless.ends());
     EXPECT_EQ(kTemperatureAnswer, witness.ask(kTemperatureRequest));
-    expectService();
+    EXPECT_EQ(kTemperatureAnswer, LineClient(directory_, "temperature").ask(kTemperatureRequest));
 }
 
 TEST_F(Connections, PutHalfLinesTogether) {
