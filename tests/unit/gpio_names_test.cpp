@@ -126,6 +126,7 @@ TEST_P(GpioNamesTest, TheTextOfOidsDoesNotHideTheRow) {
             SCOPED_TRACE(format);
             const OutputFormat chosen(format);
             expectBothRows();
+            EXPECT_EQ(netsnmp_ds_get_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OID_OUTPUT_FORMAT), format);
         }
     }
 }

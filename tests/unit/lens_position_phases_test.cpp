@@ -24,6 +24,19 @@ INSTANTIATE_TEST_SUITE_P(Drives, LensPositionTest, testing::ValuesIn(allDrives()
 
 } // namespace
 
+TEST_P(LensPositionTest, RangeAndTimeoutOfTheDriveAreAlwaysZero) {
+    for (const std::size_t i : {0U, 1U}) {
+        const Object &object = GetParam().objects.at(i);
+        const std::string &text = GetParam().constantLines.at(i);
+        forget();
+        // Another value to start with, which the answer replaces.
+        EXPECT_THAT(Request(object.instance(), NewValue::integer(7)).run(MODE_GET), isInteger(0));
+        EXPECT_THAT(core().calls(), IsEmpty());
+        EXPECT_EQ(core().logs(),
+                  text.empty() ? logs::from(object.handler) : logs::from(object.handler, {said(object, 6, text)}));
+    }
+}
+
 TEST_P(LensPositionTest, IsZeroBeforeAnyCommand) {
     EXPECT_THAT(get(object().instance()), isOctets(octets({0, 0, 0, 0})));
     EXPECT_EQ(pending(), octets({0, 0, 0, 0}));
@@ -111,18 +124,6 @@ TEST_P(LensPositionTest, ACommitOfAnotherModeMovesNothingAndReturnsGenErr) {
         expectRefused(answer, SNMP_ERR_GENERR, SNMP_ERR_GENERR, "unknown " + GetParam().word + " mode (5)");
         EXPECT_EQ(committed(), value);
     }
-}
-
-TEST_P(LensPositionTest, AWholeSetEndsWithTheCommandInTheReply) {
-    DirtyRequest request(object().instance(), NewValue::text(command(2, 1, 0x8001)));
-    for (const int mode : Modes{MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION}) {
-        EXPECT_THAT(request.run(mode), isAccepted());
-    }
-    EXPECT_THAT(core().calls(), IsEmpty());
-    const Answer answer = request.run(MODE_SET_COMMIT);
-    EXPECT_THAT(answer, isAccepted());
-    EXPECT_EQ(answer.octets, command(2, 1, 0x8001));
-    EXPECT_EQ(core().calls().size(), 1U);
 }
 
 } // namespace lens_tests

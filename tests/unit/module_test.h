@@ -6,6 +6,7 @@
 #ifndef QUARNSNMP_MODULE_TEST_H
 #define QUARNSNMP_MODULE_TEST_H
 
+#include <map>
 #include <ostream>
 #include <string>
 
@@ -15,7 +16,6 @@
 #include "agent_requests.h"
 #include "core_utils.h"
 #include "feature_modules.h"
-#include "listed_objects.h"
 #include "object_oids.h"
 #include "scripted_core.h"
 
@@ -39,6 +39,20 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 using Calls = std::vector<std::string>;
+
+/** An object of objects.def. */
+struct ListedObject {
+    const char *oid;      ///< of the registration
+    const char *instance; ///< null for a table
+    bool isReadOnly;
+    unsigned char type; ///< of the answer to a GET
+};
+
+/** Returns all scalars and tables by their names. */
+const std::map<std::string, ListedObject> &listedObjects();
+
+/** Returns an object of the list. @throws std::out_of_range for a name that is not in objects.def */
+const ListedObject &listedObject(const std::string &name);
 
 /** A row of a table of tests, which are named after it. */
 struct Row {

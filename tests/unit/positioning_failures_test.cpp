@@ -201,13 +201,6 @@ TEST_P(PositioningFailedConversionTest, IsLoggedAndHasItsFallback) {
     EXPECT_EQ(core().logs(), lines);
 }
 
-TEST_F(PositioningFailuresTest, TheStatusOfTheCallIsShown) {
-    core().fail(service::kSetVelocity, -3);
-    positioning::stopMovement(kPanAxis);
-    EXPECT_THAT(core().logs(3),
-                ElementsAre("Failed zorva api call: " + std::string(texts::kSetVelocity) + " (status -3)"));
-}
-
 TEST_F(PositioningFailuresTest, AMoveThatIsRefusedInTheEndHasLoggedEverythingBefore) {
     core().fail(service::kMove, kRefused);
     deltaPan();
@@ -265,16 +258,6 @@ TEST_F(PositioningFailuresTest, ARefusedContinuousMoveShowsItsArguments) {
         positioning::continuousMovement(each.axis, -64);
         EXPECT_THAT(core().logs(3), ElementsAre("continuousMovement: set_velocity_with_timeout"s + each.arguments,
                                                 logs::failed(each.call).text));
-    }
-}
-
-TEST_F(PositioningFailuresTest, APositionThatCannotBeReadIsZero) {
-    core().fail(service::kGetPosition, kRefused);
-    for (const auto axis : {kPanAxis, kTiltAxis, kZoomAxis}) {
-        core().clearRecord();
-        EXPECT_EQ(positioning::getInitialPosition(axis), 0U);
-        EXPECT_THAT(core().calls(), ElementsAre(calls::kGetPosition));
-        EXPECT_THAT(core().logs(), ElementsAre(logs::failed(texts::kGetPosition)));
     }
 }
 

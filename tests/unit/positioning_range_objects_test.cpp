@@ -181,15 +181,6 @@ TEST_F(PositioningRangeTest, AnUnreadableCameraLimitDoesNotReplaceTheLast) {
     }
 }
 
-TEST_F(PositioningRangeTest, TrueNorthIsKnownOrNot) {
-    EXPECT_EQ(get(oids::rangeTrueNorthOffset).integer, 65535);
-    for (const long value : {0L, 65535L, 0L}) {
-        set(oids::rangeTrueNorthOffset, NewValue::integer(value));
-        EXPECT_THAT(get(oids::rangeTrueNorthOffset), isInteger(value));
-    }
-    EXPECT_THAT(core().calls(), IsEmpty());
-}
-
 TEST_F(PositioningRangeTest, AnotherTrueNorthIsRefused) {
     const std::string handler = "handle_rangeTrueNorthOffset";
     for (const long value : {1L, -1L, 65534L, 65536L, 2147483647L, -2147483648L, 0L, 65535L}) {

@@ -3,7 +3,6 @@
  * @file
  * The time-outs of continuous moves, one object for each axis.
  */
-#include "motion_commands.h"
 #include "positioning_call_texts.h"
 #include "positioning_test.h"
 
@@ -86,14 +85,6 @@ TEST_P(PositioningTimeoutTest, ACommitThatTheServiceRefusesSucceeds) {
     EXPECT_EQ(core().logs(), logs::from(GetParam().handler, {logs::failed(GetParam().failedCall)}));
     EXPECT_THAT(core().calls(), ElementsAre(calls::setTimeout(700)));
     expectKept(700);
-}
-
-TEST_P(PositioningTimeoutTest, ASetLimitsTheNextMoveUnlessItIsZero) {
-    for (const auto &[value, timeout] : {std::pair(700L, 700U), std::pair(0L, 0xFFFFFFFFU)}) {
-        set(GetParam().instance, NewValue::integer(value));
-        positioning::continuousMovement(GetParam().axis, 0);
-        EXPECT_EQ(core().calls().back(), calls::run(GetParam().axis, 0, timeout));
-    }
 }
 
 TEST_P(PositioningTimeoutTest, AValueAboveTheRangeIsRefused) {

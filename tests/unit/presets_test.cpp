@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "presets_test.h"
-
+/**
+ * @file
+ * The presets: their maximum, the ids of new ones, and the two commands that take a number, phase by phase.
+ */
 #include <cerrno>
 #include <cstring>
 #include <set>
@@ -10,11 +12,95 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "fresh_process.h"
+#include "handler_requests.h"
 #include "snmp_utils.h"
 
 namespace presets {
 
 namespace {
+
+const char *const kInit = "zorva_api_presets_tours_initiator_init";
+const char *const kGetMaximum = "zorva_api_presets_tours_get_max_presets_send";
+const char *const kFind = "zorva_api_presets_tours_get_preset_id_for_quarnapi_id_send";
+const char *const kMove = "zorva_api_presets_tours_move_to_preset_send";
+const char *const kStore = "zorva_api_presets_tours_set_preset_with_current_position_send";
+
+/** A call over the open connection to the first target. */
+std::string call(const char *function, const std::string &arguments) {
+    return std::string(function) + "(presets_tours, \"presets_tours/1\", " + arguments + ")";
+}
+std::string find(long number) {
+    return call(kFind, std::to_string(number) + ", &");
+}
+std::string move(const std::string &id, long /*number*/) {
+    return call(kMove, "\"" + id + "\", 1, 300, 1");
+}
+std::string store(const std::string &id, long number) {
+    const std::string name = "Preset " + std::to_string(static_cast<std::uint32_t>(number));
+    return call(kStore, "\"" + id + "\", \"" + name + "\", " + std::to_string(number) + ", 1");
+}
+
+/** Differences of the two commands. */
+struct Command : Row { // the name is the object's
+    const char *instance;
+    const char *carryOut; ///< function that does something with the preset
+    std::string (*carryOutCall)(const std::string &id, long number);
+    const char *doneText; ///< logged when that has succeeded, with the number and a blank after it
+    const char *failedFind;
+    const char *failedCarryOut;
+
+    std::string handler() const {
+        return "handle_" + name;
+    }
+};
+
+const Command kGoTo{{"presetGotoPosition"},
+                    oids::presetGotoPosition,
+                    kMove,
+                    move,
+                    "move_to_preset_by_number, ",
+                    "zorva_api_presets_tours_get_preset_id_for_quarnapi_id_send(gApiCookie, "
+                    "gPresets[kDefaultIndex].c_str(), newGoToPresetNumber, &preset_id)",
+                    "zorva_api_presets_tours_move_to_preset_send(gApiCookie, gPresets[kDefaultIndex].c_str(), "
+                    "preset_id, 1.0, kPresetsToursPriorityNormal, 1)"};
+const Command kStoreHere{{"presetStorePosition"},
+                         oids::presetStorePosition,
+                         kStore,
+                         store,
+                         "set_preset_with_current_position for preset ",
+                         "zorva_api_presets_tours_get_preset_id_for_quarnapi_id_send(gApiCookie, "
+                         "gPresets[kDefaultIndex].c_str(), newStorePresetNumber, &preset_id)",
+                         "zorva_api_presets_tours_set_preset_with_current_position_send(gApiCookie, "
+                         "gPresets[kDefaultIndex].c_str(), preset_id, preset_name.c_str(), newStorePresetNumber, 1)"};
+
+class PresetsTest : public ModuleTest {
+protected:
+    void SetUp() override {
+        openCore();
+        core().targets("presets_tours", {"presets_tours/1", "presets_tours/2"});
+        core().answer(kFind, {"home"});
+    }
+    /** Makes both numbers 0 again; without the service, so that nothing is called. */
+    void TearDown() override {
+        DeinitPresets();
+        for (const char *instance : {kGoTo.instance, kStoreHere.instance}) {
+            requests::Request zero(instance, requests::NewValue::integer(0));
+            zero.runOwnHandler(MODE_SET_ACTION);
+            zero.runOwnHandler(MODE_SET_COMMIT);
+        }
+    }
+
+    static void start() {
+        ASSERT_TRUE(InitPresets(GetIpcCookie()));
+        core().clearRecord();
+    }
+    /** Brings the feature up on a camera whose service does not open. */
+    static void startWithoutService() {
+        core().fail(kInit, kRefused);
+        start();
+    }
+};
 
 /** The next random octets. An octet of -1 draws them as usual; an errno value makes the call fail. */
 struct Randomness {
@@ -46,6 +132,40 @@ protected:
         return id;
     }
 };
+
+class PresetCommandTest : public PresetsTest, public testing::WithParamInterface<Command> {
+protected:
+    static LogLine carriedOut(long number) {
+        return logs::info(GetParam().handler() + ": " + GetParam().doneText + std::to_string(number) + " ");
+    }
+    static Calls commandCalls(long number) {
+        return {find(number), GetParam().carryOutCall("home", number)};
+    }
+    /** One phase on the object's own handler, with the record of this phase only. */
+    static Answer phase(int mode, long value) {
+        core().clearRecord();
+        return DirtyRequest(GetParam().instance, NewValue::integer(value)).runOwnHandler(mode);
+    }
+    /** An ACTION and a COMMIT without a check, with the record of the COMMIT only. */
+    static void commit(long number) {
+        EXPECT_THAT(phase(MODE_SET_ACTION, number), isAccepted());
+        EXPECT_THAT(phase(MODE_SET_COMMIT, number), isAccepted());
+    }
+    static void expectLines(const std::vector<LogLine> &between) {
+        EXPECT_EQ(core().logs(), logs::from(GetParam().handler(), between));
+    }
+    static void expectNumber(unsigned int number) {
+        core().clearRecord();
+        EXPECT_THAT(get(GetParam().instance), isOctets(octets({number})));
+        EXPECT_THAT(core().calls(), IsEmpty());
+        expectLines({});
+    }
+};
+
+class PresetCommandFreshTest : public PresetCommandTest {};
+
+INSTANTIATE_TEST_SUITE_P(Commands, PresetCommandTest, testing::Values(kGoTo, kStoreHere), nameOf<Command>);
+INSTANTIATE_TEST_SUITE_P(Commands, PresetCommandFreshTest, testing::Values(kGoTo, kStoreHere), nameOf<Command>);
 
 } // namespace
 
@@ -167,6 +287,97 @@ TEST_F(PresetStoreTest, WithoutRandomnessNothingIsStored) {
     EXPECT_THAT(core().logs(3), ElementsAre("getentropy"));
     EXPECT_THAT(core().logs(6), IsEmpty());
     EXPECT_EQ(get(kStoreHere.instance).octets, octets({12}));
+}
+
+TEST_P(PresetCommandTest, ASetLooksTheNumberUpCarriesItOutAndKeepsItsLowOctet) {
+    start();
+    for (const auto &[number, kept] :
+         {std::pair(0L, 0U), std::pair(1L, 1U), std::pair(7L, 7U), std::pair(12L, 12U), std::pair(255L, 255U),
+          std::pair(-1L, 255U), std::pair(-256L, 0U), std::pair(-251L, 5U), std::pair(-2147483648L, 0U)}) {
+        core().clearRecord();
+        set(GetParam().instance, NewValue::integer(number));
+        EXPECT_EQ(core().calls(), commandCalls(number));
+        EXPECT_THAT(core().logs(6), ElementsAre(carriedOut(number).text));
+        expectNumber(kept);
+        commit(number);
+        expectLines({carriedOut(number)});
+    }
+}
+
+TEST_P(PresetCommandFreshTest, TheNumberIsZeroUntilTheFirstCommand) {
+    expectInFreshProcess([] {
+        start();
+        expectNumber(0);
+    });
+}
+
+TEST_P(PresetCommandTest, ANumberAbove255IsRefused) {
+    start();
+    commit(3);
+    for (const long number : {256L, 257L, 511L, 65536L, 2147483647L}) {
+        EXPECT_THAT(phase(MODE_SET_RESERVE2, number), isRefused(SNMP_ERR_GENERR, SNMP_ERR_WRONGVALUE));
+        expectLines({logs::error(GetParam().handler() + ": preset number (" + std::to_string(number) +
+                                 ") outside range 0-255")});
+        EXPECT_THAT(core().calls(), IsEmpty());
+    }
+    for (const long number : {0L, 255L, -1L, -2147483648L}) {
+        EXPECT_THAT(phase(MODE_SET_RESERVE2, number), isAccepted()) << number;
+        expectLines({});
+        EXPECT_THAT(core().calls(), IsEmpty());
+    }
+    expectNumber(3);
+}
+
+TEST_P(PresetCommandTest, ACommitCarriesOutThePendingNumberNotTheRequests) {
+    start();
+    phase(MODE_SET_ACTION, 9);
+    EXPECT_THAT(phase(MODE_SET_COMMIT, 4), isAccepted());
+    EXPECT_EQ(core().calls(), commandCalls(9));
+    expectNumber(9);
+}
+
+TEST_P(PresetCommandTest, AnUndoRestoresTheCommittedNumber) {
+    start();
+    for (const auto &[committed, kept] : {std::pair(6L, 6L), std::pair(-1L, 255L)}) {
+        commit(committed);
+        core().clearRecord();
+        setAndUndo(GetParam().instance, NewValue::integer(200));
+        EXPECT_THAT(core().calls(), IsEmpty());
+        expectNumber(static_cast<unsigned int>(kept));
+        phase(MODE_SET_COMMIT, 200);
+        EXPECT_EQ(core().calls().front(), find(kept));
+    }
+}
+
+TEST_P(PresetCommandTest, ACommandThatTheServiceRefusesIsAnsweredAllTheSame) {
+    start();
+    core().fail(GetParam().carryOut, kRefused);
+    commit(5);
+    EXPECT_EQ(core().calls(), commandCalls(5));
+    expectLines({logs::failed(GetParam().failedCarryOut)});
+    expectNumber(5);
+    core().fail(kFind, kRefused);
+    commit(6);
+    EXPECT_THAT(core().calls(), ElementsAre(find(6)));
+    expectLines({logs::failed(GetParam().failedFind)});
+    expectNumber(6);
+}
+
+TEST_P(PresetCommandTest, WithoutTheServiceANumberIsOnlyKept) {
+    for (const bool hasTarget : {true, false}) {
+        if (!hasTarget) {
+            core().targets("presets_tours", {});
+        }
+        startWithoutService();
+        set(GetParam().instance, NewValue::integer(5));
+        EXPECT_THAT(core().calls(), IsEmpty());
+        EXPECT_THAT(core().logs(3), IsEmpty());
+        EXPECT_THAT(core().logs(6), IsEmpty());
+        expectNumber(5);
+        set(GetParam().instance, NewValue::integer(0));
+        DeinitPresets();
+        UnregisterAll();
+    }
 }
 
 } // namespace presets

@@ -7,7 +7,6 @@
 
 #include "gpio_table_test.h"
 #include "handler_requests.h"
-#include "relay_calls.h"
 #include "snmp_utils.h"
 
 namespace {

@@ -9,7 +9,6 @@
 #include "fresh_process.h"
 #include "gpio_table_test.h"
 #include "handler_requests.h"
-#include "relay_calls.h"
 
 namespace {
 
