@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "module_test.h"
 #include "oids.h"
-#include "poll_thread.h"
-#include "snmp_utils.h"
 #include "trap_sender.h"
 
 namespace {
@@ -34,21 +32,6 @@ TEST_F(EntryTest, TheAgentMayUnloadAModuleThatFailedToLoad) {
                                             "zorva_core_deinit()"));
 }
 
-TEST_F(EntryTest, OneFeatureIsEnough) {
-    emptyFeatureTable();
-    gSteps.clear();
-    FeatureModule &reboot = gFeatureModules.at(9);
-    reboot.init = [](void *) { return true; };
-    reboot.deinit = [] { gSteps.emplace_back("deinit"); };
-    EXPECT_EQ(init_quarnsnmp(), 0);
-    EXPECT_NE(QuarnSnmpTrapSend::GetInstance(), nullptr);
-    EXPECT_THAT(core().logs(), Not(Contains(kLeaving)));
-    EXPECT_EQ(deinit_quarnsnmp(), 0);
-    EXPECT_THAT(gSteps, ElementsAre("deinit"));
-    EXPECT_THAT(core().logs(), ElementsAre(kLeaving));
-    EXPECT_EQ(QuarnSnmpTrapSend::GetInstance(), nullptr);
-}
-
 TEST_F(EntryTest, EveryFeatureIsTriedAndOnlyThoseThatAreUpAreEndedInTableOrder) {
     emptyFeatureTable();
     gSteps.clear();
@@ -58,7 +41,11 @@ TEST_F(EntryTest, EveryFeatureIsTriedAndOnlyThoseThatAreUpAreEndedInTableOrder) 
     gFeatureModules.at(12).init = [](void *) { return gSteps.emplace_back("init 12"), true; };
     gFeatureModules.at(12).deinit = [] { gSteps.emplace_back("deinit 12"); };
     ASSERT_EQ(init_quarnsnmp(), 0);
+    EXPECT_NE(QuarnSnmpTrapSend::GetInstance(), nullptr);
+    EXPECT_THAT(core().logs(), Not(Contains(kLeaving)));
     ASSERT_EQ(deinit_quarnsnmp(), 0);
+    EXPECT_THAT(core().logs(), ElementsAre(kLeaving));
+    EXPECT_EQ(QuarnSnmpTrapSend::GetInstance(), nullptr);
     EXPECT_THAT(gSteps, ElementsAre("init 2", "init 5", "init 12", "deinit 2", "deinit 12"));
 }
 

@@ -44,10 +44,8 @@ void start(const GpioTable &table, int count);
 
 } // namespace gpio
 
-/** The object that switches relays, and the calls of their service as the scripted core library records them. */
+/** Calls of the relay service as the scripted core library records them. */
 namespace relays {
-
-inline const char *const kOutputControl = oids::outputControl;
 
 inline const char *const kGetState = "zorva_api_relay_get_state_send";
 inline const char *const kGetConfiguration = "zorva_api_relay_get_configuration_send";

@@ -59,18 +59,6 @@ std::string ownStatus(const std::string &key) {
     return "0";
 }
 
-/** Returns the number of threads with which a child of this process starts. */
-int threadsOfAChild() {
-    const pid_t child = fork();
-    if (child == 0) {
-        _exit(std::stoi(ownStatus("Threads")));
-    }
-    int status = -1;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status)) << status;
-    return WEXITSTATUS(status);
-}
-
 void up(std::size_t row, void (*poll)()) {
     gFeatureModules.at(row).init = [](void *) { return true; };
     gFeatureModules.at(row).deinit = [] {};
@@ -195,7 +183,14 @@ TEST_F(PollThreadForkTest, AForkAfterTheEndStartsNoThread) {
     up(7, [] { ++gPolls; });
     ASSERT_EQ(init_quarnsnmp(), 0);
     deinit_quarnsnmp();
-    const int threads = threadsOfAChild();
+    const pid_t child = fork();
+    if (child == 0) {
+        _exit(std::stoi(ownStatus("Threads")));
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status)) << status;
+    const int threads = WEXITSTATUS(status);
     // A join may return before the kernel has removed the thread.
     EXPECT_TRUE(eventually([threads] { return std::stoi(ownStatus("Threads")) == threads; })) << threads;
 }

@@ -201,6 +201,22 @@ TEST_P(PositioningZoomRangeTest, AsksForNoMoreThanItNeeds) {
     EXPECT_THAT(core().logs(), IsEmpty());
 }
 
+TEST_F(PositioningConversionTest, WithoutAServiceOrATargetResultsAreZeroWithoutACall) {
+    void *const connection = positioning::gApiCookie;
+    for (const bool hasTarget : {true, false}) {
+        positioning::gApiCookie = hasTarget ? nullptr : connection;
+        if (!hasTarget) {
+            positioning::gPositionings.clear();
+        }
+        EXPECT_EQ(convertNTCIPToZorvaZoom(65535), 0);
+        EXPECT_EQ(convertZorvaToNTCIPZoom(300), 0);
+        EXPECT_EQ(speedNTCIPToZorva(kPanAxis, 127, 160000), 0);
+        EXPECT_EQ(speedPercentage(kPanAxis, 127), 0.0F);
+    }
+    EXPECT_THAT(core().calls(), IsEmpty());
+    EXPECT_THAT(core().logs(), IsEmpty());
+}
+
 TEST_F(PositioningConversionTest, ZoomShowsTheLimitsThatItWorksWith) {
     convertNTCIPToZorvaZoom(1);
     EXPECT_THAT(core().logs(),

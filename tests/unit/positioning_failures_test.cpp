@@ -46,29 +46,12 @@ struct FailedConversion : Row {
     std::vector<LogLine> linesBefore = {}; ///< that of the failed call
 };
 
-void stopTilt() {
-    positioning::stopMovement(kTiltAxis);
-}
-
-void deltaPan() {
-    positioning::deltaMovement(kPanAxis, 64, 100);
-}
-
-void deltaZoom() {
-    positioning::deltaMovement(kZoomAxis, 64, 100);
-}
-
-void absoluteTilt() {
-    positioning::absoluteMovement(kTiltAxis, 64, 9000);
-}
-
-void absoluteZoom() {
-    positioning::absoluteMovement(kZoomAxis, 64, 65535);
-}
-
-void runPan() {
-    positioning::continuousMovement(kPanAxis, -64);
-}
+void (*const stopTilt)() = [] { positioning::stopMovement(kTiltAxis); };
+void (*const deltaPan)() = [] { positioning::deltaMovement(kPanAxis, 64, 100); };
+void (*const deltaZoom)() = [] { positioning::deltaMovement(kZoomAxis, 64, 100); };
+void (*const absoluteTilt)() = [] { positioning::absoluteMovement(kTiltAxis, 64, 9000); };
+void (*const absoluteZoom)() = [] { positioning::absoluteMovement(kZoomAxis, 64, 65535); };
+void (*const runPan)() = [] { positioning::continuousMovement(kPanAxis, -64); };
 
 Calls join(std::initializer_list<Calls> parts) {
     Calls result;

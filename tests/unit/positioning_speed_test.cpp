@@ -127,24 +127,10 @@ TEST_F(PositioningSpeedTest, SpeedZeroSetsTheLimitsAllTheSame) {
     }
 }
 
-TEST_F(PositioningSpeedTest, TheSmallestCodeIsJustBeyondTheLimits) {
-    softVelocities({0, 127000}, {0, 63500}, {2, 20});
-    EXPECT_EQ(speedNTCIPToZorva(kPanAxis, -128, 127000), 128000);
-    EXPECT_EQ(speedNTCIPToZorva(kTiltAxis, -128, 127000), 64000);
-    EXPECT_EQ(speedNTCIPToZorva(kZoomAxis, -128, 127000), 20);
-    EXPECT_EQ(speedNTCIPToZorva(kPanAxis, -127, 127000), 127000);
-}
-
 TEST_F(PositioningSpeedTest, FlagsOfTheVelocityLimitsDoNotMatter) {
     softVelocities({100, 160000, false}, {50, 80000, false}, {2, 20, false});
     EXPECT_EQ(speedNTCIPToZorva(kPanAxis, 127, 160000), 160000);
     EXPECT_THAT(core().calls(), ElementsAre(calls::kGetSoftVelocities));
-}
-
-TEST_F(PositioningSpeedTest, FractionOfAStandstillIsTheSlowest) {
-    EXPECT_EQ(speedPercentage(kPanAxis, 0), 0.0078125F);
-    EXPECT_EQ(speedPercentage(kTiltAxis, 0), 0.0078125F);
-    EXPECT_EQ(speedPercentage(kZoomAxis, 0), 0.125F);
 }
 
 TEST_F(PositioningSpeedTest, FractionAsksOnceAndShowsTheZoomMinimumTwice) {

@@ -141,7 +141,6 @@ TEST_F(PositioningTargetsTest, ContinuousMovesTakeTheirDirectionFromTheSign) {
 }
 
 TEST_F(PositioningTargetsTest, EachAxisHasItsOwnTimeoutUnlessItIsInfinite) {
-    using namespace positioning;
     const std::uint32_t kept[][3] = {{11, 22, 33}, {0, 0, 0}, {kInfiniteTimeout, kInfiniteTimeout, kInfiniteTimeout}};
     for (const auto &timeouts : kept) {
         gLastPanTimeout = timeouts[kPanAxis];

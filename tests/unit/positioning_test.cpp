@@ -36,14 +36,8 @@ std::vector<Value> values(std::initializer_list<Limits> axes, bool withFlags) {
 void forgetPositioning() {
     positioning::gApiCookie = nullptr;
     positioning::gPositionings.clear();
-    for (std::uint32_t *timeout :
-         {&positioning::gLastPanTimeout, &positioning::gLastTiltTimeout, &positioning::gLastZoomTimeout}) {
-        *timeout = 0;
-    }
-    for (std::uint16_t *timeout :
-         {&positioning::gNewPanTimeout, &positioning::gNewTiltTimeout, &positioning::gNewZoomTimeout}) {
-        *timeout = 0;
-    }
+    positioning::gLastPanTimeout = positioning::gLastTiltTimeout = positioning::gLastZoomTimeout = 0;
+    positioning::gNewPanTimeout = positioning::gNewTiltTimeout = positioning::gNewZoomTimeout = 0;
     positioning::ResetPositionObjects();
     positioning::ResetRangeObjects();
 }

@@ -32,13 +32,13 @@ protected:
     }
 
     static void expectControl(const std::string &value) {
-        EXPECT_THAT(get(relays::kOutputControl), isOctets(value));
+        EXPECT_THAT(get(oids::outputControl), isOctets(value));
     }
 
     /** One phase on the command's own handler, with the record of this phase only. */
     static Answer phase(int mode, const std::string &value) {
         core().clearRecord();
-        return DirtyRequest(relays::kOutputControl, NewValue::text(value)).runOwnHandler(mode);
+        return DirtyRequest(oids::outputControl, NewValue::text(value)).runOwnHandler(mode);
     }
     /** An ACTION and a COMMIT without a check, with the record of the COMMIT only. */
     static Answer commit(const std::string &value) {
@@ -54,7 +54,7 @@ struct Way : Row {                          // the name is the handler's
 };
 
 Answer commitCommand(int relay, int state) {
-    DirtyRequest request(relays::kOutputControl,
+    DirtyRequest request(oids::outputControl,
                          NewValue::text(octets({static_cast<unsigned int>(relay), state != 0 ? 0x80U : 0U})));
     request.runOwnHandler(MODE_SET_ACTION);
     scripted::core().clearRecord();
@@ -106,7 +106,7 @@ TEST_F(RelayFreshTest, TheCommandIsZeroUntilTheFirst) {
         EXPECT_EQ(core().logs(), logs::from(kHandler));
         EXPECT_THAT(core().calls(), IsEmpty());
         // There is no committed command for the UNDO to restore.
-        setAndUndo(relays::kOutputControl, NewValue::text(octets({2, 0x80})));
+        setAndUndo(oids::outputControl, NewValue::text(octets({2, 0x80})));
         expectControl(octets({0, 0}));
     });
 }
@@ -120,7 +120,7 @@ TEST_F(RelayTest, TheHighestBitOfTheSecondOctetIsTheState) {
     for (const auto &[value, relay, state] : cases) {
         SCOPED_TRACE(testing::PrintToString(value));
         core().clearRecord();
-        set(relays::kOutputControl, NewValue::text(value));
+        set(oids::outputControl, NewValue::text(value));
         EXPECT_THAT(core().calls(), ElementsAre(relays::readConfiguration(relay), relays::switchTo(relay, state)));
         expectControl((value + '\0').substr(0, 2));
     }
@@ -133,7 +133,7 @@ TEST_F(RelayTest, ACommandForARelayThatIsNotThereSucceedsAndDoesNothing) {
                                      octets({128, 0x80}), octets({255, 0x80})}) {
         SCOPED_TRACE(testing::PrintToString(value));
         core().clearRecord();
-        set(relays::kOutputControl, NewValue::text(value));
+        set(oids::outputControl, NewValue::text(value));
         EXPECT_THAT(core().calls(), IsEmpty());
         EXPECT_THAT(core().logs(3), IsEmpty());
         expectControl((value + "\0\0"s).substr(0, 2));
@@ -166,7 +166,7 @@ TEST_F(RelayTest, ACommandThatFailedCountsAsCommitted) {
     core().fail(relays::kSetState, kRefused);
     EXPECT_EQ(commit(octets({1, 0x80})).returned, SNMP_ERR_GENERR);
     expectControl(octets({1, 0x80}));
-    setAndUndo(relays::kOutputControl, NewValue::text(octets({2, 0})));
+    setAndUndo(oids::outputControl, NewValue::text(octets({2, 0})));
     expectControl(octets({1, 0x80}));
 }
 

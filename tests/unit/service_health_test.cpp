@@ -12,6 +12,7 @@
 #include "every_call.h"
 #include "gpio_pdu.h"
 #include "handler_requests.h"
+#include "service_health.h"
 
 namespace {
 
@@ -268,6 +269,10 @@ protected:
         const std::vector<std::string> calls = core().calls();
         return std::count(calls.begin(), calls.end(), recordOf(service));
     }
+    static bool discover(const char *service) {
+        std::vector<std::string> targets;
+        return DiscoverTargets(service, targets);
+    }
     static bool isUp(const FeatureModule &feature) {
         return feature.initialised;
     }
@@ -302,6 +307,29 @@ TEST_F(HangingDirectoryTest, AServiceWhoseDiscoveryHangsCostsNoOtherItsObjects) 
         delayDiscovery(service, 0, true);
         core().targets(service, {service + "/1"});
     }
+}
+
+TEST_F(HangingDirectoryTest, AnAnswerOfTheDirectoryStartsTheFeaturesThatTheHoldLeftOut) {
+    emptyFeatureTable();
+    delayDiscovery("alarm", 2, false);
+    gFeatureModules.at(0).init = [](void *) { return discover("alarm"); };
+    gFeatureModules.at(1).init = [](void *) { return discover("relay") && discover("alarm"); };
+    gFeatureModules.at(2).init = [](void *) { return discover("relay"); };
+    gFeatureModules.at(2).deinit = [] {};
+    gFeatureModules.at(3).init = [](void *) { return pass(10), !discover("power"); };
+    EXPECT_EQ(init_quarnsnmp(), 0);
+    EXPECT_EQ(discoveries("relay"), 2);
+    EXPECT_EQ(std::count_if(gFeatureModules.begin(), gFeatureModules.end(), isUp), 1);
+    EXPECT_TRUE(isUp(gFeatureModules.at(2)));
+}
+
+TEST_F(HangingDirectoryTest, AServiceOfAnUnknownNameIsHeldBackWithTheDirectory) {
+    ASSERT_TRUE(discover("relay"));
+    delayDiscovery("unknown", 2, false);
+    EXPECT_FALSE(discover("unknown"));
+    EXPECT_FALSE(discover("unknown"));
+    EXPECT_EQ(discoveries("unknown"), 1);
+    EXPECT_TRUE(discover("relay"));
 }
 
 TEST_F(HangingDirectoryTest, ASlowDiscoveryThatSucceedsHoldsNothingBack) {
