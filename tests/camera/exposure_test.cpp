@@ -16,14 +16,7 @@ protected:
         using Arguments = test::ScriptArguments;
         runDrive("iris", scripts,
                  {{"manual", [this](const Arguments &a) { EXPECT_EQ(wire::kSuccess, setManual(a.at(0))); }},
-                  {"mode", [this](const Arguments &a) { setField("exposure", "manualMode", a.at(0)); }},
-                  {"move",
-                   [this](const Arguments &a) {
-                       EXPECT_EQ(wire::kSuccess, callService("iris", "set_position_send", json::array({a.at(0)})));
-                   }},
-                  {"run", [this](const Arguments &a) {
-                       EXPECT_EQ(wire::kSuccess, callService("iris", "set_velocity_send", {a.at(0), a.at(1)}));
-                   }}});
+                  {"mode", [this](const Arguments &a) { setField("exposure", "manualMode", a.at(0)); }}});
     }
 };
 

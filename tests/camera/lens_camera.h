@@ -56,9 +56,17 @@ protected:
         return lines;
     }
 
-    /** Runs scripts on the drive of a service. The fixture's commands extend those of this class. */
-    void runDrive(const std::string &service, const std::vector<Script> &scripts, ScriptCommands commands) {
+    /**
+     * Runs scripts on the drive of a service. The fixture's commands extend those of this class. The commands `move`
+     * and `run` are the calls of the service that move it to a position or at a velocity.
+     */
+    void runDrive(const std::string &service, const std::vector<Script> &scripts, ScriptCommands commands = {}) {
         using Arguments = ScriptArguments;
+        const auto call = [=](const char *operation) {
+            return [=](const Arguments &a) { EXPECT_EQ(wire::kSuccess, callService(service, operation, a)); };
+        };
+        commands["move"] = call(service == "lens_focus" ? "set_manual_focus_position_send" : "set_position_send");
+        commands["run"] = call("set_velocity_send");
         commands["set"] = [=](const Arguments &a) { setField(service, a.at(0), a.at(1)); };
         commands["at"] = [=](const Arguments &a) { expectAt(service, a.at(0), a.at(1), a.at(2)); };
         commands["rest"] = [=](const Arguments &a) { expectAtRest(service, a.at(0)); };

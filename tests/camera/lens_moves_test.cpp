@@ -30,12 +30,6 @@ protected:
     wire::Status run(int direction, int run = 1) {
         return callService(service_, "set_velocity_send", {direction, run});
     }
-    void runLens(const std::vector<test::Script> &scripts) {
-        using Arguments = test::ScriptArguments;
-        runDrive(service_, scripts,
-                 {{"move", [this](const Arguments &a) { EXPECT_EQ(wire::kSuccess, move(a.at(0))); }},
-                  {"run", [this](const Arguments &a) { EXPECT_EQ(wire::kSuccess, run(a.at(0), a.at(1))); }}});
-    }
 };
 
 INSTANTIATE_TEST_SUITE_P(All, ALensDrive,
@@ -44,7 +38,7 @@ INSTANTIATE_TEST_SUITE_P(All, ALensDrive,
                          [](const auto &test) { return std::string(test.param.service); });
 
 TEST_P(ALensDrive, RunsItsScripts) {
-    runLens({
+    const std::vector<test::Script> scripts = {
         {"approaches a position at its speed",
          "move 3000; at 1000 1000 3000; after 0.5 at 1500 1000 3000; after 1.5 rest 3000; move 0; "
          "after 1.25 at 1750 -1000 0; after 10.0 rest 0"},
@@ -63,8 +57,15 @@ TEST_P(ALensDrive, RunsItsScripts) {
          "after 1.0 rest 2600; run 1 1; pass 1.0; set speed 500; at 2350 -500 null"},
         {"rests at a position that is set",
          "run 0 1; pass 0.5; set position 7000; rest 7000; events 0.0 move_started 1000 0.5 move_stopped 7000"},
+        {"is halted where it is by a stop upwards",
+         "run 0 1; pass 0.5; run 0 0; after 10.0 rest 1500; move 0; pass 0.5; run 0 0; after 10.0 rest 1000; "
+         "next never"},
+        {"is halted where it is by a stop downwards",
+         "run 0 1; pass 0.5; run 1 0; after 10.0 rest 1500; move 0; pass 0.5; run 1 0; after 10.0 rest 1000; "
+         "next never"},
         {"loses its move in a restart", "run 0 1; pass 0.5; reboot; awake 20.0; rest 1500"},
-    });
+    };
+    runDrive(service_, scripts);
 }
 
 TEST_P(ALensDrive, AnswersWhereItIsOnItsWay) {
@@ -74,22 +75,6 @@ TEST_P(ALensDrive, AnswersWhereItIsOnItsWay) {
     EXPECT_EQ(wire::kSuccess,
               callService(service_, isFocus ? "get_manual_focus_position_send" : "get_position_send", json::array()));
     EXPECT_EQ((json{1250, 0, 10000}), answer_.results);
-}
-
-TEST_P(ALensDrive, IsHaltedWhereItIs) {
-    for (const int direction : {0, 1}) {
-        ASSERT_EQ(wire::kSuccess, run(0));
-        pass(0.5);
-        ASSERT_EQ(wire::kSuccess, run(direction, 0));
-        pass(10.0);
-        expectAtRest(service_, 1500);
-        ASSERT_EQ(wire::kSuccess, move(0));
-        pass(0.5);
-        ASSERT_EQ(wire::kSuccess, run(direction, 0));
-        pass(10.0);
-        expectAtRest(service_, 1000);
-    }
-    EXPECT_EQ(kNever, camera_->nextTime());
 }
 
 TEST_P(ALensDrive, AtRestDoesNotNoticeAHalt) {
@@ -145,18 +130,13 @@ protected:
     wire::Status move(int position, int speed) {
         return callService(service_, "set_position_send", {position, speed});
     }
-    void runStepper(const std::vector<test::Script> &scripts) {
-        runDrive(service_, scripts, {{"move", [this](const test::ScriptArguments &a) {
-                                          EXPECT_EQ(wire::kSuccess, move(a.at(0), a.at(1)));
-                                      }}});
-    }
 };
 
 INSTANTIATE_TEST_SUITE_P(All, AStepper, testing::Values("focus_stepper", "zoom_stepper"),
                          [](const auto &test) { return std::string(test.param); });
 
 TEST_P(AStepper, RunsItsScripts) {
-    runStepper({
+    const std::vector<test::Script> scripts = {
         {"moves at the speed of its command",
          "move 3000 500; field speed 500; after 1.0 at 1500 500 3000; after 3.0 rest 3000; "
          "events 0.0 move_started 1000 4.0 move_stopped 3000"},
@@ -165,7 +145,8 @@ TEST_P(AStepper, RunsItsScripts) {
         {"obeys the last command",
          "move 10000 1000; pass 2.0; move 0 100; at 3000 -100 0; after 10.0 at 2000 -100 0; after 20.0 rest 0"},
         {"loses its move in a restart", "move 3000 500; pass 1.0; reboot; awake 20.0; rest 1500"},
-    });
+    };
+    runDrive(service_, scripts);
 }
 
 TEST_P(AStepper, IsAsSlowAndAsFastAsItCanBe) {

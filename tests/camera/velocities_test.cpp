@@ -69,6 +69,8 @@ TEST_F(Velocity, IsBroughtIntoTheRangeOfSpeeds) {
         set("tilt.position", 0);
         ASSERT_EQ(wire::kSuccess, run("tilt", wanted));
         expectAt("tilt", 0, allowed);
+        EXPECT_EQ("move_started", events_.seen().back()["event"]);
+        EXPECT_EQ(allowed, events_.seen().back()["velocity"]);
     }
     ASSERT_EQ(wire::kSuccess, call("set_soft_velocity_limits_send", {0, 0, 0, 1, 200, 300, 0, 0, 0}));
     expectAt("tilt", 0, 200);
