@@ -19,8 +19,6 @@
 
 #include <boost/process/args.hpp>
 #include <boost/process/child.hpp>
-#include <boost/process/env.hpp>
-#include <boost/process/environment.hpp>
 #include <boost/process/error.hpp>
 #include <boost/process/exe.hpp>
 #include <boost/process/extend.hpp>
@@ -57,6 +55,24 @@ std::string programPath(const std::string &program) {
     return program;
 }
 
+/**
+ * Returns the environment of the test with further variables. Boost's own class for this reads beyond the end of short
+ * variables.
+ */
+std::vector<std::string> environmentWith(const std::map<std::string, std::string> &added) {
+    std::vector<std::string> variables;
+    for (char **entry = environ; *entry != nullptr; ++entry) {
+        std::string variable = *entry;
+        if (added.count(variable.substr(0, variable.find('='))) == 0) {
+            variables.push_back(std::move(variable));
+        }
+    }
+    for (const auto &[name, value] : added) {
+        variables.push_back(name + "=" + value);
+    }
+    return variables;
+}
+
 /** Prepares the child between fork and exec, where nothing may allocate or lock. */
 void prepareChild(pid_t parent, unsigned filesLimit) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -83,18 +99,22 @@ pid_t start(const Launch &launch) {
         throw std::runtime_error("no program to start");
     }
     const std::string &program = launch.arguments.front();
-    bp::environment environment = boost::this_process::environment();
-    for (const auto &[name, value] : launch.environment) {
-        environment[name] = value;
+    std::vector<std::string> variables = environmentWith(launch.environment);
+    std::vector<char *> environment;
+    for (std::string &variable : variables) {
+        environment.push_back(variable.data());
     }
+    environment.push_back(nullptr);
     const File output = openEmpty(launch.outputFile);
     const File errors = openEmpty(launch.errorFile);
     const auto prepare = [parent = getpid(), limit = launch.filesLimit](const auto &) { prepareChild(parent, limit); };
     try {
-        bp::child child(bp::exe = programPath(program),
-                        bp::args = std::vector<std::string>(launch.arguments.begin() + 1, launch.arguments.end()),
-                        environment, bp::std_in<bp::null, bp::std_out> output.get(), bp::std_err > errors.get(),
-                        bp::extend::on_exec_setup = prepare);
+        bp::child child(
+            bp::exe = programPath(program),
+            bp::args = std::vector<std::string>(launch.arguments.begin() + 1, launch.arguments.end()),
+            bp::std_in<bp::null, bp::std_out> output.get(), bp::std_err > errors.get(),
+            bp::extend::on_setup = [&](auto &executor) { executor.env = environment.data(); },
+            bp::extend::on_exec_setup = prepare);
         // A child object would report a clean end if another part of the test had waited for the program.
         child.detach();
         return child.id();

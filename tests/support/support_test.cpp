@@ -126,7 +126,9 @@ TEST(ProcessInformation, ReadsTheTestItself) {
     EXPECT_EQ(descriptorCount(getpid()), descriptors + 1);
     EXPECT_GE(threadCount(getpid()), 1U);
     EXPECT_GT(residentKilobytes(getpid()), 1000U);
-    EXPECT_GE(peakKilobytes(getpid()), residentKilobytes(getpid()));
+    // The kernel counts pages per thread at first, and brings both figures up to date from time to time.
+    constexpr std::size_t kSlack = 1000;
+    EXPECT_GE(peakKilobytes(getpid()) + kSlack, residentKilobytes(getpid()));
     EXPECT_TRUE(mapsFile(getpid(), "/proc/self/exe"));
     EXPECT_FALSE(mapsFile(getpid(), "/bin/sh"));
     EXPECT_THROW(threadCount(-1), std::runtime_error);

@@ -5,9 +5,9 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <iterator>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 #include <poll.h>
@@ -140,7 +140,9 @@ std::vector<Outcome> runOnAll(const std::vector<std::string> &hosts,
         } else if (!children.empty()) {
             serve(children, outcomes); // an ended child makes room for another one
         } else {
-            outcomes[next++] = {ExitCode::BadResponse, {}, "no process: " + std::system_category().message(errno), ""};
+            const char *reason = strerrordesc_np(errno);
+            outcomes[next++] = {
+                ExitCode::BadResponse, {}, std::string("no process: ") + (reason != nullptr ? reason : "unknown"), ""};
         }
     }
     return outcomes;
