@@ -25,6 +25,8 @@ if(QUARNSNMP_BUILD_SIMULATOR)
   # Drop-ins of all directories are applied in the order of their names, so this one comes before an administrator's.
   install(FILES ${packaging}/quarnsnmp-simulator/10-quarnsnmp-simulator.conf
     DESTINATION /lib/systemd/system/snmpd.service.d COMPONENT simulator EXCLUDE_FROM_ALL)
+  install(FILES ${packaging}/quarnsnmp-simulator/quarnsnmp-simulator.logrotate RENAME quarnsnmp-simulator
+    DESTINATION /etc/logrotate.d COMPONENT simulator EXCLUDE_FROM_ALL)
 endif()
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/quarnsnmp COMPONENT module EXCLUDE_FROM_ALL
   FILES_MATCHING PATTERN "*.md" PATTERN decisions EXCLUDE PATTERN releasing.md EXCLUDE)

@@ -138,12 +138,12 @@ test_arm64() {
     ((programs == 5)) || fail "the packages of arm64 have $programs programs and libraries; expected 5"
 }
 
-# Creates a Debian root file system with the SNMP programs and the declared dependencies of the packages only, so that
-# an undeclared dependency causes a failure. It is kept until the list of packages changes.
+# Creates a Debian root file system with the SNMP programs, logrotate, and the declared dependencies of the packages
+# only, so that an undeclared dependency causes a failure. It is kept until the list of packages changes.
 make_root() {
     local base=$root/build/packages-root name wanted sources
     sources=$(debian_sources)
-    wanted=$(for name in "${names[@]}"; do dependencies "$name" amd64; done | sort -u | paste -sd ,),snmp
+    wanted=$(for name in "${names[@]}"; do dependencies "$name" amd64; done | sort -u | paste -sd ,),snmp,logrotate
     if [[ ! -f $base.tar || $(cat -- "$base.contents" 2>/dev/null) != "$wanted" ]]; then
         run_logged "creating a Debian root file system" "$root/build/log/packages-root.log" \
             mmdebstrap --variant=minbase --dpkgopt=force-unsafe-io \
@@ -311,6 +311,7 @@ test_use() {
         fail "ptzctl: $(cat -- "$work/ptzctl.log")"
     await "the pan to 90 degrees" "$work/ptzctl.log" camera_is_at 90000
     test_log
+    test_rotation
     stop_programs
 }
 
@@ -326,6 +327,18 @@ test_log() {
     if grep 'SNMP info ' "$work/agent.log"; then
         fail "the agent's log has lines of the level 'info'; see above"
     fi
+}
+
+# A log file of the agent must be rotated without a loss, as the agent's user.
+test_rotation() {
+    local directory=/var/log/quarnsnmp
+    inside install -d -o Debian-snmp -g Debian-snmp -m 0750 "$directory"
+    inside sh -c "echo line >$directory/agent.log && chown Debian-snmp: $directory/agent.log"
+    run_logged "rotating a log file" "$work/rotation.log" \
+        inside logrotate --force --state "$directory/state" /etc/logrotate.d/quarnsnmp-simulator
+    [[ $(<"$debian$directory/agent.log.1") == line && ! -s $debian$directory/agent.log ]] ||
+        fail "logrotate has not rotated the log file; see $work/rotation.log"
+    rm -rf -- "${debian:?}$directory"
 }
 
 # Usage: camera_is_at THOUSANDTHS-OF-A-DEGREE
