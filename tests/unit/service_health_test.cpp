@@ -324,6 +324,7 @@ TEST_F(HangingDirectoryTest, AnAnswerOfTheDirectoryStartsTheFeaturesThatTheHoldL
 }
 
 TEST_F(HangingDirectoryTest, AServiceOfAnUnknownNameIsHeldBackWithTheDirectory) {
+    openCore();
     ASSERT_TRUE(discover("relay"));
     delayDiscovery("unknown", 2, false);
     EXPECT_FALSE(discover("unknown"));
