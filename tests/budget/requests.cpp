@@ -36,7 +36,7 @@ requests::NewValue valueOf(const Subject &subject) {
 
 /** Makes a request as the agent does, except for its helpers. @throws std::runtime_error when it is refused */
 void make(const Subject &subject) {
-    requests::Request request(subject.identifier, valueOf(subject));
+    requests::Request request(subject.oid, valueOf(subject));
     for (const int mode : subject.limit == budget::kGet ? kGetModes : kSetModes) {
         const requests::Answer answer = request.runOwnHandler(mode);
         if (answer.returned != SNMP_ERR_NOERROR || answer.requestError != SNMP_ERR_NOERROR || answer.type == ASN_NULL) {

@@ -14,8 +14,8 @@
 namespace budget {
 
 /**
- * What the module's own code may take for a request, the core library's answers and log calls included, the agent's
- * library not. A GET of the agent is some 40000 instructions.
+ * Budget of a request in instructions: those of the module's own code, with the core library's answers and log calls,
+ * without the agent's library. A GET takes some 40000 instructions of the agent.
  */
 inline constexpr std::uint64_t kGet = 400;
 inline constexpr std::uint64_t kSet = 2000;
@@ -23,11 +23,11 @@ inline constexpr std::uint64_t kSet = 2000;
 /** A request for one object. */
 struct Subject {
     std::string_view name;
-    std::string_view identifier; ///< with the instance
-    bool isText;                 ///< of the value of a SET: an OCTET STRING, else an INTEGER
-    std::string_view octets;     ///< value of a SET
-    long number;                 ///< value of a SET
-    std::uint64_t limit;         ///< kGet or kSet, which also says what it is
+    std::string_view oid;    ///< with the instance
+    bool isText;             ///< of the value of a SET: an OCTET STRING, else an INTEGER
+    std::string_view octets; ///< value of a SET
+    long number;             ///< value of a SET
+    std::uint64_t limit;     ///< kGet or kSet, which also says what it is
 };
 
 /** Prints a subject, for the test framework. */
@@ -35,16 +35,16 @@ inline std::ostream &operator<<(std::ostream &stream, const Subject &subject) {
     return stream << subject.name;
 }
 
-constexpr Subject get(std::string_view name, std::string_view identifier) {
-    return {name, identifier, false, "", 0, kGet};
+constexpr Subject get(std::string_view name, std::string_view oid) {
+    return {name, oid, false, "", 0, kGet};
 }
 
-constexpr Subject setNumber(std::string_view name, std::string_view identifier, long number) {
-    return {name, identifier, false, "", number, kSet};
+constexpr Subject setNumber(std::string_view name, std::string_view oid, long number) {
+    return {name, oid, false, "", number, kSet};
 }
 
-constexpr Subject setText(std::string_view name, std::string_view identifier, std::string_view octets) {
-    return {name, identifier, true, octets, 0, kSet};
+constexpr Subject setText(std::string_view name, std::string_view oid, std::string_view octets) {
+    return {name, oid, true, octets, 0, kSet};
 }
 
 // clang-format off

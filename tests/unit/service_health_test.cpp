@@ -22,7 +22,7 @@ const char *const kFirstRelay = "1.3.6.1.4.1.99999.1.3.2.1.3.1";
 
 long gNanosecondsAhead = 0;
 
-/** Lets the monotonic clock jump. */
+/** Advances the monotonic clock. */
 void pass(Seconds seconds) {
     gNanosecondsAhead += static_cast<long>(seconds * 1e9);
 }

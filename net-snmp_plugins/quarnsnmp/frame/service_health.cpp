@@ -6,9 +6,9 @@
 
 namespace {
 
-constexpr int64_t kSlow = 1'000'000'000;      // a failed read of this length causes a hold
-constexpr int64_t kHoldTime = 10'000'000'000; // and the hold lasts this long
-constexpr zorva_core_status kNotFound = 1;    // any status but 0: a discovery has none of its own
+constexpr int64_t kSlow = 1'000'000'000;      // shortest failed read that causes a hold
+constexpr int64_t kHoldTime = 10'000'000'000; // length of a hold
+constexpr zorva_core_status kNotFound = 1;    // of a discovery, which has no status of its own
 
 /** Health of the discovery of one service. */
 struct Discovery {

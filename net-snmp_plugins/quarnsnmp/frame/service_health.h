@@ -30,9 +30,9 @@ struct ServiceHealth {
     std::atomic<zorva_core_status> status{0}; ///< result of the read that caused the hold
 };
 
-/** A call that is about to be made. */
+/** Start of a call. */
 struct CallStart {
-    bool held;                ///< whether to fail at once, with `status`
+    bool held;                ///< true to fail at once, with `status`
     zorva_core_status status; ///< with `held` only
     int64_t time;             ///< nanoseconds of the monotonic clock; 0 for a call that is no read
 };
@@ -47,8 +47,8 @@ namespace service_health {
 [[gnu::visibility("hidden")]] extern std::atomic<pthread_t> gReadingThread;
 
 /**
- * States whether the calls that the agent's thread makes from here on are reads, which may be held back. At first they
- * are not. Agent's thread only.
+ * Declares the further calls of the agent's thread as reads, which may be held back, or as other calls, as at first.
+ * Agent's thread only.
  * @return the former state, for the caller to restore
  */
 inline bool SetReading(bool reading) {
@@ -81,13 +81,10 @@ inline zorva_core_status EndCall(ServiceHealth &health, const CallStart &start, 
 /** Discovers as zorva::core::getTargetIds() does, and fails at once while discovery is held back. */
 bool DiscoverTargets(const char *serviceName, std::vector<std::string> &targetIds);
 
-/**
- * Returns whether the service that was discovered last was not asked for at all, because the directory hung. The caller
- * may try again when DirectoryAnswers().
- */
+/** Returns true if the last discovery was held back because the directory hung. Try again once DirectoryAnswers(). */
 bool LastDiscoveryHeld();
 
-/** Returns whether the directory has answered, with or without targets, since ForgetHangs(). */
+/** Returns true if the directory has answered, with or without targets, since ForgetHangs(). */
 bool DirectoryAnswers();
 
 /** Ends all holds, for a new start. */
