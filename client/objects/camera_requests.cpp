@@ -70,7 +70,7 @@ Reading checked(const Instance &instance, const Varbind &value) {
     if (value.type == snmp::Type::NoSuchObject || value.type == snmp::Type::NoSuchInstance) {
         return {instance, value, "the camera does not have it", true};
     }
-    if (!snmp::hasValue(value.type)) {
+    if (!snmp::hasValue(value.type) || !snmp::isDefined(value.type)) {
         return {instance, value, "the camera answered " + snmp::typeName(value.type), false};
     }
     const std::string deviation = instance.object != nullptr ? validate(*instance.object, value) : "";
@@ -154,6 +154,11 @@ std::vector<Reading> readSome(snmp::Requester &camera, const std::vector<Instanc
     return readings;
 }
 
+/** Returns the name of a column. */
+std::string nameOf(const std::string &column) {
+    return snmp::parentOf(instanceAt(column + ".1").name);
+}
+
 /** Reads the row that a walk cannot reach because its successor cannot be read. @return nothing beyond the last row */
 std::optional<Reading> readRowAfter(snmp::Requester &camera, const std::string &column, const std::string &last) {
     const std::uint32_t row = last == column ? 0 : snmp::parseOid(last).back();
@@ -198,7 +203,10 @@ Reading require(snmp::Requester &camera, const Instance &instance) {
 std::vector<Reading> readColumn(snmp::Requester &camera, const std::string &column) {
     std::vector<Reading> rows;
     std::string last = column;
-    while (rows.size() < kMostRows) {
+    for (;; last = rows.back().instance.oid) {
+        if (rows.size() > kMostRows) {
+            throw badResponse(fmt::format("the camera answered more than {} rows of {}", kMostRows, nameOf(column)));
+        }
         const Response response =
             camera.exchange(snmp::Operation::GetNext, {snmp::nameOnly(last)}, snmp::kReadPatience);
         if (response.error == snmp::kAuthorizationError) {
@@ -210,7 +218,6 @@ std::vector<Reading> readColumn(snmp::Requester &camera, const std::string &colu
                 return rows;
             }
             rows.push_back(*row);
-            last = row->instance.oid;
             continue;
         }
         requireCount(response, 1);
@@ -223,9 +230,7 @@ std::vector<Reading> readColumn(snmp::Requester &camera, const std::string &colu
                               snmp::withoutDot(last));
         }
         rows.push_back(checked(instanceAt(next.oid), next));
-        last = next.oid;
     }
-    return rows;
 }
 
 Written writeAll(snmp::Requester &camera, const std::vector<Assignment> &assignments, const Delivery &delivery) {
@@ -254,15 +259,11 @@ Written writeAll(snmp::Requester &camera, const std::vector<Assignment> &assignm
                                   snmp::valueText(refused.value), error.name),
                       error.advice);
     }
-    requireCount(response, assignments.size());
-    for (std::size_t i = 0; i < assignments.size(); ++i) {
-        requireInstance(response.varbinds[i], instances[i]);
-    }
     Written result;
+    result.answered = readingsOf(response, instances);
     if (delivery.readsBefore) {
         result.before = readingsOrProblem(responses.before, instances);
     }
-    result.answered = response.varbinds;
     return result;
 }
 

@@ -38,8 +38,8 @@ Reading read(snmp::Requester &camera, const Instance &instance);
 Reading require(snmp::Requester &camera, const Instance &instance);
 
 /**
- * Reads the rows of a column, 64 at most. A row that the camera cannot read does not affect the others of a column with
- * consecutive numbers.
+ * Reads the rows of a column, 64 at most; more are a failure with Cause::BadResponse. A row that the camera cannot read
+ * does not affect the others of a column with consecutive numbers.
  * @param column  OID without the row
  */
 std::vector<Reading> readColumn(snmp::Requester &camera, const std::string &column);
@@ -52,8 +52,8 @@ struct Delivery {
 
 /** Outcome of a write. */
 struct Written {
-    std::vector<Reading> before;         ///< in the order of the assignments; empty if not read
-    std::vector<snmp::Varbind> answered; ///< values in the response, in the order of the assignments
+    std::vector<Reading> before;   ///< in the order of the assignments; empty if not read
+    std::vector<Reading> answered; ///< values in the response, in the order of the assignments
 };
 
 /**

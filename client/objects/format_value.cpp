@@ -51,9 +51,12 @@ std::string angle(const Varbind &value) {
 }
 
 std::string panAngle(const Varbind &value) {
+    if (value.number == kUnknown) {
+        return "unknown";
+    }
     return value.number >= 0 && value.number < kUnknown
                ? positionText(axisNamed("pan"), static_cast<std::uint16_t>(value.number))
-               : "unknown";
+               : std::to_string(value.number);
 }
 
 std::string homeAngle(const Varbind &value) {
@@ -61,7 +64,7 @@ std::string homeAngle(const Varbind &value) {
 }
 
 std::string timeout(const Varbind &value) {
-    return value.number > 0 ? std::to_string(value.number) + " ms" : "none";
+    return value.number == 0 ? "none" : std::to_string(value.number) + " ms";
 }
 
 std::string featureControl(const Varbind &value) {
@@ -81,8 +84,7 @@ std::string preset(const Varbind &value) {
 }
 
 std::string temperature(const Varbind &value) {
-    // The Gauge32 holds the bits of a signed number.
-    return fmt::format("{} °C", static_cast<std::int32_t>(static_cast<std::uint32_t>(value.number)));
+    return fmt::format("{} °C", degreesCelsius(value));
 }
 
 std::string moduleType(const Varbind &value) {
@@ -139,6 +141,10 @@ unsigned int firstOctet(const Varbind &value) {
     return octetAt(value, 0);
 }
 
+std::int32_t degreesCelsius(const Varbind &value) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(value.number));
+}
+
 std::string formatValue(const Instance &instance, const Varbind &value, ByteOrder order) {
     return instance.object != nullptr ? formatKnown(*instance.object, value, order) : snmp::valueText(value);
 }
@@ -158,7 +164,8 @@ nlohmann::ordered_json valueJson(const Instance &instance, const Varbind &value,
     case snmp::Type::Opaque:
         return snmp::valueText(value);
     default:
-        return snmp::hasValue(value.type) ? nlohmann::ordered_json(value.number) : nlohmann::ordered_json();
+        return snmp::hasValue(value.type) && snmp::isDefined(value.type) ? nlohmann::ordered_json(value.number)
+                                                                         : nlohmann::ordered_json();
     }
 }
 

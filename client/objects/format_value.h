@@ -28,6 +28,9 @@ inline constexpr std::size_t kOutputBits = 2;
 /** Returns the first octet of a value, or 0 without octets. */
 unsigned int firstOctet(const snmp::Varbind &value);
 
+/** Returns a temperature in degrees Celsius. The Gauge32 holds the bits of a signed number. */
+std::int32_t degreesCelsius(const snmp::Varbind &value);
+
 /** Writes a value with its unit or meaning. May be empty for an empty text. */
 std::string formatValue(const Instance &instance, const snmp::Varbind &value, ByteOrder order);
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <limits>
 #include <stdexcept>
 
 #include <fmt/format.h>
@@ -22,6 +23,22 @@ std::int64_t parseNumber(const std::string &text) {
         throw std::invalid_argument("'" + text + "' is not a number of 32 bits");
     }
     return number;
+}
+
+/**
+ * Tests whether a number can be a value of some camera. The limits of the syntax are those of this product's cameras;
+ * those of others have 16 bits, with or without a sign.
+ */
+bool isPossible(const Syntax &syntax, std::int64_t number) {
+    constexpr std::int64_t kLowest = std::numeric_limits<std::int16_t>::min();
+    constexpr std::int64_t kHighest = std::numeric_limits<std::uint16_t>::max();
+    return number >= std::min(syntax.lowest, kLowest) && number <= std::max(syntax.highest, kHighest);
+}
+
+/** Writes the first octets in hexadecimal. */
+std::string startOf(const std::string &octets) {
+    constexpr std::size_t kMost = 16;
+    return snmp::hexText(octets.substr(0, kMost)) + (octets.size() > kMost ? " ..." : "");
 }
 
 std::string typeDeviation(const snmp::Varbind &value, snmp::Type expected) {
@@ -71,9 +88,14 @@ std::string validate(const Object &object, const snmp::Varbind &value) {
     if (value.type != expected) {
         return typeDeviation(value, expected);
     }
+    if (syntax.kind == Kind::Integer && !isPossible(syntax, value.number)) {
+        return fmt::format("{}, which no camera can mean", value.number);
+    }
+    if (syntax.kind == Kind::Text && static_cast<std::int64_t>(value.octets.size()) > syntax.highest) {
+        return fmt::format("{} octets instead of at most {}", value.octets.size(), syntax.highest);
+    }
     if (syntax.kind == Kind::Octets && static_cast<std::int64_t>(value.octets.size()) != syntax.highest) {
-        return fmt::format("{} octets ({}) instead of {}", value.octets.size(), snmp::hexText(value.octets),
-                           syntax.highest);
+        return fmt::format("{} octets ({}) instead of {}", value.octets.size(), startOf(value.octets), syntax.highest);
     }
     return "";
 }
@@ -95,8 +117,11 @@ bool holdsLastCommand(const Object &object) {
 }
 
 bool hasValueWritten(const snmp::Varbind &answered, const snmp::Varbind &written) {
+    if (answered.type == snmp::Type::Integer || answered.type == snmp::Type::Gauge32) {
+        return written.type == snmp::Type::Integer && answered.number == written.number;
+    }
     if (answered.type != snmp::Type::Octets) {
-        return answered.number == written.number;
+        return false;
     }
     if (written.type != snmp::Type::Octets) {
         return answered.octets == std::string(1, static_cast<char>(written.number));

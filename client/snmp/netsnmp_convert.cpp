@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <stdexcept>
 
 #include "oid_text.h"
@@ -22,9 +23,42 @@ std::string textOf(const oid *numbers, std::size_t count) {
     return oidText(std::vector<oid>(numbers, numbers + count));
 }
 
+/** Tests for a number within an Opaque, which the library unpacks. */
+bool isUnpackedOpaque(u_char type) {
+    return type == ASN_OPAQUE_FLOAT || type == ASN_OPAQUE_DOUBLE || type == ASN_OPAQUE_COUNTER64 ||
+           type == ASN_OPAQUE_I64 || type == ASN_OPAQUE_U64;
+}
+
+/** Packs such a number again: an inner tag of two octets, the length, and the value with the high octet first. */
+std::string packedOpaque(const netsnmp_variable_list &source) {
+    std::uint64_t bits = 0;
+    std::size_t size = sizeof bits;
+    if (source.type == ASN_OPAQUE_FLOAT) {
+        std::uint32_t half = 0;
+        size = sizeof half;
+        std::memcpy(&half, source.val.floatVal, size);
+        bits = half;
+    } else if (source.type == ASN_OPAQUE_DOUBLE) {
+        std::memcpy(&bits, source.val.doubleVal, size);
+    } else {
+        bits = (static_cast<std::uint64_t>(source.val.counter64->high) << kWordBits) |
+               static_cast<std::uint32_t>(source.val.counter64->low);
+    }
+    std::string octets = {static_cast<char>(ASN_OPAQUE_TAG1), static_cast<char>(source.type), static_cast<char>(size)};
+    for (std::size_t i = size; i > 0; --i) {
+        octets += static_cast<char>(bits >> (8 * (i - 1)));
+    }
+    return octets;
+}
+
 Varbind read(const netsnmp_variable_list &source) {
     Varbind result;
     result.oid = textOf(source.name, source.name_length);
+    if (isUnpackedOpaque(source.type)) {
+        result.type = Type::Opaque;
+        result.octets = packedOpaque(source);
+        return result;
+    }
     result.type = static_cast<Type>(source.type);
     switch (result.type) {
     case Type::Integer:

@@ -7,12 +7,22 @@
 #define CLIENT_SNMP_NETSNMP_TYPES_H
 
 #include <memory>
+#include <mutex>
 
 #include <net-snmp/library/large_fd_set.h>
 #include <net-snmp/net-snmp-config.h>
 #include <net-snmp/net-snmp-includes.h>
 
 namespace snmp {
+
+/**
+ * Returns the lock of the SNMP library, whose functions share error texts and request numbers without protection.
+ * Sessions and receivers hold it during their calls, but not while they wait.
+ */
+inline std::mutex &libraryMutex() {
+    static std::mutex mutex;
+    return mutex;
+}
 
 struct PduDeleter {
     void operator()(netsnmp_pdu *pdu) const {

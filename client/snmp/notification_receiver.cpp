@@ -90,8 +90,13 @@ bool NotificationReceiver::wait(int wakeUp) {
     int limit = wakeUp + 1;
     timeval timeout{};
     int block = 1;
-    snmp_select_info(&limit, &readable, &timeout, &block);
-    if (select(limit, &readable, nullptr, nullptr, block != 0 ? nullptr : &timeout) <= 0) {
+    {
+        const std::lock_guard<std::mutex> lock(libraryMutex());
+        snmp_select_info(&limit, &readable, &timeout, &block);
+    }
+    const int count = select(limit, &readable, nullptr, nullptr, block != 0 ? nullptr : &timeout);
+    const std::lock_guard<std::mutex> lock(libraryMutex());
+    if (count <= 0) {
         snmp_timeout();
         return true;
     }

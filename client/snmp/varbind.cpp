@@ -61,6 +61,10 @@ std::string typeName(Type type) {
     return found != kTypeNames.end() ? found->second : "type " + hexText(std::string(1, static_cast<char>(type)));
 }
 
+bool isDefined(Type type) {
+    return std::any_of(kTypeNames.begin(), kTypeNames.end(), [type](const auto &entry) { return entry.first == type; });
+}
+
 bool hasValue(Type type) {
     return type != Type::Null && type != Type::NoSuchObject && type != Type::NoSuchInstance &&
            type != Type::EndOfMibView;

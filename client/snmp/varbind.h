@@ -52,6 +52,9 @@ Varbind nameOnly(const std::string &oid);
 /** Name of a type in SNMP's own notation, such as "OCTET STRING"; "type" and the tag for an unknown one. */
 std::string typeName(Type type);
 
+/** Tests whether SNMP defines a type. The value of another one is not read. */
+bool isDefined(Type type);
+
 /** Tests whether a type has a value, unlike Null and the exceptions noSuchObject, noSuchInstance and endOfMibView. */
 bool hasValue(Type type);
 

@@ -16,6 +16,7 @@
 #include "commands/trap_text.h"
 #include "host_processes.h"
 #include "object_oids.h"
+#include "parsed_command_line.h"
 #include "run.h"
 #include "security_level.h"
 
@@ -65,25 +66,6 @@ void command(const std::string &host, Report &report) {
 
 std::vector<Outcome> outcomes(const std::vector<std::string> &hosts) {
     return runOnAll(hosts, command);
-}
-
-/** Parses a command line. @return its error, or an empty text */
-std::string complaint(Invocation &invocation, std::vector<std::string> arguments) {
-    const std::unique_ptr<CLI::App> app = commandLine(invocation);
-    std::reverse(arguments.begin(), arguments.end()); // as the library wants them
-    try {
-        app->parse(arguments);
-    } catch (const CLI::ParseError &error) {
-        return errorOf(*app, error);
-    } catch (const std::invalid_argument &error) {
-        return error.what();
-    }
-    return "";
-}
-
-std::string complaint(const std::vector<std::string> &arguments) {
-    Invocation invocation;
-    return complaint(invocation, arguments);
 }
 
 /** Returns the output of a command without a camera. */
@@ -298,7 +280,7 @@ TEST(Program, ACameraIsRequired) {
     std::ostringstream output;
     std::ostringstream errors;
     EXPECT_EQ(run(invocation, input, output, errors, false), ExitCode::Usage);
-    EXPECT_THAT(errors.str(), HasSubstr("ptzctl: no camera given\n  use --host"));
+    EXPECT_THAT(errors.str(), HasSubstr("ptzctl: no camera given\n  use --host, --hosts-file or PTZCTL_HOST"));
 }
 
 TEST(Program, TrapsAreExplained) {

@@ -10,9 +10,11 @@
 #include <stdexcept>
 
 #include "axes.h"
+#include "check/command.h"
 #include "commands/move.h"
 #include "commands/set.h"
 #include "commands/show.h"
+#include "hosts_file.h"
 #include "object_table.h"
 #include "octets_text.h"
 #include "oid_text.h"
@@ -25,6 +27,10 @@ constexpr const char *kFooter =
     "Exit status: 0 success, 1 refused or not carried out by the camera, 2 usage error, 3 no answer, 4 several cameras "
     "with different "
     "outcomes, 5 bad answer or local error, such as unwritable output.\nManual page: ptzctl(1).";
+constexpr const char *kProbeFooter =
+    "A range is 10 (0 to 10), 10: (from 10), ~:10 (up to 10), 10:20, or @10:20 (not from 10 to 20).\n"
+    "From ptzctl: -H HOST, -C COMMUNITY (-c is --critical here), and -t SECONDS, the time-out of the whole probe, by "
+    "default 10.\nExit status: 0 OK, 1 WARNING, 2 CRITICAL, 3 UNKNOWN, also for wrong usage.";
 constexpr int kMostMilliseconds = 65535;
 constexpr int kMostNumber = 255;
 constexpr double kLongestSeconds = 3600;
@@ -56,7 +62,7 @@ void addAuthentication(CLI::App &app, snmp::Credentials &credentials) {
     };
     add("-v,--snmp-version", credentials.version, "Protocol version", "PTZCTL_SNMP_VERSION")
         ->check(CLI::IsMember({"2c", "3"}));
-    add("-c,--community", credentials.community, "Community, for 2c", "PTZCTL_COMMUNITY");
+    add("-c,-C,--community", credentials.community, "Community, for 2c", "PTZCTL_COMMUNITY");
     add("-u,--user", credentials.user, "User, for 3; passphrases come from the environment or snmp.conf",
         "PTZCTL_USER");
     add("-l,--level", credentials.level, "Security level, for 3; by default that of the passphrases", "PTZCTL_LEVEL")
@@ -68,10 +74,13 @@ void addAuthentication(CLI::App &app, snmp::Credentials &credentials) {
 }
 
 void addOptions(CLI::App &app, Invocation &invocation, const SharedArguments &arguments) {
-    app.set_version_flag("--version", std::string("ptzctl ") + PTZCTL_VERSION);
+    app.set_version_flag("-V,--version", std::string("ptzctl ") + PTZCTL_VERSION);
     app.add_option("-H,--host", invocation.hosts, "Camera as HOST or HOST:PORT; repeatable, or a list with commas")
         ->delimiter(',')
         ->envname("PTZCTL_HOST");
+    app.add_option("--hosts-file", invocation.hostLists,
+                   "File with a camera in each line; - for standard input, # for comments")
+        ->type_name("FILE");
     app.add_option("-s,--speed", arguments->speed, "Speed of a move: 1 to 127, or 1% to 100%")->capture_default_str();
     app.add_flag("-j,--json", invocation.json, "Print JSON");
     app.add_flag("!--no-before", invocation.settings.readsBefore, "Send a command without reading anything before it");
@@ -300,6 +309,63 @@ void addWatching(CLI::App &app, Invocation &invocation) {
     traps->callback([&invocation] { invocation.receives = true; });
 }
 
+State unreadableState(const std::string &name) {
+    if (name != "unknown" && name != "critical") {
+        throw std::invalid_argument("--unreadable: '" + name + "' is neither unknown nor critical");
+    }
+    return name == "unknown" ? State::Unknown : State::Critical;
+}
+
+void addProbe(CLI::App &app, Invocation &invocation) {
+    CLI::App *command = app.add_subcommand("probe", "Report the state of a camera as a monitoring plugin");
+    const auto expected = std::make_shared<Expectations>();
+    const auto add = [&](const char *names, const char *help, const char *type,
+                         const std::function<void(const std::string &)> &use) {
+        return command->add_option_function<std::string>(names, use, help)->type_name(type);
+    };
+    add("-w,--warning", "Temperatures without a warning, in degrees Celsius", "RANGE",
+        [=](const std::string &text) { expected->warning = parseRange(text); });
+    add("-c,--critical", "Temperatures that are not critical", "RANGE",
+        [=](const std::string &text) { expected->critical = parseRange(text); });
+    command->add_option("--power", expected->power, "Expected state of the power supply; another one is critical");
+    command->add_option("--voltage", expected->voltage, "Expected state of the voltage; another one is critical");
+    command
+        ->add_option_function<std::vector<std::string>>(
+            "--input",
+            [=](const std::vector<std::string> &texts) {
+                for (const std::string &text : texts) {
+                    expectInput(*expected, text);
+                }
+            },
+            "Expected state of an input; another one is critical")
+        ->delimiter(',')
+        ->type_name("N=on|off");
+    add("--unreadable",
+        "State without an answer, and for values that cannot be read: unknown, the default, or critical", "STATE",
+        [=](const std::string &name) { expected->unreadable = unreadableState(name); });
+    command->footer(kProbeFooter);
+    command->callback([=, &app, &invocation] {
+        invocation.expectations = *expected;
+        if (app.get_option("--timeout")->count() == 0) {
+            invocation.timeoutSeconds = kProbeSeconds;
+        }
+    });
+}
+
+/** Reads the files of hosts. They take precedence over the environment, as all options do. */
+void readHostLists(const CLI::App &app, Invocation &invocation) {
+    if (invocation.hostLists.empty()) {
+        return;
+    }
+    const std::vector<CLI::Option *> &given = app.parse_order();
+    if (std::find(given.begin(), given.end(), app.get_option("--host")) == given.end()) {
+        invocation.hosts.clear();
+    }
+    for (const std::string &path : invocation.hostLists) {
+        addHostsOfFile(path, invocation.hosts);
+    }
+}
+
 } // namespace
 
 int speedOf(const std::string &text) {
@@ -339,6 +405,9 @@ std::unique_ptr<CLI::App> commandLine(Invocation &invocation) {
     addObjects(*app, invocation, arguments);
     addOctets(*app, invocation, arguments);
     addWatching(*app, invocation);
+    check::addCheck(*app, invocation);
+    addProbe(*app, invocation);
+    app->final_callback([parser = app.get(), &invocation] { readHostLists(*parser, invocation); });
     return app;
 }
 

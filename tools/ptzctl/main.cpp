@@ -11,9 +11,21 @@
 
 #include "command_line.h"
 #include "output.h"
+#include "probe/run_probe.h"
 #include "run.h"
 
 namespace {
+
+/** Probes cameras. An error of this machine is an unknown state, too. */
+int probe(const ptzctl::Invocation &invocation) {
+    ptzctl::State state = ptzctl::State::Unknown;
+    try {
+        state = ptzctl::runProbe(invocation, std::cout);
+    } catch (const std::exception &error) {
+        std::cerr << "ptzctl: " << error.what() << '\n';
+    }
+    return static_cast<int>(state);
+}
 
 int readAndRun(int argc, char **argv) {
     ptzctl::Invocation invocation;
@@ -27,12 +39,22 @@ int readAndRun(int argc, char **argv) {
             ptzctl::requireWritten(std::cout);
             return static_cast<int>(ptzctl::ExitCode::Done);
         }
+        if (app->got_subcommand("probe")) {
+            return static_cast<int>(ptzctl::reportProbeError(ptzctl::errorOf(*app, error), std::cout));
+        }
         std::cerr << "ptzctl: " << ptzctl::errorOf(*app, error) << "\n  run with --help for more information\n";
         return static_cast<int>(ptzctl::ExitCode::Usage);
     } catch (const std::invalid_argument &error) {
+        if (app->got_subcommand("probe")) {
+            return static_cast<int>(ptzctl::reportProbeError(error.what(), std::cout));
+        }
         std::cerr << "ptzctl: " << error.what() << '\n';
         return static_cast<int>(ptzctl::ExitCode::Usage);
     }
+    if (invocation.expectations) {
+        return probe(invocation);
+    }
+    invocation.showsProgress = isatty(STDERR_FILENO) == 1;
     const bool terminal = isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1;
     return static_cast<int>(ptzctl::run(invocation, std::cin, std::cout, std::cerr, terminal));
 }

@@ -2,7 +2,9 @@
 #include "outcome.h"
 
 #include <algorithm>
+#include <array>
 #include <stdexcept>
+#include <utility>
 
 namespace ptzctl {
 
@@ -63,6 +65,26 @@ std::string outcomesText(const std::vector<std::string> &hosts, const std::vecto
         }
     }
     return text;
+}
+
+std::string summaryText(const std::vector<Outcome> &outcomes) {
+    constexpr std::array<std::pair<ExitCode, const char *>, 6> kWords = {{{ExitCode::Done, "done"},
+                                                                          {ExitCode::Refused, "failed"},
+                                                                          {ExitCode::SomeFailed, "failed in part"},
+                                                                          {ExitCode::NoAnswer, "no answer"},
+                                                                          {ExitCode::Usage, "wrong usage"},
+                                                                          {ExitCode::BadResponse, "error"}}};
+    std::string text = std::to_string(outcomes.size()) + (outcomes.size() == 1 ? " camera" : " cameras");
+    const char *separator = ": ";
+    for (const auto &[code, word] : kWords) {
+        const auto count = std::count_if(outcomes.begin(), outcomes.end(),
+                                         [code = code](const Outcome &outcome) { return outcome.code == code; });
+        if (count != 0) {
+            text += separator + std::to_string(count) + " " + word;
+            separator = ", ";
+        }
+    }
+    return text + "\n";
 }
 
 std::string errorText(const std::string &host, const Outcome &outcome) {

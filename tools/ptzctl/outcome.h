@@ -33,6 +33,9 @@ ExitCode overallCode(const std::vector<Outcome> &outcomes);
 std::string outcomesText(const std::vector<std::string> &hosts, const std::vector<Outcome> &outcomes,
                          const Style &style);
 
+/** Counts the outcomes in a line, such as "3 cameras: 2 done, 1 no answer". */
+std::string summaryText(const std::vector<Outcome> &outcomes);
+
 /** Writes an error and its advice as one or two lines. @param host empty for a command without a camera */
 std::string errorText(const std::string &host, const Outcome &outcome);
 

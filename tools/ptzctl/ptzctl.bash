@@ -5,7 +5,7 @@
 _ptzctl_words() {
     local axis places
     cat <<'WORDS'
-: status pan tilt zoom focus iris stop auto relay preset inputs limits timeouts reboot get set encode decode watch traps
+: status pan tilt zoom focus iris stop auto relay preset inputs limits timeouts reboot get set encode decode watch traps check probe
 stop: pan tilt zoom focus iris all
 auto: focus iris
 auto focus: on off
@@ -29,6 +29,11 @@ _ptzctl_own_options() {
     get) echo '--list' ;;
     watch) echo '--interval --count' ;;
     traps) echo '--count --engine' ;;
+    check)
+        echo '--writes --moves --preset --disruptive -y --yes --read-community --ask --camera --rule --skip
+            --list-rules --junit --html'
+        ;;
+    probe) echo '-w --warning --critical --power --voltage --input --unreadable' ;;
     esac
 }
 
@@ -38,17 +43,25 @@ _ptzctl_values() {
     --byte-order) echo 'low high' ;;
     -v | --snmp-version) echo '2c 3' ;;
     -l | --level) echo 'noAuthNoPriv authNoPriv authPriv' ;;
-    -H | --host | -s | --speed | -t | --timeout | -c | --community | -u | --user | -a | --auth | -x | --privacy | \
-        --interval | --count | --engine) ;;
+    --unreadable) echo 'unknown critical' ;;
+    -H | --host | --hosts-file | -s | --speed | -t | --timeout | -c | -C | --community | -u | --user | -a | --auth | -x | --privacy | \
+        --interval | --count | --engine | --preset | --read-community | --camera | --junit | --html | \
+        -w | --warning | --critical | --power | --voltage | --input) ;;
+    --rule | --skip) "${COMP_WORDS[0]}" check --list-rules 2>/dev/null | sed 1d | cut -d ' ' -f 1 ;;
+    --disruptive) "${COMP_WORDS[0]}" check --list-rules 2>/dev/null | sed -n 's/^\([^ ]*\)  *disruptive .*/\1/p' ;;
     *) return 1 ;;
     esac
 }
 
 _ptzctl() {
     local word=${COMP_WORDS[COMP_CWORD]} path='' values index
-    local options='-H --host -s --speed -j --json --no-before --verbose -t --timeout --byte-order -v --snmp-version -c --community
-        -u --user -l --level -a --auth -x --privacy -h --help --version'
+    local options='-H --host --hosts-file -s --speed -j --json --no-before --verbose -t --timeout --byte-order -v --snmp-version -c -C --community
+        -u --user -l --level -a --auth -x --privacy -h --help -V --version'
     COMPREPLY=()
+    if [[ ${COMP_WORDS[COMP_CWORD - 1]} == --hosts-file ]]; then
+        mapfile -t COMPREPLY < <(compgen -f -- "$word")
+        return
+    fi
     if values=$(_ptzctl_values "${COMP_WORDS[COMP_CWORD - 1]}"); then
         mapfile -t COMPREPLY < <(compgen -W "$values" -- "$word")
         return

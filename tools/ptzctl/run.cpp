@@ -8,9 +8,11 @@
 #include "commands/traps.h"
 #include "host_processes.h"
 #include "output.h"
+#include "progress.h"
 #include "screen.h"
 #include "session.h"
 #include "signal_wait.h"
+#include "sources_of_credentials.h"
 
 namespace ptzctl {
 
@@ -18,28 +20,40 @@ namespace {
 
 constexpr const char *kClearScreen = "\033[H\033[2J";
 
-constexpr const char *kCredentials =
-    "use --community or --user, PTZCTL_COMMUNITY or PTZCTL_USER, or defCommunity or defSecurityName in "
-    "~/.snmp/snmp.conf";
-constexpr const char *kPassphrases = "passphrases have at least 8 characters and come from PTZCTL_AUTH_PASSPHRASE and "
-                                     "PTZCTL_PRIVACY_PASSPHRASE, or from "
-                                     "defAuthPassphrase and defPrivPassphrase in snmp.conf";
-
-std::vector<Outcome> runAction(const Invocation &invocation) {
+std::vector<Outcome> runAction(const Invocation &invocation, const Supervision &supervision = {}) {
     const auto timeout =
         std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::duration<double>(invocation.timeoutSeconds));
-    return runOnAll(invocation.hosts, [&](const std::string &host, Report &report) {
-        snmp::startLibrary(kProgram, invocation.credentials, kCredentials);
-        snmp::Session session({host, timeout, kPassphrases});
+    const auto command = [&](const std::string &host, Report &report) {
+        snmp::startLibrary(kProgram, invocation.credentials, kSourcesOfCredentials);
+        const snmp::SessionOptions options = {host, timeout, kSourcesOfPassphrases};
+        if (invocation.sessionAction) {
+            return invocation.sessionAction(options, report);
+        }
+        snmp::Session session(options);
         Context context{session, invocation.settings, report};
         invocation.action(context);
-    });
+    };
+    return runOnAll(invocation.hosts, command, supervision);
+}
+
+/** Runs the action with a line of progress on a terminal. */
+std::vector<Outcome> runWithProgress(const Invocation &invocation, std::ostream &errors) {
+    constexpr std::size_t kFewCameras = 10;
+    Supervision supervision;
+    supervision.passesSignals = invocation.endsChildrenGently;
+    if (!invocation.showsProgress || invocation.hosts.size() <= kFewCameras) {
+        return runAction(invocation, supervision);
+    }
+    Progress progress(errors, invocation.hosts.size());
+    supervision.ended = [&progress](const Outcome &outcome) { progress.add(outcome); };
+    return runAction(invocation, supervision);
 }
 
 /** Writes outcomes as text or as JSON, with a final line break. */
 std::string outputOf(const Invocation &invocation, const std::vector<Outcome> &outcomes) {
     if (!invocation.json) {
-        return outcomesText(invocation.hosts, outcomes, invocation.settings.style);
+        return outcomesText(invocation.hosts, outcomes, invocation.settings.style) +
+               (outcomes.size() > 1 ? "\n" + summaryText(outcomes) : "");
     }
     // Repeated output is one line each time, so that a program can read it line by line.
     constexpr auto kReplace = nlohmann::ordered_json::error_handler_t::replace;
@@ -101,7 +115,7 @@ bool confirm(const Invocation &invocation, std::istream &input, std::ostream &er
 ExitCode runOnCameras(const Invocation &invocation, std::istream &input, std::ostream &output, std::ostream &errors,
                       bool terminal) {
     if (invocation.hosts.empty()) {
-        errors << "ptzctl: no camera given\n  use --host or PTZCTL_HOST\n";
+        errors << "ptzctl: no camera given\n  use --host, --hosts-file or PTZCTL_HOST\n";
         return ExitCode::Usage;
     }
     if (!confirm(invocation, input, errors, terminal)) {
@@ -111,9 +125,12 @@ ExitCode runOnCameras(const Invocation &invocation, std::istream &input, std::os
         return watch(invocation, output, errors, terminal);
     }
     output << std::flush;
-    const std::vector<Outcome> outcomes = runAction(invocation);
+    const std::vector<Outcome> outcomes = runWithProgress(invocation, errors);
     output << outputOf(invocation, outcomes) << std::flush;
     errors << errorsText(invocation.hosts, outcomes);
+    if (invocation.afterwards) {
+        invocation.afterwards(outcomes);
+    }
     return overallCode(outcomes);
 }
 

@@ -11,7 +11,7 @@
 
 namespace ptzctl {
 
-/** Catches SIGINT and SIGTERM during its lifetime. Child processes are not protected from them. */
+/** Catches SIGINT, SIGTERM and SIGHUP during its lifetime. Child processes are not protected from them. */
 class SignalWait {
 public:
     /** @throws std::system_error */
@@ -23,6 +23,14 @@ public:
     /** Waits for one of the signals. @return whether one has arrived within the time */
     bool waitFor(std::chrono::milliseconds time) const;
 
+    /** Takes a signal that has arrived. @return whether there was one */
+    bool take() const;
+
+    /** Tests whether take() has taken one. */
+    bool hasTaken() const {
+        return hasTaken_;
+    }
+
     /** A descriptor that is readable once a signal has arrived. */
     int descriptor() const {
         return descriptor_;
@@ -31,6 +39,7 @@ public:
 private:
     sigset_t before_{};
     int descriptor_;
+    mutable bool hasTaken_ = false;
 };
 
 } // namespace ptzctl

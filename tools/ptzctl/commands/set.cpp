@@ -156,8 +156,12 @@ void writeAndShowResponse(Context &context, const Assignment &assignment) {
     const ptz::Written written =
         ptz::writeAll(context.camera, {assignment}, ptz::Delivery{context.settings.readsBefore, 1});
     const Accepted accepted = {{assignment}, written.before};
-    const std::vector<Reading> after = {{assignment.instance, written.answered.front(), "", false}};
+    const std::vector<Reading> &after = written.answered;
     report(context, accepted, after);
+    if (!after.front().ok()) {
+        throw Failure(Cause::BadResponse, after.front().instance.name + ": " + after.front().problem,
+                      "the camera may have carried out the command");
+    }
     if (const std::optional<Failure> failure = deviation(context, accepted, after)) {
         throw Failure(*failure);
     }

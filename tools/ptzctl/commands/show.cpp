@@ -8,6 +8,7 @@
 #include "camera_requests.h"
 #include "failure.h"
 #include "object_oids.h"
+#include "switches.h"
 #include "value_text.h"
 
 namespace ptzctl {
@@ -30,16 +31,6 @@ struct Line {
     const char *label;
     std::vector<Part> parts;
 };
-
-/** Inputs or relays: a column with one row each, or an object with one bit each. */
-struct Switches {
-    const char *label;
-    const char *column;
-    const char *bits;
-};
-
-constexpr Switches kInputs = {"Inputs", oids::alarmStatesState, oids::inputStatus};
-constexpr Switches kRelays = {"Relays", oids::relayStatesState, oids::outputStatus};
 
 const std::vector<Line> &statusLines() {
     static const std::vector<Line> lines = {
@@ -121,16 +112,6 @@ void addLines(Context &context, const std::vector<Line> &lines, Rows &rows) {
     }
 }
 
-/** Reads the states of inputs or relays from the column or, without one, from the bits. */
-std::vector<Reading> readSwitches(Context &context, const Switches &switches) {
-    std::vector<Reading> rows = ptz::readColumn(context.camera, switches.column);
-    if (!rows.empty()) {
-        return rows;
-    }
-    Reading bits = ptz::read(context.camera, ptz::instanceAt(switches.bits));
-    return bits.missing ? std::vector<Reading>() : std::vector<Reading>{std::move(bits)};
-}
-
 std::string switchText(const Reading &reading, std::size_t number, const Settings &settings) {
     const std::string state = readingText(reading, settings);
     const bool isBits = reading.value.type == snmp::Type::Octets;
@@ -141,7 +122,7 @@ std::string switchText(const Reading &reading, std::size_t number, const Setting
 void addSwitches(Context &context, const Switches &switches, Rows &rows) {
     std::string text;
     std::size_t number = 0;
-    for (const Reading &reading : readSwitches(context, switches)) {
+    for (const Reading &reading : readSwitches(context.camera, switches)) {
         text += (text.empty() ? "" : ", ") + switchText(reading, ++number, context.settings);
         context.report.data[reading.instance.name] = readingJson(reading, context.settings);
     }
