@@ -8,6 +8,8 @@
 #include "load_generator.h"
 #include "object_oids.h"
 #include "processors.h"
+#include "report_drain.h"
+#include "settings.h"
 #include "statistics.h"
 #include "suites.h"
 #include "table.h"
@@ -65,6 +67,27 @@ private:
     support::Process subagent_;
 };
 
+/** Agent with the module, and with the one that reports each request to a receiver. */
+class ObservedAgent {
+public:
+    ObservedAgent() : camera_("dome"), drain_(camera_.directory()), agent_(startAgent(options())) {}
+
+    const harness::Agent &operator*() const {
+        return *agent_;
+    }
+
+private:
+    harness::AgentOptions options() const {
+        harness::AgentOptions result = agentOptions(camera_.directory());
+        result.configuration = {"dlmod quarnsnmp_watch " + harness::watchModulePath()};
+        return result;
+    }
+
+    support::Camera camera_;
+    ReportDrain drain_;
+    std::unique_ptr<harness::Agent> agent_;
+};
+
 /** A request to send. */
 struct Load {
     const char *what;
@@ -84,7 +107,7 @@ Message tenVarbinds(const std::vector<std::string> &oids) {
     return getRequest(ten);
 }
 
-std::vector<Load> loads(const harness::Agent &own, const harness::Agent &baseline) {
+std::vector<Load> loads(const harness::Agent &own, const harness::Agent &observed, const harness::Agent &baseline) {
     const std::size_t everything = Manager(own.peer()).bulkWalk(".1.3.6.1.4.1").size();
     return {
         {"GET sysUpTime.0, of the agent itself: the ceiling", getRequest({oids::sysUpTime}), own},
@@ -100,6 +123,9 @@ std::vector<Load> loads(const harness::Agent &own, const harness::Agent &baselin
         {"SET of a cached number, four phases", setRequest(snmp::integer(oids::rangeTrueNorthOffset, 65535)), own},
         {"SET that moves an axis", setRequest(snmp::octetString(oids::positionPan, "\x02\x7F\x50\x46")), own},
         {"GETBULK of all objects of the module", getBulkRequest(".1.3.6.1.4.1", everything), own},
+        {"GET of a cached number, reported to the panel", getRequest({oids::moduleType}), observed},
+        {"SET of a cached number, reported to the panel", setRequest(snmp::integer(oids::rangeTrueNorthOffset, 65535)),
+         observed},
         {"GET, AgentX subagent", getRequest({kSubagentScalar}), baseline},
         {"SET, AgentX subagent", setRequest(snmp::integer(kSubagentScalar, 1)), baseline},
         {"GET, pass_persist script", getRequest({kScriptScalar}), baseline},
@@ -157,9 +183,10 @@ void print(const std::vector<Load> &loads, const std::vector<Figures> &figures, 
 
 void measureRates(const Effort &effort) {
     const CameraAgent own("dome");
+    const ObservedAgent observed;
     const BaselineAgent baseline;
     pinToProcessor(::getpid(), kManagerProcessor);
-    const std::vector<Load> all = loads(*own.agent, *baseline);
+    const std::vector<Load> all = loads(*own.agent, *observed, *baseline);
 
     // Enough requests to keep an agent busy while another process briefly takes the manager's processor.
     constexpr std::size_t kBusy = 64;

@@ -57,8 +57,7 @@ void warn(const std::string &line) {
 }
 
 void runCamera(const Options &options) {
-    camera::CameraDescription description =
-        camera::readCameraFile(camera::findNamedFile("camera", options.camera, camera::shippedDirectory("cameras")));
+    camera::CameraDescription description = camera::readCameraFile(camera::findShippedFile("camera", options.camera));
     camera::CameraModel model(std::move(description.name), std::move(description.description),
                               std::move(description.services));
     std::optional<camera::PresetsFile> presets;

@@ -7,6 +7,8 @@ set(packaging ${CMAKE_CURRENT_SOURCE_DIR}/packaging)
 set(package_of_module quarnsnmp)
 set(package_of_tools quarnsnmp-tools)
 set(package_of_simulator quarnsnmp-simulator)
+set(package_of_panel quarnsnmp-panel)
+set(package_of_rtsp quarnsnmp-rtsp)
 set(CPACK_COMPONENTS_ALL module)
 if(QUARNSNMP_BUILD_TOOLS)
   list(APPEND CPACK_COMPONENTS_ALL tools)
@@ -14,11 +16,21 @@ endif()
 if(QUARNSNMP_BUILD_SIMULATOR)
   list(APPEND CPACK_COMPONENTS_ALL simulator)
 endif()
+if(TARGET quarnsnmp-panel)
+  list(APPEND CPACK_COMPONENTS_ALL panel)
+endif()
+if(TARGET quarnsnmp-rtsp)
+  list(APPEND CPACK_COMPONENTS_ALL rtsp)
+endif()
 
 # Files outside the prefix are part of the packages only. `cmake --install` with another prefix must not write to system
 # directories.
 install(FILES ${packaging}/quarnsnmp/quarnsnmp.conf
   DESTINATION /etc/snmp/snmpd.conf.d COMPONENT module EXCLUDE_FROM_ALL)
+if(QUARNSNMP_BUILD_TOOLS)
+  install(FILES ${CMAKE_CURRENT_SOURCE_DIR}/monitoring/nagios/ptzctl.cfg
+    DESTINATION /etc/nagios-plugins/config COMPONENT tools EXCLUDE_FROM_ALL)
+endif()
 if(QUARNSNMP_BUILD_SIMULATOR)
   install(FILES ${packaging}/quarnsnmp-simulator/quarnsnmp-camera.service
     DESTINATION /lib/systemd/system COMPONENT simulator EXCLUDE_FROM_ALL)
@@ -27,6 +39,8 @@ if(QUARNSNMP_BUILD_SIMULATOR)
     DESTINATION /lib/systemd/system/snmpd.service.d COMPONENT simulator EXCLUDE_FROM_ALL)
   install(FILES ${packaging}/quarnsnmp-simulator/quarnsnmp-simulator.logrotate RENAME quarnsnmp-simulator
     DESTINATION /etc/logrotate.d COMPONENT simulator EXCLUDE_FROM_ALL)
+  install(FILES ${packaging}/quarnsnmp-simulator/quarnsnmp-watch.conf
+    DESTINATION /etc/snmp/snmpd.conf.d COMPONENT simulator EXCLUDE_FROM_ALL)
 endif()
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/quarnsnmp COMPONENT module EXCLUDE_FROM_ALL
   FILES_MATCHING PATTERN "*.md" PATTERN decisions EXCLUDE PATTERN releasing.md EXCLUDE)
@@ -42,7 +56,8 @@ Traps report changes.
 
 The module controls the camera through its library libzorva-core.so, which is
 part of the camera's software. On other machines, quarnsnmp-simulator provides
-a stand-in for the library and a simulated camera.
+a stand-in for the library and a simulated camera. quarnsnmp-core-check checks
+whether a camera's library does what the module needs.
 
 The installation does not change the agent. To enable the module, edit
 /etc/snmp/snmpd.conf.d/quarnsnmp.conf.]])
@@ -52,7 +67,8 @@ set(CPACK_DEBIAN_MODULE_PACKAGE_SUGGESTS "quarnsnmp-tools, quarnsnmp-simulator")
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION [[control PTZ cameras over SNMP from the command line
 ptzctl moves cameras with the SNMP objects of NTCIP 1205, reads their identity
 and state, and explains the values that it reads and writes. It controls
-several cameras at a time, with SNMPv2c and SNMPv3.
+several cameras at a time, with SNMPv2c and SNMPv3. As a plugin of Nagios or
+Icinga, it reports the state of a camera.
 
 The package also contains the MIB modules of the camera. With them, the
 programs of the package snmp and other managers show names instead of numbers.]])
@@ -68,7 +84,23 @@ camera, because the stand-in takes precedence over the camera's own library.
 
 The package installs quarnsnmp-camera.service, but does not enable it.]])
 set(CPACK_DEBIAN_SIMULATOR_PACKAGE_RECOMMENDS "quarnsnmp")
-set(CPACK_DEBIAN_SIMULATOR_PACKAGE_SUGGESTS "quarnsnmp-tools")
+set(CPACK_DEBIAN_SIMULATOR_PACKAGE_SUGGESTS "quarnsnmp-tools, quarnsnmp-panel, quarnsnmp-rtsp")
+set(CPACK_DEBIAN_PANEL_DESCRIPTION [[picture and browser page of a simulated PTZ camera
+quarnsnmp-panel draws what a camera of quarnsnmp-simulator sees, and serves a
+page for browsers. The page moves the camera over SNMP and explains each
+request, shows all requests that reach the agent, and changes the state of the
+simulated camera. The picture is also available as a video stream.
+
+The page is available on this machine only, unless an option says otherwise.]])
+set(CPACK_DEBIAN_PANEL_PACKAGE_DEPENDS "fonts-dejavu-core")
+set(CPACK_DEBIAN_PANEL_PACKAGE_RECOMMENDS "quarnsnmp-simulator")
+set(CPACK_DEBIAN_PANEL_PACKAGE_SUGGESTS "quarnsnmp-rtsp")
+set(CPACK_DEBIAN_RTSP_DESCRIPTION [[RTSP streams of a simulated PTZ camera
+quarnsnmp-rtsp offers the picture of quarnsnmp-panel to video systems, in H.264
+and as JPEG pictures, over TCP and UDP. It encodes only while clients watch.]])
+set(CPACK_DEBIAN_RTSP_PACKAGE_DEPENDS
+  "gstreamer1.0-plugins-base, gstreamer1.0-plugins-good, gstreamer1.0-plugins-bad")
+set(CPACK_DEBIAN_RTSP_PACKAGE_RECOMMENDS "quarnsnmp-simulator")
 
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   string(TOUPPER ${component} key)

@@ -179,8 +179,7 @@ void checkScenario(camera::Scenario &scenario, const std::string &directory) {
 
 int playScenario(const Request &request) {
     using Clock = std::chrono::steady_clock;
-    camera::Scenario scenario = camera::readScenarioFile(
-        camera::findNamedFile("scenario", request.scenario, camera::shippedDirectory("scenarios")));
+    camera::Scenario scenario = camera::readScenarioFile(camera::findShippedFile("scenario", request.scenario));
     checkScenario(scenario, request.directory);
     camera::ControlClient client(request.directory);
     std::cout << camera::visible(scenario.name + ": " + scenario.description) << std::endl;

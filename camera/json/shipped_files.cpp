@@ -10,6 +10,14 @@
 
 namespace camera {
 
+namespace {
+
+bool isPath(const std::string &nameOrPath) {
+    return nameOrPath.find('/') != std::string::npos || std::filesystem::path(nameOrPath).extension() == ".json";
+}
+
+} // namespace
+
 std::vector<NamedFile> namedFiles(const std::string &directory) {
     std::vector<NamedFile> files;
     std::error_code error;
@@ -24,7 +32,7 @@ std::vector<NamedFile> namedFiles(const std::string &directory) {
 }
 
 std::string findNamedFile(const std::string &kind, const std::string &nameOrPath, const std::string &directory) {
-    if (nameOrPath.find('/') != std::string::npos || std::filesystem::path(nameOrPath).extension() == ".json") {
+    if (isPath(nameOrPath)) {
         return nameOrPath;
     }
     std::vector<std::string> names;
@@ -37,10 +45,18 @@ std::string findNamedFile(const std::string &kind, const std::string &nameOrPath
     throw FileError("no " + kind + " '" + nameOrPath + "' in " + directory + "; available: " + listed(names));
 }
 
-std::string shippedDirectory(const std::string &kind) {
+std::string shippedDirectory(const std::string &kind, const std::string &programLink) {
     std::error_code error;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    const std::filesystem::path program = std::filesystem::read_symlink(programLink, error);
+    if (error) {
+        throw FileError("cannot find the directory of the " + kind + ", because " + programLink +
+                        " is unreadable: " + error.message() + "; mount /proc, or give the path of a file");
+    }
     return (program.parent_path().parent_path() / "share/quarnsnmp" / kind).string();
+}
+
+std::string findShippedFile(const std::string &kind, const std::string &nameOrPath, const std::string &programLink) {
+    return isPath(nameOrPath) ? nameOrPath : findNamedFile(kind, nameOrPath, shippedDirectory(kind + "s", programLink));
 }
 
 } // namespace camera

@@ -31,9 +31,15 @@ std::string findNamedFile(const std::string &kind, const std::string &nameOrPath
 /**
  * Returns the directory of the files that come with the running program. Its place relative to the program is the same
  * in the build tree and after installation.
- * @param kind  name of the subdirectory, such as "cameras"
+ * @param kind         name of the subdirectory, such as "cameras"
+ * @param programLink  the kernel's link to the program
+ * @throws FileError when the link is unreadable, as without /proc
  */
-std::string shippedDirectory(const std::string &kind);
+std::string shippedDirectory(const std::string &kind, const std::string &programLink = "/proc/self/exe");
+
+/** Resolves a command-line value like findNamedFile(), with the files that come with the program. @throws FileError */
+std::string findShippedFile(const std::string &kind, const std::string &nameOrPath,
+                            const std::string &programLink = "/proc/self/exe");
 
 } // namespace camera
 

@@ -151,6 +151,14 @@ TEST(CameraFiles, AreFoundByNameOrPath) {
               test::errorOf([] { findNamedFile("camera", "dome", "/nowhere"); }));
 }
 
+TEST(CameraFiles, WithoutTheKernelsLinkToTheProgramAreFoundByPathOnly) {
+    EXPECT_EQ(
+        "cannot find the directory of the cameras, because /nowhere/exe is unreadable: No such file or directory; "
+        "mount /proc, or give the path of a file",
+        test::errorOf([] { findShippedFile("camera", "dome", "/nowhere/exe"); }));
+    EXPECT_EQ("./dome.json", findShippedFile("camera", "./dome.json", "/nowhere/exe"));
+}
+
 TEST(ShippedCameras, HaveTheirServices) {
     using testing::ElementsAre;
     EXPECT_THAT(test::shippedCamera("dome")->serviceNames(),

@@ -4,7 +4,7 @@
 set -euo pipefail
 
 corpus=$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")/corpus
-mkdir -p -- "$corpus"/{pdu,set-phase,camera-protocol}
+mkdir -p -- "$corpus"/{pdu,set-phase,camera-protocol,scene-file,response}
 
 # Usage: octets FUZZER NAME HEXADECIMAL-OCTET...
 octets() {
@@ -176,3 +176,48 @@ END
     echo 'control {"command":"follow"}'
     echo "relay [\"set_state_send\",\"relay/1\",$(printf '[%.0s' {1..450})$(printf ']%.0s' {1..450})]"
 } | lines nesting
+
+# Usage: scene NAME MEMBER...: a scene file with these members
+scene() {
+    local name=$1 member
+    shift
+    {
+        printf '{"name": "yard", "camera": {"height": 9}'
+        for member in "$@"; do
+            printf ', %s' "$member"
+        done
+        printf '}\n'
+    } >"$corpus/scene-file/$name"
+}
+
+scene ground '"ground": "earth"' '"skyline": {"seed": 3, "density": 0.5}' \
+    '"surfaces": [{"kind": "asphalt", "points": [[-9, 0], [9, 0], [9, 60]]}, {"kind": "sidewalk", "points": [[1, 1], [9, 1], [9, 9]]}]' \
+    '"lines": [{"points": [[0, 5], [0, 50]], "width": 0.15, "dash": 3, "gap": 9, "color": "yellow"}]' \
+    '"crosswalks": [{"from": [-5, 9], "to": [5, 9], "width": 3}]' \
+    '"arrows": [{"at": [0, 20], "bearing": 10, "kind": "throughLeft"}]' \
+    '"paintedTexts": [{"at": [2, 20], "bearing": 0, "text": "BUS"}]'
+scene objects '"skyline": {"density": 0}' \
+    '"buildings": [{"at": [0, 30], "width": 9, "depth": 8, "color": "#b04a3c", "windows": "shop", "sign": "BAR", "roof": "gable"}]' \
+    '"trees": [{"at": [4, 9], "height": 6, "kind": "conifer"}, {"at": [-4, 9]}, {"at": [0, 0], "kind": "bush"}]' \
+    '"streetLights": [{"at": [3, 3], "bearing": 90, "relay": 1}]' \
+    '"signs": [{"at": [5, 9], "bearing": 200, "kind": "billboard", "text": "Fair", "width": 5}]' \
+    '"cabinets": [{"at": [-2, 6], "bearing": 180, "input": 1}]' '"lamps": [{"at": [2, 6], "relay": 1}]' \
+    '"beacons": [{"bearing": 77, "distance": 20, "height": 9, "color": "#ff0000", "label": "77"}]'
+scene traffic '"skyline": {"density": 0}' \
+    '"signalCycle": [{"green": ["a"], "seconds": 9, "yellow": 3, "red": 1}]' \
+    '"signalPoles": [{"at": [5, 20], "bearing": 270, "arm": 6, "street": "Main", "heads": [{"offset": 3, "bearing": 180, "group": "a", "arrow": true}]}]' \
+    '"lanes": [{"points": [[2, -50], [2, 15]], "ways": [{"points": [[2, 25], [90, 25]]}, {"points": [[2, 90]]}], "group": "a", "every": 3}]' \
+    '"walks": [{"points": [[-5, 16], [5, 16]], "group": "a", "every": 5}]' \
+    '"parked": [{"at": [-6, 9], "bearing": 45, "kind": "truck", "color": "#404040"}]'
+scene empty
+scene wrong '"trees": [{"at": [1e400, null]}]' '"name": "twice"'
+
+# Responses to the client: a choice of the command, then responses.
+# A message with sysUpTime.0, TimeTicks 5.
+octets response message 00 00 2c 30 2a 02 01 01 04 06 70 75 62 6c 69 63 a2 1d 02 01 01 02 01 00 02 01 00 30 12 30 10 \
+    06 08 2b 06 01 02 01 01 03 00 43 04 00 00 00 05
+# Values with types, numbers and octets: a Gauge32, a text, an Opaque float.
+octets response values 00 01 42 01 1f 00 04 00 03 61 1b 62 44 00 07 9f 78 04 42 28 00 00
+octets response error 00 02 01 05 01 63
+octets response rows 01 03 01 02 01 01 00 03 02 02 01 00 00 03 02 02 01 00 00
+octets response write 02 01 02 01 05 00

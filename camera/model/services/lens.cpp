@@ -194,6 +194,8 @@ const Definition<ZoomStepper> &ZoomStepper::definition() {
     static const Definition<ZoomStepper> definition = [] {
         Fields<ZoomStepper> fields;
         addBase(fields, stepperFields());
+        fields.push_back(fieldOfViewField(&ZoomStepper::fieldOfView));
+        fields.push_back(integerField("magnification", &ZoomStepper::magnification, kNoMagnification));
         return Definition<ZoomStepper>{
             "zoom_stepper",
             fields,

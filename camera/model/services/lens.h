@@ -7,6 +7,7 @@
 #define QUARNSNMP_CAMERA_LENS_H
 
 #include "auto_focus.h"
+#include "optics.h"
 
 namespace camera {
 
@@ -20,6 +21,9 @@ struct FocusStepper : StepperMotor, AutoFocus {
 
 /** Target of `zoom_stepper`. */
 struct ZoomStepper : StepperMotor {
+    std::int32_t fieldOfView = kUsualFieldOfView;     ///< horizontal, at `minimum`, in millidegrees
+    std::int32_t magnification = kUsualMagnification; ///< at `maximum`, in deciX
+
     static const Definition<ZoomStepper> &definition();
 };
 

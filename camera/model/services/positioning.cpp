@@ -26,6 +26,7 @@ Fields<Positioning> positioningFields() {
         addPart(fields, kAxisKeys.at(i), kAxes.at(i), axisFields());
     }
     addPart(fields, "digitalZoom", &Positioning::digitalZoom, digitalZoomFields);
+    fields.push_back(fieldOfViewField(&Positioning::fieldOfView));
     fields.push_back(integerField("velocityCommandTimeout", &Positioning::velocityCommandTimeout));
     fields.push_back(readOnlyField<Positioning>("velocityTimeout", "an integer",
                                                 [](const Positioning &state) { return state.velocityTimeout; }));

@@ -9,6 +9,7 @@
 #include <array>
 
 #include "axis.h"
+#include "optics.h"
 #include "service.h"
 
 namespace camera {
@@ -29,9 +30,10 @@ struct Positioning {
     Axis tilt;
     Axis zoom;
     DigitalZoom digitalZoom;
-    std::uint32_t velocityCommandTimeout = 0; ///< in milliseconds; 0 for none
-    std::uint32_t velocityTimeout = kEndless; ///< of the last velocity command, in milliseconds
-    bool respectPriorities = false;           ///< refuses commands less urgent than the present move
+    std::int32_t fieldOfView = kUsualFieldOfView; ///< horizontal, at a magnification of 1, in millidegrees
+    std::uint32_t velocityCommandTimeout = 0;     ///< in milliseconds; 0 for none
+    std::uint32_t velocityTimeout = kEndless;     ///< of the last velocity command, in milliseconds
+    bool respectPriorities = false;               ///< refuses commands less urgent than the present move
 
     static const Definition<Positioning> &definition();
 };
