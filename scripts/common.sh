@@ -31,17 +31,30 @@ build_preset() {
         env --chdir="$root" "$@" cmake --build --preset "$preset"
 }
 
-# Tests whether a UDP port is in use, on any local address. Usage: udp_port_in_use PORT
-udp_port_in_use() {
-    local suffix table address
+# Tests whether a port is in use, on any local address. Usage: port_in_use PORT STATES TABLE...
+# STATES is a pattern for the states of sockets that use a port.
+port_in_use() {
+    local suffix states=$2 table address state
     printf -v suffix ':%04X' "$1"
-    for table in /proc/net/udp /proc/net/udp6; do
+    shift 2
+    for table in "$@"; do
         [[ -r $table ]] || continue
-        while read -r _ address _; do
-            if [[ $address == *"$suffix" ]]; then
+        while read -r _ address _ state _; do
+            # shellcheck disable=SC2053 # the states are a pattern
+            if [[ $address == *"$suffix" && $state == $states ]]; then
                 return 0
             fi
         done <"$table"
     done
     return 1
+}
+
+# Usage: udp_port_in_use PORT
+udp_port_in_use() {
+    port_in_use "$1" '*' /proc/net/udp /proc/net/udp6
+}
+
+# Tests whether a program listens at a TCP port. Usage: tcp_port_in_use PORT
+tcp_port_in_use() {
+    port_in_use "$1" 0A /proc/net/tcp /proc/net/tcp6
 }

@@ -25,7 +25,7 @@ if [[ $(dpkg --print-architecture) != amd64 ]]; then
     fail "packages can be built on amd64 only, because the preset 'release' builds for this machine"
 fi
 ensure_packages "$root/build/log/packages.log" \
-    "${run_packages[@]}" "${aarch64_packages[@]}" "${package_packages[@]}"
+    "${run_packages[@]}" "${rtsp_packages[@]}" "${aarch64_packages[@]}" "${package_packages[@]}"
 "$root/scripts/aarch64-sysroot.sh"
 rm -rf -- "$output"
 mkdir -p -- "$output"

@@ -13,6 +13,10 @@ source "$root/scripts/common.sh"
 source "$root/scripts/packages.sh"
 
 names=(quarnsnmp quarnsnmp-tools quarnsnmp-simulator)
+# The panel and the RTSP server show pictures, for which the packages of arm64 have no libraries. The RTSP server needs
+# hundreds of megabytes of them. Their packages are made for amd64 only, and not installed in the root.
+panel=quarnsnmp-panel
+rtsp=quarnsnmp-rtsp
 sysroot=${QUARNSNMP_SYSROOT:-$root/build/aarch64-sysroot}
 work=$root/build/packages-test
 debian=$work/amd64
@@ -92,7 +96,7 @@ test_repetition() {
 
 test_lintian() {
     local debs
-    mapfile -t debs < <(archives amd64 && archives arm64)
+    mapfile -t debs < <(archives amd64 && archives arm64 && archive "$panel" amd64 && archive "$rtsp" amd64)
     lintian --allow-root --fail-on error,warning -- "${debs[@]}" || fail "lintian reports problems; see above"
 }
 
@@ -100,12 +104,31 @@ test_lintian() {
 test_version() {
     local name version
     version=$(sed -n '1s/^quarnsnmp (\([^)]*\)) .*/\1/p' "$root/packaging/changelog")
-    for name in "${names[@]}"; do
+    for name in "${names[@]}" "$panel" "$rtsp"; do
         [[ $(field "$name" amd64 Version) == "$version" ]] ||
             fail "$name is version $(field "$name" amd64 Version), but packaging/changelog starts with '$version'"
         grep -qF "./${name}_${version}_amd64.deb" "$root/docs/install.md" ||
             fail "docs/install.md does not install version $version of $name"
     done
+}
+
+# The panel must have its program and its scene, and depend on the fonts that it draws with.
+test_panel() {
+    local file
+    dependencies "$panel" amd64 | grep -x fonts-dejavu-core >/dev/null || fail "$panel does not depend on its fonts"
+    for file in ./usr/bin/quarnsnmp-panel ./usr/share/quarnsnmp/scenes/intersection.json; do
+        dpkg-deb --fsys-tarfile "$(archive "$panel" amd64)" | tar --list | grep -x "$file" >/dev/null || fail "$panel lacks $file"
+    done
+}
+
+# The RTSP server must depend on the elements of its pipelines, which it loads at run time.
+test_rtsp() {
+    local package
+    for package in gstreamer1.0-plugins-{base,good,bad} libgstrtspserver-1.0-0; do
+        dependencies "$rtsp" amd64 | grep -x "$package" >/dev/null || fail "$rtsp does not depend on $package"
+    done
+    dpkg-deb --fsys-tarfile "$(archive "$rtsp" amd64)" | tar --list | grep -x './usr/bin/quarnsnmp-rtsp' >/dev/null ||
+        fail "$rtsp lacks its program"
 }
 
 # Both architectures must have the same files and dependencies.
@@ -135,7 +158,7 @@ test_arm64() {
             fail "$file is not a program or library for AArch64"
         programs=$((programs + 1))
     done
-    ((programs == 5)) || fail "the packages of arm64 have $programs programs and libraries; expected 5"
+    ((programs == 7)) || fail "the packages of arm64 have $programs programs and libraries; expected 7"
 }
 
 # Creates a Debian root file system with the SNMP programs, logrotate, and the declared dependencies of the packages
@@ -211,7 +234,7 @@ test_installation() {
 # The manuals must describe exactly the options and commands in the help texts of the programs.
 test_manuals() {
     local program
-    for program in quarnsnmp-camera quarnsnmp-camctl; do
+    for program in quarnsnmp-camera quarnsnmp-camctl quarnsnmp-core-check; do
         diff <(help_of "$program" | sort -u) \
             <(zcat -- "$debian/usr/share/man/man1/$program.1.gz" | grep -E '^\.It (Fl|Cm) ' |
                 grep -oE 'Fl -[a-z]+|^\.It Cm [a-z]+' | sed 's/^Fl -/--/; s/.* //' | sort -u) ||
@@ -310,9 +333,58 @@ test_use() {
     inside ptzctl --host "$agent_address" --community private pan to 90 >"$work/ptzctl.log" 2>&1 ||
         fail "ptzctl: $(cat -- "$work/ptzctl.log")"
     await "the pan to 90 degrees" "$work/ptzctl.log" camera_is_at 90000
+    test_core_check
     test_log
     test_rotation
+    test_module_upgrade
     stop_programs
+}
+
+# The check of the core library must pass with the stand-in and the camera, as the agent's user.
+test_core_check() {
+    chroot --userspec=Debian-snmp:Debian-snmp "$debian" \
+        quarnsnmp-core-check /usr/lib/quarnsnmp/libzorva-core.so >"$work/core-check.log" 2>&1 ||
+        fail "quarnsnmp-core-check reports failures, see $work/core-check.log"
+}
+
+# Usage: lines_of TEXT; counts the lines of the agent's log with a text.
+lines_of() {
+    grep -cF -- "$1" "$work/agent.log" || true
+}
+
+# Usage: logs_more TEXT COUNT
+logs_more() {
+    (($(lines_of "$1") > $2))
+}
+
+# Reloads the agent. The module that it loads then must log TEXT at its start, and not that of the former module.
+# Usage: expect_module WHAT FORMER-TEXT TEXT
+expect_module() {
+    local former count
+    [[ $(get modelName.0) == 'QN-4000 Dome' ]] || fail "$1: the agent does not respond before its reload"
+    former=$(lines_of "$2")
+    count=$(lines_of "$3")
+    kill -HUP "$agent_pid"
+    await "$1: the reload" "$work/agent.log" logs_more "$3" "$count"
+    await "$1: a response after the reload" "$work/agent.log" get modelName.0
+    [[ $(lines_of "$2") == "$former" ]] || fail "$1: the agent has loaded the former module again"
+}
+
+# An agent that runs must survive an upgrade of the module and the way back, and serve each module after a reload.
+test_module_upgrade() {
+    local newer=$work/newer-module module='no zorva API focuses' upgraded='NO zorva API focuses'
+    local file=$newer/usr/lib/quarnsnmp/libquarnsnmp_Morvek.so
+    dpkg-deb --raw-extract "$(archive quarnsnmp amd64)" "$newer"
+    sed -i "s/^Version: .*/&+upgrade/" "$newer/DEBIAN/control"
+    LC_ALL=C sed -i "s/$module/$upgraded/g" "$file"
+    run_logged "packing a newer module" "$work/upgrade.log" \
+        dpkg-deb --root-owner-group --build "$newer" "$debian/newer.deb"
+    cp -- "$(archive quarnsnmp amd64)" "$debian/older.deb"
+    run_logged "the upgrade of the module" "$work/upgrade.log" inside dpkg --install /newer.deb
+    expect_module "the upgrade" "$module" "$upgraded"
+    run_logged "the way back" "$work/upgrade.log" inside dpkg --install /older.deb
+    expect_module "the way back" "$upgraded" "$module"
+    rm -r -- "$newer" "$debian/newer.deb" "$debian/older.deb"
 }
 
 # Reading must not fill the log. A refused value shows that the log is on.
@@ -409,6 +481,8 @@ trap 'exit 130' INT
 trap 'exit 143' TERM HUP
 test_lintian
 test_version
+test_panel
+test_rtsp
 test_architectures
 test_arm64
 make_root

@@ -7,6 +7,7 @@
 run_packages=(
     g++ cmake ninja-build
     libsnmp-dev libboost-dev libboost-thread-dev libboost-system-dev nlohmann-json3-dev libcli11-dev libfmt-dev
+    libcairo2-dev libturbojpeg0-dev fonts-dejavu-core
     snmpd snmp snmptrapd
 )
 
@@ -16,9 +17,23 @@ test_packages=(
     git binutils valgrind strace
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev clang-format clang-tidy shellcheck
-    faketime smitools
+    faketime smitools libxml2-utils
     prometheus prometheus-snmp-exporter
+    icinga2-bin nagios4-core python3-pysnmp4
 )
+
+# Required to build and to run the RTSP server, and to watch its streams in its test.
+# shellcheck disable=SC2034
+rtsp_packages=(
+    pkg-config libgstrtspserver-1.0-dev
+    gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-bad
+)
+# shellcheck disable=SC2034
+rtsp_test_packages=(ffmpeg)
+
+# Required by the tests of the panel's page, and by its pictures in the documents.
+# shellcheck disable=SC2034
+page_packages=(chromium chromium-driver python3)
 
 # Required to build for AArch64 and to emulate it.
 # shellcheck disable=SC2034
@@ -66,6 +81,7 @@ units_of() {
         snmpd) echo snmpd.service ;;
         snmptrapd) echo snmptrapd.service snmptrapd.socket ;;
         prometheus | prometheus-snmp-exporter) echo "$package.service" ;;
+        nagios4-core) echo nagios4.service ;;
         esac
     done
 }
@@ -92,10 +108,11 @@ unmask_services() {
         as_root systemctl disable --quiet -- "${units[@]}" 2>/dev/null || true
         return
     fi
-    for package in "$@"; do
-        if [[ -n $(units_of "$package") && -x /etc/init.d/$package ]]; then
-            as_root invoke-rc.d "$package" stop >/dev/null 2>&1 || true
-            as_root update-rc.d "$package" disable >/dev/null 2>&1 || true
+    for unit in "${units[@]}"; do
+        script=${unit%.service}
+        if [[ -x /etc/init.d/$script ]]; then
+            as_root invoke-rc.d "$script" stop >/dev/null 2>&1 || true
+            as_root update-rc.d "$script" disable >/dev/null 2>&1 || true
         fi
     done
 }

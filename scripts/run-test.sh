@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Tests ./run: an answer of its agent, the agent's sockets, and the clean-up at the end. Usage: scripts/run-test.sh
+# Tests ./run: the commands that it prints, an answer of its agent, the agent's sockets, and the clean-up at the end.
+# Usage: scripts/run-test.sh
 set -euo pipefail
 
 root=$(dirname -- "$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")")
@@ -10,6 +11,7 @@ source "$root/scripts/common.sh"
 work=$(mktemp -d "${TMPDIR:-/tmp}/quarnsnmp-run-test.XXXXXX")
 log=$work/log
 run_pid=
+panel_pid=
 
 clean_up() {
     if [[ -n $run_pid ]]; then
@@ -37,7 +39,8 @@ choose_port() {
 start_run() {
     mkdir -- "$work/tmp"
     : >"$log"
-    TMPDIR=$work/tmp "$root/run" --port "$agent_port" --trap-port "$trap_port" >"$log" 2>&1 &
+    TMPDIR=$work/tmp "$root/run" --port "$agent_port" --trap-port "$trap_port" --panel-port "$panel_port" --rtsp \
+        >"$log" 2>&1 &
     run_pid=$!
     local deadline=$((SECONDS + 1800))
     until grep -q 'Press Ctrl-C to stop' "$log"; do
@@ -70,7 +73,7 @@ sockets() {
     done
 }
 
-# One socket for requests and one that sends traps, both on 127.0.0.1.
+# One socket for requests, and one for each destination of traps: the user and the panel. All are on 127.0.0.1.
 test_sockets() {
     local opened requests
     opened=$(sockets "$agent_pid")
@@ -79,13 +82,86 @@ test_sockets() {
     if grep -v '^udp 0100007F:' <<<"$opened"; then
         fail "the agent opens sockets on other addresses than 127.0.0.1, or not of UDP; see above"
     fi
-    (($(wc -l <<<"$opened") == 2)) || fail "the agent opens more sockets than expected: $opened"
+    (($(wc -l <<<"$opened") == 3)) || fail "the agent does not open three sockets, but: $opened"
+}
+
+# The panel must listen on the loopback interface only, at its port and for traps, and show the camera.
+test_panel() {
+    local pid opened page
+    for pid in $(<"/proc/$run_pid/task/$run_pid/children"); do
+        if [[ $(readlink "/proc/$pid/exe") == */quarnsnmp-panel ]]; then
+            panel_pid=$pid
+        fi
+    done
+    [[ -n $panel_pid ]] || fail "./run has no panel as a child"
+    opened=$(sockets "$panel_pid")
+    if grep -v -e '^tcp 0100007F:' -e '^udp 0100007F:' <<<"$opened"; then
+        fail "the panel opens sockets on other addresses than 127.0.0.1; see above"
+    fi
+    (($(wc -l <<<"$opened") == 2)) || fail "the panel opens other sockets than one for pages and one for traps: $opened"
+    exec {page}<>"/dev/tcp/127.0.0.1/$panel_port"
+    printf 'GET /api/cameras HTTP/1.0\r\nHost: localhost\r\n\r\n' >&"$page"
+    grep -q '"name":"dome".*"status":"up"' <&"$page" || fail "the panel does not show the camera"
+    exec {page}>&-
+    grep -q "http://127.0.0.1:$panel_port/" "$log" || fail_with_output "./run does not print the address of the panel"
+}
+
+# The printed stream must have a picture.
+test_rtsp() {
+    local stream
+    stream=$(sed -n 's/^Video systems: \(rtsp:[^ ]*\) .*/\1/p' "$log")
+    [[ -n $stream ]] || fail_with_output "./run does not print the address of the stream"
+    [[ $(ffprobe -v error -rtsp_transport tcp -show_entries stream=codec_name -of csv=p=0 "$stream") == h264 ]] ||
+        fail "$stream is not an H.264 stream"
 }
 
 test_answer() {
     local model
     model=$(snmpget -v2c -c public -m '' -Oqv "127.0.0.1:$agent_port" .1.3.6.1.4.1.99999.1.1.2.0.0)
     [[ $model == '"QN-4000 Dome"' ]] || fail "the agent answers '$model' instead of the model's name"
+}
+
+# Prints the lines that ./run prints below a heading. Usage: below HEADING
+below() {
+    sed -n "/^$1/,/^\$/s/^  //p" "$log"
+}
+
+# Each command must run as printed, in any directory. Some run until they are interrupted.
+test_commands() {
+    local printed command status
+    printed=$(sed -n '/^The camera/,/^The module/s/^  //p' "$log")
+    (($(wc -l <<<"$printed") >= 10)) || fail_with_output "./run prints too few commands"
+    while read -r command; do
+        status=0
+        env --chdir=/ timeout --signal=INT 2 bash -uc "$command" >"$work/output" 2>&1 </dev/null || status=$?
+        if [[ $command == *" traps "* || $command == *" play "* ]] && ((status == 124)); then
+            status=0
+        fi
+        if ((status != 0)); then
+            cat -- "$work/output" >&2
+            fail "a command that ./run prints exits with status $status: $command"
+        fi
+    done <<<"$printed"
+}
+
+# Below the last heading, ./run prints the variable that finds the camera.
+test_variable() {
+    local printed state
+    printed=$(below 'The examples')
+    [[ $printed == 'export QUARNSNMP_CAMERA_DIR='* ]] || fail_with_output "./run does not export the camera's directory"
+    state=$(eval "$printed" && "$root/build/release/bin/quarnsnmp-camctl" state)
+    grep -q '"QN-4000 Dome"' <<<"$state" || fail "after '$printed', the control program does not find the camera"
+}
+
+# The simulated dome has no stepper motors.
+test_errors_of_start() {
+    local expected
+    printf -v expected 'no zorva API %s\n' 'focuses' 'zoom steppers'
+    [[ $(below 'Normal in the log') == "${expected%$'\n'}" ]] ||
+        fail_with_output "./run does not list the two services that the dome does not have"
+    if grep -q '^Other errors' "$log"; then
+        fail_with_output "./run reports errors of a healthy camera"
+    fi
 }
 
 test_end() {
@@ -95,6 +171,7 @@ test_end() {
     run_pid=
     ((status == 0)) || fail_with_output "./run exits with status $status"
     [[ ! -e /proc/$agent_pid ]] || fail "./run leaves its agent behind"
+    [[ ! -e /proc/$panel_pid ]] || fail "./run leaves its panel behind"
     if find "$work/tmp" -mindepth 1 | grep .; then
         fail "./run leaves files behind; see above"
     fi
@@ -107,10 +184,19 @@ choose_port 21161
 agent_port=$port
 choose_port $((agent_port + 1))
 trap_port=$port
+panel_port=$agent_port
+while tcp_port_in_use "$panel_port"; do
+    panel_port=$((panel_port + 1))
+done
 start_run
 agent_pid=$(agent)
 [[ $agent_pid =~ ^[0-9]+$ ]] || fail "./run has ${agent_pid:-no} agent as a child; expected one"
 test_answer
 test_sockets
+test_panel
+test_rtsp
+test_errors_of_start
+test_commands
+test_variable
 test_end
 echo "./run passes all tests."

@@ -126,6 +126,18 @@ TEST(Manager, SendsEveryTypeWithItsOwnTag) {
     }
 }
 
+// The SNMP library unpacks such a number, so that its type is none of the protocol's.
+TEST(Manager, ReadsANumberWithinAnOpaque) {
+    AgentOptions options;
+    options.configuration = {"view readable included .1.3.6.1.4.1.2021.10"};
+    const Agent agent(options);
+    constexpr const char *kLoadFloat = ".1.3.6.1.4.1.2021.10.1.6.1";
+    const Varbind load = Manager(agent.peer(), "public").get(kLoadFloat).single();
+    EXPECT_EQ(load.type, Type::Opaque);
+    EXPECT_EQ(load.octets.size(), 7U);
+    EXPECT_EQ(load.octets.substr(0, 3), "\x9F\x78\x04");
+}
+
 TEST(GoldenWalk, SeesEveryDifference) {
     const TemporaryDirectory directory;
     Agent agent;

@@ -55,6 +55,10 @@ std::string shippedText(const std::string &name) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
+bool Exporter::installed() {
+    return support::programPath(kProgram) != kProgram;
+}
+
 Exporter::Exporter(const std::string &modules)
     : process_(
           {{kProgram, "--config.file=" + directory_.write("snmp.yml", modules), "--web.listen-address=127.0.0.1:0"},

@@ -30,6 +30,9 @@ std::string shippedText(const std::string &name);
 /** A running exporter on a free port of the loopback interface. What Process says about threads holds here too. */
 class Exporter {
 public:
+    /** Returns true if this machine has the program. */
+    static bool installed();
+
     /**
      * Starts an exporter and waits until it listens.
      * @param modules  text of its configuration

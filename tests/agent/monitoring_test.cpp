@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // A camera in Prometheus: the shipped modules in the exporter, and the shipped agent configurations.
+#include <optional>
 #include <regex>
 #include <set>
 
@@ -47,12 +48,31 @@ AgentOptions agentOfShippedViewer(const std::string &traps) {
     return options;
 }
 
-class Monitoring : private Nobody, public CameraAgent {
+/** Tests that a machine without the exporter skips. */
+class WithExporter : public CameraAgent {
 protected:
-    explicit Monitoring(const std::string &camera) : CameraAgent(camera, labAgent(peer)) {}
+    using CameraAgent::CameraAgent;
+
+    void SetUp() override {
+        if (!Exporter::installed()) {
+            GTEST_SKIP() << "prometheus-snmp-exporter is missing; on Debian, install the package of this name";
+        }
+    }
+};
+
+class Monitoring : private Nobody, public WithExporter {
+protected:
+    explicit Monitoring(const std::string &camera) : WithExporter(camera, labAgent(peer)) {}
+
+    void SetUp() override {
+        WithExporter::SetUp();
+        if (!IsSkipped()) {
+            exporter_.emplace();
+        }
+    }
 
     Scrape scrape() const {
-        return exporter_.scrape(kLab, agent_.peer());
+        return exporter_->scrape(kLab, agent_.peer());
     }
 
     /** Reads the values of the camera, which must succeed. */
@@ -62,7 +82,7 @@ protected:
         return cameraValues(result);
     }
 
-    Exporter exporter_;
+    std::optional<Exporter> exporter_;
 };
 
 class MonitoringOfDome : public Monitoring {
@@ -75,9 +95,9 @@ protected:
     MonitoringOfMinimal() : Monitoring("minimal") {}
 };
 
-class MonitoringInTheField : private Nobody, public CameraAgent {
+class MonitoringInTheField : private Nobody, public WithExporter {
 protected:
-    MonitoringInTheField() : CameraAgent("dome", agentOfShippedViewer(peer)) {}
+    MonitoringInTheField() : WithExporter("dome", agentOfShippedViewer(peer)) {}
 };
 
 /** The dome as it is delivered, with further values. */

@@ -65,6 +65,13 @@ TEST_F(Positioning, AbsoluteMovesAndDeltasGetThere) {
     EXPECT_EQ(axis("pan").at("position"), 75000) << "another axis has moved it";
 }
 
+TEST_F(Positioning, AMoveBeyondTheUsersLimitEndsThere) {
+    setField(camera_, kTarget, "pan.softPosition", {{"enabled", true}, {"minimum", 0}, {"maximum", 20000}});
+    set(oids::positionPan, absolute(127, 9000));
+    EXPECT_TRUE(arrives("pan", 20000));
+    EXPECT_EQ(get(oids::positionPan), "0x027f2823");
+}
+
 TEST_F(Positioning, AContinuousMoveStopsByItsTimeout) {
     const CameraEvents events(camera_);
     setInteger(oids::timeoutPan, 300);

@@ -35,8 +35,9 @@ inline constexpr const char *kPositioning = "positioning/1";
 /** The program, with the configuration in the test's directory only. */
 class Client {
 public:
-    support::CommandResult run(const std::vector<std::string> &arguments, ClientEnvironment environment = {}) const {
-        return support::runCommand(commandLine(arguments), completed(std::move(environment)));
+    support::CommandResult run(const std::vector<std::string> &arguments, ClientEnvironment environment = {},
+                               std::chrono::milliseconds deadline = support::kPatience) const {
+        return support::runCommand(commandLine(arguments), completed(std::move(environment)), deadline);
     }
 
     static std::vector<std::string> commandLine(const std::vector<std::string> &arguments) {

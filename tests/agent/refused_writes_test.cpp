@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// A SET that the module refuses: the manager gets the error status, the log its line, and nothing changes in the module
-// and in the camera.
+// SETs without effect. One that the module refuses: the manager gets the error status, the log its line, and nothing
+// changes in the module and in the camera. One that it accepts although the camera does not obey: only the log may
+// tell.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -69,6 +70,45 @@ protected:
     RefusedWrites() : CameraAgent("dome") {}
 };
 
+/** A SET that is answered as if it had succeeded. */
+struct Accepted {
+    Varbind value;
+    std::string log = {};  ///< text of the log line; empty for none
+    std::string down = {}; ///< service that is down meanwhile; empty for none
+};
+
+/** The rows of "Accepted without effect" in the guide to connecting a central system. */
+std::vector<Accepted> acceptedOnes() {
+    const std::string failed = "Failed zorva api call: zorva_api_";
+    const std::string unreached = failed + "positioning_clear_velocity_limits_send(";
+    return {
+        {integer(oids::presetGotoPosition, 9)},
+        {octetString(oids::outputControl, "\x09\x80"s)},
+        {octetString(oids::positionTilt, absolute(127, 4500)),
+         failed + "positioning_move_to_position_with_speed_percentage_send("},
+        {octetString(oids::positionFocusLens, absolute(64, 30000))},
+        {octetString(oids::positionIrisLens, continuous(64))},
+        {octetString(oids::positionPan, absolute(127, 9000)), unreached, "positioning"},
+        {integer(oids::timeoutPan, 500), failed + "positioning_set_velocity_command_timeout_send(", "positioning"},
+        {integer(oids::presetStorePosition, 3), failed + "presets_tours_", "presets_tours"},
+        {integer(oids::rangeTrueNorthOffset, 0)},
+        {octetString(oids::systemLensEquipped, "\xC0"s)},
+        {integer(oids::rebootDevice, 2)},
+    };
+}
+
+/** What a SET can change in the camera, without the limits of velocities, which the module sets with each move. */
+nlohmann::json effects(const Camera &camera) {
+    nlohmann::json targets;
+    for (const char *target : {"positioning/1", "relay/1", "relay/2", "presets_tours/1", "lens_focus/1", "iris/1"}) {
+        targets[target] = targetState(camera, target);
+    }
+    for (const char *axis : {"pan", "tilt", "zoom"}) {
+        targets["positioning/1"][axis].erase("softSpeed");
+    }
+    return targets;
+}
+
 } // namespace
 
 TEST_F(RefusedWrites, ChangeNothing) {
@@ -82,4 +122,24 @@ TEST_F(RefusedWrites, ChangeNothing) {
     }
     EXPECT_EQ(walk(), before);
     EXPECT_THAT(finishedOperations(events), IsEmpty());
+}
+
+TEST_F(RefusedWrites, MayBeAcceptedWithoutEffect) {
+    const nlohmann::json before = effects(camera_);
+    const CameraEvents events(camera_);
+    for (const Accepted &each : acceptedOnes()) {
+        if (!each.down.empty()) {
+            control("down", each.down);
+        }
+        const Result result = manager_.set({each.value});
+        EXPECT_TRUE(result.ok()) << testing::PrintToString(each.value) << ": " << result;
+        EXPECT_TRUE(each.log.empty() || logged(each.log) == 1U) << each.log;
+        EXPECT_EQ(effects(camera_), before) << testing::PrintToString(each.value);
+        if (!each.down.empty()) {
+            control("up", each.down);
+        }
+    }
+    finishedOperations(events);
+    EXPECT_THAT(events.matching({{"event", "move_started"}}), IsEmpty());
+    EXPECT_THAT(events.matching({{"event", "reboot"}}), IsEmpty());
 }

@@ -42,19 +42,6 @@ File openEmpty(const std::string &path) {
     return file;
 }
 
-/** Searches a program in the directories of PATH; returns the name itself if it has a slash or is not found. */
-std::string programPath(const std::string &program) {
-    const char *path = std::getenv("PATH");
-    std::istringstream directories(program.find('/') == std::string::npos && path != nullptr ? path : "");
-    for (std::string directory; std::getline(directories, directory, ':');) {
-        std::string candidate = directory.append("/").append(program);
-        if (access(candidate.c_str(), X_OK) == 0) {
-            return candidate;
-        }
-    }
-    return program;
-}
-
 /**
  * Returns the environment of the test with further variables. Boost's own class for this reads beyond the end of short
  * variables.
@@ -139,6 +126,18 @@ ExitStatus decoded(int raw) {
 }
 
 } // namespace
+
+std::string programPath(const std::string &program) {
+    const char *path = std::getenv("PATH");
+    std::istringstream directories(program.find('/') == std::string::npos && path != nullptr ? path : "");
+    for (std::string directory; std::getline(directories, directory, ':');) {
+        std::string candidate = directory.append("/").append(program);
+        if (access(candidate.c_str(), X_OK) == 0) {
+            return candidate;
+        }
+    }
+    return program;
+}
 
 bool ExitStatus::clean() const {
     return code == 0;

@@ -19,6 +19,9 @@
 
 namespace support {
 
+/** Searches a program in the directories of PATH. @return its path; the name itself if it has a slash or is missing */
+std::string programPath(const std::string &program);
+
 /** End of a program. */
 struct ExitStatus {
     int code = 0;   ///< exit code; 128 plus the signal's number after a signal

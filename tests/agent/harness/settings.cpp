@@ -50,6 +50,10 @@ std::string burstModulePath() {
     return HARNESS_BURST_MODULE;
 }
 
+std::string watchModulePath() {
+    return HARNESS_WATCH_MODULE;
+}
+
 std::string guardianPath() {
     return HARNESS_GUARDIAN;
 }

@@ -29,6 +29,9 @@ std::string coreLibraryPath();
 /** The module that sends traps by the thousand. */
 std::string burstModulePath();
 
+/** The module that reports requests. */
+std::string watchModulePath();
+
 /** The program that keeps hold of an agent that runs as a daemon. */
 std::string guardianPath();
 
