@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "camera_panel.h"
 
+#include <cstdio>
+#include <exception>
 #include <utility>
 
 #include "axes.h"
@@ -51,8 +53,12 @@ struct CameraPanel::OpenPage {
     OpenPage(const OpenPage &) = delete;
     OpenPage &operator=(const OpenPage &) = delete;
     ~OpenPage() {
-        if (const std::shared_ptr<CameraPanel> open = panel.lock()) {
-            open->closePage(client);
+        try {
+            if (const std::shared_ptr<CameraPanel> open = panel.lock()) {
+                open->closePage(client);
+            }
+        } catch (const std::exception &error) {
+            std::fprintf(stderr, "quarnsnmp-panel: cannot stop the camera of a closed page: %s\n", error.what());
         }
     }
 };

@@ -122,7 +122,7 @@ void ScenarioPlayer::perform(camera::Scenario &scenario, double speed, ScenarioP
             ++progress.step;
         },
         [&](const nlohmann::json &command) {
-            const nlohmann::json answer = client.execute(command);
+            nlohmann::json answer = client.execute(command);
             progress.message = camera::doneText(command);
             report(progress);
             return answer;
