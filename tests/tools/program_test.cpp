@@ -249,12 +249,15 @@ TEST(Program, HostsAreAListAndOptionsGoAnywhere) {
 TEST(Program, TheEnvironmentReplacesOptions) {
     ASSERT_EQ(setenv("PTZCTL_HOST", "a,b", 1), 0);
     ASSERT_EQ(setenv("PTZCTL_BYTE_ORDER", "high", 1), 0);
+    ASSERT_EQ(setenv("PTZCTL_TIMEOUT", "15", 1), 0);
     Invocation invocation;
     EXPECT_EQ(complaint(invocation, {"status"}), "");
     unsetenv("PTZCTL_HOST");
     unsetenv("PTZCTL_BYTE_ORDER");
+    unsetenv("PTZCTL_TIMEOUT");
     EXPECT_THAT(invocation.hosts, testing::ElementsAre("a", "b"));
     EXPECT_EQ(invocation.settings.order, ptz::ByteOrder::HighFirst);
+    EXPECT_EQ(invocation.timeoutSeconds, 15);
 }
 
 TEST(Program, ARestartNeedsAConfirmation) {

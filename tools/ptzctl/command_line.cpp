@@ -87,6 +87,7 @@ void addOptions(CLI::App &app, Invocation &invocation, const SharedArguments &ar
     app.add_flag("--verbose", invocation.settings.verbose, "Show raw octets and numbers as well");
     app.add_option("-t,--timeout", invocation.timeoutSeconds, "Seconds to wait for an answer")
         ->check(CLI::Range(0.05, kLongestSeconds))
+        ->envname("PTZCTL_TIMEOUT")
         ->capture_default_str();
     app.add_option("--byte-order", invocation.settings.order,
                    "First octet of a position: low, or high as in the public encoding")
