@@ -33,7 +33,7 @@ constexpr milliseconds kAgentHeartbeat{2000};
 constexpr std::uint64_t kPingTicks = 50;
 
 /** Age of a state that is no longer the present one. */
-constexpr milliseconds kFresh{2000};
+constexpr milliseconds kFreshState{2000};
 
 ObjectAccess accessOf(const WatchReport &report) {
     const ptz::Instance instance = ptz::instanceAt(report.value.oid);
@@ -365,7 +365,7 @@ ordered_json CameraPanel::stateJson() const {
     ordered_json result = {{"status", statusName(report.status)},
                            {"since", timeText(report.since)},
                            {"ageMs", nullptr},
-                           {"stale", report.status != CameraStatus::Up || age > kFresh},
+                           {"stale", report.status != CameraStatus::Up || age > kFreshState},
                            {"message", report.message},
                            {"state", nullptr},
                            {"view", nullptr}};

@@ -7,19 +7,20 @@
 
 namespace camera {
 
+using std::chrono::steady_clock;
+
 void runPolling(boost::asio::io_context &io) {
-    using Clock = std::chrono::steady_clock;
     // Longer than the pause of a client between two calls, and too short for a visible processor load.
     constexpr std::chrono::microseconds kAwake{50};
-    Clock::time_point lastWork = Clock::now();
+    steady_clock::time_point lastWork = steady_clock::now();
     while (!io.stopped()) {
         if (io.poll() > 0) {
-            lastWork = Clock::now();
-        } else if (Clock::now() - lastWork < kAwake) {
+            lastWork = steady_clock::now();
+        } else if (steady_clock::now() - lastWork < kAwake) {
             sched_yield();
         } else {
             io.run_one();
-            lastWork = Clock::now();
+            lastWork = steady_clock::now();
         }
     }
 }

@@ -11,7 +11,16 @@
 namespace snmp {
 
 inline constexpr long kTooBig = 1;
+inline constexpr long kNoAccess = 6;
+inline constexpr long kWrongType = 7;
+inline constexpr long kWrongLength = 8;
+inline constexpr long kWrongEncoding = 9;
+inline constexpr long kWrongValue = 10;
+inline constexpr long kNoCreation = 11;
+inline constexpr long kInconsistentValue = 12;
 inline constexpr long kAuthorizationError = 16;
+inline constexpr long kNotWritable = 17;
+inline constexpr long kInconsistentName = 18;
 
 /** Name and advice of an error status. */
 struct ErrorDescription {

@@ -29,7 +29,7 @@ constexpr std::chrono::milliseconds kLongestPause{2000};
 constexpr std::size_t kMissingRounds = 10;
 
 /** Age after which a value does not count as the present one. */
-constexpr std::chrono::seconds kFresh{10};
+constexpr std::chrono::seconds kFreshValue{10};
 
 /** Columns whose rows tell how many rows a table has. */
 const std::array<const char *, 2> &keyColumns() {
@@ -236,7 +236,7 @@ ordered_json ObjectWatch::json(const Row &row) const {
                            {"meaning", ""},
                            {"read", nullptr},
                            {"ageMs", nullptr},
-                           {"stale", !row.problem.empty() || age > kFresh},
+                           {"stale", !row.problem.empty() || age > kFreshValue},
                            {"problem", row.problem},
                            {"missing", row.missing},
                            {"written", accessJson(row.written)},

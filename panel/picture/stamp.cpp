@@ -48,7 +48,7 @@ std::string dateAndTime(PictureTime time) {
     return {text, size};
 }
 
-std::string direction(const View &view) {
+std::string directionText(const View &view) {
     double bearing = std::fmod(view.bearing, 360.0);
     bearing += bearing < 0.0 ? 360.0 : 0.0;
     char text[96] = "";
@@ -68,7 +68,7 @@ void drawStamp(Canvas &canvas, const View &view, PictureTime time) {
     const double size = sizeFor(canvas);
     print(canvas, view.name, 1.8 * size, size, Side::left);
     print(canvas, dateAndTime(time), 1.8 * size, size, Side::right);
-    print(canvas, direction(view), canvas.height() - size, size, Side::left);
+    print(canvas, directionText(view), canvas.height() - size, size, Side::left);
 }
 
 void drawTestPicture(Canvas &canvas, const std::string &name, const std::string &reason, PictureTime time) {

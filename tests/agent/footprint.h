@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "agent.h"
+#include "eventually.h"
 #include "process_information.h"
 #include "settings.h"
 
@@ -30,6 +31,14 @@ inline Footprint footprint(const Agent &agent) {
 inline std::ostream &operator<<(std::ostream &stream, const Footprint &footprint) {
     return stream << footprint.descriptors << " descriptors, " << footprint.threads << " threads, "
                   << footprint.kilobytes << " kB";
+}
+
+/** Waits until an agent has no more descriptors and threads than before: a poll opens a descriptor for a moment. */
+inline bool hasNoMoreThan(const Footprint &before, const Agent &agent) {
+    return support::eventually([&] {
+        const Footprint now = footprint(agent);
+        return now.descriptors <= before.descriptors && now.threads <= before.threads;
+    });
 }
 
 /** Variation of the agent's own memory: its allocator keeps freed memory. */

@@ -38,10 +38,6 @@ constexpr std::array<LevelTitle, 4> kLevels = {{{"read", "Rules that only read"}
                                                 {"moves", "Rules that move the camera"},
                                                 {"disruptive", "Rules that disrupt the camera’s work"}}};
 
-std::string textAt(const ordered_json &object, const char *key) {
-    return object.value(key, std::string());
-}
-
 /** Returns a known word for a result, since it becomes the name of a class. */
 const ResultWord &wordOf(const std::string &result) {
     for (const ResultWord &word : kResults) {

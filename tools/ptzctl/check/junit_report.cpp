@@ -10,10 +10,6 @@ namespace {
 
 using nlohmann::ordered_json;
 
-std::string textAt(const ordered_json &object, const char *key) {
-    return object.value(key, std::string());
-}
-
 std::string attribute(const char *name, const std::string &value) {
     return fmt::format(" {}=\"{}\"", name, markup(value));
 }

@@ -7,6 +7,10 @@
 
 namespace ptzctl::check {
 
+std::string textAt(const nlohmann::ordered_json &object, const char *key) {
+    return object.value(key, std::string());
+}
+
 void writeFile(const std::string &path, const std::string &text) {
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file << text << std::flush;

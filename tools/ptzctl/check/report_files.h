@@ -14,6 +14,9 @@
 
 namespace ptzctl::check {
 
+/** Returns a text of a report in JSON, or an empty one. */
+std::string textAt(const nlohmann::ordered_json &object, const char *key);
+
 /** The JSON of a camera: that of jsonOf(), or with `error` for a camera without a report. */
 using CameraReports = std::vector<nlohmann::ordered_json>;
 

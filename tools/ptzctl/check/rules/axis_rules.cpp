@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "definitions.h"
 #include "error_status.h"
 #include "expected.h"
 
@@ -13,7 +14,6 @@ namespace ptzctl::check {
 
 namespace {
 
-constexpr int kCircle = 36000;
 constexpr int kMostPosition = 65535;
 constexpr int kSame = 257; ///< multiples of it have two equal octets
 constexpr int kLensSteps = 8;
@@ -25,7 +25,7 @@ struct Limits {
     const char *highest;
 };
 
-constexpr std::array<Limits, 2> kLimits = {
+constexpr std::array<Limits, 2> kAxisLimits = {
     {{"pan", "rangePanLeftLimit", "rangePanRightLimit"}, {"tilt", "rangeTiltDownLimit", "rangeTiltUpLimit"}}};
 
 /** Reads a limit, which some cameras answer as a signed number of 16 bits. */
@@ -96,9 +96,9 @@ bool turns(const ptz::Axis &axis) {
 }
 
 bool isWithinLimits(Context &context, const ptz::Axis &axis, int position) {
-    const auto *const limits = std::find_if(kLimits.begin(), kLimits.end(),
+    const auto *const limits = std::find_if(kAxisLimits.begin(), kAxisLimits.end(),
                                             [&](const Limits &row) { return std::string(axis.name) == row.axis; });
-    if (limits == kLimits.end()) {
+    if (limits == kAxisLimits.end()) {
         return position >= 0 && position <= kMostPosition;
     }
     const int lowest = limitOf(context, limits->lowest).value_or(0);

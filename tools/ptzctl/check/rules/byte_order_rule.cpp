@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include "axis_rules.h"
+#include "definitions.h"
 #include "octets_text.h"
 
 namespace ptzctl::check {
@@ -12,8 +13,7 @@ namespace {
 
 using ptz::ByteOrder;
 
-constexpr int kCircle = 36000;
-constexpr int kSpeed = 32;
+constexpr int kTrialSpeed = 32;
 
 int swapped(int position) {
     constexpr int kOctet = 256;
@@ -31,7 +31,7 @@ int tellingPosition(Context &context, const ptz::Axis &axis) {
 }
 
 std::string octetsOf(int position, ByteOrder order) {
-    return ptz::encode({ptz::Mode::Absolute, kSpeed, static_cast<std::uint16_t>(position)}, order);
+    return ptz::encode({ptz::Mode::Absolute, kTrialSpeed, static_cast<std::uint16_t>(position)}, order);
 }
 
 /** Outcome of the same position in one order. */

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "definitions.h"
 #include "error_status.h"
 #include "expected.h"
 #include "families.h"
@@ -17,13 +18,7 @@ namespace ptzctl::check {
 
 namespace {
 
-constexpr std::int64_t kCircle = 36000;
 constexpr double kPerDegree = 100;
-
-constexpr const char *kLimits = "NTCIP 1205, cctvRange (1206.4.2.7.1)";
-constexpr const char *kLens = "NTCIP 1205, cctvSystem (1206.4.2.7.5)";
-constexpr const char *kModules = "NTCIP 1201, globalModuleTable (1206.4.2.6.1.3)";
-constexpr const char *kVendor = "vendor's MIB, optional";
 
 const Finding kAbsent = {Result::NotEquipped, "the camera does not have these objects", {}};
 
@@ -112,24 +107,24 @@ Finding judgeLensEquipped(Context &context) {
 }
 
 /** Inputs or outputs: a public object with a bit each, and a vendor's table with a row each. */
-struct Switches {
+struct SwitchRows {
     const char *bits;
     const char *bitsOid;
     std::array<const char *, 3> columns;
     std::size_t most; ///< number of bits in use
 };
 
-constexpr Switches kInputs = {"inputStatus",
-                              oids::inputStatus,
-                              {oids::alarmStatesKind, oids::alarmStatesNumber, oids::alarmStatesState},
-                              ptz::kInputBits};
-constexpr Switches kOutputs = {"outputStatus",
-                               oids::outputStatus,
-                               {oids::relayStatesKind, oids::relayStatesNumber, oids::relayStatesState},
-                               ptz::kOutputBits};
+constexpr SwitchRows kInputs = {"inputStatus",
+                                oids::inputStatus,
+                                {oids::alarmStatesKind, oids::alarmStatesNumber, oids::alarmStatesState},
+                                ptz::kInputBits};
+constexpr SwitchRows kOutputs = {"outputStatus",
+                                 oids::outputStatus,
+                                 {oids::relayStatesKind, oids::relayStatesNumber, oids::relayStatesState},
+                                 ptz::kOutputBits};
 
 /** Compares bits with the states of the rows. @return the finding, or nothing if the bits have changed meanwhile */
-std::optional<Finding> compareOnce(Context &context, const Switches &switches) {
+std::optional<Finding> compareOnce(Context &context, const SwitchRows &switches) {
     const Value before = context.get(switches.bitsOid);
     const std::vector<snmp::Varbind> states = columnOf(context, switches.columns.back());
     if (states.empty()) {
@@ -155,7 +150,7 @@ std::optional<Finding> compareOnce(Context &context, const Switches &switches) {
                    {}};
 }
 
-Finding judgeBits(Context &context, const Switches &switches) {
+Finding judgeBits(Context &context, const SwitchRows &switches) {
     constexpr int kAttempts = 3;
     Finding last = {Result::Skipped, "the states change too often", {}};
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
@@ -205,7 +200,7 @@ Detail judgeColumn(Context &context, const char *oid, const std::set<std::uint32
     return detail;
 }
 
-Finding judgeTable(Context &context, const Switches &switches) {
+Finding judgeTable(Context &context, const SwitchRows &switches) {
     std::size_t most = 0;
     for (const char *column : switches.columns) {
         most = std::max(most, columnOf(context, column).size());
@@ -261,36 +256,36 @@ Finding judgeDeviceNode(Context &context) {
 std::vector<Rule> consistencyRules() {
     return {
         {"pan-limits", Level::Reads, "rangePanLeftLimit, rangePanRightLimit",
-         "the left limit does not exceed the right one", kLimits, judgePanLimits},
+         "the left limit does not exceed the right one", kLimitSource, judgePanLimits},
         {"tilt-limits", Level::Reads, "rangeTiltUpLimit, rangeTiltDownLimit",
-         "the upper limit is not below the lower one", kLimits, judgeTiltLimits},
+         "the upper limit is not below the lower one", kLimitSource, judgeTiltLimits},
         {"pan-home", Level::Reads, "rangePanHomePosition, rangePanLeftLimit, rangePanRightLimit",
-         "the home position is within the limits", kLimits, judgePanHome},
+         "the home position is within the limits", kLimitSource, judgePanHome},
         {"pan-step", Level::Reads, "rangeMinimumPanStepAngle, rangePanLeftLimit, rangePanRightLimit",
-         "the smallest step does not exceed the range", kLimits,
+         "the smallest step does not exceed the range", kLimitSource,
          [](Context &context) {
              return judgeStep(context, "rangeMinimumPanStepAngle", "rangePanLeftLimit", "rangePanRightLimit");
          }},
         {"tilt-step", Level::Reads, "rangeMinimumTiltStepAngle, rangeTiltUpLimit, rangeTiltDownLimit",
-         "the smallest step does not exceed the range", kLimits,
+         "the smallest step does not exceed the range", kLimitSource,
          [](Context &context) {
              return judgeStep(context, "rangeMinimumTiltStepAngle", "rangeTiltDownLimit", "rangeTiltUpLimit");
          }},
         {"lens-equipped", Level::Reads, "systemLensEquipped, systemLensFeatureStatus",
-         "each feature in the status is among the equipment", kLens, judgeLensEquipped},
-        {"input-bits", Level::Reads, "inputStatus, alarmStatesState", "each bit has the state of its row", kVendor,
-         [](Context &context) { return judgeBits(context, kInputs); }},
-        {"output-bits", Level::Reads, "outputStatus, relayStatesState", "each bit has the state of its row", kVendor,
-         [](Context &context) { return judgeBits(context, kOutputs); }},
+         "each feature in the status is among the equipment", kLensSource, judgeLensEquipped},
+        {"input-bits", Level::Reads, "inputStatus, alarmStatesState", "each bit has the state of its row",
+         kVendorSource, [](Context &context) { return judgeBits(context, kInputs); }},
+        {"output-bits", Level::Reads, "outputStatus, relayStatesState", "each bit has the state of its row",
+         kVendorSource, [](Context &context) { return judgeBits(context, kOutputs); }},
         {"input-table", Level::Reads, "alarmStatesKind, alarmStatesNumber, alarmStatesState",
-         "all columns have the same rows, numbered from 1, with values of their type", kVendor,
+         "all columns have the same rows, numbered from 1, with values of their type", kVendorSource,
          [](Context &context) { return judgeTable(context, kInputs); }},
         {"relay-table", Level::Reads, "relayStatesKind, relayStatesNumber, relayStatesState",
-         "all columns have the same rows, numbered from 1, with values of their type", kVendor,
+         "all columns have the same rows, numbered from 1, with values of their type", kVendorSource,
          [](Context &context) { return judgeTable(context, kOutputs); }},
-        {"module-rows", Level::Reads, "maxModules, moduleNumber", "the table has maxModules rows", kModules,
+        {"module-rows", Level::Reads, "maxModules, moduleNumber", "the table has maxModules rows", kModuleSource,
          judgeModuleRows},
-        {"module-node", Level::Reads, "moduleDeviceNode", "the camera has objects below its device node", kModules,
+        {"module-node", Level::Reads, "moduleDeviceNode", "the camera has objects below its device node", kModuleSource,
          judgeDeviceNode},
     };
 }

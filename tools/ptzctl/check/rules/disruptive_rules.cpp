@@ -7,6 +7,7 @@
 
 #include "axis_rules.h"
 #include "check/interruption.h"
+#include "definitions.h"
 #include "error_status.h"
 #include "families.h"
 #include "object_oids.h"
@@ -26,13 +27,13 @@ std::string switchOctets(unsigned int which, bool on) {
 }
 
 /** Things that two octets switch and one octet reports. */
-struct Switches {
+struct SwitchObjects {
     const char *control; ///< OID
     const char *status;  ///< OID
 };
 
-constexpr Switches kRelays = {oids::outputControl, oids::outputStatus};
-constexpr Switches kFeatures = {oids::systemLensFeatureControl, oids::systemLensFeatureStatus};
+constexpr SwitchObjects kRelays = {oids::outputControl, oids::outputStatus};
+constexpr SwitchObjects kFeatures = {oids::systemLensFeatureControl, oids::systemLensFeatureStatus};
 
 /** One of them. */
 struct Switch {
@@ -41,7 +42,7 @@ struct Switch {
     unsigned int bit;    ///< of the status
 };
 
-unsigned int statusOf(Context &context, const Switches &switches) {
+unsigned int statusOf(Context &context, const SwitchObjects &switches) {
     const Value value = context.get(switches.status);
     if (!value.present() || value.varbind.octets.empty()) {
         throw Undecided("the status cannot be read");
@@ -49,10 +50,10 @@ unsigned int statusOf(Context &context, const Switches &switches) {
     return static_cast<unsigned char>(value.varbind.octets.front());
 }
 
-/** Switches back at the end of its life, also after an interruption. */
+/** SwitchObjects back at the end of its life, also after an interruption. */
 class SwitchGuard {
 public:
-    SwitchGuard(Context &context, const Switches &switches, const Switch &one, bool before)
+    SwitchGuard(Context &context, const SwitchObjects &switches, const Switch &one, bool before)
         : context_(context), varbind_(snmp::octetString(switches.control, switchOctets(one.number, before))) {}
     ~SwitchGuard() {
         try {
@@ -75,8 +76,8 @@ private:
     snmp::Varbind varbind_;
 };
 
-/** Switches one thing to the other state and back. */
-Detail judgeSwitch(Context &context, const Switches &switches, const Switch &one) {
+/** SwitchObjects one thing to the other state and back. */
+Detail judgeSwitch(Context &context, const SwitchObjects &switches, const Switch &one) {
     const bool before = (statusOf(context, switches) & one.bit) != 0;
     const SwitchGuard guard(context, switches, one, before);
     for (const bool on : {!before, before}) {
@@ -96,7 +97,7 @@ Detail judgeSwitch(Context &context, const Switches &switches, const Switch &one
     return {one.name, Result::Pass, "switched and switched back"};
 }
 
-Finding judgeSwitches(Context &context, const Switches &switches, const std::vector<Switch> &list) {
+Finding judgeSwitches(Context &context, const SwitchObjects &switches, const std::vector<Switch> &list) {
     if (!context.value(switches.control).present()) {
         return {Result::NotEquipped, "absent", {}};
     }
@@ -173,11 +174,9 @@ std::vector<Rule> disruptiveRules() {
         rule("relay", "outputControl, outputStatus", "each relay switches, the status shows it, and it switches back",
              "NTCIP 1205, cctvOutput (1206.4.2.7.8)", judgeRelays),
         rule("lens-auto", "systemLensFeatureControl, systemLensFeatureStatus",
-             "automatic focus and iris switch, the status shows it, and they switch back",
-             "NTCIP 1205, cctvSystem (1206.4.2.7.5)", judgeFeatures),
+             "automatic focus and iris switch, the status shows it, and they switch back", kLensSource, judgeFeatures),
         rule("preset-store", "presetStorePosition",
-             "the camera stores its position under the number of --preset and answers it",
-             "NTCIP 1205, cctvPreset (1206.4.2.7.3)",
+             "the camera stores its position under the number of --preset and answers it", kPresetSource,
              [](Context &context) { return judgePreset(context, oids::presetStorePosition); }),
         rule("restart", "rebootDevice", "the camera takes the command to restart and answers again",
              "vendor's MIB, optional", judgeRestart),

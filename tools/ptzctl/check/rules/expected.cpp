@@ -18,7 +18,7 @@ using snmp::Varbind;
 
 constexpr std::int64_t kUnsigned16 = 65535;
 constexpr std::int64_t kOctet = 255;
-constexpr std::int64_t kCircle = 35999;
+constexpr std::int64_t kMostAngle = 35999;
 
 const char *unknownAngle(const Varbind &value) {
     return value.number == kUnsigned16 ? "65535 for an unknown angle" : nullptr;
@@ -73,17 +73,17 @@ const std::vector<Row> &rows() {
         {"moduleVersion", Group::Module, "module", kOctets, 0, kOctet},
         {"moduleType", Group::Module, "module", kInteger, 1, 3},
         {"rangeMaximumPreset", Group::Limit, "preset", kInteger, 0, kOctet},
-        {"rangePanLeftLimit", Group::Limit, "pan", kInteger, 0, kCircle},
-        {"rangePanRightLimit", Group::Limit, "pan", kInteger, 0, kCircle},
-        {"rangePanHomePosition", Group::Limit, "pan", kInteger, 0, kCircle, nullptr, unknownAngle},
-        {"rangeTrueNorthOffset", Group::Limit, "pan", kInteger, 0, kCircle, nullptr, unknownAngle},
-        {"rangeTiltUpLimit", Group::Limit, "tilt", kInteger, 0, kCircle, nullptr, signedAngle},
-        {"rangeTiltDownLimit", Group::Limit, "tilt", kInteger, 0, kCircle, nullptr, signedAngle},
+        {"rangePanLeftLimit", Group::Limit, "pan", kInteger, 0, kMostAngle},
+        {"rangePanRightLimit", Group::Limit, "pan", kInteger, 0, kMostAngle},
+        {"rangePanHomePosition", Group::Limit, "pan", kInteger, 0, kMostAngle, nullptr, unknownAngle},
+        {"rangeTrueNorthOffset", Group::Limit, "pan", kInteger, 0, kMostAngle, nullptr, unknownAngle},
+        {"rangeTiltUpLimit", Group::Limit, "tilt", kInteger, 0, kMostAngle, nullptr, signedAngle},
+        {"rangeTiltDownLimit", Group::Limit, "tilt", kInteger, 0, kMostAngle, nullptr, signedAngle},
         {"rangeZoomLimit", Group::Limit, "zoom", kInteger, 0, kUnsigned16},
         {"rangeFocusLimit", Group::Limit, "focus", kInteger, 0, kUnsigned16},
         {"rangeIrisLimit", Group::Limit, "iris", kInteger, 0, kUnsigned16},
-        {"rangeMinimumPanStepAngle", Group::Limit, "pan", kInteger, 0, kCircle},
-        {"rangeMinimumTiltStepAngle", Group::Limit, "tilt", kInteger, 0, kCircle},
+        {"rangeMinimumPanStepAngle", Group::Limit, "pan", kInteger, 0, kMostAngle},
+        {"rangeMinimumTiltStepAngle", Group::Limit, "tilt", kInteger, 0, kMostAngle},
         {"timeoutPan", Group::Timeout, "pan", kInteger, 0, kUnsigned16, nullptr, noTimeout},
         {"timeoutTilt", Group::Timeout, "tilt", kInteger, 0, kUnsigned16, nullptr, noTimeout},
         {"timeoutZoom", Group::Timeout, "zoom", kInteger, 0, kUnsigned16, nullptr, noTimeout},

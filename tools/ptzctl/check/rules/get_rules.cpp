@@ -199,7 +199,7 @@ Finding judgeStability(Context &context) {
     return summarize(std::move(details));
 }
 
-std::string milliseconds(microseconds time) {
+std::string timeText(microseconds time) {
     return fmt::format("{:.1f} ms", static_cast<double>(time.count()) / 1000);
 }
 
@@ -220,7 +220,7 @@ Finding judgeLatency(Context &context) {
     }
     std::sort(times.begin(), times.end());
     const microseconds median = times[kRequests / 2];
-    std::string text = fmt::format("median {}, longest {}", milliseconds(median), milliseconds(times.back()));
+    std::string text = fmt::format("median {}, longest {}", timeText(median), timeText(times.back()));
     if (repeated > 0) {
         text += fmt::format(", {} of {} only answered when repeated", repeated, kRequests);
     }

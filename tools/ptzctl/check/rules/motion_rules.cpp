@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "axis_rules.h"
+#include "definitions.h"
 #include "expected.h"
 #include "families.h"
 #include "object_oids.h"
@@ -16,9 +17,6 @@ namespace {
 using ptz::Mode;
 using std::chrono::milliseconds;
 
-constexpr const char *kPositions = "positionPan, positionTilt, positionZoomLens, positionFocusLens, positionIrisLens";
-constexpr const char *kSource = "NTCIP 1205, PositionReference (1206.4.2.7.4)";
-constexpr const char *kTimeoutSource = "NTCIP 1205, cctvTimeout (1206.4.2.7.2)";
 constexpr int kFast = 100;
 constexpr int kSlow = 32;
 constexpr milliseconds kTimeout{2000};
@@ -157,10 +155,11 @@ std::vector<Rule> motionRules() {
         return Rule{name, Level::Moves, kPositions, expectation, source, std::move(judge)};
     };
     return {
-        rule("motion-absolute", "an absolute move is seen to reach its target", kSource, seeAbsolute),
-        rule("motion-delta", "a step is seen to have its direction and its size", kSource, seeDelta),
-        rule("motion-continuous", "a continuous move is seen in the direction of its speed", kSource, seeContinuous),
-        rule("motion-stop", "a stop is seen to end a continuous move", kSource,
+        rule("motion-absolute", "an absolute move is seen to reach its target", kPositionSource, seeAbsolute),
+        rule("motion-delta", "a step is seen to have its direction and its size", kPositionSource, seeDelta),
+        rule("motion-continuous", "a continuous move is seen in the direction of its speed", kPositionSource,
+             seeContinuous),
+        rule("motion-stop", "a stop is seen to end a continuous move", kPositionSource,
              [](Context &context) { return seeEnd(context, kLongTimeout, true); }),
         rule("motion-timeout", "a continuous move is seen to end with its time-out", kTimeoutSource,
              [](Context &context) { return seeEnd(context, kTimeout, false); }),

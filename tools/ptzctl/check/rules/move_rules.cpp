@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "axis_rules.h"
+#include "definitions.h"
 #include "error_status.h"
 #include "families.h"
 #include "object_oids.h"
@@ -18,10 +19,7 @@ using ptz::ByteOrder;
 using ptz::Mode;
 using std::chrono::milliseconds;
 
-constexpr const char *kPositions = "positionPan, positionTilt, positionZoomLens, positionFocusLens, positionIrisLens";
-constexpr const char *kSource = "NTCIP 1205, PositionReference (1206.4.2.7.4)";
 constexpr int kSpeed = 32;
-constexpr int kCircle = 36000;
 constexpr milliseconds kShortTime{1000};
 
 /** A command that each axis must accept or refuse. */
@@ -202,30 +200,30 @@ std::vector<Rule> moveRules() {
         return Rule{name, Level::Moves, object, expectation, source, std::move(judge)};
     };
     return {
-        rule("move-stop", kPositions, "each axis takes a stop", kSource, judgeStop),
-        rule("move-stop-all", kPositions, "one SET stops all axes", kSource, judgeStopOfAll),
-        rule("move-mode", kPositions, "a mode above 3 is refused", kSource,
+        rule("move-stop", kPositions, "each axis takes a stop", kPositionSource, judgeStop),
+        rule("move-stop-all", kPositions, "one SET stops all axes", kPositionSource, judgeStopOfAll),
+        rule("move-mode", kPositions, "a mode above 3 is refused", kPositionSource,
              [](Context &context) { return judgeRefusals(context, refusedModes(), false); }),
-        rule("move-stop-speed", kPositions, "a stop with a speed is refused", kSource,
+        rule("move-stop-speed", kPositions, "a stop with a speed is refused", kPositionSource,
              [](Context &context) { return judgeRefusals(context, refusedSpeeds(), false); }),
-        rule("move-range", "positionPan, positionTilt", "a position of 360.00 degrees and more is refused", kSource,
-             judgePositionRange),
-        rule("move-type", kPositions, "a value that is not an OCTET STRING is refused", kSource, judgePositionType),
+        rule("move-range", "positionPan, positionTilt", "a position of 360.00 degrees and more is refused",
+             kPositionSource, judgePositionRange),
+        rule("move-type", kPositions, "a value that is not an OCTET STRING is refused", kPositionSource,
+             judgePositionType),
         rule("move-atomic", "positionPan, positionTilt", "a SET with a refused command executes none of its commands",
              "RFC 3416, 4.2.5", judgeAtomic),
-        rule("move-byte-order", "positionPan, positionTilt", "the high octet of a position comes first", kSource,
-             judgeByteOrder),
-        rule("move-absolute", kPositions, "each axis takes absolute moves to and fro", kSource, judgeAbsolute),
-        rule("move-answer", kPositions, "after a command a GET answers it or a position in its form", kSource,
+        rule("move-byte-order", "positionPan, positionTilt", "the high octet of a position comes first",
+             kPositionSource, judgeByteOrder),
+        rule("move-absolute", kPositions, "each axis takes absolute moves to and fro", kPositionSource, judgeAbsolute),
+        rule("move-answer", kPositions, "after a command a GET answers it or a position in its form", kPositionSource,
              judgeReadBack),
-        rule("move-delta", kPositions, "each axis takes steps in both directions", kSource, judgeDelta),
+        rule("move-delta", kPositions, "each axis takes steps in both directions", kPositionSource, judgeDelta),
         rule("move-continuous", kPositions, "each axis with a time-out takes continuous moves, the speed -128 included",
-             kSource, judgeContinuous),
-        rule("preset-recall-range", "presetGotoPosition", "a preset outside 0 to 255 is refused",
-             "NTCIP 1205, cctvPreset (1206.4.2.7.3)", judgePresetRange),
+             kPositionSource, judgeContinuous),
+        rule("preset-recall-range", "presetGotoPosition", "a preset outside 0 to 255 is refused", kPresetSource,
+             judgePresetRange),
         rule("preset-recall", "presetGotoPosition", "the camera takes the number of a preset and answers it",
-             "NTCIP 1205, cctvPreset (1206.4.2.7.3)",
-             [](Context &context) { return judgePreset(context, oids::presetGotoPosition); }),
+             kPresetSource, [](Context &context) { return judgePreset(context, oids::presetGotoPosition); }),
     };
 }
 

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "definitions.h"
 #include "error_status.h"
 #include "expected.h"
 #include "families.h"
@@ -29,19 +30,17 @@ struct GroupRecord {
     const char *source;
 };
 
-constexpr const char *kVendor = "vendor's MIB, optional";
-
 const std::vector<GroupRecord> &groups() {
     static const std::vector<GroupRecord> all = {
-        {Group::Module, "module", "NTCIP 1201, globalModuleTable (1206.4.2.6.1.3)"},
-        {Group::Limit, "limit", "NTCIP 1205, cctvRange (1206.4.2.7.1)"},
-        {Group::Timeout, "timeout", "NTCIP 1205, cctvTimeout (1206.4.2.7.2)"},
-        {Group::Preset, "preset", "NTCIP 1205, cctvPreset (1206.4.2.7.3)"},
+        {Group::Module, "module", kModuleSource},
+        {Group::Limit, "limit", kLimitSource},
+        {Group::Timeout, "timeout", kTimeoutSource},
+        {Group::Preset, "preset", kPresetSource},
         {Group::Position, "position", "NTCIP 1205, cctvPosition (1206.4.2.7.4)"},
-        {Group::Lens, "lens", "NTCIP 1205, cctvSystem (1206.4.2.7.5)"},
+        {Group::Lens, "lens", kLensSource},
         {Group::Io, "io", "NTCIP 1205, inputs and outputs (1206.4.2.7.6 to 8)"},
-        {Group::Identity, "identity", kVendor},
-        {Group::Health, "health", kVendor},
+        {Group::Identity, "identity", kVendorSource},
+        {Group::Health, "health", kVendorSource},
     };
     return all;
 }
@@ -159,7 +158,6 @@ std::int64_t positionOf(const std::string &octets) {
 
 /** Judges a command that a position object answers. */
 Detail judgeCommand(const Expected &expected, const Located &located) {
-    constexpr std::int64_t kCircle = 36000;
     constexpr std::int64_t kMost = 65535;
     const std::string &octets = located.value.varbind.octets;
     const std::string text = snmp::hexText(octets);

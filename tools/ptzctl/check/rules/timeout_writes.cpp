@@ -14,8 +14,6 @@ namespace {
 
 constexpr std::int64_t kMost = 65535;
 constexpr std::int64_t kSixteenBits = 65536;
-constexpr long kWrongValue = 10;
-constexpr long kInconsistentValue = 12;
 
 /**
  * Returns values out of range. Most have the low 16 bits of the present value: a camera that cuts them keeps its
@@ -51,7 +49,7 @@ Detail judgeValue(Context &context, const Setting &setting, std::int64_t wrong) 
     if (lacksSetting(setting, error)) {
         return {setting.name, Result::Differs, kNoSetting};
     }
-    if (error != kWrongValue && error != kInconsistentValue) {
+    if (error != snmp::kWrongValue && error != snmp::kInconsistentValue) {
         return {setting.name, Result::Fail, fmt::format("{} is refused with {} instead of wrongValue", wrong, name)};
     }
     if (exchange.response->errorIndex != 1) {

@@ -146,15 +146,6 @@ Detail judgeRefusal(const Exchange &exchange, const std::string &title, const st
     return {title, Result::Pass, name};
 }
 
-constexpr long kNoAccess = 6;
-constexpr long kWrongType = 7;
-constexpr long kWrongLength = 8;
-constexpr long kWrongEncoding = 9;
-constexpr long kWrongValue = 10;
-constexpr long kNoCreation = 11;
-constexpr long kNotWritable = 17;
-constexpr long kInconsistentName = 18;
-
 /**
  * Tests whether a rule may write a read-only object with its present value. A faulty camera could take that of an
  * output or of a lens feature for a command. The public definition has the latter as writable.
@@ -175,14 +166,15 @@ Finding judgeReadOnly(Context &context) {
         if (!snmp::hasValue(present.type)) {
             continue;
         }
-        details.push_back(judgeRefusal(context.set({present}), expected.name, {kNotWritable, kNoAccess, kNoCreation}));
+        details.push_back(judgeRefusal(context.set({present}), expected.name,
+                                       {snmp::kNotWritable, snmp::kNoAccess, snmp::kNoCreation}));
     }
     return summarize(std::move(details));
 }
 
 Finding judgeMissingObject(Context &context) {
     const std::string root = oids::kCctvSubtree;
-    const std::vector<long> allowed = {kNoCreation, kNoAccess, kNotWritable, kInconsistentName};
+    const std::vector<long> allowed = {snmp::kNoCreation, snmp::kNoAccess, snmp::kNotWritable, snmp::kInconsistentName};
     std::vector<Detail> details;
     for (const std::string &oid : {root + ".255.255.0", root + ".1.255.0"}) {
         details.push_back(judgeRefusal(context.set({snmp::integer(oid, 0)}), snmp::withoutDot(oid), allowed));
@@ -251,12 +243,12 @@ const std::vector<Varbind> &wrongLengths() {
 }
 
 Finding judgeTypes(Context &context) {
-    return judgeWrongValues(context, timeoutSettings(context), wrongTypes, {kWrongType});
+    return judgeWrongValues(context, timeoutSettings(context), wrongTypes, {snmp::kWrongType});
 }
 
 Finding judgeLengths(Context &context) {
     return judgeWrongValues(context, timeoutSettings(context), wrongLengths,
-                            {kWrongType, kWrongLength, kWrongEncoding, kWrongValue});
+                            {snmp::kWrongType, snmp::kWrongLength, snmp::kWrongEncoding, snmp::kWrongValue});
 }
 
 Finding judgeAtomic(Context &context) {
