@@ -10,6 +10,7 @@
 #include "manager.h"
 #include "object_oids.h"
 #include "reserved_port.h"
+#include "running_panel.h"
 #include "settings.h"
 #include "support/camera.h"
 
@@ -32,20 +33,9 @@ class PanelTest : public testing::Test {
 protected:
     PanelTest()
         : camera_("dome"), agent_(watchedAgent(camera_, traps_.number())),
-          panel_(Launch{{PANEL_PROGRAM, "--camera", camera_.directory(), "--agent", agent_.peer(), "--listen",
-                         "127.0.0.1:0", "--trap-listen", "127.0.0.1:" + std::to_string(traps_.number()), "--size",
-                         "160x90"}}) {
-        const std::string line = panel_.output().awaitLine(0);
-        const std::size_t colon = line.rfind(':');
-        if (line.rfind("The panel is at http://127.0.0.1:", 0) != 0) {
-            throw std::runtime_error("the panel does not start: " + line + panel_.errors().text());
-        }
-        port_ = static_cast<std::uint16_t>(std::stoul(line.substr(colon + 1)));
-    }
-
-    ~PanelTest() override {
-        EXPECT_TRUE(panel_.end().clean()) << panel_.errors().text();
-    }
+          panel_({"--camera", camera_.directory(), "--agent", agent_.peer(), "--trap-listen",
+                  "127.0.0.1:" + std::to_string(traps_.number()), "--size", "160x90"}),
+          port_(panel_.port()) {}
 
     json act(const json &body) const {
         return httpPost(port_, "/api/action", body).json();
@@ -71,8 +61,8 @@ protected:
     ReservedPort traps_;
     Camera camera_;
     Agent agent_;
-    Process panel_;
-    std::uint16_t port_ = 0;
+    RunningPanel panel_;
+    std::uint16_t port_;
 };
 
 TEST_F(PanelTest, MovesTheCameraOverSnmp) {

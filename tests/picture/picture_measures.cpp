@@ -78,16 +78,13 @@ std::optional<Vec2> findBeacon(const Photograph &picture, const Color &color) {
             std::size_t count = 0;
             int left = x;
             int right = x;
-            int top = y;
-            int bottom = y;
+            const int top = y;
             while (!border.empty()) {
                 const auto [px, py] = border.front();
                 border.pop();
                 ++count;
                 left = std::min(left, px);
                 right = std::max(right, px);
-                top = std::min(top, py);
-                bottom = std::max(bottom, py);
                 for (const auto &[dx, dy] : {std::pair(-1, 0), std::pair(1, 0), std::pair(0, -1), std::pair(0, 1)}) {
                     const int nx = px + dx;
                     const int ny = py + dy;
@@ -99,8 +96,8 @@ std::optional<Vec2> findBeacon(const Photograph &picture, const Color &color) {
             }
             if (count > largest) {
                 largest = count;
-                // The label in the lower half does not move the edges.
-                found = Vec2{(left + right + 1) / 2.0, (top + bottom + 1) / 2.0};
+                // The label can hide the lower edge, but a disc is as high as it is wide.
+                found = Vec2{(left + right + 1) / 2.0, top + (right - left + 1) / 2.0};
             }
         }
     }
