@@ -2,38 +2,14 @@
 #include "canvas.h"
 
 #include <algorithm>
-#include <memory>
 #include <stdexcept>
 #include <string>
-
-#include <turbojpeg.h>
 
 namespace panel {
 
 namespace {
 
 constexpr int kOctetsPerPixel = 4;
-
-struct CompressorDeleter {
-    void operator()(void *compressor) const {
-        tjDestroy(compressor);
-    }
-};
-
-struct BufferDeleter {
-    void operator()(unsigned char *buffer) const {
-        tjFree(buffer);
-    }
-};
-
-/** Compressor of this thread: its construction costs more than a small picture. */
-tjhandle compressor() {
-    thread_local const std::unique_ptr<void, CompressorDeleter> handle(tjInitCompress());
-    if (!handle) {
-        throw std::runtime_error("no memory for a JPEG compressor");
-    }
-    return handle.get();
-}
 
 } // namespace
 
@@ -57,6 +33,10 @@ std::uint8_t *Canvas::pixels() {
 void PixelBox::include(const PixelBox &other) {
     *this = {std::min(left, other.left), std::min(top, other.top), std::max(right, other.right),
              std::max(bottom, other.bottom)};
+}
+
+bool overlapsAny(const PixelBox &box, const std::vector<PixelBox> &others) {
+    return std::any_of(others.begin(), others.end(), [&](const PixelBox &other) { return box.overlaps(other); });
 }
 
 std::vector<PixelBox> disjoint(std::vector<PixelBox> boxes) {
@@ -102,20 +82,6 @@ void Canvas::copy(Canvas &other, const PixelBox &box) {
 
 void Canvas::changed() {
     cairo_surface_mark_dirty(surface_.get());
-}
-
-std::string compressJpeg(Canvas &canvas, int quality) {
-    tjhandle handle = compressor();
-    const int width = canvas.width();
-    const int height = canvas.height();
-    unsigned long size = tjBufSize(width, height, TJSAMP_420);
-    std::unique_ptr<unsigned char, BufferDeleter> buffer(tjAlloc(static_cast<int>(size)));
-    unsigned char *octets = buffer.get();
-    if (octets == nullptr || tjCompress2(handle, canvas.pixels(), width, width * kOctetsPerPixel, height, TJPF_BGRX,
-                                         &octets, &size, TJSAMP_420, quality, TJFLAG_NOREALLOC | TJFLAG_FASTDCT) != 0) {
-        throw std::runtime_error(std::string("cannot compress a picture: ") + tjGetErrorStr2(handle));
-    }
-    return {reinterpret_cast<const char *>(octets), size};
 }
 
 } // namespace panel

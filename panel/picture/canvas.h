@@ -7,7 +7,6 @@
 #define QUARNSNMP_PANEL_CANVAS_H
 
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "cairo_handles.h"
@@ -30,6 +29,13 @@ struct PixelBox {
     /** Grows to include another box. */
     void include(const PixelBox &other);
 };
+
+inline bool operator==(const PixelBox &a, const PixelBox &b) {
+    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
+}
+
+/** Returns true if a box overlaps one of several. */
+bool overlapsAny(const PixelBox &box, const std::vector<PixelBox> &others);
 
 /** Merges boxes until no two overlap. */
 std::vector<PixelBox> disjoint(std::vector<PixelBox> boxes);
@@ -72,9 +78,6 @@ private:
     Surface2D surface_;
     Context context_;
 };
-
-/** Compresses the pixels of a canvas as a JPEG file. @param quality  from 1 to 100 @throws std::runtime_error */
-std::string compressJpeg(Canvas &canvas, int quality);
 
 } // namespace panel
 

@@ -3,12 +3,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <optional>
 #include <stdexcept>
 #include <tuple>
 #include <utility>
 
 #include "blur.h"
+#include "jpeg.h"
 #include "stage.h"
 #include "stamp.h"
 
@@ -63,23 +65,27 @@ public:
         check(settings);
         check(view);
         Canvas &canvas = resized(canvas_, settings.width, settings.height);
+        std::vector<StampLine> lines;
+        if (settings.stamp) {
+            View shown = view;
+            shown.bearing = view.fixed ? mount_.bearing : view.bearing;
+            shown.tilt = view.fixed ? mount_.tilt : view.tilt;
+            lines = stampOf(canvas, shown, time);
+        }
+        const bool isKept = std::exchange(isKept_, false);
         const BlurPlan plan = planBlur(view.defocus * settings.width);
         if (plan.reduction > 1.0) {
             const auto side = [&](int whole) {
                 return std::max(1, static_cast<int>(std::ceil(whole / plan.reduction)));
             };
             Canvas &small = resized(small_, side(settings.width), side(settings.height));
-            drawScene(small, view, time);
+            drawScene(small, view, time, lines, false);
             soften(small, plan.spread);
             enlarge(small, canvas);
+            finish(canvas, lines, {wholeOf(canvas)});
         } else {
-            drawScene(canvas, view, time);
-        }
-        if (settings.stamp) {
-            View shown = view;
-            shown.bearing = view.fixed ? mount_.bearing : view.bearing;
-            shown.tilt = view.fixed ? mount_.tilt : view.tilt;
-            drawStamp(canvas, shown, time);
+            finish(canvas, lines, drawScene(canvas, view, time, lines, isKept));
+            isKept_ = background_.has_value();
         }
         return canvas;
     }
@@ -89,7 +95,13 @@ public:
         check(settings);
         Canvas &canvas = resized(canvas_, settings.width, settings.height);
         drawTestPicture(canvas, name, reason, time);
+        jpeg_.changeAll();
+        isKept_ = false;
         return canvas;
+    }
+
+    std::string compress(Canvas &canvas, int quality) {
+        return jpeg_.compress(canvas, quality);
     }
 
 private:
@@ -100,7 +112,31 @@ private:
         return *canvas;
     }
 
-    void drawScene(Canvas &canvas, const View &view, PictureTime time) {
+    static PixelBox wholeOf(const Canvas &canvas) {
+        return {0, 0, canvas.width(), canvas.height()};
+    }
+
+    /** Prints the lines into the changed parts of the picture, and announces the changes. */
+    void finish(Canvas &canvas, std::vector<StampLine> lines, const std::vector<PixelBox> &changes) {
+        for (const StampLine &line : lines) {
+            if (overlapsAny(line.box, changes)) {
+                drawLine(canvas, line);
+            }
+        }
+        for (const PixelBox &box : changes) {
+            jpeg_.change(box);
+        }
+        lines_ = std::move(lines);
+    }
+
+    /**
+     * Draws the scene.
+     * @param lines   to print into it afterwards
+     * @param isKept  the canvas has the picture before
+     * @return the parts that were drawn
+     */
+    std::vector<PixelBox> drawScene(Canvas &canvas, const View &view, PictureTime time,
+                                    const std::vector<StampLine> &lines, bool isKept) {
         const Direction direction = {view.fixed ? mount_.bearing : view.bearing,
                                      view.fixed ? mount_.tilt : view.tilt,
                                      view.zoom,
@@ -120,19 +156,22 @@ private:
         moment.relays = view.relays;
         stage_.advance(moment, brush);
         if (last_ == direction) {
-            drawAtRest(canvas, brush, moment);
-        } else {
-            stage_.drawBackground(brush, moment);
-            stage_.drawForeground(brush, moment, true);
-            background_.reset();
-            still_.reset();
-            last_ = direction;
+            return drawAtRest(canvas, brush, moment, lines, isKept);
         }
+        stage_.drawBackground(brush, moment);
+        stage_.drawForeground(brush, moment, true);
+        background_.reset();
+        still_.reset();
+        last_ = direction;
+        return {wholeOf(canvas)};
     }
 
-    /** Draws the parts of the picture in which something moves, and copies the rest from the picture of a still scene.
+    /**
+     * Draws the parts of the picture in which something moves. The rest is from the picture before, or from one of a
+     * still scene.
      */
-    void drawAtRest(Canvas &canvas, Brush &brush, const Moment &moment) {
+    std::vector<PixelBox> drawAtRest(Canvas &canvas, Brush &brush, const Moment &moment,
+                                     const std::vector<StampLine> &lines, bool isKept) {
         if (!background_) {
             stage_.drawBackground(brush, moment);
             background_.emplace(canvas.width(), canvas.height()).copy(canvas);
@@ -142,14 +181,54 @@ private:
             stage_.drawForeground(brush, moment, false);
             resized(still_, canvas.width(), canvas.height()).copy(canvas);
             signalStage_ = stage_.signalStage(moment);
+            isKept = false;
         }
-        canvas.copy(*still_);
-        for (const PixelBox &box : stage_.movingParts()) {
-            canvas.copy(*background_, box);
-            brush.clip(box);
+        const std::vector<PixelBox> moving = stage_.movingParts();
+        if (!isKept) {
+            canvas.copy(*still_);
+            drawParts(canvas, brush, moment, disjoint(moving), moving);
+            return {wholeOf(canvas)};
+        }
+        const std::vector<PixelBox> changes = withWholeLines(lines, stage_.changedParts());
+        drawParts(canvas, brush, moment, changes, moving);
+        return changes;
+    }
+
+    void drawParts(Canvas &canvas, Brush &brush, const Moment &moment, const std::vector<PixelBox> &parts,
+                   const std::vector<PixelBox> &moving) {
+        for (const PixelBox &part : parts) {
+            if (!overlapsAny(part, moving)) {
+                canvas.copy(*still_, part);
+                continue;
+            }
+            canvas.copy(*background_, part);
+            brush.clip(part);
             stage_.drawForeground(brush, moment, true);
             brush.unclip();
         }
+    }
+
+    /** Adds lines of text to the changes: those that have changed, and those of which a part is drawn anew. */
+    std::vector<PixelBox> withWholeLines(std::vector<StampLine> lines, std::vector<PixelBox> changes) const {
+        const auto addUnlessIn = [&](const std::vector<StampLine> &these, const std::vector<StampLine> &others) {
+            for (std::size_t i = 0; i < these.size(); ++i) {
+                if (i >= others.size() || these[i].text != others[i].text) {
+                    changes.push_back(these[i].box);
+                }
+            }
+        };
+        addUnlessIn(lines, lines_);
+        addUnlessIn(lines_, lines);
+        for (std::size_t before = lines.size() + 1; before != lines.size();) {
+            before = lines.size();
+            changes = disjoint(std::move(changes));
+            const auto drawn = std::partition(lines.begin(), lines.end(),
+                                              [&](const StampLine &line) { return !overlapsAny(line.box, changes); });
+            std::transform(drawn, lines.end(), std::back_inserter(changes),
+                           [](const StampLine &line) { return line.box; });
+            lines.erase(drawn, lines.end());
+        }
+        return changes;
     }
 
     Mount mount_;
@@ -160,6 +239,9 @@ private:
     std::optional<Canvas> still_;      ///< the same with everything that stands still
     int signalStage_ = 0;              ///< of still_
     std::optional<Direction> last_;
+    bool isKept_ = false;          ///< canvas_ has the picture before, of the last direction and at rest
+    std::vector<StampLine> lines_; ///< printed into it
+    JpegWriter jpeg_;
 };
 
 Picture::Picture(const Scene &scene) : parts_(std::make_unique<Parts>(scene)) {}
@@ -172,12 +254,12 @@ Pixels Picture::draw(const View &view, const FrameSettings &settings, PictureTim
 }
 
 std::string Picture::drawJpeg(const View &view, const FrameSettings &settings, PictureTime time) {
-    return compressJpeg(parts_->draw(view, settings, time), settings.quality);
+    return parts_->compress(parts_->draw(view, settings, time), settings.quality);
 }
 
 std::string Picture::drawNoSignal(const std::string &name, const std::string &reason, const FrameSettings &settings,
                                   PictureTime time) {
-    return compressJpeg(parts_->drawNoSignal(name, reason, settings, time), settings.quality);
+    return parts_->compress(parts_->drawNoSignal(name, reason, settings, time), settings.quality);
 }
 
 } // namespace panel

@@ -2,6 +2,7 @@
 #include "stage.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "light.h"
 #include "things.h"
@@ -180,7 +181,46 @@ std::vector<PixelBox> Stage::movingParts() const {
     for (const Mover &mover : movers_) {
         boxes.push_back(mover.box);
     }
-    return disjoint(std::move(boxes));
+    return boxes;
+}
+
+Stage::Look Stage::lookOf(const Mover &mover, double seconds) {
+    constexpr unsigned kWalker = 1U << 31U;
+    if (mover.pedestrian != nullptr) {
+        const PedestrianPose &pose = *mover.pedestrian;
+        return {pose.at, pose.bearing, pose.step, kWalker | (pose.walking ? 1U : 0U), mover.box};
+    }
+    const VehiclePose &pose = *mover.vehicle;
+    return {pose.at, pose.bearing, 0.0, lightsOf(pose, seconds), mover.box};
+}
+
+/** Compares the movers with those of the previous moment. What has moved too little to be seen has not moved. */
+void Stage::findChanges(const Projection &projection, double seconds) {
+    constexpr double kVisible = 0.1; ///< in pixels
+    constexpr double kReach = 6.0;   ///< from the middle of a mover to its end, in metres
+    std::vector<Look> previous = std::exchange(looks_, {});
+    changedParts_.clear();
+    for (const Mover &mover : movers_) {
+        const Look look = lookOf(mover, seconds);
+        const double metres = kVisible / projection.pixelsPerMetre(length(look.at));
+        const auto isSame = [&](const Look &other) {
+            return other.lights == look.lights && other.box == look.box &&
+                   length(other.at - look.at) + kReach * std::abs(radians(other.bearing - look.bearing)) +
+                           std::abs(other.step - look.step) <
+                       metres;
+        };
+        const auto same = std::find_if(previous.begin(), previous.end(), isSame);
+        if (same == previous.end()) {
+            changedParts_.push_back(look.box);
+            looks_.push_back(look);
+        } else {
+            looks_.push_back(*same);
+            previous.erase(same);
+        }
+    }
+    for (const Look &gone : previous) {
+        changedParts_.push_back(gone.box);
+    }
 }
 
 void Stage::advance(Moment &moment, Brush &brush) {
@@ -189,6 +229,7 @@ void Stage::advance(Moment &moment, Brush &brush) {
     vehicles_ = traffic_.vehicles();
     pedestrians_ = traffic_.pedestrians();
     findMovers(brush);
+    findChanges(brush.projection(), moment.seconds);
 }
 
 void Stage::drawBackground(Brush &brush, const Moment &moment) const {

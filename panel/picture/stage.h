@@ -30,8 +30,14 @@ public:
         return traffic_.signals().stageAt(moment.seconds);
     }
 
-    /** Returns parts of the picture outside which nothing moves. They do not overlap. */
+    /** Returns parts of the picture outside which nothing moves. They can overlap. */
     std::vector<PixelBox> movingParts() const;
+
+    /** Returns parts outside which the picture is that of the previous moment, of a camera at rest. They can overlap.
+     */
+    const std::vector<PixelBox> &changedParts() const {
+        return changedParts_;
+    }
 
     /** Draws what does not depend on the time. */
     void drawBackground(Brush &brush, const Moment &moment) const;
@@ -49,8 +55,19 @@ private:
         PixelBox box; ///< of the mover and its shadow
     };
 
+    /** All that the picture of a mover depends on. */
+    struct Look {
+        Vec2 at;
+        double bearing;
+        double step;
+        unsigned lights; ///< of a vehicle; kWalker for a pedestrian
+        PixelBox box;
+    };
+
     void divide(std::vector<Thing> things);
     void findMovers(Brush &brush);
+    static Look lookOf(const Mover &mover, double seconds);
+    void findChanges(const Projection &projection, double seconds);
     void addMover(Brush &brush, const Footprint &footprint, double height, Mover mover);
     std::size_t placeOf(const Footprint &footprint) const;
 
@@ -62,6 +79,8 @@ private:
     std::vector<VehiclePose> vehicles_;
     std::vector<PedestrianPose> pedestrians_;
     std::vector<Mover> movers_; ///< those in the picture, in the order of their drawing
+    std::vector<Look> looks_;   ///< of the movers when they were drawn last
+    std::vector<PixelBox> changedParts_;
 };
 
 } // namespace panel

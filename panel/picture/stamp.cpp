@@ -18,23 +18,53 @@ double sizeFor(const Canvas &canvas) {
     return std::max(8.0, canvas.height() / 34.0);
 }
 
-void print(const Canvas &canvas, const std::string &text, double y, double size, Side side) {
-    cairo_t *context = canvas.context();
+/** Offset of the dark copy behind a light text, which keeps it legible on any picture. */
+double shadowDistance(double size) {
+    return std::max(1.0, size / 14.0);
+}
+
+void chooseFont(cairo_t *context, double size) {
     cairo_select_font_face(context, kFont, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_BOLD);
     cairo_set_font_size(context, size);
+}
+
+StampLine lineOf(const Canvas &canvas, const std::string &text, double y, double size, Side side) {
+    cairo_t *context = canvas.context();
+    chooseFont(context, size);
     cairo_text_extents_t extents;
     cairo_text_extents(context, text.c_str(), &extents);
     const double margin = size;
     const double room = canvas.width() - extents.x_advance;
     const double x = side == Side::left ? margin : side == Side::right ? room - margin : room / 2.0;
-    // A dark copy behind the light text keeps it legible on any picture.
-    const double shadow = std::max(1.0, size / 14.0);
+    const double reach = shadowDistance(size) + 2.0;
+    const auto column = [&](double value) {
+        return static_cast<int>(std::clamp(value, 0.0, static_cast<double>(canvas.width())));
+    };
+    const auto row = [&](double value) {
+        return static_cast<int>(std::clamp(value, 0.0, static_cast<double>(canvas.height())));
+    };
+    return {text,
+            x,
+            y,
+            {column(x + extents.x_bearing - reach), row(y + extents.y_bearing - reach),
+             column(x + extents.x_bearing + extents.width + reach),
+             row(y + extents.y_bearing + extents.height + reach)}};
+}
+
+void print(const Canvas &canvas, const StampLine &line, double size) {
+    cairo_t *context = canvas.context();
+    chooseFont(context, size);
+    const double shadow = shadowDistance(size);
     cairo_set_source_rgba(context, 0.0, 0.0, 0.0, 0.75);
-    cairo_move_to(context, x + shadow, y + shadow);
-    cairo_show_text(context, text.c_str());
+    cairo_move_to(context, line.x + shadow, line.y + shadow);
+    cairo_show_text(context, line.text.c_str());
     cairo_set_source_rgb(context, 1.0, 1.0, 1.0);
-    cairo_move_to(context, x, y);
-    cairo_show_text(context, text.c_str());
+    cairo_move_to(context, line.x, line.y);
+    cairo_show_text(context, line.text.c_str());
+}
+
+void print(const Canvas &canvas, const std::string &text, double y, double size, Side side) {
+    print(canvas, lineOf(canvas, text, y, size, side), size);
 }
 
 std::string dateAndTime(PictureTime time) {
@@ -64,11 +94,15 @@ void fillRectangle(cairo_t *context, double x, double y, double width, double he
 
 } // namespace
 
-void drawStamp(Canvas &canvas, const View &view, PictureTime time) {
+std::vector<StampLine> stampOf(const Canvas &canvas, const View &view, PictureTime time) {
     const double size = sizeFor(canvas);
-    print(canvas, view.name, 1.8 * size, size, Side::left);
-    print(canvas, dateAndTime(time), 1.8 * size, size, Side::right);
-    print(canvas, directionText(view), canvas.height() - size, size, Side::left);
+    return {lineOf(canvas, view.name, 1.8 * size, size, Side::left),
+            lineOf(canvas, dateAndTime(time), 1.8 * size, size, Side::right),
+            lineOf(canvas, directionText(view), canvas.height() - size, size, Side::left)};
+}
+
+void drawLine(Canvas &canvas, const StampLine &line) {
+    print(canvas, line, sizeFor(canvas));
 }
 
 void drawTestPicture(Canvas &canvas, const std::string &name, const std::string &reason, PictureTime time) {

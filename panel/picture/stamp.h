@@ -11,8 +11,19 @@
 
 namespace panel {
 
-/** Prints name, date and time, direction and zoom. */
-void drawStamp(Canvas &canvas, const View &view, PictureTime time);
+/** One of the texts. */
+struct StampLine {
+    std::string text;
+    double x = 0.0; ///< where the text starts
+    double y = 0.0;
+    PixelBox box; ///< of all its pixels
+};
+
+/** Returns name, date and time, direction and zoom, each in its place. */
+std::vector<StampLine> stampOf(const Canvas &canvas, const View &view, PictureTime time);
+
+/** Prints a line. */
+void drawLine(Canvas &canvas, const StampLine &line);
 
 /** Draws a test picture with the name, the time and a reason. */
 void drawTestPicture(Canvas &canvas, const std::string &name, const std::string &reason, PictureTime time);

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "light.h"
+#include "vehicle_shapes.h"
 
 namespace panel {
 
@@ -15,146 +16,12 @@ constexpr Color kTyre = {28, 28, 30};
 constexpr Color kHub = {150, 152, 156};
 constexpr Color kDark = {38, 40, 43};
 
-/** Point of a vehicle seen from its side: along the vehicle, positive in front, and upwards. */
-struct ProfilePoint {
-    double y;
-    double z;
-};
-
-/** Shape of a vehicle: its outline from the side, from the lower front over the roof to the lower rear. */
-struct Shape {
-    std::vector<ProfilePoint> profile;
-    std::size_t windscreenBase; ///< indices into the profile
-    std::size_t windscreenTop;
-    std::size_t rearTop;
-    std::size_t rearBase;
-    double width;
-    double roofWidth;
-    double wheelRadius;
-    std::vector<double> axles;
-    std::vector<std::pair<double, double>> windows; ///< parts of the side from front to rear, 0 to 1
-    bool rearGlass;
-};
-
-const Shape &shapeOf(VehicleKind kind) {
-    static const Shape car = {{{2.22, 0.30},
-                               {2.25, 0.55},
-                               {2.12, 0.70},
-                               {0.92, 0.90},
-                               {0.18, 1.42},
-                               {-1.05, 1.42},
-                               {-1.72, 0.97},
-                               {-2.18, 0.90},
-                               {-2.25, 0.60},
-                               {-2.2, 0.32}},
-                              3,
-                              4,
-                              5,
-                              6,
-                              1.80,
-                              1.36,
-                              0.33,
-                              {1.38, -1.34},
-                              {{0.05, 0.46}, {0.50, 0.93}},
-                              true};
-    static const Shape suv = {{{2.30, 0.38},
-                               {2.35, 0.70},
-                               {2.22, 0.88},
-                               {1.10, 1.06},
-                               {0.50, 1.68},
-                               {-1.85, 1.68},
-                               {-2.22, 1.08},
-                               {-2.32, 0.80},
-                               {-2.28, 0.40}},
-                              3,
-                              4,
-                              5,
-                              6,
-                              1.88,
-                              1.52,
-                              0.37,
-                              {1.42, -1.40},
-                              {{0.06, 0.34}, {0.38, 0.66}, {0.70, 0.94}},
-                              true};
-    static const Shape van = {{{2.75, 0.36},
-                               {2.80, 0.70},
-                               {2.66, 0.98},
-                               {1.95, 1.18},
-                               {1.28, 2.05},
-                               {0.9, 2.22},
-                               {-2.72, 2.22},
-                               {-2.80, 1.95},
-                               {-2.80, 1.2},
-                               {-2.78, 0.38}},
-                              3,
-                              4,
-                              7,
-                              8,
-                              1.98,
-                              1.84,
-                              0.36,
-                              {1.80, -1.72},
-                              {{0.05, 0.24}},
-                              true};
-    static const Shape truck = {{{4.15, 0.45},
-                                 {4.20, 0.95},
-                                 {4.18, 1.35},
-                                 {3.95, 2.35},
-                                 {3.6, 2.55},
-                                 {2.45, 2.55},
-                                 {2.4, 2.35},
-                                 {2.4, 1.35},
-                                 {2.4, 0.5}},
-                                2,
-                                3,
-                                6,
-                                7,
-                                2.30,
-                                2.16,
-                                0.46,
-                                {3.15, -2.3},
-                                {{0.12, 0.72}},
-                                false};
-    static const Shape bus = {
-        {{5.96, 0.38},
-         {6.0, 1.00},
-         {5.92, 2.55},
-         {5.75, 3.02},
-         {-5.85, 3.02},
-         {-5.98, 2.55},
-         {-6.0, 1.15},
-         {-5.96, 0.40}},
-        1,
-        2,
-        5,
-        6,
-        2.50,
-        2.42,
-        0.48,
-        {3.45, -2.75},
-        {{0.02, 0.09}, {0.105, 0.24}, {0.255, 0.39}, {0.405, 0.54}, {0.555, 0.69}, {0.705, 0.84}, {0.855, 0.97}},
-        true};
-    switch (kind) {
-    case VehicleKind::suv:
-        return suv;
-    case VehicleKind::van:
-        return van;
-    case VehicleKind::truck:
-        return truck;
-    case VehicleKind::bus:
-        return bus;
-    case VehicleKind::car:
-        break;
-    }
-    return car;
-}
-
 /** Vehicle while it is drawn. */
 class Drawing {
 public:
     Drawing(const VehiclePose &vehicle, const Vec3 &eye, bool isDetailed, double seconds)
         : vehicle_(vehicle), shape_(shapeOf(vehicle.kind)), place_(vehicle.at, vehicle.bearing), mesh_(eye),
-          isDetailed_(isDetailed), isBlinking_(std::fmod(seconds, 0.8) < 0.4) {
+          isDetailed_(isDetailed), lights_(lightsOf(vehicle, seconds)) {
         const Vec2 toEye = Vec2{eye.x, eye.y} - vehicle.at;
         side_ = dot(toEye, place_.right) > 0.0 ? 1.0 : -1.0;
         isFront_ = dot(toEye, place_.forward) > 0.0;
@@ -336,7 +203,7 @@ private:
             mesh_.add({place_.point(-half * 0.5, y, z - 0.14), place_.point(half * 0.5, y, z - 0.14),
                        place_.point(half * 0.5, y, z + 0.02), place_.point(-half * 0.5, y, z + 0.02)});
         }
-        const Color rearLight = vehicle_.braking ? Color{255, 44, 30} : Color{138, 24, 24};
+        const Color rearLight = (lights_ & kBrakeLight) != 0 ? Color{255, 44, 30} : Color{138, 24, 24};
         mesh_.color(isFront_ ? Color{250, 250, 240} : rearLight);
         pair(half * 0.58, half * 0.97, z - 0.06, z + (isFront_ ? 0.07 : 0.12));
         addIndicator(y, half, z);
@@ -349,10 +216,10 @@ private:
     }
 
     void addIndicator(double y, double half, double z) {
-        if (!isBlinking_ || vehicle_.turningLeft == vehicle_.turningRight) {
+        if ((lights_ & (kLeftLight | kRightLight)) == 0) {
             return;
         }
-        const double side = vehicle_.turningRight ? 1.0 : -1.0;
+        const double side = (lights_ & kRightLight) != 0 ? 1.0 : -1.0;
         mesh_.color({255, 168, 40});
         mesh_.add({place_.point(side * half * 0.8, y, z - 0.08), place_.point(side * half, y, z - 0.08),
                    place_.point(side * half, y, z + 0.08), place_.point(side * half * 0.8, y, z + 0.08)});
@@ -369,16 +236,23 @@ private:
     }
 
     const VehiclePose &vehicle_;
-    const Shape &shape_;
+    const VehicleShape &shape_;
     Placement place_;
     Mesh mesh_;
     bool isDetailed_;
-    bool isBlinking_;
+    unsigned lights_;
     double side_ = 1.0; ///< of the visible side: 1 right, -1 left
     bool isFront_ = false;
 };
 
 } // namespace
+
+unsigned lightsOf(const VehiclePose &vehicle, double seconds) {
+    constexpr double kPeriod = 0.8;
+    const bool blinks = vehicle.turningLeft != vehicle.turningRight && std::fmod(seconds, kPeriod) < kPeriod / 2.0;
+    return (vehicle.braking ? kBrakeLight : 0U) | (blinks && vehicle.turningLeft ? kLeftLight : 0U) |
+           (blinks && vehicle.turningRight ? kRightLight : 0U);
+}
 
 std::vector<Vec2> outlineOf(const VehiclePose &vehicle) {
     const Placement place(vehicle.at, vehicle.bearing);
@@ -388,7 +262,7 @@ std::vector<Vec2> outlineOf(const VehiclePose &vehicle) {
 }
 
 std::vector<Vec2> shadowOf(const VehiclePose &vehicle) {
-    const Shape &shape = shapeOf(vehicle.kind);
+    const VehicleShape &shape = shapeOf(vehicle.kind);
     const double height = vehicle.kind == VehicleKind::truck ? 3.2 : shape.profile[shape.windscreenTop].z * 0.9;
     return shadowOf(outlineOf(vehicle), 0.15, height);
 }

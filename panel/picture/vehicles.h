@@ -10,6 +10,14 @@
 
 namespace panel {
 
+/** Lights of a vehicle that go on and off. */
+inline constexpr unsigned kBrakeLight = 1;
+inline constexpr unsigned kLeftLight = 2;
+inline constexpr unsigned kRightLight = 4;
+
+/** Returns the lights that are on. @param seconds  time of the picture, for blinking lights */
+unsigned lightsOf(const VehiclePose &vehicle, double seconds);
+
 /** Returns the outline of a vehicle on the ground. */
 std::vector<Vec2> outlineOf(const VehiclePose &vehicle);
 

@@ -152,6 +152,39 @@ TEST_F(PictureTest, APictureOfACameraAtRestIsTheSameAsAnyOther) {
     }
 }
 
+TEST_F(PictureTest, WhatAStreamKeepsFromThePictureBeforeIsUpToDate) {
+    const auto different = [](const Photograph &a, const Photograph &b) {
+        constexpr int kVisible = 40;
+        std::size_t count = 0;
+        for (std::size_t i = 0; i < a.pixels.size(); ++i) {
+            count += std::abs(a.pixels[i] - b.pixels[i]) > kVisible ? 1U : 0U;
+        }
+        return count;
+    };
+    View view = towards(8.0);
+    view.tilt = -12.0;
+    view.name = "dome";
+    const FrameSettings settings;
+    // Vehicles drive, turn and stop behind the line of the direction, lights blink, and the clock goes on.
+    PictureTime time = kTime;
+    for (int picture = 1; picture <= 120; ++picture) {
+        time += std::chrono::milliseconds(133);
+        const std::string jpeg = picture_->drawJpeg(view, settings, time);
+        if (picture % 24 == 0) {
+            picture_->draw(towards(200.0), settings, time);
+            EXPECT_LT(different(decodeJpeg(jpeg), decodeJpeg(picture_->drawJpeg(view, settings, time))), 200U)
+                << picture;
+        }
+    }
+    const std::string sharp = picture_->drawJpeg(view, settings, time);
+    picture_->drawNoSignal("dome", "the camera restarts", settings, time);
+    EXPECT_EQ(0U, different(decodeJpeg(sharp), decodeJpeg(picture_->drawJpeg(view, settings, time))));
+    view.defocus = 0.01;
+    picture_->drawJpeg(view, settings, time);
+    view.defocus = 0.0;
+    EXPECT_EQ(0U, different(decodeJpeg(sharp), decodeJpeg(picture_->drawJpeg(view, settings, time))));
+}
+
 TEST_F(PictureTest, AnInputOpensTheCabinetAndARelayLightsTheLamp) {
     const auto changedPixels = [&](const Vec2 &place, double height, const View &changed) {
         View view = changed;
