@@ -32,7 +32,7 @@ function(check_core_library file reference)
   read_elf_field(expected "${reference}" Machine)
   if(NOT expected STREQUAL "" AND NOT machine STREQUAL expected)
     message(FATAL_ERROR "ZORVA_CORE_LIBRARY is '${file}', a library for ${machine}, but this build is for ${expected}. "
-                        "Use the library for this processor, or the preset for the library's: 'aarch64' for AArch64")
+                        "Use a library for ${expected}, or a build for ${machine}; the preset 'aarch64' builds for AArch64")
   endif()
   read_elf_field(soname "${file}" SONAME)
   if(NOT soname MATCHES "\\[libzorva-core\\.so\\]")

@@ -14,6 +14,9 @@ output=$root/build/packages
 # Builds and packs a preset. Usage: pack PRESET
 pack() {
     local work=$output/$1
+    # Not the settings of an earlier build for a camera's own library.
+    run_logged "configuring the build '$1'" "$root/build/log/$1-configure.log" \
+        env --chdir="$root" cmake --fresh --preset "$1"
     build_preset "$root" "$1"
     run_logged "packing the build '$1'" "$root/build/log/$1-packages.log" \
         env --chdir="$root/build/$1" cpack -B "$work"

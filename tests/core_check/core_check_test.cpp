@@ -114,25 +114,26 @@ Failures bothPowerRequests(const std::string &detail) {
 
 INSTANTIATE_TEST_SUITE_P(
     Requests, CoreCheckOfADefect,
-    testing::Values(Defect{"crash in a request", bothPowerRequests("the process was killed by SIGSEGV")},
-                    Defect{"abort in a request", bothPowerRequests("the process was killed by SIGABRT")},
-                    Defect{"exit in a request", bothPowerRequests("the library ended the process with status 0")},
-                    Defect{"exception in a request", bothPowerRequests("an exception: not for C")},
-                    Defect{"other exception in a request", bothPowerRequests("an exception that is no std::exception")},
-                    Defect{"hang in a request", bothPowerRequests("hangs: no answer within 5 seconds")},
-                    Defect{"slow request", bothPowerRequests("too slow: a call must end after about two seconds")},
-                    Defect{"failing request", bothPowerRequests("status 77, no \\u001bluck")},
-                    Defect{"null text", {{"library statusToString", "status 0 has no text, but a null pointer"}}},
-                    Defect{"failing end",
-                           {{"library zorva_core_deinit", "status 77, no \\u001bluck"},
-                            {"fork use and end in the fork", "status 77, no \\u001bluck"},
-                            {"reload load, use, unload 1", "status 77, no \\u001bluck"}}},
-                    Defect{"crash at the unload",
-                           {{"fork use and end in the fork", "the process was killed by SIGSEGV"},
-                            {"reload load, use, unload 1", "the process was killed by SIGSEGV"}}},
-                    Defect{"crash after a fork",
-                           {{"fork use and end in the fork", "the process was killed by SIGSEGV"}}},
-                    Defect{"descriptor", {{"reload descriptors", "2 more descriptors are open after two reloads"}}}));
+    testing::Values(
+        Defect{"crash in a request", bothPowerRequests("the process was killed by SIGSEGV")},
+        Defect{"abort in a request", bothPowerRequests("the process was killed by SIGABRT")},
+        Defect{"exit in a request", bothPowerRequests("the library ended the process with status 0")},
+        Defect{"exception in a request", bothPowerRequests("an exception: not for C")},
+        Defect{"other exception in a request", bothPowerRequests("an exception that is no std::exception")},
+        Defect{"hang in a request", bothPowerRequests("hangs: no answer within 5 seconds")},
+        Defect{"slow request", bothPowerRequests("too slow: a call must end after about two seconds")},
+        Defect{"failing request", bothPowerRequests("status 77, no \\u001bluck")},
+        Defect{"null text", {{"library statusToString", "status 0 has no text, but a null pointer"}}},
+        Defect{"failing end",
+               {{"library zorva_core_deinit", "status 77, no \\u001bluck"},
+                {"fork use and end in the fork", "status 77, no \\u001bluck"},
+                {"reload load, use, unload 1", "status 77, no \\u001bluck"}}},
+        Defect{"crash at the unload",
+               {{"fork use and end in the fork", "the process was killed by SIGSEGV"},
+                {"reload load, use, unload 1", "the process was killed by SIGSEGV"}}},
+        Defect{"crash after a fork", {{"fork use and end in the fork", "the process was killed by SIGSEGV"}}},
+        Defect{"descriptor", {{"reload descriptors", "2 more descriptors are open after two reloads"}}},
+        Defect{"log stays open", {{"reload descriptors", "2 more descriptors are open after two reloads"}}}));
 
 TEST(CoreCheck, ReportsThreadsThatOutliveTheLibrary) {
     const Outcome outcome = checkDefective("thread");

@@ -263,6 +263,7 @@ void checkReload(Trial &trial, const std::string &file) {
         library.start();
         const Sample sample = openSample(trial, library);
         useSample(library, sample);
+        library.log(kLeastSevereLevel, "before an unload"); // a library may open its log at the first line
         end(library, sample);
         unloads = library.unload(file);
         return unloads ? describe(sample) : describe(sample) + "; stays mapped after the unload";
