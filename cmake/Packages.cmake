@@ -42,6 +42,10 @@ if(QUARNSNMP_BUILD_SIMULATOR)
   install(FILES ${packaging}/quarnsnmp-simulator/quarnsnmp-watch.conf
     DESTINATION /etc/snmp/snmpd.conf.d COMPONENT simulator EXCLUDE_FROM_ALL)
 endif()
+if(TARGET quarnsnmp-panel)
+  install(FILES ${packaging}/quarnsnmp-panel/quarnsnmp-panel.service
+    DESTINATION /lib/systemd/system COMPONENT panel EXCLUDE_FROM_ALL)
+endif()
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/quarnsnmp COMPONENT module EXCLUDE_FROM_ALL
   FILES_MATCHING PATTERN "*.md" PATTERN decisions EXCLUDE PATTERN releasing.md EXCLUDE)
 
@@ -91,7 +95,8 @@ page for browsers. The page moves the camera over SNMP and explains each
 request, shows all requests that reach the agent, and changes the state of the
 simulated camera. The picture is also available as a video stream.
 
-The page is available on this machine only, unless an option says otherwise.]])
+The page is available on this machine only, unless an option says otherwise.
+The package installs quarnsnmp-panel.service, but does not enable it.]])
 set(CPACK_DEBIAN_PANEL_PACKAGE_DEPENDS "fonts-dejavu-core")
 set(CPACK_DEBIAN_PANEL_PACKAGE_RECOMMENDS "quarnsnmp-simulator")
 set(CPACK_DEBIAN_PANEL_PACKAGE_SUGGESTS "quarnsnmp-rtsp")

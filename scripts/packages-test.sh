@@ -116,7 +116,8 @@ test_version() {
 test_panel() {
     local file
     dependencies "$panel" amd64 | grep -x fonts-dejavu-core >/dev/null || fail "$panel does not depend on its fonts"
-    for file in ./usr/bin/quarnsnmp-panel ./usr/share/quarnsnmp/scenes/intersection.json; do
+    for file in ./usr/bin/quarnsnmp-panel ./usr/share/quarnsnmp/scenes/intersection.json \
+        ./lib/systemd/system/quarnsnmp-panel.service; do
         dpkg-deb --fsys-tarfile "$(archive "$panel" amd64)" | tar --list | grep -x "$file" >/dev/null || fail "$panel lacks $file"
     done
 }
@@ -253,20 +254,25 @@ help_of() {
 }
 
 # systemd does not run in the root, so systemd-analyze checks copies of the units and of the agent's drop-in. They start
-# the programs of the root from outside.
+# the programs of the root, and of the panel's package, from outside.
 test_units() {
     local units=$work/units unit
     mkdir -- "$units"
-    cp -r -t "$units" "$debian"/lib/systemd/system/{quarnsnmp-camera.service,snmpd.service{,.d}}
-    for unit in quarnsnmp-camera snmpd; do
-        sed -i "s:^ExecStart=:&$debian:" "$units/$unit.service"
+    dpkg-deb --extract "$(archive "$panel" amd64)" "$work/panel"
+    cp -r -t "$units" "$debian"/lib/systemd/system/{quarnsnmp-camera.service,snmpd.service{,.d}} \
+        "$work/panel/lib/systemd/system/quarnsnmp-panel.service"
+    sed -i "s:^ExecStart=:&$debian:" "$units"/{quarnsnmp-camera,snmpd}.service
+    sed -i "s:^ExecStart=:&$work/panel:" "$units/quarnsnmp-panel.service"
+    for unit in quarnsnmp-camera quarnsnmp-panel snmpd; do
         run_logged "the check of the unit $unit" "$work/$unit-unit.log" \
             systemd-analyze verify --man=no "$units/$unit.service"
         [[ ! -s $work/$unit-unit.log ]] ||
             fail "systemd-analyze reports problems of the unit $unit: $(cat -- "$work/$unit-unit.log")"
     done
-    run_logged "the check of the unit's security" "$work/unit-security.log" \
-        systemd-analyze security --offline=true --threshold=20 "$units/quarnsnmp-camera.service"
+    for unit in quarnsnmp-camera quarnsnmp-panel; do
+        run_logged "the check of the security of the unit $unit" "$work/unit-security.log" \
+            systemd-analyze security --offline=true --threshold=20 "$units/$unit.service"
+    done
 }
 
 # Prints the command of a unit in the root. Usage: command_of UNIT
