@@ -49,17 +49,17 @@ function servicesCondition(panel) {
     }
     const total = Object.keys(panel.state.services).length;
     const down = servicesDown(panel.state);
-    const faulty = new Set(
-        [...(panel.state.failures ?? []), ...(panel.state.delays ?? [])].map((fault) => fault.service),
-    );
-    if (down.length > 0) {
-        return [
-            'bad',
-            down.length <= 2 ? `${down.join(', ')} down` : `${down.length} of ${total} down`,
-            down.join(', '),
-        ];
+    const faults = [...(panel.state.failures ?? []), ...(panel.state.delays ?? [])];
+    const faulty = [...new Set(faults.map((fault) => fault.service))];
+    const few = (names) => (names.length <= 2 ? names.join(', ') : `${names.length} of ${total}`);
+    const troubles = [
+        ...(down.length > 0 ? [`${few(down)} down`] : []),
+        ...(faulty.length > 0 ? [`faults in ${few(faulty)}`] : []),
+    ];
+    if (troubles.length === 0) {
+        return ['good', `${total} up`, ''];
     }
-    return faulty.size > 0 ? ['wait', `faults in ${[...faulty].join(', ')}`, ''] : ['good', `${total} up`, ''];
+    return [down.length > 0 ? 'bad' : 'wait', troubles.join(', '), [...down, ...faulty].join(', ')];
 }
 
 const kRows = [

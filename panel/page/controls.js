@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Buttons and fields for everything that SNMP can move and switch.
-import {firstTarget, isAutomatic, presetsOf, targetsOf} from './camera_state.js';
-import {h, setAttribute, setText} from './dom.js';
+import {firstTarget, isAutomatic, presetsOf} from './camera_state.js';
+import {h, labelled, setAttribute, setText} from './dom.js';
 import {holdButton} from './moves.js';
+import {createToggles} from './toggles.js';
 
 const kStepDegrees = 5;
 const kStepPercent = 5;
@@ -110,7 +111,7 @@ function goForm(panel) {
     };
     const labels = {pan: 'Pan °', tilt: 'Tilt °', zoom: 'Zoom %'};
     const cells = Object.fromEntries(
-        Object.entries(fields).map(([axis, field]) => [axis, h('label', {}, h('span', {}, labels[axis]), field)]),
+        Object.entries(fields).map(([axis, field]) => [axis, labelled(labels[axis], field)]),
     );
     const element = h(
         'form',
@@ -207,38 +208,24 @@ function presets(panel) {
 }
 
 function relays(panel) {
-    const row = h('div', {class: 'row'});
-    const element = h('div', {class: 'relays', role: 'group', 'aria-label': 'Relays'}, h('h3', {}, 'Relays'), row);
-    const buttons = new Map();
+    const toggles = createToggles(panel, {
+        service: 'relay',
+        title: 'Relay',
+        words: ['off', 'on'],
+        isOn: ({state}) => (state & 1) !== 0,
+        turn: (number, on) => panel.act({action: 'relay', number, on}),
+    });
+    const element = h(
+        'div',
+        {class: 'relays', role: 'group', 'aria-label': 'Relays'},
+        h('h3', {}, 'Relays'),
+        toggles.element,
+    );
     return {
         element,
         update() {
-            const targets = targetsOf(panel.state, 'relay');
-            element.hidden = targets.length === 0;
-            targets.forEach(([id, fields], index) => {
-                if (!buttons.has(id)) {
-                    const button = h('button', {
-                        type: 'button',
-                        class: 'toggle',
-                        'aria-label': `Relay ${index + 1}`,
-                        on: {
-                            click: () => {
-                                panel.act({
-                                    action: 'relay',
-                                    number: index + 1,
-                                    on: button.getAttribute('aria-pressed') !== 'true',
-                                });
-                            },
-                        },
-                    });
-                    buttons.set(id, button);
-                    row.append(button);
-                }
-                const on = (fields.state & 1) !== 0;
-                const button = buttons.get(id);
-                setText(button, `${index + 1} ${panel.isCurrent() ? (on ? 'on' : 'off') : '–'}`);
-                setAttribute(button, 'aria-pressed', panel.isCurrent() ? String(on) : 'mixed');
-            });
+            toggles.update();
+            element.hidden = toggles.count === 0;
         },
     };
 }

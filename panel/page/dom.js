@@ -3,15 +3,29 @@
 
 const kSvg = 'http://www.w3.org/2000/svg';
 
+// Characters that show nothing, or turn the direction of the text around them. Line feeds and tabs are harmless.
+const kUnseen = /[\0-\x08\x0b-\x1f\x7f-\x9f\u061c\u200b-\u200f\u2028-\u202e\u2060-\u206f\ufeff]/g;
+
+/** Writes unseen characters as the escapes of JSON, such as \u001b. */
+export function visible(text) {
+    return String(text).replace(
+        kUnseen,
+        (character) => `\\u${character.charCodeAt(0).toString(16).padStart(4, '0')}`,
+    );
+}
+
 function fill(element, attributes, children) {
     for (const [name, value] of Object.entries(attributes ?? {})) {
+        if (value === null || value === undefined) {
+            continue;
+        }
         if (name === 'on') {
             for (const [type, listener] of Object.entries(value)) {
                 element.addEventListener(type, listener);
             }
         } else if (name in element && typeof value !== 'string' && !(element instanceof SVGElement)) {
             element[name] = value;
-        } else if (value !== null && value !== undefined && value !== false) {
+        } else if (value !== false) {
             element.setAttribute(name, value === true ? '' : String(value));
         }
     }
@@ -19,7 +33,7 @@ function fill(element, attributes, children) {
         ...children
             .flat(Infinity)
             .filter((child) => child !== null && child !== undefined)
-            .map((child) => (child instanceof Node ? child : document.createTextNode(String(child)))),
+            .map((child) => (child instanceof Node ? child : document.createTextNode(visible(child)))),
     );
     return element;
 }
@@ -36,8 +50,9 @@ export function s(tag, attributes, ...children) {
 
 /** Sets the text of an element, without touching a document that already shows it. */
 export function setText(element, text) {
-    if (element.textContent !== text) {
-        element.textContent = text;
+    const shown = visible(text);
+    if (element.textContent !== shown) {
+        element.textContent = shown;
     }
 }
 
@@ -48,6 +63,11 @@ export function setAttribute(element, name, value) {
     } else if (element.getAttribute(name) !== String(value)) {
         element.setAttribute(name, String(value));
     }
+}
+
+/** Puts a label above a field. */
+export function labelled(text, field) {
+    return h('label', {class: 'labelled'}, h('span', {}, text), field);
 }
 
 /** Copies a text. Resolves to whether it worked. */

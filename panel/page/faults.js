@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Failures and delays of the camera's services.
-import {h, setAttribute, setText} from './dom.js';
+import {h, labelled, setText} from './dom.js';
 import {group, option, setOptions} from './simulator_parts.js';
 
 function faultText(fault) {
@@ -12,26 +12,21 @@ function faultText(fault) {
 
 /** Makes the list of failures and delays, and the form that adds one. */
 export function faults(panel) {
-    const kind = h('select', {'aria-label': 'Kind of fault'}, option('delay', 'Delay'), option('fail', 'Fail'));
-    const service = h('select', {'aria-label': 'Service'});
+    const kind = h('select', {}, option('delay', 'Delay'), option('fail', 'Failure'));
+    const service = h('select', {});
     const operation = h('input', {
         value: '*',
-        'aria-label': 'Operation, * for all',
+        title: 'Name of an operation, or * for all',
+        required: true,
         spellcheck: false,
         autocomplete: 'off',
     });
-    const amount = h('input', {type: 'number', min: 0, max: 600000, value: '3000', 'aria-label': 'Milliseconds'});
-    const unit = h('span', {class: 'unit'}, 'ms');
-    const times = h('input', {
-        type: 'number',
-        min: 1,
-        placeholder: 'always',
-        'aria-label': 'Number of calls, empty for always',
-    });
+    const amount = h('input', {type: 'number', min: 0, max: 600000, value: '3000', required: true});
+    const amountField = labelled('Milliseconds', amount);
+    const times = h('input', {type: 'number', min: 1, placeholder: 'always', title: 'Empty for all calls'});
     kind.addEventListener('change', () => {
         const isDelay = kind.value === 'delay';
-        setText(unit, isDelay ? 'ms' : 'status');
-        setAttribute(amount, 'aria-label', isDelay ? 'Milliseconds' : 'Status, 1 to 6');
+        setText(amountField.firstChild, isDelay ? 'Milliseconds' : 'Status, 1 to 6');
         amount.value = isDelay ? '3000' : '1';
     });
     const list = h('ul', {class: 'faults'});
@@ -47,19 +42,18 @@ export function faults(panel) {
                     panel.control({
                         command: kind.value,
                         service: service.value,
-                        operation: operation.value.trim() || '*',
+                        operation: operation.value.trim(),
                         [kind.value === 'delay' ? 'milliseconds' : 'status']: Number(amount.value),
                         times: times.value === '' ? 'always' : Number(times.value),
                     });
                 },
             },
         },
-        kind,
-        service,
-        operation,
-        amount,
-        unit,
-        times,
+        labelled('Fault', kind),
+        labelled('Service', service),
+        labelled('Operation', operation),
+        amountField,
+        labelled('Calls', times),
         h('button', {type: 'submit'}, 'Add'),
     );
     const clear = h(

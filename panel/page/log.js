@@ -120,10 +120,19 @@ export function createLog(panel) {
             }
         });
         const classes = ['time', 'from', 'what', 'name', 'octets', 'meaning', 'result', 'took'];
+        // A meaning without a value and an outcome takes their place.
+        const around = ['octets', 'result', 'took'];
+        const isWide = classes.every((name, index) => !around.includes(name) || cells[index] === '');
         const row = h(
             'tr',
             {class: `record ${kind}${record.ok === false ? ' bad' : ''}`},
-            cells.map((text, index) => h('td', {class: classes[index]}, index === 0 ? opener : text)),
+            cells.map((text, index) => {
+                const name = classes[index];
+                const colspan = isWide && name === 'meaning' ? around.length + 1 : null;
+                return isWide && around.includes(name)
+                    ? null
+                    : h('td', {class: name, colspan}, index === 0 ? opener : text);
+            }),
         );
         return [row, details];
     }
@@ -131,7 +140,7 @@ export function createLog(panel) {
     function describe() {
         const held = records.entries.length;
         const dropped = records.dropped > 0 ? `, ${records.dropped} older ones dropped` : '';
-        setText(count, paused ? `${waiting.length} new while paused` : `${held} entries${dropped}`);
+        setText(count, paused ? `${waiting.length} new while paused` : `${held} ${held === 1 ? 'entry' : 'entries'}${dropped}`);
         empty.hidden = body.childElementCount > 0;
         setText(
             empty,

@@ -3,14 +3,24 @@
 import {flash, h, setAttribute, setText} from './dom.js';
 import {ageText, clockText, wordFilter} from './records.js';
 
-const kColumns = ['Object', 'OID', 'Value', 'Meaning', 'Last read', 'Last written'];
+// The table reads all objects in turn, which is no news: the last reader is somebody else.
+const kColumns = [
+    ['Object'],
+    ['OID'],
+    ['Value'],
+    ['Meaning'],
+    ['As of', 'When this table has read the value'],
+    ['Last read', 'By whom, apart from this table'],
+    ['Last written', 'By whom'],
+];
 
 function makeRow(panel, object) {
     const cells = {
         value: h('td', {class: 'octets'}),
         meaning: h('td', {class: 'meaning'}),
-        read: h('td', {class: 'when'}),
-        written: h('td', {class: 'when'}),
+        age: h('td', {class: 'age'}),
+        asked: h('td', {class: 'when', 'data-column': 'Read'}),
+        written: h('td', {class: 'when', 'data-column': 'Written'}),
     };
     const pick = h(
         'button',
@@ -47,8 +57,14 @@ function meaningText(object) {
     return object.meaning === object.value ? '' : object.meaning;
 }
 
-function writerText({time, by, as}) {
-    return `${clockText(Date.parse(time)).slice(0, 8)} by ${by}${as ? ` (${as})` : ''}`;
+function accessText({time, by, as}) {
+    return `${clockText(Date.parse(time)).slice(0, 8)} by ${by || 'an unknown manager'}${as ? ` (${as})` : ''}`;
+}
+
+function fillAccess(cell, access) {
+    setText(cell, access ? accessText(access) : '');
+    const {value, meaning} = access ?? {};
+    setAttribute(cell, 'title', access ? (meaning && meaning !== value ? `${value}: ${meaning}` : value) : null);
 }
 
 function fill(entry, object) {
@@ -58,14 +74,13 @@ function fill(entry, object) {
     entry.received = Date.now();
     setText(cells.value, object.value || (object.missing ? '' : '–'));
     setText(cells.meaning, meaningText(object));
-    const {written} = object;
-    setText(cells.written, written ? writerText(written) : '');
-    setAttribute(cells.written, 'title', written ? `${written.value}: ${written.meaning}` : null);
+    fillAccess(cells.asked, object.asked);
+    fillAccess(cells.written, object.written);
     if (old && (old.value !== object.value || old.problem !== object.problem)) {
         flash(cells.value);
         flash(cells.meaning);
     }
-    if (old && old.written?.time !== written?.time) {
+    if (old && old.written?.time !== object.written?.time) {
         flash(cells.written);
     }
 }
@@ -78,7 +93,7 @@ function showAge(entry, linkUp) {
     row.classList.toggle('stale', stale && !object.missing);
     row.classList.toggle('missing', object.missing);
     const when = object.read ? ageText(age) : 'never';
-    setText(cells.read, object.missing ? '' : stale && object.read ? `not current: ${when}` : when);
+    setText(cells.age, object.missing ? '' : stale && object.read ? `not current: ${when}` : when);
 }
 
 export function createObjects(panel) {
@@ -101,7 +116,7 @@ export function createObjects(panel) {
     const names = h('datalist', {id: 'object-names'});
     const value = h('input', {
         'aria-label': 'Value: a number, or octets in hexadecimal',
-        placeholder: 'Value: number or hex octets',
+        placeholder: 'Number or hex octets',
         autocomplete: 'off',
         spellcheck: false,
     });
@@ -139,7 +154,7 @@ export function createObjects(panel) {
             h(
                 'tr',
                 {},
-                kColumns.map((title) => h('th', {scope: 'col'}, title)),
+                kColumns.map(([text, title]) => h('th', {scope: 'col', title}, text)),
             ),
         ),
         body,

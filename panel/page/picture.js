@@ -218,7 +218,7 @@ export function createPicture(panel) {
             );
         }
         if (panel.status === 'gone') {
-            return 'No signal: the camera is gone.';
+            return `No signal: ${panel.cameraMessage || 'the camera is gone'}.`;
         }
         if (panel.status === 'rebooting') {
             return 'No signal: the camera restarts.';

@@ -8,7 +8,7 @@ const kOuter = 84;
 const kReach = 76;
 const kPresetRing = 58;
 const kElevationX = 150; // of the tilt's arc
-const kElevationRadius = 62;
+const kElevationRadius = 68;
 
 function ring() {
     const ticks = [];
@@ -59,7 +59,7 @@ export function createPlan(panel) {
     const title = s('title', {});
     const drawing = s(
         'svg',
-        {viewBox: '-100 -100 330 200', class: 'plan', role: 'img'},
+        {viewBox: '-104 -104 344 208', class: 'plan', role: 'img'},
         title,
         ring(),
         limits,
@@ -75,7 +75,7 @@ export function createPlan(panel) {
         s('circle', {cx: kElevationX, cy: 0, r: 4, class: 'hub'}),
         upper,
         lower,
-        s('text', {x: kElevationX + 34, y: -88, class: 'mark'}, 'Tilt'),
+        s('text', {x: kElevationX - 8, y: 0, class: 'mark side'}, 'Tilt'),
     );
     const note = h('p', {class: 'note'});
     const element = h(
@@ -122,7 +122,7 @@ export function createPlan(panel) {
                         {},
                         `${preset.number} ${preset.name}: ${preset.pan.toFixed(1)}°, ${preset.tilt.toFixed(1)}°`,
                     ),
-                    s('circle', {cx: x, cy: y, r: 7}),
+                    s('circle', {cx: x, cy: y, r: 8.5}),
                     s('text', {x, y}, preset.number),
                 );
             }),

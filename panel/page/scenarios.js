@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Scenarios: timed changes of the camera.
 import {getJson} from './connection.js';
-import {h, setText} from './dom.js';
+import {h, labelled, setText} from './dom.js';
 import {group, setOptions} from './simulator_parts.js';
 
 const kScenarioEnds = {done: 'Done', stopped: 'Stopped', failed: 'Failed'};
@@ -11,19 +11,20 @@ function progressText({name, step, steps, message}) {
 }
 
 function endText({status, name, message}) {
-    return name ? [kScenarioEnds[status] ?? status, name, message].filter((part) => part).join(': ') : '';
+    const reason = status === 'failed' ? `: ${message}` : '';
+    return name ? `${kScenarioEnds[status] ?? status}: ${name}${reason}` : '';
 }
 
 /** Makes the choice of scenarios, with the progress of the one that plays. */
 export function scenarios(panel) {
-    const choice = h('select', {'aria-label': 'Scenario'});
+    const choice = h('select', {});
     const speed = h('input', {
         type: 'number',
         min: 0.001,
         max: 1000000,
         step: 'any',
         value: '10',
-        'aria-label': 'Speed factor',
+        required: true,
     });
     const about = h('p', {class: 'note'});
     const progress = h('progress', {max: 1, value: 0, hidden: true, 'aria-label': 'Progress of the scenario'});
@@ -44,13 +45,13 @@ export function scenarios(panel) {
                 submit: (event) => {
                     event.preventDefault();
                     if (choice.value) {
-                        panel.control({play: choice.value, speed: Number(speed.value) || 1}, '/api/scenario');
+                        panel.control({play: choice.value, speed: Number(speed.value)}, '/api/scenario');
                     }
                 },
             },
         },
-        choice,
-        h('label', {class: 'inline'}, speed, h('span', {class: 'unit'}, '× speed')),
+        labelled('Scenario', choice),
+        labelled('Speed factor', speed),
         play,
         stop,
     );

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // The camera's side: what happens to the simulated camera, under the names of quarnsnmp-camctl.
-import {firstTarget, targetsOf} from './camera_state.js';
+import {firstTarget} from './camera_state.js';
 import {copyButton, h, setAttribute, setText} from './dom.js';
 import {faults} from './faults.js';
 import {scenarios} from './scenarios.js';
 import {group} from './simulator_parts.js';
+import {createToggles} from './toggles.js';
 
 /** A form that sets one field of the camera, and shows its present value. */
 function fieldForm(panel, {title, target, field, unit, toField, fromField}) {
@@ -27,7 +28,7 @@ function fieldForm(panel, {title, target, field, unit, toField, fromField}) {
                 },
             },
         },
-        h('span', {class: 'field-name'}, title),
+        h('span', {class: 'field-name', title: `${target} ${field}`}, title),
         shown,
         input,
         h('button', {type: 'submit', 'aria-label': `Set ${title}`}, 'Set'),
@@ -70,14 +71,14 @@ const kFields = [
         toField: Math.round,
         fromField: String,
     },
-    {
+    ...['lens_focus/1', 'focus_stepper/1'].map((target) => ({
         title: 'Scene: sharp focus at',
-        target: 'lens_focus/1',
+        target,
         field: 'sharpPosition',
         unit: '',
         toField: Math.round,
         fromField: String,
-    },
+    })),
 ];
 
 function sensors(panel) {
@@ -92,35 +93,19 @@ function sensors(panel) {
 }
 
 function inputs(panel) {
-    const row = h('div', {class: 'row'});
-    const element = group('Alarm inputs', row);
-    const buttons = new Map();
+    const toggles = createToggles(panel, {
+        service: 'alarm',
+        title: 'Input',
+        words: ['idle', 'active'],
+        isOn: ({state}) => state !== 0,
+        turn: (number, on, target) => panel.control({command: 'set', target, field: 'state', value: Number(on)}),
+    });
+    const element = group('Alarm inputs', toggles.element);
     return {
         element,
         update() {
-            const targets = targetsOf(panel.state, 'alarm');
-            element.hidden = targets.length === 0;
-            targets.forEach(([id, fields], index) => {
-                if (!buttons.has(id)) {
-                    const button = h('button', {
-                        type: 'button',
-                        class: 'toggle',
-                        'aria-label': `Input ${index + 1}`,
-                        on: {
-                            click: () => {
-                                const on = button.getAttribute('aria-pressed') === 'true';
-                                panel.control({command: 'set', target: id, field: 'state', value: on ? 0 : 1});
-                            },
-                        },
-                    });
-                    buttons.set(id, button);
-                    row.append(button);
-                }
-                const button = buttons.get(id);
-                const on = fields.state !== 0;
-                setText(button, `${index + 1} ${panel.isCurrent() ? (on ? 'active' : 'idle') : '–'}`);
-                setAttribute(button, 'aria-pressed', panel.isCurrent() ? String(on) : 'mixed');
-            });
+            toggles.update();
+            element.hidden = toggles.count === 0;
         },
     };
 }
@@ -193,7 +178,7 @@ function restart(panel) {
                 panel.state?.rebooting
                     ? 'The camera restarts now.'
                     : fields
-                      ? `${fields.reboots} so far; one takes ${fields.rebootSeconds} s.`
+                      ? `Sets rebootDevice over SNMP. Restarts so far: ${fields.reboots}; each takes ${fields.rebootSeconds} s.`
                       : '',
             );
         },
@@ -201,12 +186,17 @@ function restart(panel) {
 }
 
 export function createSimulator(panel) {
-    const line = h('code', {}, 'quarnsnmp-camctl');
+    let commandLine = '';
+    const line = h('code', {});
     const message = h(
         'p',
         {class: 'note', role: 'status'},
-        'The commands of this tab do not use SNMP. Each shows the line that does the same.',
+        'The commands of this tab do not use SNMP, except the restart. Each shows the line that does the same.',
     );
+    panel.connection.addEventListener('hello', ({detail}) => {
+        commandLine ||= `${detail.camctl} state`;
+        setText(line, commandLine);
+    });
     const parts = [inputs, sensors, services, faults, scenarios, restart].map((make) => make(panel));
     const element = h(
         'div',
@@ -218,7 +208,7 @@ export function createSimulator(panel) {
                 'div',
                 {class: 'line'},
                 line,
-                copyButton('the quarnsnmp-camctl line', () => line.textContent),
+                copyButton('the quarnsnmp-camctl line', () => commandLine),
             ),
             message,
         ),
@@ -232,7 +222,8 @@ export function createSimulator(panel) {
         element,
         show(answer) {
             if (answer.line) {
-                setText(line, answer.line);
+                commandLine = answer.line;
+                setText(line, commandLine);
             }
             setText(message, answer.message);
             message.className = answer.ok ? 'note' : 'problem';
