@@ -11,6 +11,13 @@ from webdriver import Browser, wait_for
 
 BUILD = os.environ.get("QUARNSNMP_BUILD", "build/dev")
 PAN = ".1.3.6.1.4.1.1206.4.2.7.4.1.0"
+# Clicks the button with a text, in the part of the page that a selector names.
+CLICK = """
+    const [text, part] = arguments;
+    const button = [...document.querySelectorAll(`${part} button`)].find((each) => each.textContent === text);
+    if (!button) throw new Error(`there is no button ${text} in ${part}`);
+    button.click();
+"""
 # What a browser logs when the server is gone.
 NETWORK_ERRORS = re.compile(
     r"net::ERR_(CONNECTION_REFUSED|INCOMPLETE_CHUNKED_ENCODING|CONNECTION_RESET|EMPTY_RESPONSE)"
@@ -21,6 +28,7 @@ class PageTest(unittest.TestCase):
     """A page of one camera. Each test also fails with an error on the console, or a request to another server."""
 
     rig = None
+    rig_options = {"cameras": ("dome", "minimal")}
     browser_options = {}
     path = "?camera=0"
     ready = "return document.body.dataset.link === 'up' && !document.body.classList.contains('old')"
@@ -29,7 +37,7 @@ class PageTest(unittest.TestCase):
     def setUpClass(cls):
         # One rig serves all classes: its start takes longer than a test.
         if PageTest.rig is None:
-            PageTest.rig = Rig(BUILD, cameras=("dome", "minimal"), watch=True)
+            PageTest.rig = Rig(BUILD, watch=True, **cls.rig_options)
             atexit.register(PageTest.rig.close)
         cls.browser = Browser(**cls.browser_options)
         cls.addClassCleanup(cls.browser.close)
@@ -56,6 +64,16 @@ class PageTest(unittest.TestCase):
             "return [...document.querySelectorAll('#conditions div')].find("
             "(row) => row.firstChild.textContent === arguments[0]).lastChild.textContent",
             name,
+        )
+
+    def click(self, text, part="main"):
+        """Clicks the button with a text in a part of the page."""
+        self.browser.run(CLICK, text, part)
+
+    def texts(self, selector):
+        """Returns the texts of all elements that a selector names."""
+        return self.browser.run(
+            "return [...document.querySelectorAll(arguments[0])].map((each) => each.innerText)", selector
         )
 
     def drive(self, axis):

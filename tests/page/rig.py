@@ -36,10 +36,14 @@ def free_udp_port():
 
 
 class Rig:
-    """All programs of a panel. `build` is the directory of a build, `watch` adds the module that reports requests."""
+    """
+    All programs of a panel. `build` is the directory of a build, `watch` adds the module that reports requests, and
+    `configuration` has further lines for the agents.
+    """
 
-    def __init__(self, build, cameras=("dome",), watch=False):
+    def __init__(self, build, cameras=("dome",), watch=False, configuration=""):
         self.build = pathlib.Path(build)
+        self.configuration = configuration
         self.directory = pathlib.Path(tempfile.mkdtemp(prefix="panel."))
         self.watch = watch
         self.processes = []
@@ -53,7 +57,7 @@ class Rig:
     def _start(self, cameras):
         self.traps = free_udp_port()
         for number, camera in enumerate(cameras):
-            self.cameras.append(self._start_camera(number, camera))
+            self._add_camera(number, camera)
         self.port = free_port()
         self.panel = self.start_panel()
 
@@ -69,29 +73,40 @@ class Rig:
         self.processes.append(process)
         return process
 
-    def _start_camera(self, number, camera):
+    def _add_camera(self, number, model):
         directory = self.directory / f"{number}"
         (directory / "mibs").mkdir(parents=True)
-        pair = {"directory": directory / "camera", "port": free_udp_port()}
-        pair["camera"] = self._run(
-            f"camera{number}.log",
-            self.build / "bin/quarnsnmp-camera",
-            "--camera",
-            camera,
-            "--directory",
-            pair["directory"],
-        )
-        wait_for(lambda: (pair["directory"] / "control.sock").exists(), f"camera {number} is ready")
-        configuration = AGENT.format(port=pair["port"], traps=self.traps, directory=directory)
+        pair = {"number": number, "model": model, "directory": directory / "camera", "port": free_udp_port()}
+        configuration = AGENT.format(port=pair["port"], traps=self.traps, directory=directory) + self.configuration
         (directory / "module.so").symlink_to(self.build / "lib/libquarnsnmp_Morvek.so")
         if self.watch:
             (directory / "watch.so").symlink_to(self.build / "lib/libquarnsnmp_watch.so")
             configuration += f"dlmod quarnsnmp_watch {directory}/watch.so\n"
         (directory / "snmpd.conf").write_text(configuration)
-        snmpd = shutil.which("snmpd", path=os.environ["PATH"] + ":/usr/sbin")
+        self.cameras.append(pair)
+        self.start_camera(number)
+        self.start_agent(number)
+
+    def start_camera(self, number=0):
+        """Starts a camera, also again after its end, and waits until it is ready."""
+        pair = self.cameras[number]
+        pair["camera"] = self._run(
+            f"camera{number}.log",
+            self.build / "bin/quarnsnmp-camera",
+            "--camera",
+            pair["model"],
+            "--directory",
+            pair["directory"],
+        )
+        wait_for(lambda: (pair["directory"] / "control.sock").exists(), f"camera {number} is ready")
+
+    def start_agent(self, number=0, **environment):
+        """Starts a camera's agent, also again after its end, and waits until it answers."""
+        pair = self.cameras[number]
+        directory = self.directory / f"{number}"
         pair["agent"] = self._run(
             f"agent{number}.log",
-            snmpd,
+            shutil.which("snmpd", path=os.environ["PATH"] + ":/usr/sbin"),
             "-f",
             "-r",
             "-C",
@@ -107,9 +122,19 @@ class Rig:
             SNMP_PERSISTENT_DIR=directory / "persistent",
             QUARNSNMP_CAMERA_DIR=pair["directory"],
             QUARNSNMP_LOG_FILE=directory / "module.log",
+            **environment,
         )
         wait_for(lambda: self.snmp("get", "public", MODEL_NAME, port=pair["port"]), f"agent {number} answers")
-        return pair
+
+    def reload_agent(self, number=0):
+        """Makes an agent read its configuration again."""
+        self.cameras[number]["agent"].send_signal(signal.SIGHUP)
+
+    def end(self, program, number=0):
+        """Ends the "camera" or the "agent" of a pair."""
+        process = self.cameras[number][program]
+        process.terminate()
+        process.wait(30)
 
     def start_panel(self):
         """Starts the panel's server, and waits until it answers."""
@@ -159,12 +184,15 @@ class Rig:
             timeout=30,
         ).stdout
 
-    def state(self, service, camera=0):
-        """Returns the fields of a service's first target, as the camera tells them."""
-        targets = json.loads(self.control("state", camera=camera))["services"][service]["targets"]
-        return next(iter(targets.values()))
+    def services(self, camera=0):
+        """Returns the camera's services by name, as it tells them."""
+        return json.loads(self.control("state", camera=camera))["services"]
 
-    def snmp(self, verb, community, *arguments, port=None):
+    def state(self, service, target=0, camera=0):
+        """Returns the fields of a service's target, as the camera tells them."""
+        return list(self.services(camera)[service]["targets"].values())[target]
+
+    def snmp(self, verb, community, *arguments, port=None, seconds=1):
         """Runs snmpget or snmpset. Returns its output, or None without an answer or without the object."""
         result = subprocess.run(
             [
@@ -178,7 +206,7 @@ class Rig:
                 "-r",
                 "0",
                 "-t",
-                "1",
+                str(seconds),
                 f"127.0.0.1:{port or self.cameras[0]['port']}",
                 *arguments,
             ],

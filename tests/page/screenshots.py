@@ -12,6 +12,8 @@ from webdriver import Browser, wait_for
 
 READY = "return document.body.dataset.link === 'up' && !document.body.classList.contains('old')"
 SETTLE = 1.5  # seconds in which the picture and the log arrive
+QUALITY = 80  # of a JPEG file; the text stays sharp
+POSITIONS = [f".1.3.6.1.4.1.1206.4.2.7.4.{axis}.0" for axis in (1, 2, 3)]
 
 
 def prepare(rig):
@@ -54,7 +56,7 @@ def write(browser, path, selector=None):
             "scale": 1,
         }
         options["captureBeyondViewport"] = True
-    picture = browser.devtools("Page.captureScreenshot", format="jpeg", quality=88, **options)
+    picture = browser.devtools("Page.captureScreenshot", format="jpeg", quality=QUALITY, **options)
     path.write_bytes(base64.b64decode(picture["data"]))
 
 
@@ -79,6 +81,7 @@ def main(build, directory):
             browser.press("3")
             time.sleep(SETTLE)
             write(browser, directory / "camera-side.jpg", ".details-card")
+            rig.snmp("get", "public", *POSITIONS, seconds=10)
             browser.press("2")
             browser.run(
                 "document.querySelector('.objects-view input').value = 'position';"
@@ -90,7 +93,7 @@ def main(build, directory):
             open_page(rig, browser)
             show_commands(browser, 0.47, 0.52)
             write(browser, directory / "dark.jpg")
-        with Browser(width=360, height=780, phone=True) as browser:
+        with Browser(width=390, height=844, phone=True) as browser:
             open_page(rig, browser)
             write(browser, directory / "phone.jpg")
 

@@ -39,7 +39,7 @@ def free_port():
         return listener.getsockname()[1]
 
 
-def wait_for(condition, what, seconds=30):
+def wait_for(condition, what, seconds=60):
     """Repeats a condition until it is true, and returns its value. Raises AssertionError after the deadline."""
     end = time.monotonic() + seconds
     while True:
@@ -67,6 +67,8 @@ class Browser:
             ["chromedriver", f"--port={port}"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL
         )
         self.session = ""
+        self.place = {"x": 0, "y": 0}  # of the pointer
+        self.is_down = False
         try:
             wait_for(self._is_ready, "chromedriver is ready")
             self._start(width, height, dark, phone, reduced_motion)
@@ -193,17 +195,30 @@ class Browser:
         """Clicks the middle of an element."""
         self.command("POST", f"/element/{self.element(selector)}/click")
 
-    def pointer(self, *steps):
-        """Carries out steps of a mouse: ("move", x, y), ("down",), ("up",), ("pause", ms)."""
-        actions = []
-        for kind, *values in steps:
-            if kind == "move":
-                actions.append({"type": "pointerMove", "x": round(values[0]), "y": round(values[1]), "duration": 0})
-            elif kind == "pause":
-                actions.append({"type": "pause", "duration": values[0]})
+    def pointer(self, *steps, kind="mouse"):
+        """
+        Carries out steps of a mouse, or of a finger ("touch"): ("move", x, y), ("down",), ("up",). What is down stays
+        down until a later call.
+        """
+        for step, *place in steps:
+            if step == "move":
+                self.place = {"x": round(place[0]), "y": round(place[1])}
             else:
-                actions.append({"type": "pointerDown" if kind == "down" else "pointerUp", "button": 0})
-        self.command("POST", "/actions", {"actions": [{"type": "pointer", "id": "mouse", "actions": actions}]})
+                self.is_down = step == "down"
+            if kind == "mouse":
+                names = {"move": "mouseMoved", "down": "mousePressed", "up": "mouseReleased"}
+                self.devtools(
+                    "Input.dispatchMouseEvent",
+                    type=names[step],
+                    button="none" if step == "move" and not self.is_down else "left",
+                    buttons=int(self.is_down),
+                    clickCount=1,
+                    **self.place,
+                )
+            elif step != "move" or self.is_down:  # a finger above the screen has no place
+                names = {"move": "touchMove", "down": "touchStart", "up": "touchEnd"}
+                points = [self.place] if self.is_down else []
+                self.devtools("Input.dispatchTouchEvent", type=names[step], touchPoints=points)
 
     def press(self, *keys):
         """Presses and releases keys, one after the other."""
