@@ -42,7 +42,7 @@ class Rig:
     """
 
     def __init__(self, build, cameras=("dome",), watch=False, configuration=""):
-        self.build = pathlib.Path(build)
+        self.build = pathlib.Path(build).resolve()
         self.configuration = configuration
         self.directory = pathlib.Path(tempfile.mkdtemp(prefix="panel."))
         self.watch = watch
