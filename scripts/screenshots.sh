@@ -13,5 +13,6 @@ source "$root/scripts/packages.sh"
 (($# == 0)) || fail "no arguments are expected"
 ensure_packages "$root/build/log/packages.log" "${run_packages[@]}" "${page_packages[@]}"
 build_preset "$root" release
-PYTHONDONTWRITEBYTECODE=1 python3 "$root/tests/page/screenshots.py" "$root/build/release" "$root/docs/panel"
+# The pictures show where the camera's directory is.
+TMPDIR=/tmp PYTHONDONTWRITEBYTECODE=1 python3 "$root/tests/page/screenshots.py" "$root/build/release" "$root/docs/panel"
 ls -l -- "$root/docs/panel"

@@ -86,10 +86,13 @@ export function createPicture(panel) {
     const field = () => ({pan: 0, tilt: 0, horizontal: panel.view?.hfov ?? 60, vertical: panel.view?.vfov ?? 36});
     const canPoint = () => panel.axes().includes('pan');
 
-    function showPointer(event) {
-        const at = place(event);
+    // Where the pointer is. Its bearing changes when the camera moves.
+    let pointed = null;
+
+    function showPointer() {
+        const at = pointed;
         const view = panel.view;
-        pointer.hidden = !canPoint() || !panel.isCurrent() || event.pointerType === 'touch' || drag?.moved;
+        pointer.hidden = !at || !canPoint() || !panel.isCurrent() || drag?.moved;
         if (pointer.hidden) {
             return;
         }
@@ -128,11 +131,12 @@ export function createPicture(panel) {
         drag = {from: place(event), x: event.clientX, y: event.clientY, moved: false};
     });
     frame.addEventListener('pointermove', (event) => {
-        showPointer(event);
+        const at = place(event);
+        pointed = event.pointerType === 'touch' ? null : at;
+        showPointer();
         if (!drag) {
             return;
         }
-        const at = place(event);
         drag.moved ||= Math.hypot(event.clientX - drag.x, event.clientY - drag.y) > kClickSlop;
         showVector(at);
         if (drag.moved) {
@@ -165,7 +169,8 @@ export function createPicture(panel) {
         panel.moves.endAll();
     });
     frame.addEventListener('pointerleave', () => {
-        pointer.hidden = true;
+        pointed = null;
+        showPointer();
     });
     frame.addEventListener('contextmenu', (event) => drag && event.preventDefault());
 
@@ -237,6 +242,7 @@ export function createPicture(panel) {
         frame.classList.toggle('lost', !panel.connection.up);
         frame.classList.toggle('fixed', !canPoint());
         hint.hidden = !canPoint();
+        showPointer();
         const view = panel.view;
         const parts = panel.state && !canPoint() ? ['Fixed camera'] : [];
         if (view?.pan !== null && view?.pan !== undefined) {

@@ -178,7 +178,7 @@ function restart(panel) {
                 panel.state?.rebooting
                     ? 'The camera restarts now.'
                     : fields
-                      ? `Sets rebootDevice over SNMP. Restarts so far: ${fields.reboots}; each takes ${fields.rebootSeconds} s.`
+                      ? `Sets rebootDevice over SNMP. Restarts so far: ${fields.reboots}; each takes ${fields.rebootSeconds}\u00a0s.`
                       : '',
             );
         },

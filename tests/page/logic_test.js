@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of the page's modules that need no camera. They run in the browser; the result is a list of failures.
 import {axesOf, limitsOf, presetsOf} from './camera_state.js';
-import {h} from './dom.js';
+import {h, visible} from './dom.js';
 import {bearing, directionAt, dragSpeed, placeOf, sectorPath, turnBetween} from './geometry.js';
 import {HeldMoves} from './moves.js';
 import {ageText, BoundedList, durationText, jsonLines, wordFilter} from './records.js';
@@ -113,6 +113,18 @@ tests.recordsAreJsonLines = () => {
 tests.timesAreReadable = () => {
     check('age', [0, 5000, 600000, 3 * 3600000].map(ageText), ['now', '5 s ago', '10 min ago', '3 h ago']);
     check('duration', [0.812, 12.4, 1234].map(durationText), ['0.81 ms', '12 ms', '1.23 s']);
+};
+
+tests.unseenCharactersAreShown = () => {
+    for (const [text, shown] of [
+        ['\x1b[2J\0', '\\u001b[2J\\u0000'],
+        ['a\u202eb\ufeff', 'a\\u202eb\\ufeff'],
+        ['line\n\ttab', 'line\n\ttab'],
+        ['5\u00a0° – ü 😀', '5\u00a0° – ü 😀'],
+    ]) {
+        check('visible', visible(text), shown);
+        check('text', h('p', {}, text).textContent, shown);
+    }
 };
 
 tests.textsAreNeverHtml = () => {

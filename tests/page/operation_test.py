@@ -99,6 +99,9 @@ class Movement(Aimed):
             f"the camera looks at {pan} and {tilt}",
         )
         self.assertNotEqual(350.0, float(pan))
+        wait_for(
+            lambda: self.browser.text(".pointer-note") not in ("", f"{pan}° / {tilt}°"), "the pointer has a new bearing"
+        )
         text = wait_for(lambda: self.browser.text(".exchange-body"), "the command is shown")
         for part in ("positionPan", "positionTilt", "absolute", "snmpset -v2c", "ptzctl"):
             self.assertIn(part, text)

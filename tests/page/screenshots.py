@@ -11,9 +11,14 @@ from rig import Rig
 from webdriver import Browser, wait_for
 
 READY = "return document.body.dataset.link === 'up' && !document.body.classList.contains('old')"
-SETTLE = 1.5  # seconds in which the picture and the log arrive
+SETTLE = 2  # seconds in which the picture and the log arrive
 QUALITY = 80  # of a JPEG file; the text stays sharp
 POSITIONS = [f".1.3.6.1.4.1.1206.4.2.7.4.{axis}.0" for axis in (1, 2, 3)]
+
+
+def wait_for_rest(rig):
+    """Waits until the camera does not move."""
+    wait_for(lambda: not any(rig.state("positioning")[axis]["moving"] for axis in ("pan", "tilt", "zoom")), "rest")
 
 
 def prepare(rig):
@@ -22,7 +27,7 @@ def prepare(rig):
 
     def run(*words):
         subprocess.run([*ptzctl, *words], check=True, capture_output=True, timeout=30)
-        wait_for(lambda: not any(rig.state("positioning")[axis]["moving"] for axis in ("pan", "tilt", "zoom")), "rest")
+        wait_for_rest(rig)
 
     for number, pan, tilt in ((1, "10", "-9"), (2, "120", "-10"), (3, "180", "-8"), (4, "335", "-10")):
         run("pan", "to", pan, "--speed", "127")
@@ -60,10 +65,12 @@ def write(browser, path, selector=None):
     path.write_bytes(base64.b64decode(picture["data"]))
 
 
-def show_commands(browser, x, y):
+def show_commands(rig, browser, x, y):
     """Clicks into the picture, and shows commands only in the log."""
     box = browser.box("#picture")
     browser.pointer(("move", box["x"] + x * box["width"], box["y"] + y * box["height"]), ("down",), ("up",))
+    wait_for(lambda: "Accepted" in browser.text(".outcome"), "the command is accepted")
+    wait_for_rest(rig)
     browser.run("document.querySelectorAll('.kinds input')[3].click()")
     browser.pointer(("move", 720, 1000))
     time.sleep(SETTLE)
@@ -76,7 +83,7 @@ def main(build, directory):
         prepare(rig)
         with Browser(width=1440, height=1010) as browser:
             open_page(rig, browser)
-            show_commands(browser, 0.53, 0.48)
+            show_commands(rig, browser, 0.53, 0.48)
             write(browser, directory / "light.jpg")
             browser.press("3")
             time.sleep(SETTLE)
@@ -91,7 +98,7 @@ def main(build, directory):
             write(browser, directory / "objects.jpg", ".details-card")
         with Browser(width=1440, height=1010, dark=True) as browser:
             open_page(rig, browser)
-            show_commands(browser, 0.47, 0.52)
+            show_commands(rig, browser, 0.47, 0.52)
             write(browser, directory / "dark.jpg")
         with Browser(width=390, height=844, phone=True) as browser:
             open_page(rig, browser)
