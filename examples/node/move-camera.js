@@ -7,7 +7,7 @@ const ABSOLUTE = 2;
 const SPEED = 64; // 1 to 127
 
 const [host, port, community, degrees] = process.argv.slice(2);
-const session = snmp.createSession(host, community, { port: Number(port), version: snmp.Version2c, timeout: 3000, retries: 0 });
+const session = snmp.createSession(host, community, { port: Number(port), version: snmp.Version2c, timeout: 15000, retries: 0 });
 
 function finish(error) {
   if (error) {

@@ -15,7 +15,7 @@ SPEED = 64  # 1 to 127
 def request(command, host, port, community, *value):
     """Sends a GET or a SET, and returns the value in the response."""
     error, status, _, varbinds = next(command(
-        SnmpEngine(), CommunityData(community), UdpTransportTarget((host, port), timeout=3, retries=0), ContextData(),
+        SnmpEngine(), CommunityData(community), UdpTransportTarget((host, port), timeout=15, retries=0), ContextData(),
         ObjectType(ObjectIdentity(POSITION_PAN), *value), lookupMib=False))
     if error or status:
         sys.exit(f"{host}: {error or status.prettyPrint()}")

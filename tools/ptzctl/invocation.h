@@ -42,6 +42,7 @@ struct Invocation {
     bool receives = false;              ///< command `traps`
     std::optional<Expectations> expectations; ///< command `probe`
     std::string question;                     ///< to confirm before the action, unless `yes`
+    bool asksPerson = false;                  ///< the action asks a person at the terminal
     bool yes = false;
 
     bool repeats = false; ///< repeat the action until Ctrl-C

@@ -92,11 +92,15 @@ ExitCode watch(const Invocation &invocation, std::ostream &output, std::ostream 
 }
 
 bool confirm(const Invocation &invocation, std::istream &input, std::ostream &errors, bool terminal) {
+    if (invocation.asksPerson && !terminal) {
+        errors << "ptzctl: --ask needs a terminal for input and output\n";
+        return false;
+    }
     if (invocation.question.empty() || invocation.yes) {
         return true;
     }
     if (!terminal) {
-        errors << "ptzctl: not a terminal; use --yes\n";
+        errors << "ptzctl: input and output are not a terminal; use --yes\n";
         return false;
     }
     for (const std::string &host : invocation.hosts) {

@@ -135,6 +135,9 @@ void requireOneCamera(const Options &options, std::size_t hosts) {
     if (options.ask && !options.cameraDirectory.empty()) {
         throw std::invalid_argument("either --ask or --camera");
     }
+    if (options.ask && !options.moves) {
+        throw std::invalid_argument("--ask needs --moves");
+    }
 }
 
 } // namespace
@@ -155,12 +158,14 @@ void addCheck(CLI::App &app, Invocation &invocation) {
         options->credentials = credentialOptions(invocation.credentials);
         requireOneCamera(*options, invocation.hosts.size());
         invocation.question = questionOf(*options);
+        invocation.asksPerson = options->ask;
         invocation.endsChildrenGently = true;
         invocation.afterwards = [options, &invocation](const std::vector<Outcome> &outcomes) {
             writeFiles(*options, invocation.hosts, outcomes);
         };
         invocation.sessionAction = [options, &invocation](const snmp::SessionOptions &session, ptzctl::Report &report) {
-            options->progress = invocation.showsProgress && invocation.hosts.size() == 1;
+            // A line of progress would run into the questions.
+            options->progress = invocation.showsProgress && invocation.hosts.size() == 1 && !options->ask;
             checkCamera(session, *options, invocation.settings, report);
         };
     });

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cmath>
+#include <optional>
 
 #include <fmt/format.h>
 
+#include "check/context.h"
+#include "check/interruption.h"
 #include "check/sight.h"
 
 namespace ptzctl::check {
@@ -34,8 +37,7 @@ public:
 
     void announce(const std::string &what) override {
         questions_ << what << ". Look at the camera and press Enter. " << std::flush;
-        std::string line;
-        std::getline(answers_, line);
+        readLine();
     }
 
     Seen moves(const ptz::Axis &axis, std::optional<double> /*before*/, int direction) override {
@@ -56,11 +58,21 @@ public:
     }
 
 private:
+    /** Reads a line. @return nothing at the end of the input @throws Ended after an interruption */
+    std::optional<std::string> readLine() {
+        std::string line;
+        const bool hasLine = static_cast<bool>(std::getline(answers_, line));
+        if (interrupted()) {
+            throw Ended("interrupted");
+        }
+        return hasLine ? std::optional(line) : std::nullopt;
+    }
+
     Seen ask(const std::string &question) {
         for (;;) {
             questions_ << question << " [y/n/?] " << std::flush;
-            std::string answer;
-            if (!std::getline(answers_, answer) || answer == "?") {
+            const std::optional<std::string> answer = readLine();
+            if (!answer || answer == "?") {
                 return {Seen::Answer::Unknown, "a person could not tell: " + question};
             }
             if (answer == "y" || answer == "n") {

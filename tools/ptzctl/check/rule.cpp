@@ -73,6 +73,18 @@ bool isTrouble(Result result) {
     return result == Result::Fail || result == Result::Error;
 }
 
+/** Writes how many objects have passed, and why others could not be tried. */
+std::string passText(const std::vector<Detail> &details, std::ptrdiff_t passed) {
+    const auto isSkipped = [](const Detail &detail) { return detail.result == Result::Skipped; };
+    const auto skipped = std::count_if(details.begin(), details.end(), isSkipped);
+    if (skipped == 0) {
+        return fmt::format("all {}", passed);
+    }
+    const auto first = std::find_if(details.begin(), details.end(), isSkipped);
+    return fmt::format("{} of {}; skipped: {}: {}{}", passed, passed + skipped, first->object, first->observation,
+                       skipped > 1 ? fmt::format(", and {} more", skipped - 1) : "");
+}
+
 Finding summarize(std::vector<Detail> details) {
     const auto worst = std::max_element(details.begin(), details.end(), isLessGrave);
     if (worst == details.end() || worst->result == Result::NotEquipped) {
@@ -83,7 +95,7 @@ Finding summarize(std::vector<Detail> details) {
     Finding finding = {worst->result, "", {}};
     if (worst->result == Result::Pass) {
         finding.observation =
-            details.size() == 1 ? worst->object + ": " + worst->observation : fmt::format("all {}", count);
+            details.size() == 1 ? worst->object + ": " + worst->observation : passText(details, count);
     } else {
         finding.observation = fmt::format("{}: {}", worst->object, worst->observation);
         finding.observation += count > 1 ? fmt::format(", and {} more", count - 1) : "";

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <thread>
 
 #include <fmt/format.h>
@@ -19,7 +20,9 @@ namespace {
 constexpr unsigned char kOn = 0x80;
 constexpr int kRestoreAttempts = 3;
 constexpr std::chrono::seconds kRestartTime{120};
-constexpr std::chrono::seconds kInterval{1};
+constexpr std::chrono::seconds kSignTime{5}; ///< after which a restart should show
+constexpr std::chrono::milliseconds kInterval{200};
+constexpr const char *kUpTime = ".1.3.6.1.2.1.1.3.0"; ///< sysUpTime
 
 /** Octets of a command that switches one thing. */
 std::string switchOctets(unsigned int which, bool on) {
@@ -130,27 +133,73 @@ Finding judgeFeatures(Context &context) {
     return judgeSwitches(context, kFeatures, list);
 }
 
-/** Waits until the camera answers again. */
-bool returns(Context &context) {
-    const auto deadline = std::chrono::steady_clock::now() + kRestartTime;
-    Request request = getRequest({oids::rebootDevice});
-    request.mayStaySilent = true;
-    while (std::chrono::steady_clock::now() < deadline) {
-        if (context.sendAnyway(request, 1).valid()) {
-            return true;
-        }
+/** Asks something again and again. @return whether it became true in time @throws Ended after an interruption */
+bool becomes(std::chrono::seconds time, const std::function<bool()> &condition) {
+    const auto deadline = std::chrono::steady_clock::now() + time;
+    while (!condition()) {
         if (interrupted()) {
             throw Ended("interrupted");
         }
+        if (std::chrono::steady_clock::now() >= deadline) {
+            return false;
+        }
         std::this_thread::sleep_for(kInterval);
     }
-    return false;
+    return true;
 }
+
+/** Objects by which a restart shows: they need the camera's services, or count the time since the agent's start. */
+class RestartSigns {
+public:
+    explicit RestartSigns(Context &context) : context_(context) {
+        for (const char *oid : {oids::temperature, oids::power, oids::inputStatus, oids::outputStatus, kUpTime}) {
+            if (context.value(oid).present()) {
+                request_.varbinds.push_back(getRequest({oid}).varbinds[0]);
+            }
+        }
+        request_.mayStaySilent = true;
+        upTime_ = upTimeIn(read());
+    }
+
+    /** Tests for a camera without an answer, with an error, or with an agent that has started again. */
+    bool show() {
+        const Exchange &exchange = read();
+        return !isWhole(exchange) || upTimeIn(exchange) < upTime_;
+    }
+
+    /** Tests for a camera that answers all of them. */
+    bool areOver() {
+        return isWhole(read());
+    }
+
+private:
+    const Exchange &read() {
+        return context_.sendAnyway(request_, 1);
+    }
+
+    static bool isWhole(const Exchange &exchange) {
+        return exchange.valid() && exchange.response->error == 0 &&
+               std::all_of(exchange.response->varbinds.begin(), exchange.response->varbinds.end(),
+                           [](const snmp::Varbind &varbind) { return snmp::hasValue(varbind.type); });
+    }
+
+    static std::int64_t upTimeIn(const Exchange &exchange) {
+        return isWhole(exchange) && !exchange.response->varbinds.empty() &&
+                       exchange.response->varbinds.back().oid == kUpTime
+                   ? exchange.response->varbinds.back().number
+                   : 0;
+    }
+
+    Context &context_;
+    Request request_ = getRequest({});
+    std::int64_t upTime_ = 0; ///< hundredths of a second; 0 if it is not known
+};
 
 Finding judgeRestart(Context &context) {
     if (!context.value(oids::rebootDevice).present()) {
         return {Result::NotEquipped, "absent", {}};
     }
+    RestartSigns signs(context);
     Request request;
     request.verb = Verb::Set;
     request.varbinds = {snmp::integer(oids::rebootDevice, 1)};
@@ -159,8 +208,12 @@ Finding judgeRestart(Context &context) {
     if (exchange.valid() && exchange.response->error != 0) {
         return {Result::Fail, "refused with " + snmp::describeError(exchange.response->error).name, {}};
     }
-    return returns(context) ? Finding{Result::Pass, "accepted, and the camera answers", {}}
-                            : Finding{Result::Fail, fmt::format("no answer for {} s", kRestartTime.count()), {}};
+    if (!becomes(kSignTime, [&] { return signs.show(); })) {
+        return {Result::Pass, "accepted; the camera answers all the time, so a restart does not show", {}};
+    }
+    return becomes(kRestartTime, [&] { return signs.areOver(); })
+               ? Finding{Result::Pass, "accepted; the camera went away and answers again", {}}
+               : Finding{Result::Fail, fmt::format("does not answer as before after {} s", kRestartTime.count()), {}};
 }
 
 } // namespace
