@@ -54,6 +54,7 @@ bench_packages=(binutils gnuplot-nox libgtest-dev libgmock-dev libbenchmark-dev 
 aarch64_sysroot_packages=(
     libc6-dev libstdc++-12-dev
     libsnmp-dev libboost-dev libboost-thread-dev libboost-system-dev nlohmann-json3-dev libcli11-dev libfmt-dev
+    libcairo2-dev libturbojpeg0-dev
     libgtest-dev libgmock-dev libfaketime
     snmpd snmp
 )
