@@ -27,6 +27,10 @@ endif()
 # directories.
 install(FILES ${packaging}/quarnsnmp/quarnsnmp.conf
   DESTINATION /etc/snmp/snmpd.conf.d COMPONENT module EXCLUDE_FROM_ALL)
+install(FILES ${packaging}/quarnsnmp/quarnsnmp-agent.conf
+  DESTINATION /etc/snmp COMPONENT module EXCLUDE_FROM_ALL)
+install(FILES ${packaging}/quarnsnmp/quarnsnmp-agent.service
+  DESTINATION /lib/systemd/system COMPONENT module EXCLUDE_FROM_ALL)
 if(QUARNSNMP_BUILD_TOOLS)
   install(FILES ${CMAKE_CURRENT_SOURCE_DIR}/monitoring/nagios/ptzctl.cfg
     DESTINATION /etc/nagios-plugins/config COMPONENT tools EXCLUDE_FROM_ALL)
@@ -35,8 +39,10 @@ if(QUARNSNMP_BUILD_SIMULATOR)
   install(FILES ${packaging}/quarnsnmp-simulator/quarnsnmp-camera.service
     DESTINATION /lib/systemd/system COMPONENT simulator EXCLUDE_FROM_ALL)
   # Drop-ins of all directories are applied in the order of their names, so this one comes before an administrator's.
-  install(FILES ${packaging}/quarnsnmp-simulator/10-quarnsnmp-simulator.conf
-    DESTINATION /lib/systemd/system/snmpd.service.d COMPONENT simulator EXCLUDE_FROM_ALL)
+  foreach(unit snmpd quarnsnmp-agent)
+    install(FILES ${packaging}/quarnsnmp-simulator/10-quarnsnmp-simulator.conf
+      DESTINATION /lib/systemd/system/${unit}.service.d COMPONENT simulator EXCLUDE_FROM_ALL)
+  endforeach()
   install(FILES ${packaging}/quarnsnmp-simulator/quarnsnmp-simulator.logrotate RENAME quarnsnmp-simulator
     DESTINATION /etc/logrotate.d COMPONENT simulator EXCLUDE_FROM_ALL)
   install(FILES ${packaging}/quarnsnmp-simulator/quarnsnmp-watch.conf
@@ -64,7 +70,8 @@ a stand-in for the library and a simulated camera. quarnsnmp-core-check checks
 whether a camera's library does what the module needs.
 
 The installation does not change the agent. To enable the module, edit
-/etc/snmp/snmpd.conf.d/quarnsnmp.conf.]])
+/etc/snmp/snmpd.conf.d/quarnsnmp.conf. quarnsnmp-agent.service can run the
+module in a process of its own; it is installed, but not enabled.]])
 # The module runs in the agent's process and uses its libraries.
 set(CPACK_DEBIAN_MODULE_PACKAGE_DEPENDS "snmpd")
 set(CPACK_DEBIAN_MODULE_PACKAGE_SUGGESTS "quarnsnmp-tools, quarnsnmp-simulator")

@@ -23,11 +23,12 @@ debian=$work/amd64
 agent_address=127.0.0.1
 camera_pid=
 agent_pid=
+subagent_pid=
 
-# Terminates camera and agent.
+# Terminates camera and agents.
 stop_programs() {
     local pid attempt
-    for pid in $agent_pid $camera_pid; do
+    for pid in $subagent_pid $agent_pid $camera_pid; do
         kill -TERM "$pid" 2>/dev/null || true
         for ((attempt = 0; attempt < 200; ++attempt)); do
             kill -0 "$pid" 2>/dev/null || break
@@ -36,6 +37,7 @@ stop_programs() {
         kill -KILL "$pid" 2>/dev/null || true
         wait "$pid" 2>/dev/null || true
     done
+    subagent_pid=
     agent_pid=
     camera_pid=
 }
@@ -61,7 +63,7 @@ field() {
 
 # Lists the dependencies of a package, one per line, without versions.
 dependencies() {
-    field "$1" "$2" Depends | sed 's/([^)]*)//g; s/,/\n/g' | tr -d ' ' | sort
+    dependencies_of "$(archive "$1" "$2")"
 }
 
 # Runs a command as root in the root file system of the test.
@@ -182,18 +184,6 @@ make_root() {
     fi
 }
 
-# Prints the file with the Debian sources of this machine.
-debian_sources() {
-    local file
-    for file in /etc/apt/sources.list.d/debian.sources /etc/apt/sources.list; do
-        if [[ -s $file ]]; then
-            printf '%s\n' "$file"
-            return
-        fi
-    done
-    fail "neither /etc/apt/sources.list nor sources.list.d/debian.sources contains Debian sources"
-}
-
 # Configures a free port, and policy-rc.d.
 prepare_agent() {
     local port
@@ -229,7 +219,7 @@ test_installation() {
         fail "the installed agent configuration has active lines; see above"
     fi
     if find "$debian/etc/systemd" -name 'quarnsnmp*' | grep .; then
-        fail "the installation enables the camera's service; see above"
+        fail "the installation enables a service; see above"
     fi
 }
 
@@ -260,17 +250,17 @@ test_units() {
     local units=$work/units unit
     mkdir -- "$units"
     dpkg-deb --extract "$(archive "$panel" amd64)" "$work/panel"
-    cp -r -t "$units" "$debian"/lib/systemd/system/{quarnsnmp-camera.service,snmpd.service{,.d}} \
+    cp -r -t "$units" "$debian"/lib/systemd/system/{quarnsnmp-camera.service,{snmpd,quarnsnmp-agent}.service{,.d}} \
         "$work/panel/lib/systemd/system/quarnsnmp-panel.service"
-    sed -i "s:^ExecStart=:&$debian:" "$units"/{quarnsnmp-camera,snmpd}.service
+    sed -i "s:^ExecStart=:&$debian:" "$units"/{quarnsnmp-camera,snmpd,quarnsnmp-agent}.service
     sed -i "s:^ExecStart=:&$work/panel:" "$units/quarnsnmp-panel.service"
-    for unit in quarnsnmp-camera quarnsnmp-panel snmpd; do
+    for unit in quarnsnmp-camera quarnsnmp-panel snmpd quarnsnmp-agent; do
         run_logged "the check of the unit $unit" "$work/$unit-unit.log" \
             systemd-analyze verify --man=no "$units/$unit.service"
         [[ ! -s $work/$unit-unit.log ]] ||
             fail "systemd-analyze reports problems of the unit $unit: $(cat -- "$work/$unit-unit.log")"
     done
-    for unit in quarnsnmp-camera quarnsnmp-panel; do
+    for unit in quarnsnmp-camera quarnsnmp-panel quarnsnmp-agent; do
         run_logged "the check of the security of the unit $unit" "$work/unit-security.log" \
             systemd-analyze security --offline=true --threshold=20 "$units/$unit.service"
     done
@@ -281,12 +271,14 @@ command_of() {
     sed -n 's/^ExecStart=//p' "$debian/lib/systemd/system/$1.service"
 }
 
-# Prints the environment that drop-ins add to a unit in the root. Usage: environment_of UNIT
+# Prints the environment of a unit in the root, with that of its drop-ins. Usage: environment_of UNIT
 environment_of() {
-    cat -- "$debian/lib/systemd/system/$1.service.d"/*.conf 2>/dev/null | sed -n 's/^Environment=//p'
+    cat -- "$debian/lib/systemd/system/$1.service" "$debian/lib/systemd/system/$1.service.d"/*.conf 2>/dev/null |
+        sed -n 's/^Environment=//p'
 }
 
-# Starts camera and agent with the commands of their units.
+# Starts camera and agent with the commands of their units, and waits until a command succeeds.
+# Usage: start_programs COMMAND...
 start_programs() {
     local directory command environment
     for directory in run var/lib; do
@@ -303,7 +295,12 @@ start_programs() {
     mapfile -t environment < <(environment_of snmpd)
     setpriv --pdeathsig TERM chroot "$debian" env "${environment[@]}" "${command[@]}" >"$work/agent.log" 2>&1 &
     agent_pid=$!
-    await "a response with the model's name" "$work/agent.log" get modelName.0
+    await "a response of the agent" "$work/agent.log" "$@"
+}
+
+# Succeeds if the agent responds, also without the module.
+responds() {
+    inside snmpget -v2c -c private -m '' -t 1 -r 0 "$agent_address" .1.3.6.1.2.1.1.3.0
 }
 
 # Usage: get OBJECT
@@ -325,7 +322,7 @@ enable_module() {
 test_use() {
     local walk=$work/walk arc object
     enable_module
-    start_programs
+    start_programs get modelName.0
     [[ $(get modelName.0) == 'QN-4000 Dome' ]] || fail "the model's name is '$(get modelName.0)'"
     for arc in nema quarn; do
         inside snmpwalk -v2c -c private -m QUARN-NTCIP-1205-MIB "$agent_address" "$arc"
@@ -345,6 +342,60 @@ test_use() {
     test_rotation
     test_module_upgrade
     stop_programs
+    test_isolation
+}
+
+# Usage: commands_of_document HEADING; prints the commands of docs/install.md between a bold word and the next one that
+# change files below /etc/snmp.
+commands_of_document() {
+    sed -n "/^\\*\\*$1\\.\\*\\*/,/^\\*\\*/{/^[a-z].*\\/etc\\/snmp/p}" "$root/docs/install.md"
+}
+
+# Starts the agent with the module with the command of its unit, as the agent's user.
+start_subagent() {
+    local command environment
+    inside install -d -m 0700 -o Debian-snmp -g Debian-snmp /run/quarnsnmp-agent
+    read -r -a command < <(command_of quarnsnmp-agent)
+    mapfile -t environment < <(environment_of quarnsnmp-agent)
+    setpriv --pdeathsig TERM chroot --userspec=Debian-snmp:Debian-snmp "$debian" env "${environment[@]}" "${command[@]}" \
+        >"$work/subagent.log" 2>&1 &
+    subagent_pid=$!
+}
+
+# The commands in docs/install.md must move the module into quarnsnmp-agent.service and back. The keys of the other
+# agent must stay as they are.
+test_isolation() {
+    local there back keys=$debian/var/lib/snmp/snmpd.conf
+    there=$(commands_of_document 'Switch over')
+    back=$(commands_of_document 'Switch back')
+    [[ $there == *master* && $back == *dlmod* ]] || fail "docs/install.md has no commands that switch over and back"
+    inside sh -e -c "$there"
+    start_programs responds
+    start_subagent
+    await "a response of the isolated module" "$work/subagent.log" get modelName.0
+    grep -q libquarnsnmp_Morvek "/proc/$subagent_pid/maps" || fail "the isolated agent has not loaded the module"
+    if grep libquarnsnmp "/proc/$agent_pid/maps"; then
+        fail "after the commands in docs/install.md, the agent loads the module, too; see above"
+    fi
+    inside ptzctl --host "$agent_address" --community private pan to 45 >"$work/ptzctl.log" 2>&1 ||
+        fail "ptzctl: $(cat -- "$work/ptzctl.log")"
+    await "the pan to 45 degrees" "$work/ptzctl.log" camera_is_at 45000
+    kill -HUP "$agent_pid"
+    await "a response after the reload of the agent" "$work/agent.log" get modelName.0
+    cp -- "$keys" "$work/keys"
+    stop_subagent
+    cmp -- "$keys" "$work/keys" || fail "the isolated agent overwrites the keys of the other one"
+    stop_programs
+    inside sh -e -c "$back"
+    start_programs get modelName.0
+    stop_programs
+    inside rm -rf /run/quarnsnmp-agent /run/agentx
+}
+
+stop_subagent() {
+    kill -TERM "$subagent_pid"
+    wait "$subagent_pid" || fail "the isolated agent does not end cleanly; see $work/subagent.log"
+    subagent_pid=
 }
 
 # The check of the core library must pass with the stand-in and the camera, as the agent's user.

@@ -156,3 +156,20 @@ ensure_packages() {
         exit 1
     fi
 }
+
+# Prints the file with the Debian sources of this machine.
+debian_sources() {
+    local file
+    for file in /etc/apt/sources.list.d/debian.sources /etc/apt/sources.list; do
+        if [[ -s $file ]]; then
+            printf '%s\n' "$file"
+            return
+        fi
+    done
+    fail "neither /etc/apt/sources.list nor sources.list.d/debian.sources contains Debian sources"
+}
+
+# Lists the dependencies of a package file, one per line, without versions. Usage: dependencies_of FILE
+dependencies_of() {
+    dpkg-deb --field "$1" Depends | sed 's/([^)]*)//g; s/,/\n/g' | tr -d ' ' | sort
+}

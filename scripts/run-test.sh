@@ -11,6 +11,7 @@ source "$root/scripts/common.sh"
 work=$(mktemp -d "${TMPDIR:-/tmp}/quarnsnmp-run-test.XXXXXX")
 log=$work/log
 run_pid=
+agents=()
 panel_pid=
 
 clean_up() {
@@ -35,11 +36,11 @@ choose_port() {
     fail "no free UDP port from $1"
 }
 
-# Starts ./run and waits until it shows the logs. The time includes a build.
+# Starts ./run and waits until it shows the logs. The time includes a build. Usage: start_run ARGUMENT...
 start_run() {
-    mkdir -- "$work/tmp"
+    mkdir -p -- "$work/tmp"
     : >"$log"
-    TMPDIR=$work/tmp "$root/run" --port "$agent_port" --trap-port "$trap_port" --panel-port "$panel_port" --rtsp \
+    TMPDIR=$work/tmp "$root/run" --port "$agent_port" --trap-port "$trap_port" --panel-port "$panel_port" "$@" \
         >"$log" 2>&1 &
     run_pid=$!
     local deadline=$((SECONDS + 1800))
@@ -50,14 +51,17 @@ start_run() {
     done
 }
 
-# Prints the PID of the agent.
-agent() {
+# Sets `agents` to the PIDs of a number of agents, the one that serves managers first. Usage: find_agents COUNT
+find_agents() {
     local pid
+    agents=()
     for pid in $(<"/proc/$run_pid/task/$run_pid/children"); do
         if [[ $(readlink "/proc/$pid/exe") == */snmpd ]]; then
-            echo "$pid"
+            agents+=("$pid")
         fi
     done
+    ((${#agents[@]} == $1)) || fail "./run has ${#agents[@]} agents as children; expected $1"
+    agent_pid=${agents[0]}
 }
 
 # Prints kind and local address, in the kernel's notation, of each network socket of a process. Usage: sockets PID
@@ -164,13 +168,26 @@ test_errors_of_start() {
     fi
 }
 
+# The module must be in the second agent only, and that one must not be on any network.
+test_isolation() {
+    local opened
+    grep -q libquarnsnmp_Morvek "/proc/${agents[1]}/maps" || fail "./run --isolated has no agent with the module"
+    if grep libquarnsnmp "/proc/$agent_pid/maps"; then
+        fail "./run --isolated loads modules into the agent that serves managers; see above"
+    fi
+    opened=$(sockets "${agents[1]}")
+    [[ -z $opened ]] || fail "the agent with the module opens sockets of a network: $opened"
+}
+
 test_end() {
-    local status=0
+    local status=0 pid
     kill -TERM "$run_pid"
     wait "$run_pid" || status=$?
     run_pid=
     ((status == 0)) || fail_with_output "./run exits with status $status"
-    [[ ! -e /proc/$agent_pid ]] || fail "./run leaves its agent behind"
+    for pid in "${agents[@]}"; do
+        [[ ! -e /proc/$pid ]] || fail "./run leaves an agent behind"
+    done
     [[ ! -e /proc/$panel_pid ]] || fail "./run leaves its panel behind"
     if find "$work/tmp" -mindepth 1 | grep .; then
         fail "./run leaves files behind; see above"
@@ -188,9 +205,8 @@ panel_port=$agent_port
 while tcp_port_in_use "$panel_port"; do
     panel_port=$((panel_port + 1))
 done
-start_run
-agent_pid=$(agent)
-[[ $agent_pid =~ ^[0-9]+$ ]] || fail "./run has ${agent_pid:-no} agent as a child; expected one"
+start_run --rtsp
+find_agents 1
 test_answer
 test_sockets
 test_panel
@@ -198,5 +214,14 @@ test_rtsp
 test_errors_of_start
 test_commands
 test_variable
+test_end
+start_run --isolated
+find_agents 2
+test_answer
+test_sockets
+test_isolation
+test_panel
+test_errors_of_start
+test_commands
 test_end
 echo "./run passes all tests."

@@ -9,6 +9,17 @@
 
 namespace harness {
 
+namespace {
+
+/** Waits until the camera has got the commands so far: a subagent executes a SET after the answer, and in order. */
+void awaitExecution(const Agent &agent, Manager &manager) {
+    if (agent.isolated()) {
+        manager.get(oids::rangeTrueNorthOffset);
+    }
+}
+
+} // namespace
+
 AgentOptions withCamera(AgentOptions options, const Camera &camera) {
     const AgentOptions module = withModule(camera.directory());
     options.module = module.module;
@@ -78,11 +89,13 @@ std::vector<Varbind> CameraAgent::walk() {
 void CameraAgent::set(const std::string &oid, const std::string &octets) {
     const Result result = manager_.set({octetString(oid, octets)});
     EXPECT_TRUE(result.ok()) << oid << ": " << result;
+    awaitExecution(agent_, manager_);
 }
 
 void CameraAgent::setInteger(const std::string &oid, std::int64_t value) {
     const Result result = manager_.set(oid, Type::Integer, value);
     EXPECT_TRUE(result.ok()) << oid << ": " << result;
+    awaitExecution(agent_, manager_);
 }
 
 std::size_t CameraAgent::logged(const std::string &text) const {

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include "agent_configuration.h"
 #include "eventually.h"
 #include "object_oids.h"
 #include "settings.h"
@@ -29,33 +30,6 @@ constexpr const char *kSanitizerLog = "sanitizer";
 
 std::chrono::milliseconds since(Clock::time_point start) {
     return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
-}
-
-/** Returns the text of the configuration. */
-std::string agentConfiguration(const AgentOptions &options, std::uint16_t port) {
-    // One community can have one view only, so the subtrees are gathered in views first.
-    std::string text = "agentAddress udp:127.0.0.1:" + std::to_string(port) +
-                       "\n"
-                       "dontLogTCPWrappersConnects yes\n"
-                       "view readable included .1.3.6.1.2.1.1\n"
-                       "view readable included .1.3.6.1.4.1.1206\n"
-                       "view readable included .1.3.6.1.4.1.99999\n"
-                       "view writable included .1.3.6.1.2.1.1\n"
-                       "view writable included .1.3.6.1.4.1.1206\n"
-                       "view writable included .1.3.6.1.4.1.99999\n";
-    if (options.showModules) {
-        text += "view readable included .1.3.6.1.4.1.2021.13.14\n"
-                "view writable included .1.3.6.1.4.1.2021.13.14\n";
-    }
-    text += "rocommunity public 127.0.0.1 -V readable\n"
-            "rwcommunity private 127.0.0.1 -V writable\n";
-    for (const std::string &line : options.configuration) {
-        text += line + "\n";
-    }
-    if (!options.module.empty()) {
-        text += "dlmod " + options.moduleName + " " + options.module + "\n";
-    }
-    return text;
 }
 
 /**
@@ -106,7 +80,16 @@ std::map<std::string, std::string> agentEnvironment(const AgentOptions &options,
     return result;
 }
 
+/** Returns true if two processes share the work of an agent with these options. */
+bool needsMaster(const AgentOptions &options) {
+    return options.isolation && !options.module.empty() && !options.wholeConfiguration;
+}
+
 } // namespace
+
+std::optional<Isolation> isolationOfThisRun() {
+    return environmentOr("QUARNSNMP_ISOLATED", "0") == "1" ? std::optional<Isolation>(Isolation{}) : std::nullopt;
+}
 
 AgentOptions withModule(const std::string &cameraDirectory) {
     AgentOptions options;
@@ -123,6 +106,11 @@ AgentOptions withModule(const std::string &cameraDirectory) {
 }
 
 Agent::Agent(AgentOptions options) : options_(std::move(options)) {
+    if (needsMaster(options_)) {
+        const std::string socket = directory_.file("agentx");
+        master_ = std::make_unique<Agent>(masterOptions(options_, socket));
+        options_ = subagentOptions(options_, socket);
+    }
     start();
 }
 
@@ -149,12 +137,23 @@ pid_t Agent::pid() const {
     return pid_;
 }
 
+bool Agent::isolated() const {
+    return master_ != nullptr;
+}
+
+Agent &Agent::master() {
+    if (!master_) {
+        throw std::runtime_error("the agent has no master");
+    }
+    return *master_;
+}
+
 bool Agent::running() {
     return process_ && process_->running();
 }
 
 std::uint16_t Agent::port() const {
-    return port_->number();
+    return master_ ? master_->port() : port_->number();
 }
 
 std::string Agent::peer() const {
@@ -195,7 +194,10 @@ Launch Agent::launch() const {
     arguments.insert(arguments.end(), prefix.begin(), prefix.end());
     const std::vector<std::string> own = {agentPath(), "-Lf", log().path(), "-r", "-p", directory_.file("agent.pid")};
     arguments.insert(arguments.end(), own.begin(), own.end());
-    if (!options_.wholeConfiguration) {
+    if (master_) {
+        // Only the part of the agent that loads modules.
+        arguments.insert(arguments.end(), {"-X", "-C", "-c", configurationPath(), "-I", "dlmod"});
+    } else if (!options_.wholeConfiguration) {
         // Without -smux, an agent of root opens a TCP port on all addresses.
         arguments.insert(arguments.end(), {"-C", "-c", configurationPath(), "-I", "-smux"});
     }
@@ -211,23 +213,33 @@ void Agent::start() {
     if (process_) {
         throw std::runtime_error("the agent is running already");
     }
-    const bool choosePort = !port_;
-    for (int attempt = 0; !process_; ++attempt) {
-        if (choosePort) {
-            port_ = std::make_unique<ReservedPort>();
-            writeFiles();
-        }
+    if (master_ && !std::filesystem::exists(configurationPath())) {
+        writeFiles();
+    }
+    if (master_ || port_) {
         startOnce();
-        constexpr int kLastAttempt = 4;
-        if (!process_ && (!choosePort || attempt == kLastAttempt)) {
-            throw std::runtime_error("the agent's port is taken\n" + report());
-        }
+    } else {
+        reservePort();
+    }
+    if (!process_) {
+        throw std::runtime_error("the agent's port is taken\n" + report());
+    }
+}
+
+/** Starts the agent with a free port. There is no process afterwards if none of some ports stays free. */
+void Agent::reservePort() {
+    constexpr int kAttempts = 5;
+    for (int attempt = 0; !process_ && attempt < kAttempts; ++attempt) {
+        port_ = std::make_unique<ReservedPort>();
+        writeFiles();
+        startOnce();
     }
 }
 
 void Agent::writeFiles() const {
-    directory_.write("snmpd.conf", options_.wholeConfiguration ? options_.wholeConfiguration(port())
-                                                               : agentConfiguration(options_, port()));
+    const std::uint16_t portOfFile = master_ ? 0 : port();
+    directory_.write("snmpd.conf", options_.wholeConfiguration ? options_.wholeConfiguration(portOfFile)
+                                                               : agentConfiguration(options_, portOfFile));
     if (!options_.persistentData.empty()) {
         std::filesystem::create_directory(directory_.file(kPersistentDirectory));
         std::ofstream file(persistentData().path());
@@ -240,13 +252,15 @@ void Agent::writeFiles() const {
 /** Starts the agent. There is no process afterwards if another program has taken the port. */
 void Agent::startOnce() {
     std::filesystem::remove(directory_.file("agent.pid"));
+    // The agent would overwrite it, after the first look for its lines.
+    std::filesystem::remove(log().path());
     process_ = std::make_unique<Process>(launch());
-    bool answered = false;
-    eventually(std::chrono::seconds(20), [this, &answered] {
-        answered = answers(patient(std::chrono::milliseconds(50)));
-        return answered || !process_->running();
+    bool ready = false;
+    eventually(std::chrono::seconds(20), [this, &ready] {
+        ready = isReady();
+        return ready || !process_->running();
     });
-    if (answered && process_->running()) {
+    if (ready && process_->running()) {
         pid_ = options_.daemonised ? daemonPid() : process_->pid();
         return;
     }
@@ -259,6 +273,24 @@ void Agent::startOnce() {
 
 bool Agent::portWasTaken() const {
     return log().count("Error opening specified endpoint") > 0;
+}
+
+/** Returns true when a started agent serves requests. */
+bool Agent::isReady() const {
+    // A subagent logs its version a last time once it has registered all objects with its master.
+    return master_ ? log().count("NET-SNMP version") > log().count("AgentX subagent connected")
+                   : answers(patient(std::chrono::milliseconds(50)));
+}
+
+/** Returns true when an agent has ended its reload. @param logBefore  size of its log before the reload */
+bool Agent::isReloaded(std::size_t logBefore) const {
+    if (master_) {
+        return eventually(std::chrono::seconds(100), [this, logBefore] {
+            return log().count("AgentX session to master agent attempted to be re-opened", logBefore) > 0;
+        });
+    }
+    // The agent is busy until it has loaded all modules: an answer to a request sent now comes after that.
+    return answers(patient(std::chrono::seconds(100)));
 }
 
 bool Agent::answers(std::chrono::milliseconds timeout) const {
@@ -294,7 +326,8 @@ bool Agent::awaitSignalled(std::chrono::milliseconds deadline, const std::functi
     constexpr std::chrono::milliseconds kBetweenPackets{200};
     Clock::time_point next = Clock::now() + kBetweenPackets;
     return eventually(deadline, [&] {
-        if (Clock::now() >= next) {
+        // A subagent wakes up once a second to look after its master.
+        if (!master_ && Clock::now() >= next) {
             answers(std::chrono::milliseconds(1));
             next = Clock::now() + kBetweenPackets;
         }
@@ -311,8 +344,8 @@ std::chrono::milliseconds Agent::hup() {
     const bool begun =
         awaitSignalled(std::chrono::seconds(20), [&] { return log().count(mark, before) > 0 || !running(); });
     requireRunning();
-    // The line comes before the modules are unloaded, all in one go: an answer to a request sent now comes after it.
-    if (!begun || !answers(patient(std::chrono::seconds(100)))) {
+    // The line comes before the modules are unloaded and loaded, all in one go.
+    if (!begun || !isReloaded(before)) {
         throw std::runtime_error("the agent does not get through its reload\n" + report());
     }
     return since(start);

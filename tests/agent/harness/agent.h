@@ -26,6 +26,14 @@ namespace harness {
 
 using namespace support;
 
+/** How a master and a subagent with the modules share the work of an agent. */
+struct Isolation {
+    std::chrono::seconds timeout{100}; ///< time that the master waits for the subagent
+};
+
+/** Returns how the tests of this run isolate modules; nothing, unless the environment's QUARNSNMP_ISOLATED is 1. */
+std::optional<Isolation> isolationOfThisRun();
+
 /** Options of an agent. */
 struct AgentOptions {
     std::string module;                   ///< path of the module to load; empty for none
@@ -42,8 +50,10 @@ struct AgentOptions {
      * installed agent, with its persistent data.
      */
     std::function<std::string(std::uint16_t port)> wholeConfiguration;
-    std::vector<std::string> persistentData = {}; ///< lines of its persistent data before the first start
-    std::optional<User> asker = {};               ///< user of the first request, if "public" has no access
+    std::vector<std::string> persistentData = {};              ///< lines of its persistent data before the first start
+    std::optional<User> asker = {};                            ///< user of the first request, if "public" has no access
+    std::optional<Isolation> isolation = isolationOfThisRun(); ///< nothing: one process. Needs a module, and no whole
+                                                               ///< configuration
 };
 
 /** Options of an agent with the module of this build, for a camera. */
@@ -58,6 +68,9 @@ struct AgentEnd {
 /**
  * A running agent on a free port of the loopback interface, with its own configuration and directory. What
  * Process says about the thread that starts it holds here too.
+ *
+ * An isolated agent is a master and a subagent that has the modules. Its process, its logs and its files are those of
+ * the subagent, and so are start, reload and end; managers speak to the master, which lives as long as the agent.
  */
 class Agent {
 public:
@@ -76,8 +89,14 @@ public:
     Agent(const Agent &) = delete;
     Agent &operator=(const Agent &) = delete;
 
-    /** The process that serves requests. */
+    /** The process that has the modules. */
     pid_t pid() const;
+
+    /** Returns true for an agent with a master. */
+    bool isolated() const;
+
+    /** The master of an isolated agent, to reload it, to end it and to start it again. */
+    Agent &master();
 
     /** Returns true until the agent has ended. */
     bool running();
@@ -122,10 +141,13 @@ public:
     std::string report() const;
 
 private:
+    void reservePort();
     void startOnce();
     void writeFiles() const;
     bool portWasTaken() const;
     bool answers(std::chrono::milliseconds timeout) const;
+    bool isReady() const;
+    bool isReloaded(std::size_t logBefore) const;
     bool awaitSignalled(std::chrono::milliseconds deadline, const std::function<bool()> &predicate) const;
     void requireRunning();
     Launch launch() const;
@@ -134,6 +156,7 @@ private:
 
     AgentOptions options_;
     TemporaryDirectory directory_;
+    std::unique_ptr<Agent> master_; ///< null unless isolated
     std::unique_ptr<ReservedPort> port_;
     std::unique_ptr<Process> process_; ///< the agent, or its guardian when it is a daemon; null after stop() and kill()
     pid_t pid_ = -1;
