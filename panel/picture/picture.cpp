@@ -189,7 +189,7 @@ private:
             drawParts(canvas, brush, moment, disjoint(moving), moving);
             return {wholeOf(canvas)};
         }
-        const std::vector<PixelBox> changes = withWholeLines(lines, stage_.changedParts());
+        std::vector<PixelBox> changes = withWholeLines(lines, stage_.changedParts());
         drawParts(canvas, brush, moment, changes, moving);
         return changes;
     }
