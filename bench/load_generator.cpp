@@ -23,19 +23,33 @@ constexpr std::chrono::microseconds kPollTime{20};
 /** Bits of the request-id that identify a request. */
 constexpr std::uint32_t kIdMask = 0xFFFFFF;
 
-} // namespace
+sockaddr_in addressOf(std::uint32_t host, std::uint16_t port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(host);
+    return address;
+}
 
-LoadGenerator::LoadGenerator(const std::vector<std::uint16_t> &ports)
-    : socket_(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
-    if (socket_ < 0) {
+int openSocket() {
+    const int opened = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    if (opened < 0) {
         throw std::system_error(errno, std::generic_category(), "socket");
     }
+    return opened;
+}
+
+} // namespace
+
+LoadGenerator::LoadGenerator(const std::vector<std::uint16_t> &ports) : socket_(openSocket()) {
     for (const std::uint16_t port : ports) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(port);
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        agents_.push_back(address);
+        agents_.push_back(addressOf(INADDR_LOOPBACK, port));
+    }
+}
+
+LoadGenerator::LoadGenerator(std::uint16_t port, const std::vector<std::uint32_t> &hosts) : socket_(openSocket()) {
+    for (const std::uint32_t host : hosts) {
+        agents_.push_back(addressOf(host, port));
     }
 }
 
@@ -94,7 +108,7 @@ double LoadGenerator::receive(std::size_t values) {
         }
     }
     const Clock::time_point arrival = Clock::now();
-    const Response response = parse({buffer_.data(), static_cast<std::size_t>(length)});
+    const snmp::Response response = snmp::parse({buffer_.data(), static_cast<std::size_t>(length)});
     Slot &slot = slots_[response.id % kMaximumWindow];
     if (!slot.isUsed || slot.id != response.id) {
         throw std::runtime_error("a response does not match any request");

@@ -13,6 +13,11 @@
 
 namespace bench {
 
+using snmp::getBulkRequest;
+using snmp::getRequest;
+using snmp::Message;
+using snmp::setRequest;
+
 /** Result of a load. */
 struct Outcome {
     double perSecond = 0;             ///< responses
@@ -27,6 +32,8 @@ class LoadGenerator {
 public:
     /** @param ports  of agents on the loopback interface, which receive the messages in turn */
     explicit LoadGenerator(const std::vector<std::uint16_t> &ports);
+    /** @param hosts  addresses of agents at the same port, as numbers */
+    LoadGenerator(std::uint16_t port, const std::vector<std::uint32_t> &hosts);
     ~LoadGenerator();
     LoadGenerator(const LoadGenerator &) = delete;
     LoadGenerator &operator=(const LoadGenerator &) = delete;

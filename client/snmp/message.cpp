@@ -10,11 +10,9 @@
 #include "netsnmp_convert.h"
 #include "netsnmp_types.h"
 
-namespace bench {
+namespace snmp {
 
 namespace {
-
-constexpr const char *kCommunity = "private";
 
 // The first octet of a request-id is constant and has no sign bit, so that all request-ids take four octets.
 constexpr long kInitialId = 0x40404040;
@@ -76,14 +74,20 @@ public:
         advance(asn_parse_string(next_, &left_, &type, text.data(), &length));
     }
 
-    /** Reads a varbind. @return the type of its value */
-    u_char varbind() {
+    /** Reads a varbind. @param count  receives a value of one of the unsigned types @return the type of its value */
+    u_char varbind(unsigned long &count) {
         std::array<oid, MAX_OID_LEN> name; // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the library
         std::size_t nameLength = name.size();
         u_char type = 0;
         u_char *value = nullptr;
         std::size_t valueLength = 0;
         advance(snmp_parse_var_op(next_, name.data(), &nameLength, &type, &valueLength, &value, &left_));
+        if (type == ASN_COUNTER || type == ASN_GAUGE || type == ASN_TIMETICKS) {
+            std::size_t length = static_cast<std::size_t>(next_ - value);
+            if (asn_parse_unsigned_int(value, &length, &type, &count, sizeof count) == nullptr) {
+                fail();
+            }
+        }
         return type;
     }
 
@@ -105,19 +109,20 @@ private:
 
 } // namespace
 
-Message::Message(int command, const std::vector<snmp::Varbind> &varbinds, std::size_t repetitions)
+Message::Message(int command, const std::vector<Varbind> &varbinds, std::size_t repetitions,
+                 const std::string &community)
     : responseValues_(varbinds.size() * repetitions) {
-    const snmp::PduPointer pdu(snmp_pdu_create(command));
+    const PduPointer pdu(snmp_pdu_create(command));
     pdu->version = SNMP_VERSION_2c;
     pdu->reqid = kInitialId;
-    pdu->community = reinterpret_cast<u_char *>(::strdup(kCommunity));
-    pdu->community_len = std::string_view(kCommunity).size();
+    pdu->community = reinterpret_cast<u_char *>(::strdup(community.c_str()));
+    pdu->community_len = community.size();
     if (command == SNMP_MSG_GETBULK) {
         pdu->non_repeaters = 0;
         pdu->max_repetitions = static_cast<long>(repetitions);
     }
-    for (const snmp::Varbind &varbind : varbinds) {
-        snmp::append(*pdu, varbind);
+    for (const Varbind &varbind : varbinds) {
+        append(*pdu, varbind);
     }
     octets_ = encode(*pdu);
     const std::size_t id = octets_.find(kEncodedInitialId);
@@ -134,17 +139,17 @@ std::string_view Message::withId(std::uint32_t id) {
     return octets_;
 }
 
-Message getRequest(const std::vector<std::string> &oids) {
-    std::vector<snmp::Varbind> varbinds;
-    std::transform(oids.begin(), oids.end(), std::back_inserter(varbinds), &snmp::nameOnly);
-    return {SNMP_MSG_GET, varbinds, 1};
+Message getRequest(const std::vector<std::string> &oids, const std::string &community) {
+    std::vector<Varbind> varbinds;
+    std::transform(oids.begin(), oids.end(), std::back_inserter(varbinds), &nameOnly);
+    return {SNMP_MSG_GET, varbinds, 1, community};
 }
 
 Message getBulkRequest(const std::string &oid, std::size_t repetitions) {
-    return {SNMP_MSG_GETBULK, {snmp::nameOnly(oid)}, repetitions};
+    return {SNMP_MSG_GETBULK, {nameOnly(oid)}, repetitions};
 }
 
-Message setRequest(const snmp::Varbind &varbind) {
+Message setRequest(const Varbind &varbind) {
     return {SNMP_MSG_SET, {varbind}, 1};
 }
 
@@ -160,11 +165,11 @@ Response parse(std::string_view message) {
     reader.number(); // error-index
     reader.enter(ASN_SEQUENCE | ASN_CONSTRUCTOR);
     while (!reader.isAtEnd()) {
-        if ((reader.varbind() & kExceptionMask) == 0) {
+        if ((reader.varbind(response.count) & kExceptionMask) == 0) {
             ++response.values;
         }
     }
     return response;
 }
 
-} // namespace bench
+} // namespace snmp
