@@ -50,16 +50,29 @@ struct Options {
     std::string camera = "dome";
     std::string directory = wire::socketDirectory();
     std::string presets; ///< file of the presets; empty without one
+    std::string serial;  ///< serial number; empty for that of the camera file
 };
 
 void warn(const std::string &line) {
     std::cerr << "quarnsnmp-camera: " << camera::visible(line) << std::endl;
 }
 
+/** Replaces the serial number of the camera file. @throws camera::FileError when the camera cannot have the number */
+void setSerial(camera::CameraModel &model, const std::string &serial) {
+    constexpr const char *kTarget = "device_information/1";
+    if (const std::optional<camera::Problem> problem = model.set(kTarget, "serial", serial)) {
+        throw camera::FileError("--serial: " + camera::toString(*problem));
+    }
+    model.keep(kTarget);
+}
+
 void runCamera(const Options &options) {
     camera::CameraDescription description = camera::readCameraFile(camera::findShippedFile("camera", options.camera));
     camera::CameraModel model(std::move(description.name), std::move(description.description),
                               std::move(description.services));
+    if (!options.serial.empty()) {
+        setSerial(model, options.serial);
+    }
     std::optional<camera::PresetsFile> presets;
     if (!options.presets.empty()) {
         presets.emplace(model, options.presets, warn);
@@ -96,6 +109,8 @@ int run(int argc, char **argv) {
                    "File for the presets; by default, they are lost when the program ends")
         ->type_name("FILE")
         ->check(CLI::Validator([](const std::string &file) { return file.empty() ? "no file" : ""; }, ""));
+    app.add_option("--serial", options.serial, "Serial number instead of the one in the camera file")
+        ->type_name("TEXT");
     app.add_flag("--list", list, "List the shipped cameras and exit");
     app.set_version_flag("--version", std::string("quarnsnmp-camera ") + QUARNSNMP_VERSION);
     try {

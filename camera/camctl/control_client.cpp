@@ -26,13 +26,14 @@ std::string describe(int error) {
 
 } // namespace
 
-ControlClient::ControlClient(const std::string &directory) : directory_(directory) {
+ControlClient::ControlClient(const std::string &directory, const std::string &peer)
+    : directory_(directory), peer_(peer + " in " + directory) {
     socket_ = socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     if (socket_ < 0) {
         throw ControlError("cannot make a socket: " + describe(errno));
     }
     try {
-        connect(wire::socketPath(directory, wire::kControlSocket));
+        connect(wire::socketPath(directory, wire::kControlSocket), peer);
     } catch (...) {
         close(socket_);
         throw;
@@ -43,11 +44,11 @@ ControlClient::~ControlClient() {
     close(socket_);
 }
 
-void ControlClient::connect(const std::string &path) {
+void ControlClient::connect(const std::string &path, const std::string &peer) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (path.size() >= sizeof address.sun_path) {
-        throw ControlError("no camera can run in " + directory_ + ": the path of its sockets is too long");
+        throw ControlError("no " + peer + " can run in " + directory_ + ": the path of its sockets is too long");
     }
     std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
     const Clock::time_point deadline = Clock::now() + kPatience;
@@ -57,7 +58,7 @@ void ControlClient::connect(const std::string &path) {
         if (error == EAGAIN && Clock::now() < deadline) {
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         } else if (error != EINTR) {
-            throw ControlError("no camera answers in " + directory_ + ": " + describe(error));
+            throw ControlError("no " + peer + " answers in " + directory_ + ": " + describe(error));
         }
     }
 }
@@ -67,11 +68,11 @@ nlohmann::json ControlClient::execute(const nlohmann::json &command) {
     sendAll(wire::encode(command), deadline);
     const std::optional<std::string> line = readLine(deadline);
     if (!line) {
-        throw ControlError("the camera in " + directory_ + " ended the connection without an answer");
+        throw ControlError("the " + peer_ + " ended the connection without an answer");
     }
     nlohmann::json answer = wire::decode(*line);
     if (!answer.is_object()) {
-        throw ControlError("the camera in " + directory_ + " sent an answer that cannot be understood");
+        throw ControlError("the " + peer_ + " sent an answer that cannot be understood");
     }
     return answer;
 }
@@ -87,7 +88,7 @@ void ControlClient::waitUntil(Clock::time_point time) const {
         const auto left = std::min(std::chrono::ceil<std::chrono::milliseconds>(time - now), kLongest);
         pollfd entry{socket_, POLLIN, 0};
         if (poll(&entry, 1, static_cast<int>(left.count())) > 0) {
-            throw ControlError("the camera in " + directory_ + " has ended");
+            throw ControlError("the " + peer_ + " has ended");
         }
     }
 }
@@ -101,7 +102,7 @@ void ControlClient::sendAll(const std::string &text, const Deadline &deadline) {
         } else if (errno == EAGAIN) {
             wait(POLLOUT, deadline);
         } else if (errno != EINTR) {
-            throw ControlError("the camera in " + directory_ + " cannot be reached: " + describe(errno));
+            throw ControlError("the " + peer_ + " cannot be reached: " + describe(errno));
         }
     }
 }
@@ -123,7 +124,7 @@ std::optional<std::string> ControlClient::readLine(const Deadline &deadline) {
         } else if (errno == EAGAIN) {
             wait(POLLIN, deadline);
         } else if (errno != EINTR) {
-            throw ControlError("the camera in " + directory_ + " cannot be reached: " + describe(errno));
+            throw ControlError("the " + peer_ + " cannot be reached: " + describe(errno));
         }
     }
 }
@@ -136,7 +137,7 @@ void ControlClient::wait(short events, const Deadline &deadline) const {
     }
     pollfd entry{socket_, events, 0};
     if (poll(&entry, 1, milliseconds) == 0) {
-        throw ControlError("the camera in " + directory_ + " does not answer");
+        throw ControlError("the " + peer_ + " does not answer");
     }
 }
 

@@ -27,8 +27,12 @@ public:
     /** Time limit of the connection attempt, and of each answer. */
     static constexpr std::chrono::seconds kPatience{5};
 
-    /** Connects to the camera of a directory. @throws ControlError */
-    explicit ControlClient(const std::string &directory);
+    /**
+     * Connects to the camera of a directory.
+     * @param peer  name of what listens there, for messages
+     * @throws ControlError
+     */
+    explicit ControlClient(const std::string &directory, const std::string &peer = "camera");
     ControlClient(const ControlClient &) = delete;
     ControlClient &operator=(const ControlClient &) = delete;
     ~ControlClient();
@@ -46,13 +50,14 @@ public:
 private:
     using Deadline = std::optional<std::chrono::steady_clock::time_point>;
 
-    void connect(const std::string &path);
+    void connect(const std::string &path, const std::string &peer);
     void sendAll(const std::string &text, const Deadline &deadline);
     std::optional<std::string> readLine(const Deadline &deadline);
     /** Waits until the socket is ready. @throws ControlError at the deadline */
     void wait(short events, const Deadline &deadline) const;
 
     std::string directory_;
+    std::string peer_; ///< with its directory, such as "camera in /run/quarnsnmp-camera"
     int socket_ = -1;
     std::string input_;
 };

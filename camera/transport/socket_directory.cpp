@@ -42,7 +42,8 @@ std::vector<std::string> socketNames() {
     return names;
 }
 
-SocketDirectory::SocketDirectory(std::string path) : path_(std::move(path)), lockPath_(path_ + "/camera.lock") {
+SocketDirectory::SocketDirectory(std::string path, const std::string &user)
+    : path_(std::move(path)), lockPath_(path_ + "/camera.lock") {
     const bool created = mkdir(path_.c_str(), S_IRWXU) == 0;
     if (!created && errno != EEXIST) {
         failWith("cannot create the directory " + path_, errno);
@@ -50,7 +51,7 @@ SocketDirectory::SocketDirectory(std::string path) : path_(std::move(path)), loc
     if (const std::optional<std::string> reason = wire::unsafeDirectory(path_)) {
         throw TransportError(*reason);
     }
-    lock();
+    lock(user);
     noteOrigin(created);
     try {
         removeStaleSockets();
@@ -76,7 +77,7 @@ std::string SocketDirectory::socket(const std::string &name) const {
     return wire::socketPath(path_, name);
 }
 
-void SocketDirectory::lock() {
+void SocketDirectory::lock(const std::string &user) {
     for (;;) {
         lock_ = open(lockPath_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
         if (lock_ < 0) {
@@ -86,7 +87,7 @@ void SocketDirectory::lock() {
             const int error = errno;
             close(lock_);
             if (error == EWOULDBLOCK) {
-                throw TransportError("another camera runs in " + path_);
+                throw TransportError("another " + user + " runs in " + path_);
             }
             failWith("cannot lock " + lockPath_, error);
         }

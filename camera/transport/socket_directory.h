@@ -27,10 +27,11 @@ public:
     /**
      * Reserves the directory, and removes the sockets of a killed camera. Creates a missing directory with access for
      * its owner only.
+     * @param user  name of what reserves the directory, for the message that another one does already
      * @throws TransportError when the directory is inaccessible, unsafe (wire::unsafeDirectory()) or in use by another
      *     camera
      */
-    explicit SocketDirectory(std::string path);
+    explicit SocketDirectory(std::string path, const std::string &user = "camera");
     SocketDirectory(const SocketDirectory &) = delete;
     SocketDirectory &operator=(const SocketDirectory &) = delete;
 
@@ -45,7 +46,7 @@ public:
     std::string socket(const std::string &name) const;
 
 private:
-    void lock();
+    void lock(const std::string &user);
     void noteOrigin(bool created);
     void removeStaleSockets() const;
     void release();

@@ -168,6 +168,22 @@ TEST_F(Program, PlaysTheCameraOfAFile) {
     EXPECT_EQ("[0,-1]", client.ask(R"(["get_temperature_send","temperature/1"])"));
 }
 
+TEST_F(Program, HasTheSerialNumberOfAnOption) {
+    Process camera({{cameraPath(), "--directory", directory_, "--serial", "QN-7"}});
+    ASSERT_EQ("camera dome ready in " + directory_, camera.output().awaitLine(0));
+    EXPECT_THAT(
+        LineClient(directory_, "device_information").ask(R"(["get_static_information_send","device_information/1"])"),
+        testing::HasSubstr(R"("QN-7")"));
+}
+
+TEST_F(Program, RefusesASerialNumberThatTheCameraCannotHave) {
+    expectStartError({"--directory", directory_, "--serial", std::string(1000, '7')}, "--serial: .*");
+    writeFile(root_.file("own.json"), R"({"name": "own", "services": {}})");
+    expectStartError({"--camera", root_.file("own.json"), "--directory", directory_, "--serial", "QN-7"},
+                     "--serial: .*");
+    EXPECT_FALSE(std::filesystem::exists(directory_));
+}
+
 TEST_F(Program, ReportsAnErrorInACameraFile) {
     writeFile(root_.file("own.json"),
               "{\n\"name\": \"own\",\n\"services\": {\"alarm\": {\"targets\": [{\"state\": true}]}}}");
