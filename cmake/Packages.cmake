@@ -36,8 +36,14 @@ if(QUARNSNMP_BUILD_TOOLS)
     DESTINATION /etc/nagios-plugins/config COMPONENT tools EXCLUDE_FROM_ALL)
 endif()
 if(QUARNSNMP_BUILD_SIMULATOR)
-  install(FILES ${packaging}/quarnsnmp-simulator/quarnsnmp-camera.service
+  install(FILES
+    ${packaging}/quarnsnmp-simulator/quarnsnmp-camera.service
+    ${packaging}/quarnsnmp-simulator/quarnsnmp-camera@.service
+    ${packaging}/quarnsnmp-simulator/quarnsnmp-simulated-agent@.service
     DESTINATION /lib/systemd/system COMPONENT simulator EXCLUDE_FROM_ALL)
+  # Not a file of /etc: an instance sets what differs.
+  install(FILES ${packaging}/quarnsnmp-simulator/simulated-agent.conf
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/quarnsnmp COMPONENT simulator EXCLUDE_FROM_ALL)
   # Drop-ins of all directories are applied in the order of their names, so this one comes before an administrator's.
   foreach(unit snmpd quarnsnmp-agent)
     install(FILES ${packaging}/quarnsnmp-simulator/10-quarnsnmp-simulator.conf
@@ -88,6 +94,7 @@ set(CPACK_DEBIAN_SIMULATOR_DESCRIPTION [[simulated PTZ camera to try SNMP on
 quarnsnmp-camera simulates the services of a pan/tilt/zoom camera: axes and
 lenses that move in real time, presets, alarm inputs, relays, temperature and
 power. quarnsnmp-camctl shows and changes its state and injects faults.
+quarnsnmp-fleet runs up to thousands of them, each with an agent of its own.
 
 The SNMP agent module of the package quarnsnmp accesses the simulated camera
 through a stand-in for the camera's library. Do not install this package on a

@@ -251,16 +251,21 @@ test_units() {
     mkdir -- "$units"
     dpkg-deb --extract "$(archive "$panel" amd64)" "$work/panel"
     cp -r -t "$units" "$debian"/lib/systemd/system/{quarnsnmp-camera.service,{snmpd,quarnsnmp-agent}.service{,.d}} \
+        "$debian"/lib/systemd/system/quarnsnmp-{camera,simulated-agent}@.service \
         "$work/panel/lib/systemd/system/quarnsnmp-panel.service"
-    sed -i "s:^ExecStart=:&$debian:" "$units"/{quarnsnmp-camera,snmpd,quarnsnmp-agent}.service
+    for unit in quarnsnmp-camera quarnsnmp-simulated-agent; do
+        mv -- "$units/$unit@.service" "$units/$unit@127.1.0.1.service"
+    done
+    sed -i "s:^ExecStart=:&$debian:" \
+        "$units"/{quarnsnmp-{camera,agent,{camera,simulated-agent}@127.1.0.1},snmpd}.service
     sed -i "s:^ExecStart=:&$work/panel:" "$units/quarnsnmp-panel.service"
-    for unit in quarnsnmp-camera quarnsnmp-panel snmpd quarnsnmp-agent; do
+    for unit in quarnsnmp-{camera,agent,{camera,simulated-agent}@127.1.0.1,panel} snmpd; do
         run_logged "the check of the unit $unit" "$work/$unit-unit.log" \
             systemd-analyze verify --man=no "$units/$unit.service"
         [[ ! -s $work/$unit-unit.log ]] ||
             fail "systemd-analyze reports problems of the unit $unit: $(cat -- "$work/$unit-unit.log")"
     done
-    for unit in quarnsnmp-camera quarnsnmp-panel quarnsnmp-agent; do
+    for unit in quarnsnmp-{camera,agent,{camera,simulated-agent}@127.1.0.1,panel}; do
         run_logged "the check of the security of the unit $unit" "$work/unit-security.log" \
             systemd-analyze security --offline=true --threshold=20 "$units/$unit.service"
     done
