@@ -108,7 +108,7 @@ double LoadGenerator::receive(std::size_t values) {
         }
     }
     const Clock::time_point arrival = Clock::now();
-    const snmp::Response response = snmp::parse({buffer_.data(), static_cast<std::size_t>(length)});
+    const snmp::DecodedResponse response = snmp::parse({buffer_.data(), static_cast<std::size_t>(length)});
     Slot &slot = slots_[response.id % kMaximumWindow];
     if (!slot.isUsed || slot.id != response.id) {
         throw std::runtime_error("a response does not match any request");

@@ -9,7 +9,7 @@
 
 #include <netinet/in.h>
 
-#include "message.h"
+#include "encoded_message.h"
 
 namespace bench {
 

@@ -13,7 +13,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/udp.hpp>
 
-#include "message.h"
+#include "encoded_message.h"
 
 namespace fleet {
 
@@ -21,7 +21,8 @@ namespace fleet {
 class AgentAsker {
 public:
     /** Receives a response. The caller checks whether `from` is the agent that it asked. */
-    using Handler = std::function<void(const boost::asio::ip::udp::endpoint &from, const snmp::Response &response)>;
+    using Handler =
+        std::function<void(const boost::asio::ip::udp::endpoint &from, const snmp::DecodedResponse &response)>;
 
     /** @param agent  address of an agent, which decides whether the socket has a loopback address */
     AgentAsker(boost::asio::io_context &io, const boost::asio::ip::address &agent, Handler handler);

@@ -134,7 +134,7 @@ void Pair::askAgent() {
     });
 }
 
-void Pair::answered(const snmp::Response &response) {
+void Pair::answered(const snmp::DecodedResponse &response) {
     if (agent_.process < 0 || agent_.isReady || stopping_ || !agent_.reason.empty()) {
         return;
     }

@@ -51,7 +51,7 @@ public:
     void ended(pid_t process, int status);
 
     /** Takes a response of the agent. */
-    void answered(const snmp::Response &response);
+    void answered(const snmp::DecodedResponse &response);
 
     /** Ends both processes with a signal, and starts none again. */
     void stop(int signal);

@@ -52,7 +52,7 @@ std::vector<std::uint64_t> numbersIn(const std::string &path) {
     return numbers;
 }
 
-std::uint64_t numberIn(const std::string &path, std::uint64_t otherwise) {
+std::uint64_t numberInFile(const std::string &path, std::uint64_t otherwise) {
     const std::vector<std::uint64_t> numbers = numbersIn(path);
     return numbers.empty() ? otherwise : numbers.front();
 }
@@ -90,8 +90,8 @@ std::uint64_t tasksLeftInGroup() {
         }
         for (std::string group = line.substr(3); group.size() > 1; group.erase(group.rfind('/'))) {
             const std::string path = "/sys/fs/cgroup" + group;
-            left = std::min(left,
-                            difference(numberIn(path + "/pids.max", kUnlimited), numberIn(path + "/pids.current", 0)));
+            left = std::min(left, difference(numberInFile(path + "/pids.max", kUnlimited),
+                                             numberInFile(path + "/pids.current", 0)));
         }
     }
     return left;
@@ -125,9 +125,9 @@ void checkResources(unsigned cameras) {
         {"open files of a process", kFilesOfProcess, softLimit(RLIMIT_NOFILE), "raise the limit (ulimit -Hn)"},
         {"open files of the machine", kFilesOfCamera * cameras, filesLeft(), "raise fs.file-max (sysctl)"},
         {"processes of the control group", tasks, tasksLeftInGroup(), "raise TasksMax of the unit, or pids.max"},
-        {"threads of the machine", tasks, numberIn("/proc/sys/kernel/threads-max", kUnlimited),
+        {"threads of the machine", tasks, numberInFile("/proc/sys/kernel/threads-max", kUnlimited),
          "raise kernel.threads-max (sysctl)"},
-        {"process numbers of the machine", tasks, numberIn("/proc/sys/kernel/pid_max", kUnlimited),
+        {"process numbers of the machine", tasks, numberInFile("/proc/sys/kernel/pid_max", kUnlimited),
          "raise kernel.pid_max (sysctl)"}};
     const std::uint64_t limit = softLimit(RLIMIT_NPROC);
     // The limit of processes does not hold for root.

@@ -30,7 +30,7 @@ Supervisor::Supervisor(boost::asio::io_context &io, const std::vector<CameraPlan
                        SupervisorReport report)
     : io_(io), report_(std::move(report)), childEnds_(io, SIGCHLD), progressTimer_(io), killTimer_(io),
       asker_(io, cameras.front().address.address(),
-             [this](const auto &from, const snmp::Response &response) { answered(from, response); }),
+             [this](const auto &from, const snmp::DecodedResponse &response) { answered(from, response); }),
       wasReady_(cameras.size(), false) {
     pairs_.reserve(cameras.size());
     PairListener &listener = *this;
@@ -86,7 +86,7 @@ void Supervisor::takeEnds() {
     endIfGone();
 }
 
-void Supervisor::answered(const boost::asio::ip::udp::endpoint &from, const snmp::Response &response) {
+void Supervisor::answered(const boost::asio::ip::udp::endpoint &from, const snmp::DecodedResponse &response) {
     if (response.id >= 1 && response.id <= pairs_.size() && pair(response.id).plan().address == from) {
         pair(response.id).answered(response);
     }

@@ -61,7 +61,7 @@ private:
     void startMore();
     void awaitEnds();
     void takeEnds();
-    void answered(const boost::asio::ip::udp::endpoint &from, const snmp::Response &response);
+    void answered(const boost::asio::ip::udp::endpoint &from, const snmp::DecodedResponse &response);
     void reportProgress();
     void endIfGone();
     void killLater();

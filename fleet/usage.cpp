@@ -43,8 +43,9 @@ public:
         readings_.assign(agents_.size(), {});
         missing_ = agents_.size();
         boost::asio::io_context io(1);
-        AgentAsker asker(io, agents_.front().address(),
-                         [this](const udp::endpoint &from, const snmp::Response &response) { take(from, response); });
+        AgentAsker asker(
+            io, agents_.front().address(),
+            [this](const udp::endpoint &from, const snmp::DecodedResponse &response) { take(from, response); });
         // An agent that waits for a hanging service does not answer in time, and an overrun socket loses requests.
         constexpr int kAttempts = 4;
         constexpr std::chrono::milliseconds kPatience{500};
@@ -68,7 +69,7 @@ private:
         }
     }
 
-    void take(const udp::endpoint &from, const snmp::Response &response) {
+    void take(const udp::endpoint &from, const snmp::DecodedResponse &response) {
         if (response.id < agents_.size() && agents_[response.id] == from && response.error == 0 &&
             response.values == 1 && !readings_[response.id].count) {
             readings_[response.id] = {response.count, Clock::now(), asked_[response.id]};

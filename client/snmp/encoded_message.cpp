@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "message.h"
+#include "encoded_message.h"
 
 #include <algorithm>
 #include <array>
@@ -153,13 +153,13 @@ Message setRequest(const Varbind &varbind) {
     return {SNMP_MSG_SET, {varbind}, 1};
 }
 
-Response parse(std::string_view message) {
+DecodedResponse parse(std::string_view message) {
     Reader reader(message);
     reader.enter(ASN_SEQUENCE | ASN_CONSTRUCTOR);
     reader.number();     // version
     reader.skipString(); // community
     reader.enter(SNMP_MSG_RESPONSE);
-    Response response;
+    DecodedResponse response;
     response.id = static_cast<std::uint32_t>(reader.number() & kIdMask);
     response.error = reader.number();
     reader.number(); // error-index

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /** @file SNMPv2c messages that are encoded once and sent many times, each time with another request-id. */
-#ifndef CLIENT_SNMP_MESSAGE_H
-#define CLIENT_SNMP_MESSAGE_H
+#ifndef CLIENT_SNMP_ENCODED_MESSAGE_H
+#define CLIENT_SNMP_ENCODED_MESSAGE_H
 
 #include <cstddef>
 #include <cstdint>
@@ -50,7 +50,7 @@ Message getBulkRequest(const std::string &oid, std::size_t repetitions);
 Message setRequest(const Varbind &varbind);
 
 /** Content of a response. */
-struct Response {
+struct DecodedResponse {
     std::uint32_t id = 0;    ///< 24 bits, as in Message::withId()
     long error = 0;          ///< error-status
     std::size_t values = 0;  ///< varbinds without an exception such as noSuchObject
@@ -58,7 +58,7 @@ struct Response {
 };
 
 /** Decodes a response. @throws std::runtime_error for a malformed one or another kind of message */
-Response parse(std::string_view message);
+DecodedResponse parse(std::string_view message);
 
 } // namespace snmp
 
