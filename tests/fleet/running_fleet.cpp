@@ -14,11 +14,9 @@ namespace {
 
 constexpr std::chrono::seconds kStartTime{90};
 
-/**
- * Returns the environment of the program. In a sanitized build, its agents are scripts that load the sanitizer's
- * runtime into the agent, which is not sanitized itself.
- */
-std::map<std::string, std::string> environment(const TemporaryDirectory &files) {
+} // namespace
+
+std::map<std::string, std::string> fleetEnvironment(const TemporaryDirectory &files) {
     std::string preloaded;
     for (const std::string &library : harness::sanitizerRuntimes()) {
         preloaded += (preloaded.empty() ? "" : ":") + library;
@@ -33,8 +31,6 @@ std::map<std::string, std::string> environment(const TemporaryDirectory &files) 
     return {{"QUARNSNMP_SNMPD", script}};
 }
 
-} // namespace
-
 CommandResult runFleetProgram(const std::vector<std::string> &arguments) {
     std::vector<std::string> command = {FLEET_PROGRAM};
     command.insert(command.end(), arguments.begin(), arguments.end());
@@ -44,7 +40,7 @@ CommandResult runFleetProgram(const std::vector<std::string> &arguments) {
 void RunningFleet::begin(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), FLEET_PROGRAM);
     arguments.insert(arguments.end(), {"--port", port(), "--directory", directory_});
-    process_ = std::make_unique<Process>(Launch{arguments, environment(files_)});
+    process_ = std::make_unique<Process>(Launch{arguments, fleetEnvironment(files_)});
 }
 
 void RunningFleet::start(std::vector<std::string> arguments) {

@@ -6,6 +6,7 @@
 #ifndef QUARNSNMP_TESTS_RUNNING_FLEET_H
 #define QUARNSNMP_TESTS_RUNNING_FLEET_H
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,6 +21,13 @@
 namespace fleet_test {
 
 using namespace support;
+
+/**
+ * Returns the environment of the program. In a sanitized build, its agents are scripts that load the sanitizer's
+ * runtime into the agent, which is not sanitized itself.
+ * @param files  directory for the script
+ */
+std::map<std::string, std::string> fleetEnvironment(const TemporaryDirectory &files);
 
 /** Runs the program to its end. */
 CommandResult runFleetProgram(const std::vector<std::string> &arguments);

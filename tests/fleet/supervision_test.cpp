@@ -80,9 +80,12 @@ TEST(FleetEnd, LeavesNothingBehind) {
 }
 
 TEST(FleetEnd, RemovesItsTemporaryDirectory) {
+    const TemporaryDirectory scripts;
     const TemporaryDirectory files;
     const harness::ReservedPort port;
-    Process fleet({{FLEET_PROGRAM, "1", "--port", std::to_string(port.number())}, {{"TMPDIR", files.path()}}});
+    std::map<std::string, std::string> environment = fleetEnvironment(scripts);
+    environment["TMPDIR"] = files.path();
+    Process fleet({{FLEET_PROGRAM, "1", "--port", std::to_string(port.number())}, environment});
     ASSERT_TRUE(fleet.output().waitFor("1 camera ready in ")) << fleet.errors().text();
     EXPECT_EQ(1U, entriesOf(files.path()).size());
     EXPECT_TRUE(fleet.end(std::chrono::seconds(20)).clean());
