@@ -160,12 +160,23 @@ void Model::addScalars() {
                                     {"hwVersion", oids::hwVersion}}) {
         add(name, oid, constant(octets(std::string("W-") + name)));
     }
-    add("temperature", oids::temperature, constant({"", snmp::Type::Gauge32, 31, ""}));
+    Instance temperature;
+    temperature.read = [this]() -> Varbind {
+        if (isAway) {
+            isAway = false;
+            return {"", snmp::Type::NoSuchInstance, 0, ""};
+        }
+        return {"", snmp::Type::Gauge32, 31, ""};
+    };
+    add("temperature", oids::temperature, temperature);
     add("power", oids::power, constant(number(0)));
     add("voltage", oids::voltage, constant(number(0)));
     const auto restart = std::make_shared<Varbind>(number(0));
     add("rebootDevice", oids::rebootDevice, stored(restart, integerFrom(INT32_MIN, INT32_MAX))).write =
-        [this](const Varbind &value) { restarts += value.number == 1 ? 1 : 0; };
+        [this](const Varbind &value) {
+            restarts += value.number == 1 ? 1 : 0;
+            isAway = value.number == 1;
+        };
 }
 
 void Model::addRanges() {

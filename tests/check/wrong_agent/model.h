@@ -84,6 +84,7 @@ public:
     unsigned int automatic = 0;                                          ///< bits of automatic features
     std::map<std::int64_t, std::array<double, ptz::kAxisCount>> presets; ///< positions by number
     int restarts = 0;
+    bool isAway = false; ///< a restart has begun, which the next reading of the temperature shows
     bool obeysTimeouts = true;
     bool obeysStops = true;
     bool obeysAbsolutes = true;
