@@ -29,7 +29,7 @@ struct FleetCamera {
 /** Returns the cameras of a running fleet. @throws std::runtime_error without a fleet in the directory */
 std::vector<FleetCamera> camerasOf(const std::string &directory);
 
-/** Reads the cameras in the answer of a fleet. @throws std::runtime_error for an answer that is none */
+/** Reads the cameras in the answer of a fleet. @throws std::runtime_error for a malformed one */
 std::vector<FleetCamera> camerasIn(const nlohmann::json &answer);
 
 /**

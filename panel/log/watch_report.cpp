@@ -164,7 +164,7 @@ std::optional<WatchReport> parseWatchReport(std::string_view datagram) {
     } catch (const Malformed &) {
         return std::nullopt;
     } catch (const std::invalid_argument &) {
-        return std::nullopt; // an OID or octets that are none
+        return std::nullopt; // malformed text of an OID or of octets
     }
 }
 

@@ -5,7 +5,6 @@
 #include <memory>
 #include <set>
 #include <string>
-#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,6 +12,7 @@
 #include "agent.h"
 #include "check/move_guard.h"
 #include "check/runner.h"
+#include "eventually.h"
 #include "faults.h"
 #include "library.h"
 
@@ -57,12 +57,7 @@ private:
 
     template <typename Test>
     Seen seen(Test test, milliseconds patience = {}) {
-        const auto deadline = std::chrono::steady_clock::now() + patience;
-        bool isSo = agent_.look(test);
-        while (!isSo && std::chrono::steady_clock::now() < deadline) {
-            std::this_thread::sleep_for(milliseconds(5));
-            isSo = agent_.look(test);
-        }
+        const bool isSo = support::eventually(patience, [&] { return agent_.look(test); });
         return {isSo ? Seen::Answer::Yes : Seen::Answer::No, isSo ? "so" : "not so"};
     }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The program with agents that answer what no agent should. Whatever they send, the program ends in time, says what is
-// wrong, takes no wrong value for one of the camera, and prints nothing that controls a terminal or breaks JSON.
+// The program with agents that send wrong answers. It always ends in time, names the error, takes no wrong value for
+// one of the camera, and prints nothing that controls a terminal or breaks JSON.
 #include <algorithm>
 
 #include <gmock/gmock.h>
